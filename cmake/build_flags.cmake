@@ -1,0 +1,34 @@
+# Flags that every target of the project is compiled with.
+add_library(halyrig_flags INTERFACE)
+
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+
+target_compile_options(halyrig_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+    # Two roundings where the source says two: every build gives the same number.
+    -ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # GCC 12 sees an overlap in `"literal" + string` where there is none.
+    target_compile_options(halyrig_flags INTERFACE -Wno-restrict)
+endif()
+target_include_directories(halyrig_flags INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_definitions(halyrig_flags INTERFACE HALYRIG_VERSION="${PROJECT_VERSION}")
+
+if(WIN32)
+    # SSE2 in place of x87, whose wider registers compare and round differently from every other build; the compiler's own
+    # printf and scanf in place of the old C run time's.
+    target_compile_options(halyrig_flags INTERFACE -msse2 -mfpmath=sse)
+    target_compile_definitions(halyrig_flags INTERFACE
+        UNICODE _UNICODE WINVER=0x0601 _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=1 TWR_EXPORT_CALL=__stdcall)
+    target_link_options(halyrig_flags INTERFACE -static -Wl,--nxcompat -Wl,--dynamicbase)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release")
+        target_link_options(halyrig_flags INTERFACE -s)
+    endif()
+else()
+    target_compile_definitions(halyrig_flags INTERFACE TWR_EXPORT_CALL=)
+endif()
+
+if(HALYRIG_SANITIZE)
+    add_compile_options(-fsanitize=${HALYRIG_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${HALYRIG_SANITIZE})
+endif()

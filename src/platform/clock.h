@@ -1,0 +1,31 @@
+// The time of day and the time zone of the machine.
+#pragma once
+#include <cstdint>
+#include <optional>
+
+namespace twr {
+
+class Clock {
+public:
+    virtual ~Clock() = default;
+
+    // 100 ns ticks since 1970-01-01 00:00 UTC.
+    virtual std::int64_t Ticks() const = 0;
+};
+
+// Minutes to add to local time to get UTC, so that a zone east of Greenwich has a negative bias.
+struct ZoneState {
+    std::int32_t bias;
+    std::int32_t daylightBias;  // on top of `bias` while daylight time is in force
+    bool daylight;              // daylight time is in force now
+};
+
+class Zone {
+public:
+    virtual ~Zone() = default;
+
+    // Nothing when the zone can't be told.
+    virtual std::optional<ZoneState> Now() const = 0;
+};
+
+}  // namespace twr

@@ -1,0 +1,26 @@
+// The text screen that a command-line program writes to, and its user's wish to stop.
+#pragma once
+#include <optional>
+#include <string_view>
+
+namespace twr {
+
+struct ConsoleSize {
+    int columns, rows;
+};
+
+class Console {
+public:
+    virtual ~Console() = default;
+
+    // Nothing when standard output is no terminal but a file or a pipe.
+    virtual std::optional<ConsoleSize> Size() const = 0;
+
+    // Writes UTF-8 to standard output and flushes. False when nobody takes it any more.
+    virtual bool Write(std::string_view utf8) = 0;
+
+    // Waits; false as soon as the user has asked the program to stop (Ctrl-C, or its terminal is gone).
+    virtual bool Wait(int milliseconds) = 0;
+};
+
+}  // namespace twr

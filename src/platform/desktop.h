@@ -1,0 +1,51 @@
+// The user's desktop: message boxes, the running of a dialog, and the one instance of a program.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "platform/dialog.h"
+
+namespace twr {
+
+enum class BoxButtons { kOk, kYesNo };
+enum class BoxIcon { kNone, kQuestion, kStop };
+enum class BoxAnswer { kNone, kOk, kYes, kNo };
+
+class Desktop {
+public:
+    virtual ~Desktop() = default;
+
+    // Shows a box and waits for its answer, while the timer of an open dialog goes on. kNone where nobody can answer.
+    virtual BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) = 0;
+
+    // Shows the dialog until it has ended. After PostQuit it opens and ends at once.
+    virtual void RunDialog(const DialogTemplate& layout, Dialog& dialog) = 0;
+
+    // Shows a text with an OK button on top of the open dialog, laid out as `layout`, until the user closes it.
+    virtual void ShowAbout(const DialogTemplate& layout, std::u16string_view text) = 0;
+
+    // Ends the loop of the dialog that runs or is to run next, without asking.
+    virtual void PostQuit() = 0;
+};
+
+class Instance {
+public:
+    virtual ~Instance() = default;
+
+    // Takes the name for the life of the process. False when another process has it; true also when that can't be told.
+    virtual bool Claim(std::u16string_view name) = 0;
+
+    // Brings forward the window with this caption that another process shows.
+    virtual void RaiseOther(std::u16string_view caption) = 0;
+};
+
+// Reads the four numbers of the running program's file version; nothing when it has none.
+class Executable {
+public:
+    virtual ~Executable() = default;
+    virtual std::optional<std::array<std::uint16_t, 4>> FileVersion() const = 0;
+};
+
+}  // namespace twr

@@ -1,0 +1,30 @@
+// Libraries that are loaded while the program runs. Their functions have the linkage TWR_EXPORT_CALL, which the build defines for
+// each system.
+#pragma once
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace twr {
+
+// A loaded library; freed with the object.
+class Library {
+public:
+    virtual ~Library() = default;
+
+    // nullptr when the library has no such export.
+    virtual void* Find(const char* name) const = 0;
+};
+
+class Libraries {
+public:
+    virtual ~Libraries() = default;
+
+    // nullptr when there is no library at the path or it can't be loaded.
+    virtual std::unique_ptr<Library> Load(std::u16string_view path) = 0;
+};
+
+// The folder of the program or library that holds `address`; empty when it can't be told.
+std::u16string ModuleFolder(const void* address);
+
+}  // namespace twr

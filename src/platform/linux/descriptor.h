@@ -1,0 +1,38 @@
+// Open file descriptors and what is done with them again and again.
+#pragma once
+#include <string>
+#include <string_view>
+
+namespace twr {
+
+// Owns a descriptor; -1 is none.
+class Descriptor {
+public:
+    explicit Descriptor(int number = -1) : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(other.Release()) {}
+    Descriptor& operator=(Descriptor&& other) noexcept;
+    ~Descriptor();
+
+    explicit operator bool() const { return number_ >= 0; }
+    int Get() const { return number_; }
+    int Release();
+
+    // False also when the system reports what had been written as lost.
+    bool Close();
+
+private:
+    int number_;
+};
+
+// A path of the program as the system wants it.
+std::string NativePath(std::u16string_view path);
+
+// Opens a plain file with the flags of open(2), without ever waiting for a pipe or a device; those and folders are refused.
+Descriptor OpenPlainFile(const std::string& path, int flags, unsigned mode = 0666);
+
+bool WriteAll(const Descriptor& file, std::string_view bytes);
+
+// Makes every missing level of a folder for its owner alone.
+void MakeFolders(const std::string& path);
+
+}  // namespace twr

@@ -1,0 +1,126 @@
+#include "platform/files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/linux/descriptor.h"
+#include "platform/linux/services.h"
+#include "platform/paths.h"
+#include "platform/wide_text.h"
+
+namespace twr {
+namespace {
+
+class FileSource final : public ByteSource {
+public:
+    explicit FileSource(Descriptor file) : file_(std::move(file)) {}
+
+    std::size_t Read(char* to, std::size_t room) override {
+        ssize_t got = 0;
+        do {
+            got = read(file_.Get(), to, room);
+        } while (got < 0 && errno == EINTR);
+        return got > 0 ? static_cast<std::size_t>(got) : 0;
+    }
+
+private:
+    const Descriptor file_;
+};
+
+// Whether a name fits a pattern of "*" and "?". fnmatch knows more signs than these, and a "?" for one byte only.
+bool Fits(std::u16string_view name, std::u16string_view pattern) {
+    std::size_t n = 0, p = 0, starName = 0, star = pattern.npos;
+    while (n < name.size()) {
+        if (p < pattern.size() && pattern[p] == u'*') {
+            star = p++;
+            starName = n;
+        } else if (p < pattern.size() && (pattern[p] == u'?' || EqualsIgnoringCase(name.substr(n, 1), pattern.substr(p, 1)))) {
+            ++n, ++p;
+        } else if (star != pattern.npos) {
+            n = ++starName;
+            p = star + 1;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of(u'*', p) == pattern.npos;
+}
+
+bool IsPlainFile(const std::u16string& path) {
+    struct stat status {};
+    return stat(NativePath(path).c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool SameFile(const Descriptor& left, const Descriptor& right) {
+    struct stat a {};
+    struct stat b {};
+    return fstat(left.Get(), &a) == 0 && fstat(right.Get(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+class PosixFiles final : public Files {
+public:
+    explicit PosixFiles(const std::u16string& programData) : programData_(programData) {}
+
+    bool Exists(std::u16string_view path) const override { return access(NativePath(path).c_str(), F_OK) == 0; }
+
+    void MakeFolder(std::u16string_view path) override { mkdir(NativePath(path).c_str(), 0777); }
+
+    std::unique_ptr<ByteSource> Open(std::u16string_view path) override {
+        Descriptor file = OpenPlainFile(NativePath(path), O_RDONLY);
+        if (!file) return nullptr;
+        return std::make_unique<FileSource>(std::move(file));
+    }
+
+    bool Append(std::u16string_view path, std::string_view bytes) override {
+        Descriptor file = OpenPlainFile(NativePath(path), O_WRONLY | O_APPEND | O_CREAT);
+        return file && WriteAll(file, bytes) && file.Close();
+    }
+
+    bool Copy(std::u16string_view from, std::u16string_view to) override {
+        const Descriptor source = OpenPlainFile(NativePath(from), O_RDONLY);
+        if (!source) return false;
+        Descriptor target = OpenPlainFile(NativePath(to), O_WRONLY | O_CREAT);
+        if (!target || SameFile(source, target) || ftruncate(target.Get(), 0) != 0) return false;
+        char chunk[16384];
+        for (;;) {
+            const ssize_t got = read(source.Get(), chunk, sizeof chunk);
+            if (got < 0 && errno == EINTR) continue;
+            if (got < 0 || !WriteAll(target, {chunk, static_cast<std::size_t>(got)})) return false;
+            if (got == 0) return target.Close();
+        }
+    }
+
+    void Remove(std::u16string_view path) override { unlink(NativePath(path).c_str()); }
+
+    std::vector<std::u16string> List(std::u16string_view folder, std::u16string_view pattern) const override {
+        std::vector<std::u16string> paths;
+        DIR* entries = opendir(NativePath(folder).c_str());
+        if (!entries) return paths;
+        while (const dirent* entry = readdir(entries)) {
+            const std::u16string name = FromUtf8(entry->d_name);
+            std::u16string path = JoinPath(folder, name);
+            if (Fits(name, pattern) && IsPlainFile(path)) paths.push_back(std::move(path));
+        }
+        closedir(entries);
+        return paths;
+    }
+
+    // Its system sees to it that the folder is there, as far as it can.
+    std::u16string ProgramDataFolder() const override {
+        if (!programData_.empty()) MakeFolders(NativePath(programData_));
+        return programData_;
+    }
+
+private:
+    const std::u16string programData_;
+};
+
+}  // namespace
+
+std::unique_ptr<Files> MakeFiles(const std::u16string& programData) { return std::make_unique<PosixFiles>(programData); }
+
+}  // namespace twr

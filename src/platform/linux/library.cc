@@ -1,0 +1,79 @@
+#include "platform/library.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <link.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "platform/linux/descriptor.h"
+#include "platform/linux/services.h"
+#include "platform/wide_text.h"
+
+namespace twr {
+namespace {
+
+bool ReadAt(const Descriptor& file, void* to, std::size_t size, std::uint64_t offset) {
+    return pread(file.Get(), to, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
+}
+
+// The loader maps what the headers name without looking at the file's size, and a library cut short would end the process by a
+// signal.
+bool IsWhole(const std::string& path) {
+    const Descriptor file = OpenPlainFile(path, O_RDONLY);
+    struct stat status {};
+    ElfW(Ehdr) header{};
+    if (!file || fstat(file.Get(), &status) != 0 || !ReadAt(file, &header, sizeof header, 0)) return false;
+    if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_phentsize != sizeof(ElfW(Phdr))) return false;
+    std::vector<ElfW(Phdr)> segments(header.e_phnum);
+    if (!ReadAt(file, segments.data(), segments.size() * sizeof segments[0], header.e_phoff)) return false;
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    for (const auto& segment : segments) {
+        if (segment.p_offset > size || segment.p_filesz > size - segment.p_offset) return false;
+    }
+    return true;
+}
+
+class LoadedLibrary final : public Library {
+public:
+    explicit LoadedLibrary(void* handle) : handle_(handle) {}
+    ~LoadedLibrary() override { dlclose(handle_); }
+
+    void* Find(const char* name) const override { return dlsym(handle_, name); }
+
+private:
+    void* const handle_;
+};
+
+class SystemLibraries final : public Libraries {
+public:
+    std::unique_ptr<Library> Load(std::u16string_view path) override {
+        const std::string file = NativePath(path);
+        if (!file.starts_with('/') || !IsWhole(file)) return nullptr;  // without a slash the loader would search the system
+        void* handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (!handle) return nullptr;
+        return std::make_unique<LoadedLibrary>(handle);
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<Libraries> MakeLibraries() { return std::make_unique<SystemLibraries>(); }
+
+std::u16string ModuleFolder(const void* address) {
+    Dl_info info{};
+    void* extra = nullptr;
+    if (!dladdr1(address, &info, &extra, RTLD_DL_LINKMAP) || !extra) return {};
+    // The program itself has no name here, and is known to the loader only as it was called.
+    const char* name = static_cast<link_map*>(extra)->l_name;
+    char* real = realpath(name && *name ? name : "/proc/self/exe", nullptr);
+    const std::string path = real ? real : "";
+    std::free(real);
+    return FromUtf8(path.substr(0, path.rfind('/') == path.npos ? 0 : path.rfind('/')));
+}
+
+}  // namespace twr

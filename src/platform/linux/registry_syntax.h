@@ -1,0 +1,27 @@
+// The single entries of a registry file's text: how they are read and written.
+#pragma once
+#include <string>
+#include <string_view>
+
+#include "platform/registry.h"
+
+namespace twr {
+
+enum class RegistryEntryKind { kOther, kKey, kKeyDeletion, kValue, kValueDeletion };
+
+// A stretch of the text: as a rule one line, its end included; several lines for values that need them.
+struct RegistryEntry {
+    RegistryEntryKind kind = RegistryEntryKind::kOther;
+    std::string raw;
+    std::u16string
+        name;  // of the key, its root included, or of the value; empty for the default value and a key that can't be read
+    RegistryValue value;
+};
+
+// Takes the next entry off the front of a text that is not empty. A line that can't be read is an entry of kind kOther.
+RegistryEntry TakeRegistryEntry(std::string_view& text);
+
+std::string FormatRegistryKey(std::u16string_view key, std::string_view lineEnd);
+std::string FormatRegistryValue(std::u16string_view name, const RegistryValue& value, std::string_view lineEnd);
+
+}  // namespace twr

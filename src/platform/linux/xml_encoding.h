@@ -1,0 +1,10 @@
+// Encodings of XML documents beyond those that expat has itself.
+#pragma once
+#include <expat.h>
+
+namespace twr {
+
+// The handler for XML_SetUnknownEncodingHandler: whatever iconv knows with one or two bytes to a character.
+int FindXmlEncoding(void* unused, const XML_Char* name, XML_Encoding* encoding);
+
+}  // namespace twr

@@ -1,0 +1,53 @@
+// All services of the machine in one hand.
+#pragma once
+#include <memory>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/console.h"
+#include "platform/desktop.h"
+#include "platform/files.h"
+#include "platform/library.h"
+#include "platform/registry.h"
+#include "platform/shared_memory.h"
+#include "platform/xml.h"
+
+namespace twr {
+
+// What the core of the suite needs of the machine.
+struct CoreServices {
+    Clock& clock;
+    Zone& zone;
+    SharedMemory& memory;
+    Registry& registry;
+    Files& files;
+    Xml& xml;
+    Desktop& desktop;
+};
+
+// Where a system keeps what outlives a process. Tests pass their own, so that they never meet a running suite.
+struct Roots {
+    std::u16string namePrefix = {};  // put before the names of shared memory and locks
+    std::u16string registry = {};    // Linux: the registry's file; Windows: a key under the user's root, empty for that root itself
+    std::u16string programData = {};  // the folder for data that all users share
+    std::u16string runtime = {};      // Linux: the folder of the lock file
+    std::u16string lockTag = {};      // Linux: put behind the names of lock files, where several users share `runtime`
+};
+
+// The running user's own. Parts that can't be told are empty.
+Roots UserRoots();
+
+class System {
+public:
+    virtual ~System() = default;
+
+    virtual CoreServices Core() = 0;
+    virtual Libraries& GetLibraries() = 0;
+    virtual Instance& GetInstance() = 0;
+    virtual Executable& GetExecutable() = 0;
+    virtual Console& GetConsole() = 0;
+};
+
+std::unique_ptr<System> MakeSystem(const Roots& roots);
+
+}  // namespace twr

@@ -1,0 +1,26 @@
+// Small operations on wide text, and its way to and from narrow text.
+#pragma once
+#include <string>
+#include <string_view>
+
+namespace twr {
+
+// Text without the six white-space characters of the C locale at either end: space, tab, line feed, vertical tab, form feed,
+// carriage return.
+std::string_view Trimmed(std::string_view text);
+std::u16string_view Trimmed(std::u16string_view text);
+
+// Compares without regard to the case of the ASCII letters.
+bool EqualsIgnoringCase(std::u16string_view left, std::u16string_view right);
+
+// Each byte becomes the character of its number (Latin-1).
+std::u16string FromBytes(std::string_view bytes);
+
+// Each character becomes one byte; those above U+00FF, which no number or keyword holds, become '?'.
+std::string ToBytes(std::u16string_view text);
+
+// What is malformed becomes U+FFFD, in either direction.
+std::u16string FromUtf8(std::string_view utf8);
+std::string ToUtf8(std::u16string_view text);
+
+}  // namespace twr

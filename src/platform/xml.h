@@ -1,0 +1,56 @@
+// Reading and writing XML files.
+#pragma once
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace twr {
+
+struct XmlAttribute {
+    std::u16string name;  // without its prefix
+    std::u16string value;
+};
+
+struct XmlElement {
+    std::u16string name;                   // without its prefix
+    std::vector<XmlAttribute> attributes;  // in the order of the file, declarations of name spaces left out
+};
+
+// Gives the elements of a file one by one, in the order of their start tags, whatever their depth.
+class XmlReader {
+public:
+    virtual ~XmlReader() = default;
+
+    // False at the end of the document and at its first fault, a document type declaration included; all elements before it have
+    // been given by then, and none follows.
+    virtual bool Next(XmlElement& element) = 0;
+};
+
+// Writes an indented document: mark and declaration of UTF-8, lines ended by CR LF, two blanks a level. Each operation is false
+// when it fails.
+class XmlWriter {
+public:
+    virtual ~XmlWriter() = default;
+
+    virtual bool StartElement(std::u16string_view name) = 0;
+    virtual bool Attribute(std::u16string_view name, std::u16string_view value) = 0;
+    virtual bool Comment(std::u16string_view text) = 0;
+    virtual bool EndElement() = 0;
+
+    // Closes what is open and flushes.
+    virtual bool Finish() = 0;
+};
+
+class Xml {
+public:
+    virtual ~Xml() = default;
+
+    // nullptr when the file is absent or can't be read. The encoding is what a mark or the declaration says.
+    virtual std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) = 0;
+
+    // Creates the file or empties an existing one, and writes the declaration; nullptr when it can't.
+    virtual std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view path) = 0;
+};
+
+}  // namespace twr

@@ -1,0 +1,170 @@
+#include "platform/linux/registry_text.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "platform/wide_text.h"
+#include "support/xml_outline.h"
+
+namespace twr {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+const std::u16string kKey = u"HKEY_CURRENT_USER\\Software\\Tidewright\\core";
+const std::string kSection = "[HKEY_CURRENT_USER\\Software\\Tidewright\\core]\n";
+
+std::optional<RegistryValue> ValueOfA(const std::string& lines) { return RegistryText(kSection + lines).Find(kKey, u"a"); }
+
+TEST(RegistryText, ReadsEveryFormOfAValue) {
+    const struct {
+        std::string lines;
+        RegistryValue value;
+    } rows[] = {
+        {"\"a\"=\"15.85\"", StringValue(u"15.85")},
+        {"\"A\"=\"x\"\r\n", StringValue(u"x")},
+        {"  \"a\" = \t\"x\" \n", StringValue(u"x")},
+        {"\"a\"=\"C:\\\\x \\\"y\\\"\"\n", StringValue(u"C:\\x \"y\"")},
+        {"\"a\"=\"C:\\x\"\n", StringValue(u"C:\\x")},
+        {"\"a\"=\"one\r\ntwo\n[three]\"\n", StringValue(u"one\r\ntwo\n[three]")},
+        {"\"a\"=\"\xC3\xA4\xF0\x9F\x98\x80\"\n", StringValue(u"\u00E4\xD83D\xDE00")},
+        {"\"a\"=\"\"\n", StringValue(u"")},
+        {"\"a\"=dword:00000001\n", DwordValue(1)},
+        {"\"a\"=dword:FEdc\n", DwordValue(0xFEDC)},
+        {"\"a\"=hex:\n", {kRegistryBinary, {}}},
+        {"\"a\"=hex:0a,B,ff\n", {kRegistryBinary, {0x0A, 0x0B, 0xFF}}},
+        {"\"a\"=hex(2):25,00,\\\r\n  00,00\r\n", {kRegistryExpandString, {0x25, 0, 0, 0}}},
+        {"\"a\"=hex(1):61,00,\\ \n\t\\\n62\n", {kRegistryString, {0x61, 0, 0x62}}},
+        {"\"a\"=hex(4):01,02\n", {kRegistryDword, {1, 2}}},
+        {"\"a\"=hex(ffff0012):01\n", {0xFFFF0012, {1}}},
+        {"\"a\"=dword:1\n\"a\"=dword:2\n", DwordValue(2)},
+        {"\"a\"=dword:1\n\"b\"=\"open\n\"c\"=dword:3\n", DwordValue(1)},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.lines);
+        EXPECT_EQ(row.value, ValueOfA(row.lines));
+    }
+}
+
+TEST(RegistryText, HasNoValueWhereNoneCanBeRead) {
+    const std::string rows[] = {
+        "",
+        "\"a\"",
+        "\"a\"=",
+        "\"a\"=x\n",
+        "\"a\"=\"open\n",
+        "\"a\"=\"x\"y\n",
+        "\"a\"=dword:\n",
+        "\"a\"=dword:100000000\n",
+        "\"a\"=dword:-1\n",
+        "\"a\"=dword:1x\n",
+        "\"a\"=hex:0g\n",
+        "\"a\"=hex:100\n",
+        "\"a\"=hex:01 02\n",
+        "\"a\"=hex:01,\\x\n",
+        "\"a\"=hex():01\n",
+        "\"a\"=hex(100000000):01\n",
+        "a=\"x\"\n",
+        ";\"a\"=\"x\"\n",
+        "\"a\"=dword:1\n\"a\"=-\n",
+        "\"a\"=dword:1\n[-HKEY_CURRENT_USER\\software]\n",
+        "[HKEY_CURRENT_USER\\Software]\n\"a\"=dword:1\n",
+        "[HKEY_LOCAL_MACHINE\\Software\\Tidewright\\core]\n\"a\"=dword:1\n",
+        "[damaged\n\"a\"=dword:1\n",
+        "[]\n\"a\"=dword:1\n",
+    };
+    for (const auto& row : rows) EXPECT_EQ(std::nullopt, ValueOfA(row)) << row;
+}
+
+TEST(RegistryText, ReadsUtf16WithItsMarkAndUtf8WithAndWithoutIts) {
+    const std::u16string text = u"Windows Registry Editor Version 5.00\r\n\r\n[" + kKey + u"]\r\n@=\"\u00E4\"\r\n";
+    const std::string forms[] = {
+        ToUtf8(text),
+        "\xEF\xBB\xBF" + ToUtf8(text),
+        testing::Utf16Bytes(u"\uFEFF" + text, false),
+        testing::Utf16Bytes(u"\uFEFF" + text, true),
+    };
+    for (const auto& form : forms) {
+        RegistryText registry(form);
+        EXPECT_EQ(StringValue(u"\u00E4"), registry.Find(kKey, u""));
+        EXPECT_TRUE(registry.Bytes().ends_with(ToUtf8(text)));
+    }
+}
+
+TEST(RegistryText, KnowsWhichKeysAreThere) {
+    const RegistryText text(
+        "[HKEY_CURRENT_USER\\A\\B]\n[HKEY_CURRENT_USER\\C\\D]\n[-HKEY_CURRENT_USER\\C]\n[HKEY_CURRENT_USER\\Cx]\n");
+    for (const std::u16string_view key : {u"HKEY_CURRENT_USER\\A\\B", u"hkey_current_user\\a", u"HKEY_CURRENT_USER\\Cx"}) {
+        EXPECT_TRUE(text.HasKey(key)) << ToUtf8(key);
+    }
+    for (const std::u16string_view key :
+         {u"HKEY_CURRENT_USER\\A\\B\\C", u"HKEY_CURRENT_USER\\C", u"HKEY_CURRENT_USER\\C\\D", u""}) {
+        EXPECT_FALSE(text.HasKey(key)) << ToUtf8(key);
+    }
+}
+
+TEST(RegistryText, SetsAValueAndKeepsAllElse) {
+    const std::string before = "Windows Registry Editor Version 5.00\n\n; a comment\n" + kSection +
+                               "\"other\"=hex(7):61,00,\\\n  00,00\nnonsense \xFF\n\"a\"=\"old\"\n\n";
+    const std::string behind = "[HKEY_CURRENT_USER\\Software\\Other]\n\"a\"=dword:00000007\n\"gone\"=-";
+    const struct {
+        std::u16string key, name;
+        std::string expected;
+    } rows[] = {
+        {kKey, u"A", before.substr(0, before.find("\"a\"=")) + "\"A\"=dword:00000002\n\n" + behind},
+        {kKey, u"b", before.substr(0, before.size() - 1) + "\"b\"=dword:00000002\n\n" + behind},
+        {u"HKEY_CURRENT_USER\\Software\\other", u"gone", before + behind + "\n\"gone\"=dword:00000002\n"},
+        {u"HKEY_CURRENT_USER\\New", u"", before + behind + "\n\n[HKEY_CURRENT_USER\\New]\n@=dword:00000002\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(ToUtf8(row.key + u" " + row.name));
+        RegistryText text(before + behind);
+        text.Set(row.key, row.name, DwordValue(2));
+        EXPECT_EQ(row.expected, text.Bytes());
+        EXPECT_EQ(DwordValue(2), text.Find(row.key, row.name));
+        EXPECT_EQ(DwordValue(2), RegistryText(text.Bytes()).Find(row.key, row.name));
+    }
+}
+
+TEST(RegistryText, SetsAValueBehindTheDeletionOfItsKey) {
+    RegistryText text(kSection + "\"a\"=dword:1\n[-" + kSection.substr(1));
+    text.Set(kKey, u"b", DwordValue(2));
+    const RegistryText again(text.Bytes());
+    EXPECT_EQ(DwordValue(2), again.Find(kKey, u"b"));
+    EXPECT_EQ(std::nullopt, again.Find(kKey, u"a"));
+}
+
+TEST(RegistryText, WrapsLongBytesAsTheRegistryEditorDoes) {
+    RegistryText text(kSection);
+    text.Set(kKey, u"a", {kRegistryBinary, Bytes(30, 0x11)});
+    std::string lines = "\"a\"=hex:";
+    for (int i = 0; i < 22; ++i) lines += "11,";
+    EXPECT_TRUE(text.Bytes().starts_with(kSection + lines)) << text.Bytes();
+    for (std::size_t start = 0; start < text.Bytes().size(); start = text.Bytes().find('\n', start) + 1) {
+        EXPECT_LE(text.Bytes().find('\n', start) - start, 80u);
+    }
+}
+
+TEST(RegistryText, SurvivesDamageAndLosesNothingByIt) {
+    std::mt19937 random(1);
+    const std::string whole =
+        "Windows Registry Editor Version 5.00\r\n\r\n" + kSection +
+        "\"a\"=\"x\\\\y\\\"z\"\r\n@=hex(2):25,00,\\\r\n  00,00\r\n\"n\"=dword:0000000a\r\n[-HKEY_CURRENT_USER\\B]\r\n\"g\"=-\r\n";
+    for (int round = 0; round < 3000; ++round) {
+        std::string bytes = whole.substr(0, random() % (whole.size() + 1));
+        for (unsigned hits = random() % 5; hits > 0 && !bytes.empty(); --hits) {
+            const std::size_t at = random() % bytes.size();
+            static constexpr std::string_view kSigns = "\"\\[]=-@,:\r\n";
+            bytes[at] = random() % 2 == 0 ? kSigns[random() % kSigns.size()] : static_cast<char>(random() % 0xFE);
+        }
+        if (bytes.empty()) continue;
+        RegistryText text(bytes);
+        ASSERT_EQ(bytes, text.Bytes());
+        text.Set(kKey, u"a", DwordValue(round));
+        ASSERT_EQ(DwordValue(round), RegistryText(text.Bytes()).Find(kKey, u"a")) << bytes;
+    }
+}
+
+}  // namespace
+}  // namespace twr

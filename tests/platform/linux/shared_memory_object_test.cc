@@ -1,0 +1,138 @@
+// What other programs see of a block from outside.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <iostream>
+
+#include "platform/linux/descriptor.h"
+#include "platform/wide_text.h"
+#include "support/child_process.h"
+#include "support/test_system.h"
+
+namespace twr {
+namespace {
+
+constexpr std::size_t kSize = 166784;
+
+const testing::Role hold("hold object", [](const std::vector<std::string>& arguments) {
+    const auto system = MakeSystem(testing::TestRoots(arguments[0], FromUtf8(arguments[1])));
+    const auto block = system->Core().memory.CreateOrOpen(u"Block", kSize);
+    std::cout << (block ? "held" : "failed") << std::endl;
+    std::cin.get();
+    return 0;
+});
+
+// Leaves itself no room to map the block.
+const testing::Role unmapped("hold unmapped", [](const std::vector<std::string>& arguments) {
+    const auto system = MakeSystem(testing::TestRoots(arguments[0], FromUtf8(arguments[1])));
+    const rlimit room{1, 1};
+    setrlimit(RLIMIT_AS, &room);
+    const auto block = system->Core().memory.CreateOrOpen(u"Block", kSize);
+    std::printf("%s\n", !block             ? "failed"
+                        : block->Data()    ? "mapped"
+                        : block->Existed() ? "unmapped, existed"
+                                           : "unmapped, created");
+    std::fflush(stdout);
+    std::getchar();
+    return 0;
+});
+
+class SharedMemoryObjectTest : public ::testing::Test {
+protected:
+    ~SharedMemoryObjectTest() override { shm_unlink(ObjectName().c_str()); }
+
+    std::string ObjectName() const {
+        return "/" + ToUtf8(testing::TestRoots(test_.name, test_.folder.Text()).namePrefix) + "Block";
+    }
+
+    Descriptor Object(int flags = O_RDWR) const { return Descriptor(shm_open(ObjectName().c_str(), flags, 0600)); }
+
+    std::unique_ptr<testing::ChildProcess> Start(const char* role) {
+        return testing::StartRole(role, {test_.name, ToUtf8(test_.folder.Text())});
+    }
+
+    testing::TestSystem test_;
+    SharedMemory& memory_ = test_.system->Core().memory;
+};
+
+short LockOn(const Descriptor& object) {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    EXPECT_EQ(0, fcntl(object.Get(), F_OFD_GETLK, &lock));
+    if (lock.l_type != F_UNLCK) {
+        EXPECT_EQ(0, lock.l_start);
+        EXPECT_EQ(0, lock.l_len) << "not to the end";
+    }
+    return lock.l_type;
+}
+
+TEST_F(SharedMemoryObjectTest, IsReadLockedAsAWholeAndGoneWithItsLastHolder) {
+    auto creator = memory_.CreateOrOpen(u"Block", kSize);
+    auto other = memory_.CreateOrOpen(u"Block", kSize);
+    ASSERT_TRUE(creator && other);
+    const Descriptor object = Object();
+    ASSERT_TRUE(object);
+    struct stat status {};
+    ASSERT_EQ(0, fstat(object.Get(), &status));
+    EXPECT_EQ(0600u, status.st_mode & 07777);
+    EXPECT_EQ(static_cast<off_t>(kSize), status.st_size);
+    EXPECT_EQ(F_RDLCK, LockOn(object));
+    creator.reset();
+    EXPECT_EQ(F_RDLCK, LockOn(object)) << "one that joined";
+    EXPECT_TRUE(Object());
+    other.reset();
+    EXPECT_FALSE(Object());
+}
+
+TEST_F(SharedMemoryObjectTest, WhatAKilledHolderLeavesIsTakenAway) {
+    const auto holder = Start("hold object");
+    ASSERT_EQ("held", holder->ReadLine());
+    holder->Kill();
+    holder->Wait();
+    ASSERT_TRUE(Object()) << "a killed holder takes nothing away itself";
+    EXPECT_EQ(nullptr, memory_.OpenExisting(u"Block", kSize));
+    EXPECT_FALSE(Object());
+}
+
+TEST_F(SharedMemoryObjectTest, AnObjectOfAnotherSizeThatNobodyHoldsIsNoObstacle) {
+    ASSERT_EQ(0, ftruncate(Object(O_RDWR | O_CREAT).Get(), 12));
+    const auto block = memory_.CreateOrOpen(u"Block", kSize);
+    ASSERT_NE(nullptr, block);
+    EXPECT_FALSE(block->Existed());
+}
+
+TEST_F(SharedMemoryObjectTest, IsGoneAfterManyHaveLeftAtOnce) {
+    for (int round = 0; round < 20; ++round) {
+        std::vector<std::unique_ptr<testing::ChildProcess>> children;
+        for (int i = 0; i < 3; ++i) children.push_back(Start("hold object"));
+        for (const auto& child : children) ASSERT_EQ("held", child->ReadLine());
+        for (const auto& child : children) child->WriteLine("leave");
+        for (const auto& child : children) EXPECT_EQ(0, child->Wait());
+        EXPECT_FALSE(Object());
+    }
+}
+
+TEST_F(SharedMemoryObjectTest, ABlockThatCantBeMappedIsStillHeld) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer needs the room";
+#endif
+    const auto holder = Start("hold unmapped");
+    ASSERT_EQ("unmapped, created", holder->ReadLine());
+    const auto block = memory_.OpenExisting(u"Block", kSize);
+    ASSERT_NE(nullptr, block);
+    EXPECT_NE(nullptr, block->Data());
+}
+
+TEST_F(SharedMemoryObjectTest, ABlockWithoutMemoryBehindItIsNoBlock) {
+    EXPECT_EQ(nullptr, memory_.CreateOrOpen(u"Block", std::size_t{1} << 62));
+    EXPECT_FALSE(Object());
+}
+
+}  // namespace
+}  // namespace twr

@@ -1,0 +1,2 @@
+// A library for library_test.cc to load.
+extern "C" int Answer() { return 42; }

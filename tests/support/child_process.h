@@ -1,0 +1,42 @@
+// A second process of the running test program, for what only two processes can show.
+#pragma once
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace twr::testing {
+
+class ChildProcess {
+public:
+    virtual ~ChildProcess() = default;  // kills it if it still runs
+
+    // The next line of its standard output, without its end; empty when the output has ended.
+    virtual std::string ReadLine() = 0;
+
+    // Writes a line to its standard input.
+    virtual void WriteLine(const std::string& line) = 0;
+
+    virtual void Kill() = 0;  // at once, without a chance to clean up
+    virtual int Wait() = 0;   // its exit status
+};
+
+// Starts this program again as `role`; the main of the test programs sees to the rest.
+std::unique_ptr<ChildProcess> StartRole(const std::string& role, const std::vector<std::string>& arguments);
+
+// Starts a program with its standard streams connected; nullptr when it can't be started.
+std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::vector<std::string>& arguments);
+
+// A role registers itself under its name with a static object of this type and gives the exit status.
+struct Role {
+    Role(const char* name, std::function<int(const std::vector<std::string>&)> body);
+};
+
+// Of a program that StartRole has started: runs its role and gives the exit status. Nothing for any other.
+std::optional<int> RunRole(int argc, char** argv);
+
+// The path of the running program.
+std::string OwnProgram();
+
+}  // namespace twr::testing

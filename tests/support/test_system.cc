@@ -1,0 +1,19 @@
+#include "support/test_system.h"
+
+#include "platform/paths.h"
+#include "platform/wide_text.h"
+
+namespace twr::testing {
+
+Roots TestRoots(const std::string& name, const std::u16string& folder) {
+    Roots roots;
+    roots.namePrefix = u"HalyrigTest_" + FromBytes(name) + u"_";
+    // Where paths are parted by slashes the registry is a file, elsewhere a key.
+    roots.registry =
+        kPathSeparator == u'/' ? JoinPath(folder, u"config/registry.reg") : u"Software\\HalyrigTest\\" + FromBytes(name);
+    roots.programData = JoinPath(folder, u"ProgramData");
+    roots.runtime = folder;
+    return roots;
+}
+
+}  // namespace twr::testing

@@ -1,0 +1,20 @@
+// The real services of this system, under roots that no running suite and no other test knows.
+#pragma once
+#include <memory>
+#include <string>
+
+#include "platform/system.h"
+#include "support/temp_folder.h"
+
+namespace twr::testing {
+
+// Roots that follow from `name` and `folder` alone, so that a second process can make the same.
+Roots TestRoots(const std::string& name, const std::u16string& folder);
+
+struct TestSystem {
+    TempFolder folder;
+    std::string name = UniqueName();
+    std::unique_ptr<System> system = MakeSystem(TestRoots(name, folder.Text()));
+};
+
+}  // namespace twr::testing
