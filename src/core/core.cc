@@ -1,0 +1,59 @@
+// Attachment to the record and its end.
+#include "core/core.h"
+
+#include <cstdio>
+
+#include "core/initialise.h"
+#include "core/shared_field.h"
+#include "platform/wide_text.h"
+
+namespace twr {
+
+namespace {
+
+// Layout and size are part of the name, so that a program built for another layout finds another block.
+std::u16string RecordName() {
+    char name[64];
+    std::snprintf(name, sizeof name, "TwrCore_%d_%u", static_cast<int>(kRecordLayout), static_cast<unsigned>(sizeof(CoreRecord)));
+    return FromBytes(name);
+}
+
+}  // namespace
+
+CCore::CCore(const CoreServices& services, Attachment attachment) : services_(services) {
+    if (attachment == Attachment::kOpenOnly) {
+        AttachAsGuest();
+    } else {
+        Attach();
+        StampTime();
+    }
+}
+
+CCore::~CCore() = default;
+
+void CCore::Attach() {
+    mapping_ = services_.memory.CreateOrOpen(RecordName(), sizeof(CoreRecord));
+    if (!mapping_ || !mapping_->Data()) {
+        services_.desktop.PostQuit();
+        return;
+    }
+    view_ = static_cast<CoreRecord*>(mapping_->Data());
+    if (mapping_->Existed()) return;
+    InitialiseRecord(*view_);
+    LoadSavedSettings();
+}
+
+void CCore::AttachAsGuest() {
+    mapping_ = services_.memory.OpenExisting(RecordName(), sizeof(CoreRecord));
+    if (mapping_) view_ = static_cast<CoreRecord*>(mapping_->Data());
+}
+
+bool CCore::QuitRequested() const { return view_ && Load(view_->sysFlag[kFlagQuitRequest]) != 0; }
+
+std::int16_t CCore::ChannelTypeOf(ChannelId channel) const {
+    // The last user channel keeps the catalogue's type.
+    if (view_ && channel >= kUser0 && channel <= kUser30) return Load(view_->channels[channel].type);
+    return ChannelCatalogue()[channel].type;
+}
+
+}  // namespace twr

@@ -1,0 +1,17 @@
+// Times as doubles counting days since 1899-12-30 00:00 UTC. Durations are days too, and can be negative.
+#pragma once
+#include <cstdint>
+
+#include "platform/clock.h"
+
+namespace twr {
+
+inline constexpr double kTicksPerDay = 864000000000.0;  // of 100 ns
+inline constexpr double kDaysTo1970 = 25569.0;
+inline constexpr double kSecondsPerDay = 86400.0;
+
+inline double DaysFromTicks(std::int64_t ticks) { return static_cast<double>(ticks) / kTicksPerDay + kDaysTo1970; }
+
+inline double UtcNowDays(const Clock& clock) { return DaysFromTicks(clock.Ticks()); }
+
+}  // namespace twr

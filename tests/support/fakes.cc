@@ -1,0 +1,138 @@
+#include "support/fakes.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/paths.h"
+
+namespace twr::testing {
+namespace {
+
+using Bytes = std::shared_ptr<std::vector<std::max_align_t>>;
+
+class FakeBlock : public SharedBlock {
+public:
+    FakeBlock(Bytes bytes, bool existed, bool mapped) : bytes_(std::move(bytes)), existed_(existed), mapped_(mapped) {}
+    void* Data() const override { return mapped_ ? bytes_->data() : nullptr; }
+    bool Existed() const override { return existed_; }
+
+private:
+    Bytes bytes_;
+    bool existed_, mapped_;
+};
+
+class FakeSource : public ByteSource {
+public:
+    explicit FakeSource(std::string bytes) : bytes_(std::move(bytes)) {}
+    std::size_t Read(char* to, std::size_t room) override {
+        const std::size_t count = std::min(room, bytes_.size() - used_);
+        std::memcpy(to, bytes_.data() + used_, count);
+        used_ += count;
+        return count;
+    }
+
+private:
+    std::string bytes_;
+    std::size_t used_ = 0;
+};
+
+std::u16string Lowered(std::u16string_view text) {
+    std::u16string lowered(text);
+    for (char16_t& c : lowered) {
+        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c + 32);
+    }
+    return lowered;
+}
+
+bool Fits(std::u16string_view name, std::u16string_view pattern) {
+    if (pattern.empty()) return name.empty();
+    if (pattern[0] == u'*') return Fits(name, pattern.substr(1)) || (!name.empty() && Fits(name.substr(1), pattern));
+    return !name.empty() && (pattern[0] == u'?' || pattern[0] == name[0]) && Fits(name.substr(1), pattern.substr(1));
+}
+
+}  // namespace
+
+std::unique_ptr<SharedBlock> FakeMemory::CreateOrOpen(std::u16string_view name, std::size_t size) {
+    if (failCreate) return nullptr;
+    if (auto block = OpenExisting(name, size)) return block;
+    const auto bytes = std::make_shared<std::vector<std::max_align_t>>(size / sizeof(std::max_align_t) + 1);
+    std::memset(static_cast<void*>(bytes->data()), 0, bytes->size() * sizeof(std::max_align_t));
+    blocks_[std::u16string(name)] = bytes;
+    return std::make_unique<FakeBlock>(bytes, false, !failMap);
+}
+
+std::unique_ptr<SharedBlock> FakeMemory::OpenExisting(std::u16string_view name, std::size_t) {
+    const auto bytes = blocks_[std::u16string(name)].lock();
+    return bytes ? std::make_unique<FakeBlock>(bytes, true, !failMap) : nullptr;
+}
+
+bool FakeRegistry::OpenOrCreate(std::u16string_view key) {
+    if (!unavailable) keys[Lowered(key)];
+    return !unavailable;
+}
+
+std::optional<RegistryValue> FakeRegistry::Read(std::u16string_view key, std::u16string_view name) const {
+    const auto values = keys.find(Lowered(key));
+    if (unavailable || values == keys.end()) return std::nullopt;
+    const auto value = values->second.find(Lowered(name));
+    return value == values->second.end() ? std::nullopt : std::optional(value->second);
+}
+
+bool FakeRegistry::Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) {
+    if (!unavailable) keys[Lowered(key)][Lowered(name)] = value;
+    return !unavailable;
+}
+
+BoxAnswer FakeDesktop::ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) {
+    boxes.push_back({std::u16string(text), std::u16string(caption), buttons, icon});
+    return answer(Box(boxes.back()));
+}
+
+const FakeFiles::File* FakeFiles::Find(std::u16string_view path) const {
+    const auto file = std::ranges::find(files, path, &File::path);
+    return file == files.end() ? nullptr : &*file;
+}
+
+bool FakeFiles::Exists(std::u16string_view path) const { return Find(path) || std::ranges::find(folders, path) != folders.end(); }
+
+void FakeFiles::MakeFolder(std::u16string_view path) {
+    if (!foldersFail) folders.emplace_back(path);
+}
+
+std::unique_ptr<ByteSource> FakeFiles::Open(std::u16string_view path) {
+    const File* file = Find(path);
+    return file && !file->locked ? std::make_unique<FakeSource>(file->bytes) : nullptr;
+}
+
+bool FakeFiles::Append(std::u16string_view path, std::string_view bytes) {
+    if (!Find(path)) files.push_back({std::u16string(path), {}});
+    std::ranges::find(files, path, &File::path)->bytes += bytes;
+    return true;
+}
+
+bool FakeFiles::Copy(std::u16string_view from, std::u16string_view to) {
+    copied.emplace_back(to);
+    const File* file = Find(from);
+    if (!file || copiesFail) return false;
+    const std::string bytes = file->bytes;
+    Remove(to);
+    removed.pop_back();
+    return Append(to, bytes);
+}
+
+void FakeFiles::Remove(std::u16string_view path) {
+    removed.emplace_back(path);
+    std::erase_if(files, [&](const File& file) { return file.path == path; });
+}
+
+std::vector<std::u16string> FakeFiles::List(std::u16string_view folder, std::u16string_view pattern) const {
+    std::vector<std::u16string> paths;
+    const std::u16string prefix = JoinPath(folder, u"");
+    for (const File& file : files) {
+        if (file.path.starts_with(prefix) && Fits(Lowered(file.path.substr(prefix.size())), Lowered(pattern)))
+            paths.push_back(file.path);
+    }
+    return paths;
+}
+
+}  // namespace twr::testing

@@ -1,0 +1,127 @@
+// Stand-ins for the services of a machine, each in the hand of the test. What a test needs of real files and XML it takes from a
+// real system over a temporary folder.
+#pragma once
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/days.h"
+#include "platform/system.h"
+
+namespace twr::testing {
+
+class FakeClock : public Clock {
+public:
+    std::int64_t Ticks() const override {
+        ++readings;
+        return ticks;
+    }
+    void AdvanceMs(std::int64_t ms) { ticks += ms * 10000; }
+    double Days() const { return DaysFromTicks(ticks); }
+
+    std::int64_t ticks = 17950464000000000;  // 2026-11-19 00:00 UTC
+    mutable int readings = 0;
+};
+
+class FakeZone : public Zone {
+public:
+    std::optional<ZoneState> Now() const override { return state; }
+    std::optional<ZoneState> state = ZoneState{0, 0, false};
+};
+
+// Blocks shared by all holders of this object, as other processes share them.
+class FakeMemory : public SharedMemory {
+public:
+    std::unique_ptr<SharedBlock> CreateOrOpen(std::u16string_view name, std::size_t size) override;
+    std::unique_ptr<SharedBlock> OpenExisting(std::u16string_view name, std::size_t size) override;
+
+    bool failCreate = false;
+    bool failMap = false;
+
+private:
+    std::map<std::u16string, std::weak_ptr<std::vector<std::max_align_t>>> blocks_;
+};
+
+class FakeRegistry : public Registry {
+public:
+    bool OpenOrCreate(std::u16string_view key) override;
+    std::optional<RegistryValue> Read(std::u16string_view key, std::u16string_view name) const override;
+    bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) override;
+
+    bool unavailable = false;
+    std::map<std::u16string, std::map<std::u16string, RegistryValue>> keys;
+};
+
+// A desktop without a dialog: boxes are recorded and answered as the test says.
+class FakeDesktop : public Desktop {
+public:
+    struct Box {
+        std::u16string text, caption;
+        BoxButtons buttons;
+        BoxIcon icon;
+    };
+
+    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) override;
+    void RunDialog(const DialogTemplate&, Dialog&) override {}
+    void ShowAbout(const DialogTemplate&, std::u16string_view text) override { about = text; }
+    void PostQuit() override { quit = true; }
+
+    std::vector<Box> boxes;
+    std::function<BoxAnswer(const Box&)> answer = [](const Box&) { return BoxAnswer::kNone; };
+    std::u16string about;
+    bool quit = false;
+};
+
+// Files kept in memory, for what needs no real ones.
+class FakeFiles : public Files {
+public:
+    bool Exists(std::u16string_view path) const override;
+    void MakeFolder(std::u16string_view path) override;
+    std::unique_ptr<ByteSource> Open(std::u16string_view path) override;
+    bool Append(std::u16string_view path, std::string_view bytes) override;
+    bool Copy(std::u16string_view from, std::u16string_view to) override;
+    void Remove(std::u16string_view path) override;
+    std::vector<std::u16string> List(std::u16string_view folder, std::u16string_view pattern) const override;
+    std::u16string ProgramDataFolder() const override { return programData; }
+
+    struct File {
+        std::u16string path;
+        std::string bytes;
+        bool locked = false;  // can be copied but not opened
+    };
+    std::vector<File> files;  // in the order in which List gives them
+    std::vector<std::u16string> folders;
+    std::u16string programData = u"/data";
+    bool foldersFail = false;
+    bool copiesFail = false;
+    std::vector<std::u16string> copied, removed;
+
+private:
+    const File* Find(std::u16string_view path) const;
+};
+
+// No file can be read and none written.
+class NoXml : public Xml {
+public:
+    std::unique_ptr<XmlReader> OpenReader(std::u16string_view) override { return nullptr; }
+    std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view) override { return nullptr; }
+};
+
+// A machine of fakes for tests of the core.
+struct FakeMachine {
+    FakeClock clock;
+    FakeZone zone;
+    FakeMemory memory;
+    FakeRegistry registry;
+    FakeFiles files;
+    NoXml xml;
+    FakeDesktop desktop;
+
+    CoreServices Services() { return {clock, zone, memory, registry, files, xml, desktop}; }
+};
+
+}  // namespace twr::testing

@@ -1,0 +1,59 @@
+// The record as another program of the suite sees it: by literal offsets, never through the product's own structs.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+namespace twr::testing {
+
+class RecordBytes {
+public:
+    static constexpr std::size_t kSize = 166784;
+
+    explicit RecordBytes(void* base) : base_(static_cast<unsigned char*>(base)) {}
+
+    template <class T>
+    T Get(std::size_t offset) const {
+        T value;
+        std::memcpy(&value, base_ + offset, sizeof value);
+        return value;
+    }
+    template <class T>
+    void Set(std::size_t offset, T value) {
+        std::memcpy(base_ + offset, &value, sizeof value);
+    }
+
+    double F64(std::size_t offset) const { return Get<double>(offset); }
+    std::int32_t I32(std::size_t offset) const { return Get<std::int32_t>(offset); }
+    std::uint8_t U8(std::size_t offset) const { return Get<std::uint8_t>(offset); }
+
+    std::u16string Text(std::size_t offset) const {
+        std::u16string text;
+        for (char16_t c; (c = Get<char16_t>(offset)) != 0; offset += 2) text.push_back(c);
+        return text;
+    }
+
+    static constexpr std::size_t SysValue(std::size_t i) { return 5440 + 8 * i; }
+    static constexpr std::size_t SysInt(std::size_t i) { return 6184 + 4 * i; }
+    static constexpr std::size_t SysFlag(std::size_t i) { return 6236 + i; }
+    static constexpr std::size_t Channel(std::size_t c) { return 6300 + 108 * c; }
+    static constexpr std::size_t Boat(std::size_t b) { return 51012 + 80 * b; }
+    static constexpr std::size_t kBoatCount = 6296;
+
+    // Boats 0 and 1.
+    static constexpr std::size_t Time(std::size_t boat, std::size_t c) { return 59016 + 13664 * boat + 8 * c; }
+    static constexpr std::size_t Value(std::size_t boat, std::size_t c) { return Time(boat, c) + 3312; }
+    static constexpr std::size_t Aux(std::size_t boat, std::size_t c) { return Time(boat, c) + 6624; }
+    static constexpr std::size_t Damped(std::size_t boat, std::size_t c) { return Time(boat, c) + 9936; }
+
+    // Boats 2 to 99, by short index.
+    static constexpr std::size_t FarTime(std::size_t boat, std::size_t k) { return 86344 + 816 * (boat - 2) + 8 * k; }
+    static constexpr std::size_t FarValue(std::size_t boat, std::size_t k) { return FarTime(boat, k) + 272; }
+    static constexpr std::size_t FarDamped(std::size_t boat, std::size_t k) { return FarTime(boat, k) + 544; }
+
+private:
+    unsigned char* base_;
+};
+
+}  // namespace twr::testing
