@@ -1,0 +1,84 @@
+#include "mapping/variable_file.h"
+
+#include <cstdio>
+#include <optional>
+#include <string>
+
+#include "platform/paths.h"
+#include "platform/text_lines.h"
+#include "platform/wide_text.h"
+
+namespace twr {
+namespace {
+
+constexpr std::string_view kSection = "[variables]";
+constexpr std::u16string_view kTimer = u"TIMER";
+constexpr std::size_t kUsualRows = 64;
+
+std::optional<MappingVar> ParseRow(const std::string& line) {
+    long long id = 0, column4 = 0, column5 = 0, column6 = 0;  // numbers that overflow wrap into their field
+    char name[16], column3[8];
+    if (std::sscanf(line.c_str(), "%lld %15[^ \t] %7[^ \t] %lld %lld %lld", &id, name, column3, &column4, &column5, &column6) !=
+        6) {
+        return std::nullopt;
+    }
+    MappingVar row;
+    row.dfwId = static_cast<std::int32_t>(id);
+    row.dfwName = FromBytes(name);
+    row.dfwColumn3 = FromBytes(column3);
+    row.dfwColumn4 = static_cast<std::int16_t>(column4);
+    row.dfwColumn6 = static_cast<std::int16_t>(column6);
+    return row;
+}
+
+DeckmanCatalogue ParseLines(TextLines lines) {
+    DeckmanCatalogue catalogue;
+    catalogue.rows.reserve(kUsualRows);
+    std::string line;
+    bool inSection = false;
+    std::int32_t previous = 0;
+    while (lines.Next(line)) {
+        line = Trimmed(std::string_view(line));
+        if (line.empty()) continue;
+        if (!inSection) {
+            inSection = line == kSection;
+            continue;
+        }
+        if (line.front() == '[') break;
+        const auto row = ParseRow(line);
+        if (!row || row->dfwId < previous) break;
+        previous = row->dfwId;
+        if (row->dfwName == kTimer) {
+            catalogue.timerVariableId = row->dfwId;
+        } else {
+            catalogue.rows.push_back(*row);
+        }
+    }
+    return catalogue;
+}
+
+}  // namespace
+
+DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::u16string_view copyPath) {
+    if (const auto source = files.Open(path)) return ParseLines(TextLines(*source));
+    // Deckman may hold its file in a way that lets others copy but not open it.
+    DeckmanCatalogue catalogue;
+    if (files.Copy(path, copyPath)) {
+        if (const auto source = files.Open(copyPath)) catalogue = ParseLines(TextLines(*source));
+    }
+    files.Remove(copyPath);
+    return catalogue;
+}
+
+DeckmanCatalogue FindVariableFile(Files& files, std::u16string_view dfwFolder, std::u16string_view copyPath) {
+    const std::u16string folder = JoinPath(dfwFolder, u"Data");
+    DeckmanCatalogue catalogue = ParseVariableFile(files, JoinPath(folder, u"J_vars06.d"), copyPath);
+    if (!catalogue.rows.empty()) return catalogue;
+    for (const std::u16string& path : files.List(folder, u"J_vars*.d")) {
+        catalogue = ParseVariableFile(files, path, copyPath);
+        if (!catalogue.rows.empty()) break;
+    }
+    return catalogue;
+}
+
+}  // namespace twr
