@@ -1,0 +1,41 @@
+// One line of an NMEA 0183 recording, taken apart.
+#pragma once
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace twr {
+
+struct NmeaSentence {
+    static constexpr std::size_t kMostFields = 48;
+
+    std::string_view talker;  // two characters
+    std::string_view type;    // three characters
+    std::array<std::string_view, kMostFields> fields;
+    std::size_t count = 0;
+
+    // Fields count from 1, as in every description of the sentences; one that isn't there is empty.
+    std::string_view Field(std::size_t number) const {
+        return number >= 1 && number <= count ? fields[number - 1] : std::string_view();
+    }
+
+    // Nothing when the field is empty or not a plain decimal number.
+    std::optional<double> Number(std::size_t number) const;
+};
+
+// A plain decimal number: a sign, digits and a point, nothing else.
+std::optional<double> ParseDecimal(std::string_view text);
+
+// Takes a line from "$" on, with blanks around it. Nothing for a line that is broken, proprietary or whose checksum is wrong; a
+// checksum may be missing. The views lead into the line.
+std::optional<NmeaSentence> ParseSentence(std::string_view line);
+
+// Seconds since midnight from "hhmmss" with or without decimals.
+std::optional<double> ParseTimeOfDay(std::string_view text);
+
+// Degrees from "ddmm.mm" and its letter, N and S or E and W.
+std::optional<double> ParseLatitude(std::string_view value, std::string_view letter);
+std::optional<double> ParseLongitude(std::string_view value, std::string_view letter);
+
+}  // namespace twr

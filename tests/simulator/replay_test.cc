@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "simulator/bounded_lines.h"
+#include "simulator/recording_replay.h"
+#include "support/fakes.h"
+
+namespace twr {
+namespace {
+
+using enum Quantity;
+
+// A recording whose boat speed says where in it the replay is.
+class Replay {
+public:
+    explicit Replay(const std::string& bytes) : replay_((files_.files.push_back({kPath, bytes}), files_), kPath) {}
+
+    float After(double seconds, Quantity quantity = kBsp) {
+        replay_.Advance(seconds);
+        return replay_.Now()[quantity];
+    }
+    float Now(Quantity quantity = kBsp) { return replay_.Now()[quantity]; }
+    void Remove() { files_.files.clear(); }
+    void Write(const std::string& bytes) { files_.files.push_back({kPath, bytes}); }
+
+private:
+    static constexpr const char16_t* kPath = u"/deckman/recording.nmea";
+    testing::FakeFiles files_;
+    RecordingReplay replay_;
+};
+
+std::string Speed(int knots) { return "$IIVHW,,T,,M," + std::to_string(knots) + ",N,,K\r\n"; }
+std::string At(const std::string& time) { return "$GPZDA," + time + ",,,,00,\r\n"; }
+
+TEST(RecordingReplay, FollowsTheRecordingsOwnClock) {
+    Replay replay(At("120000") + Speed(1) + At("120002") + Speed(2) + At("120002.50") + Speed(3) + At("120100") + Speed(4));
+    EXPECT_EQ(1.0F, replay.Now());
+    EXPECT_EQ(1.0F, replay.After(1.9));
+    EXPECT_EQ(2.0F, replay.After(0.2));
+    EXPECT_EQ(3.0F, replay.After(0.5));
+    EXPECT_EQ(3.0F, replay.After(9.5));
+    EXPECT_EQ(kAbsent, replay.After(1.0)) << "not renewed for ten seconds";
+    EXPECT_EQ(kAbsent, replay.After(46.0));
+    EXPECT_EQ(4.0F, replay.After(1.0));
+}
+
+TEST(RecordingReplay, TellsTimeAsItCan) {
+    const struct {
+        const char* name;
+        std::string bytes;
+        double seconds;  // after which the second speed is due, and not a tenth before
+    } rows[] = {
+        {"midnight", At("235959") + Speed(1) + At("000001") + Speed(2), 2.0},
+        {"position with time", "$GPGLL,,,,,120000,V\n" + Speed(1) + "$GPGLL,,,,,120003,V\n" + Speed(2), 3.0},
+        {"no clock", Speed(1) + "$IIHDT,1,T\n$IIHDT,1,T\n" + Speed(2), 1.0},
+        {"empty clock", At("") + Speed(1) + At("") + Speed(2), 1.0},
+        {"clock after a second round", Speed(9) + Speed(1) + At("120000") + Speed(1) + At("120004") + Speed(2), 4.0},
+        {"jitter within an epoch", At("120000.2") + At("120000") + Speed(1) + At("120001.2") + At("120001") + Speed(2), 1.0},
+        {"clock set back", At("120000") + Speed(9) + At("110000") + Speed(1) + At("110002") + Speed(2), 2.0},
+        {"broken time", At("120000") + Speed(1) + At("129900") + At("120002") + Speed(2), 2.0},
+        {"a gap of hours", At("120000") + Speed(1) + At("180000") + Speed(2), 60.0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Replay replay(row.bytes);
+        EXPECT_EQ(1.0F, replay.Now());
+        EXPECT_NE(2.0F, replay.After(row.seconds - 0.1));
+        EXPECT_EQ(2.0F, replay.After(0.2));
+    }
+}
+
+TEST(RecordingReplay, GoesOnByRoundsWhenTheClockIsLost) {
+    std::string bytes = At("120000") + Speed(1);
+    for (int i = 0; i < 1000; ++i) bytes += Speed(2);
+    Replay replay(bytes + Speed(3));
+    EXPECT_EQ(2.0F, replay.After(300.0));
+    EXPECT_EQ(2.0F, replay.After(300.0));
+    EXPECT_EQ(3.0F, replay.After(102.5));
+}
+
+TEST(RecordingReplay, SkipsBrokenLinesAndEmptyFields) {
+    Replay replay(Speed(1) + "$IIVHW,,T,,M,5,N,,K*00\n" + "$IIVHW,,T,,M,,N,,K\n" + std::string(100000, 'x') + "\n\n\x01\x1A\n" +
+                  "$IIMTW,14.5,C");
+    EXPECT_EQ(1.0F, replay.Now());
+    EXPECT_EQ(14.5F, replay.After(1.0, kSeaTemp));
+    EXPECT_EQ(1.0F, replay.Now()) << "an empty field changes nothing yet";
+}
+
+TEST(RecordingReplay, LoopsWithNothingLeftFromTheRoundBefore) {
+    Replay replay(At("120000") + Speed(1) + At("120002") + "$IIMTW,14.5,C\n");
+    for (int round = 0; round < 3; ++round) {
+        SCOPED_TRACE(round);
+        EXPECT_EQ(1.0F, replay.Now());
+        EXPECT_EQ(kAbsent, replay.Now(kSeaTemp));
+        EXPECT_EQ(14.5F, replay.After(2.1, kSeaTemp));
+        replay.After(0.95);
+    }
+}
+
+TEST(RecordingReplay, HasNothingWhileTheRecordingIsGone) {
+    Replay replay(At("120000") + Speed(1) + At("120002") + Speed(2));
+    replay.Remove();
+    EXPECT_EQ(2.0F, replay.After(2.5)) << "what is open plays on";
+    EXPECT_EQ(kAbsent, replay.After(1.0));
+    EXPECT_EQ(kAbsent, replay.After(100.0));
+    replay.Write(Speed(7));
+    EXPECT_EQ(7.0F, replay.After(1.0));
+}
+
+TEST(RecordingReplay, EndsEveryAdvanceWhateverTheFile) {
+    for (const std::string& bytes :
+         {std::string(), std::string(300000, '\n'), std::string(300000, '$'), std::string(300000, '\0')}) {
+        Replay replay(bytes);
+        EXPECT_EQ(kAbsent, replay.After(1000.0));
+        EXPECT_EQ(kAbsent, replay.After(1e12));
+    }
+}
+
+TEST(BoundedLines, CutsAtEveryKindOfEnd) {
+    testing::FakeFiles files;
+    const std::string longest(BoundedLines::kLongest, 'a');
+    files.files.push_back({u"/f", "one\r\ntwo\rthree\n" + longest + "\n" + longest + "b\nlast"});
+    const auto source = files.Open(u"/f");
+    BoundedLines lines(*source);
+    std::string all;
+    std::string_view line;
+    while (lines.Next(line)) {
+        if (!line.empty()) all.append(line).append("|");
+    }
+    EXPECT_EQ("one|two|three|" + longest + "|last|", all);
+}
+
+}  // namespace
+}  // namespace twr

@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <vector>
+
+#include "simulator/sailing_simulation.h"
+#include "simulator/variables.h"
+#include "simulator/yacht_polar.h"
+
+namespace twr {
+namespace {
+
+using enum Quantity;
+
+constexpr int kDay = 86400;
+
+double AngleBetween(double a, double b) { return std::abs(WrappedAngle(a - b)); }
+
+TEST(YachtPolar, HasItsBestAnglesWhereYachtsHaveThem) {
+    const YachtPolar polar;
+    for (double tws = 4.0; tws <= 24.0; tws += 1.0) {
+        SCOPED_TRACE(tws);
+        const auto [upwind, downwind] = polar.Best(tws);
+        EXPECT_TRUE(upwind >= 39.0 && upwind <= 46.0) << upwind;
+        EXPECT_TRUE(downwind >= 144.0 && downwind <= 156.0) << downwind;
+        for (double twa = 0.0; twa <= 180.0; twa += 1.0) {
+            EXPECT_GE(polar.Speed(tws + 1.0, twa) + 1e-9, polar.Speed(tws, twa)) << twa;
+            EXPECT_EQ(polar.Speed(tws, twa), polar.Speed(tws, -twa)) << twa;
+            EXPECT_LT(std::abs(polar.Speed(tws, twa + 1.0) - polar.Speed(tws, twa)), 0.5) << twa;
+        }
+    }
+}
+
+// Two boards to a point dead to windward take as long as its distance does at the best speed made good.
+TEST(YachtPolar, TellsTheTimeOfABeat) {
+    const YachtPolar polar;
+    const double angle = polar.Best(12.0).upwind;
+    EXPECT_NEAR(3600.0 / (polar.Speed(12.0, angle) * CosDegrees(angle)), polar.SailingTime(12.0, 0.0, 1.0), 1e-6);
+    EXPECT_NEAR(3600.0 / polar.Speed(12.0, 100.0), polar.SailingTime(12.0, -100.0, 1.0), 1e-6);
+    EXPECT_TRUE(std::isfinite(polar.SailingTime(0.0, 0.0, 1.0)));
+}
+
+// One simulated day, a moment for each second.
+const std::vector<Moment>& DayOf(std::uint64_t seed) {
+    static std::map<std::uint64_t, std::vector<Moment>> days;
+    std::vector<Moment>& day = days[seed];
+    if (day.empty()) {
+        SailingSimulation simulation(seed, 300);
+        day.reserve(kDay);
+        for (int second = 0; second < kDay; ++second) {
+            day.push_back(simulation.Now());
+            simulation.Advance(1.0);
+        }
+    }
+    return day;
+}
+
+class ADay : public ::testing::TestWithParam<std::uint64_t> {
+protected:
+    float Now(Quantity quantity) const { return day_[static_cast<std::size_t>(second_)][quantity]; }
+    bool Next() { return ++second_ < kDay; }
+
+    const std::vector<Moment>& day_ = DayOf(GetParam());
+    int second_ = 0;
+};
+
+TEST_P(ADay, AgreesWithItself) {
+    while (Next()) {
+        SCOPED_TRACE(second_);
+        const Vector boat = Towards(Now(kCourse), Now(kBsp));
+        const Vector ground = Towards(Now(kCog), Now(kSog));
+        const Vector current = Towards(Now(kSet), Now(kDrift));
+        const Vector trueWind = VelocityOf({Now(kTwd), Now(kTws)});
+        const Vector apparent = VelocityOf({Now(kHdg) + Now(kAwa), Now(kAws)});
+        const Vector groundWind = VelocityOf({Now(kGroundWindDirection), Now(kGroundWindSpeed)});
+        ASSERT_LT(Length(ground - boat - current), 1e-3);
+        ASSERT_LT(Length(apparent - (trueWind - boat)), 1e-3);
+        ASSERT_LT(Length(groundWind - (trueWind + current)), 1e-3);
+        ASSERT_LT(AngleBetween(Now(kTwd), Now(kCourse) + Now(kTwa)), 1e-3);
+        ASSERT_LT(AngleBetween(Now(kCourse), Now(kHdg) - Now(kLeeway)), 1e-3);
+        ASSERT_NEAR(Now(kVmg), Now(kBsp) * CosDegrees(Now(kTwa)), 1e-3);
+        if (Now(kBsp) > 5.0F && std::abs(Now(kLeeway)) < 7.9F) {
+            ASSERT_NEAR(10.0F * Now(kHeel) / (Now(kBsp) * Now(kBsp)), Now(kLeeway), 1e-3);
+        }
+    }
+}
+
+TEST_P(ADay, StaysPlausible) {
+    const struct {
+        Quantity quantity;
+        double least, most;
+    } bounds[] = {
+        {kBsp, 1.5, 20},       {kAwa, -180, 180},     {kAws, 0, 40},
+        {kTwa, -180, 180},     {kTws, 3, 26},         {kTwd, 0, 360},
+        {kHdg, 0, 360},        {kLeeway, -8, 8},      {kHeel, -28, 28},
+        {kTrim, -3, 4},        {kRudder, -25, 25},    {kRateOfTurn, -10, 10},
+        {kSog, 0.5, 21},       {kDrift, 0.2, 1},      {kTimer, 0, 300},
+        {kDepth, 230, 330},    {kSeaTemp, 13, 16},    {kAirTemp, 12, 20},
+        {kBaro, 1000, 1025},   {kVariation, -3, -3},  {kLat, 50.4, 50.6},
+        {kLon, -7.1, -6.9},    {kTargetBsp, 3, 20},   {kTargetTwa, -160, 160},
+        {kTargetVmg, -16, 8},  {kMarkDistance, 0, 3}, {kMarkTime, 0, 3600},
+        {kVolts, 24, 27},      {kForestay, 2, 15},    {kBackstay, 1, 8},
+        {kMastAngle, -13, 13}, {kPolarBsp, 0, 20},    {kGroundWindSpeed, 4, 25},
+        {kLog, 0, 300},
+    };
+    while (Next()) {
+        for (const auto& bound : bounds) {
+            const float value = Now(bound.quantity);
+            ASSERT_TRUE(value >= bound.least && value <= bound.most)
+                << "quantity " << static_cast<int>(bound.quantity) << " is " << value << " after " << second_ << " s";
+        }
+        const float percent = Now(kPolarPercent);
+        ASSERT_TRUE(percent == kAbsent || (percent > 10.0F && percent < 300.0F)) << percent;
+    }
+}
+
+// The wind heels her to leeward and pushes her there; the target lies on the side that she sails on.
+TEST_P(ADay, HasItsSidesRight) {
+    int port = 0;
+    int starboard = 0;
+    while (Next()) {
+        const float awa = Now(kAwa);
+        if (std::abs(Now(kRateOfTurn)) > 1.0F || std::abs(awa) < 15.0F || std::abs(awa) > 165.0F) continue;
+        ++(awa > 0.0F ? starboard : port);
+        ASSERT_GT(awa * Now(kTwa), 0.0F) << second_;
+        ASSERT_LT(std::abs(awa), std::abs(Now(kTwa)) + 10.0F) << second_;
+        ASSERT_GT(awa * Now(kTargetTwa), 0.0F) << second_;
+        if (std::abs(awa) < 90.0F && Now(kBsp) > 6.0F) {
+            ASSERT_GT(awa * Now(kHeel), 0.0F) << second_;
+            ASSERT_GT(awa * Now(kLeeway), 0.0F) << second_;
+        }
+    }
+    EXPECT_GT(port, kDay / 4);
+    EXPECT_GT(starboard, kDay / 4);
+}
+
+TEST_P(ADay, TurnsAtAFiniteRateAndPaysForATack) {
+    int tacks = 0;
+    int gybes = 0;
+    float twaBefore = Now(kTwa);
+    float headingBefore = Now(kHdg);
+    float speedBefore = 0.0F;  // of the last time that she sailed straight
+    while (Next()) {
+        ASSERT_LT(AngleBetween(Now(kHdg), headingBefore), 10.0) << second_;
+        const float twa = Now(kTwa);
+        if (twa * twaBefore < 0.0F && std::abs(twa) < 20.0F) {
+            ++tacks;
+            if (speedBefore > 7.0F) {
+                ASSERT_LT(Now(kBsp), speedBefore - 0.5F) << second_;
+            }
+            ASSERT_GT(std::abs(Now(kRateOfTurn)), 2.0F) << second_;
+            ASSERT_GT(Now(kRateOfTurn) * Now(kRudder), 0.0F) << second_;
+        }
+        if (twa * twaBefore < 0.0F && std::abs(twa) > 160.0F) ++gybes;
+        if (std::abs(Now(kRateOfTurn)) < 1.0F) speedBefore = Now(kBsp);
+        twaBefore = twa;
+        headingBefore = Now(kHdg);
+    }
+    EXPECT_GT(tacks, 100);
+    EXPECT_GT(gybes, 50);
+}
+
+TEST_P(ADay, RoundsItsMarksAndStartsAgain) {
+    int races = 0;
+    int windward = 0;
+    int leeward = 0;
+    float timerBefore = 300.0F;
+    double wayToMark = 0.0;
+    while (Next()) {
+        const float timer = Now(kTimer);
+        if (timerBefore > 0.0F) {
+            ASSERT_EQ(timerBefore - 1.0F, timer) << second_;
+        } else {
+            ASSERT_TRUE(timer == 0.0F || timer == 300.0F) << second_;
+            if (timer == 300.0F) ++races;
+        }
+        if (timer == 0.0F && std::abs(Now(kMarkDistance) - wayToMark) > 1.0) {
+            const bool next = AngleBetween(Now(kTwd), Now(kMarkBearing)) < 90.0;
+            ++(next ? leeward : windward);
+            ASSERT_TRUE(wayToMark < 0.05) << second_;
+        }
+        wayToMark = Now(kMarkDistance);
+        timerBefore = timer;
+    }
+    EXPECT_GE(races, 18);
+    EXPECT_NEAR(2 * races, windward, 2);
+    EXPECT_NEAR(2 * races, leeward, 3) << "the start and one leeward rounding in each race";
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, ADay, ::testing::Values(1, 2026));
+
+TEST(SailingSimulation, StartsFromBelowTheLine) {
+    SailingSimulation simulation(1, 300);
+    for (int second = 0; second < 295; ++second) {
+        simulation.Advance(1.0);
+        const Moment& now = simulation.Now();
+        ASSERT_GT(now[kMarkDistance] * CosDegrees(now[kMarkBearing] - now[kGroundWindDirection]), -0.02) << second;
+    }
+    EXPECT_LT(simulation.Now()[kMarkDistance], 0.06F) << "close to the line when the gun goes";
+}
+
+TEST(SailingSimulation, DependsOnSeedAndTimeAlone) {
+    SailingSimulation once(5, 300);
+    SailingSimulation often(5, 300);
+    SailingSimulation other(6, 300);
+    once.Advance(1000.0);
+    other.Advance(1000.0);
+    for (int i = 0; i < 10000; ++i) often.Advance(i % 2 ? 0.03 : 0.17);
+    bool differs = false;
+    for (const Variable& variable : Variables()) {
+        EXPECT_EQ(once.Now()[variable.quantity], often.Now()[variable.quantity]) << variable.name;
+        differs = differs || once.Now()[variable.quantity] != other.Now()[variable.quantity];
+    }
+    EXPECT_TRUE(differs);
+}
+
+}  // namespace
+}  // namespace twr
