@@ -1,0 +1,18 @@
+// The process: one instance, one dialog.
+#pragma once
+#include "platform/system.h"
+
+namespace twr {
+
+class CHalyrig32App {
+public:
+    explicit CHalyrig32App(System& system) : system_(system) {}
+
+    // Runs the dialog to its end, or brings forward the instance that runs already. False in every case: nothing is left to run.
+    bool InitInstance();
+
+private:
+    System& system_;
+};
+
+}  // namespace twr

@@ -1,0 +1,31 @@
+// The dialogs of the bridge: their controls, captions and places. The window resources of Windows say the same.
+#pragma once
+#include "platform/dialog.h"
+
+namespace twr {
+
+inline constexpr std::u16string_view kProgramName = u"Halyrig32";
+
+inline constexpr int kCloseButton = 1;
+inline constexpr int kFolderField = 1000;
+inline constexpr int kDepthCheck = 1001;
+inline constexpr int kTrueCheck = 1002;
+inline constexpr int kTimerCheck = 1003;
+inline constexpr int kNamesCheck = 1004;
+inline constexpr int kFolderLabel = 1005;
+inline constexpr int kImportButton = 1006;
+
+inline constexpr ControlTemplate kMainControls[] = {
+    {kCloseButton, ControlKind::kDefaultButton, u"Close", {216, 162, 48, 18}},
+    {kDepthCheck, ControlKind::kCheckBox, u"Depth in feet from Dfw", {18, 18, 89, 10}},
+    {kNamesCheck, ControlKind::kCheckBox, u"Send names to remote channels", {18, 42, 118, 10}},
+    {kTimerCheck, ControlKind::kCheckBox, u"Use Dfw 'TIMER' channel to set Twr timer", {18, 66, 147, 10}},
+    {kTrueCheck, ControlKind::kCheckBox, u"Heading, twd and cog in degrees true", {18, 90, 137, 10}},
+    {kFolderLabel, ControlKind::kLabel, u"Dfw folder:", {18, 114, 42, 8}},
+    {kFolderField, ControlKind::kFolderField, u"", {18, 126, 246, 14}},
+    {kImportButton, ControlKind::kPushButton, u"Import", {18, 162, 48, 18}},
+};
+
+inline constexpr DialogTemplate kMainTemplate = {102, kProgramName, 281, 195, kMainControls};
+
+}  // namespace twr

@@ -1,0 +1,41 @@
+#include "bridge/instrument_value.h"
+
+#include "core/no_value.h"
+
+namespace twr {
+namespace {
+
+constexpr float kFeetPerMetre = 3.2808f;
+
+}  // namespace
+
+float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& units) {
+    switch (channel) {
+        case kTwd:
+        case kCourse:
+        case kSet:
+        case kHdg:
+        case kCog:
+            return units.degreesTrue ? MagneticBearing(reading, units.variation) : reading;
+        case kLeeway:
+        case kHeel:
+            return reading * -1.0f;
+        case kDepth:
+            return units.depthInFeet ? reading / kFeetPerMetre : reading;
+        default:
+            return reading;
+    }
+}
+
+float MagneticBearing(float trueBearing, double variation) {
+    double bearing = trueBearing;
+    if (bearing == kNoValue || variation == kNoValue) return static_cast<float>(kNoValue);
+    bearing -= variation;
+    if (bearing != kNoValue) {
+        if (bearing >= 360.0) bearing -= 360.0;
+        if (bearing < 0.0) bearing += 360.0;
+    }
+    return static_cast<float>(bearing);
+}
+
+}  // namespace twr

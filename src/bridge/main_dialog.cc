@@ -1,0 +1,114 @@
+#include "bridge/main_dialog.h"
+
+#include "bridge/controls.h"
+#include "bridge/settings.h"
+#include "mapping/mapping_file.h"
+#include "platform/paths.h"
+#include "platform/wide_text.h"
+
+namespace twr {
+namespace {
+
+constexpr std::uintptr_t kTimerId = 1;
+constexpr unsigned kTickMs = 100;
+
+}  // namespace
+
+CHalyrig32Dlg::CHalyrig32Dlg(System& system) : services_(system.Core()), library_(system.GetLibraries()), core_(services_) {
+    sentTime_.fill(0.0);
+    sentValue_.fill(kNoValue);
+}
+
+void CHalyrig32Dlg::OnInit(DialogWindow& window) {
+    window_ = &window;
+    const Settings settings = ReadSettings(services_.registry);
+    window.SetChecked(kNamesCheck, settings.sendNames);
+    window.SetChecked(kTrueCheck, settings.degreesTrue);
+    window.SetChecked(kDepthCheck, settings.depthInFeet);
+    window.SetChecked(kTimerCheck, settings.useTimer);
+    dfwFolder_ = Trimmed(std::u16string_view(settings.dfwFolder));
+    window.SetText(kFolderField, dfwFolder_);  // raises OnFolderChange, which loads library and mapping
+    if (timerId_ == 0) timerId_ = window.StartTimer(kTimerId, kTickMs);
+}
+
+void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
+    if (core_.QuitRequested()) {
+        window_->PostClose();
+        return;
+    }
+    if (id == timerId_ && library_ && core_.View()) {
+        ReadInstruments();
+    }
+}
+
+void CHalyrig32Dlg::OnTextChange(int control) {
+    if (control == kFolderField) OnFolderChange();
+}
+
+void CHalyrig32Dlg::OnButton(int) {}
+
+void CHalyrig32Dlg::OnMenu(int) {}
+
+void CHalyrig32Dlg::OnFolderChange() {
+    dfwFolder_ = Trimmed(std::u16string_view(window_->Text(kFolderField)));
+    LoadDfwLibrary();
+    ReloadMapping();
+}
+
+void CHalyrig32Dlg::LoadDfwLibrary() {
+    if (library_) UnloadDfwLibrary();
+    library_.Load(dfwFolder_);
+}
+
+void CHalyrig32Dlg::UnloadDfwLibrary() {
+    library_.Unload();
+    catalogue_.rows.clear();
+}
+
+void CHalyrig32Dlg::ReloadMapping() {
+    FindVariableFile();
+    LoadMapping();
+}
+
+void CHalyrig32Dlg::FindVariableFile() {
+    catalogue_ = twr::FindVariableFile(services_.files, dfwFolder_, JoinPath(core_.GetDataFolder(u""), u"jvars.twr"));
+    lastTimerValue_ = -1.0;
+}
+
+void CHalyrig32Dlg::LoadMapping() {
+    mapping_ = twr::LoadMapping(services_.xml, JoinPath(core_.GetDataFolder(u"instruments"), u"halyrig.xml"), catalogue_.rows);
+}
+
+// The Close button keeps the settings of the run. Esc and closing the window drop them, unless another program asked for the end.
+void CHalyrig32Dlg::OnOk() {
+    if (!core_.QuitRequested() && !ConfirmExit()) return;
+    SaveSettings();
+    window_->End(DialogResult::kOk);
+}
+
+void CHalyrig32Dlg::OnCancel() {
+    if (core_.QuitRequested()) {
+        OnOk();
+    } else if (ConfirmExit()) {
+        window_->End(DialogResult::kCancel);
+    }
+}
+
+bool CHalyrig32Dlg::ConfirmExit() {
+    return services_.desktop.ShowBox(u"Exit Halyrig?", kProgramName, BoxButtons::kYesNo, BoxIcon::kQuestion) == BoxAnswer::kYes;
+}
+
+void CHalyrig32Dlg::SaveSettings() {
+    WriteSettings(services_.registry, {.dfwFolder = dfwFolder_,
+                                       .sendNames = window_->Checked(kNamesCheck),
+                                       .degreesTrue = window_->Checked(kTrueCheck),
+                                       .depthInFeet = window_->Checked(kDepthCheck),
+                                       .useTimer = window_->Checked(kTimerCheck)});
+}
+
+void CHalyrig32Dlg::OnDestroy() {
+    if (timerId_ != 0) window_->StopTimer(timerId_);
+    UnloadDfwLibrary();
+}
+
+}  // namespace twr

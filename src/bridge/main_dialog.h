@@ -1,0 +1,64 @@
+// The main dialog: the settings in view, the library and the mapping behind them, and the tick that carries values both ways.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "bridge/deckman_library.h"
+#include "core/core.h"
+#include "mapping/mapping_rows.h"
+#include "mapping/variable_file.h"
+#include "platform/system.h"
+
+namespace twr {
+
+class CHalyrig32Dlg : public Dialog {
+public:
+    // Attaches to the record.
+    explicit CHalyrig32Dlg(System& system);
+
+    void OnInit(DialogWindow& window) override;
+    void OnTimer(std::uintptr_t id) override;
+    void OnTextChange(int control) override;
+    void OnButton(int control) override;
+    void OnMenu(int command) override;
+    void OnOk() override;
+    void OnCancel() override;
+    void OnDestroy() override;
+
+private:
+    void OnFolderChange();
+    void LoadDfwLibrary();
+    void UnloadDfwLibrary();
+
+    // The two files behind the mapping: Deckman's variables, then the mapping file.
+    void ReloadMapping();
+    void FindVariableFile();
+    void LoadMapping();
+
+    // From Deckman to the record: every mapped variable that has changed or was last published more than a second ago, the
+    // position, and the start timer (read_instruments.cc).
+    void ReadInstruments();
+    void ReadRows(bool positionFromDeckman);
+    void ReadPosition();
+    void ReadTimer();
+    double Variation() const;
+
+    bool ConfirmExit();
+    void SaveSettings();
+
+    CoreServices services_;
+    DialogWindow* window_ = nullptr;  // while the dialog is open
+    std::uintptr_t timerId_ = 0;      // 0: no timer was started
+    DeckmanLibrary library_;
+    CCore core_;
+    std::u16string dfwFolder_;  // trimmed
+    DeckmanCatalogue catalogue_;
+    Mapping mapping_;
+    std::array<double, kChannelCount> sentTime_;   // days, per channel: its last publication
+    std::array<double, kChannelCount> sentValue_;  // per channel: the value last published
+    double lastTimerValue_ = -1.0;                 // seconds
+};
+
+}  // namespace twr

@@ -1,0 +1,22 @@
+// What the bridge remembers from run to run, in the user's registry.
+#pragma once
+#include <string>
+
+#include "platform/registry.h"
+
+namespace twr {
+
+struct Settings {
+    std::u16string dfwFolder = u"C:\\Program Files (x86)\\BandG\\Deckman";
+    bool sendNames = false;
+    bool degreesTrue = false;
+    bool depthInFeet = true;
+    bool useTimer = false;
+};
+
+// A value that is missing or of another type keeps its default.
+Settings ReadSettings(const Registry& registry);
+
+void WriteSettings(Registry& registry, const Settings& settings);
+
+}  // namespace twr

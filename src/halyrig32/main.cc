@@ -1,0 +1,8 @@
+#include "bridge/application.h"
+#include "platform/system.h"
+
+int main() {
+    const auto system = twr::MakeSystem(twr::UserRoots());
+    twr::CHalyrig32App(*system).InitInstance();
+    return 0;
+}

@@ -1,0 +1,31 @@
+// A Deckman library in the hand of a test: its variables can be set, its calls are remembered.
+#pragma once
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/library.h"
+
+namespace twr::testing {
+
+// One at a time: the library's functions have no object to go by.
+class StubDeckman : public Libraries {
+public:
+    StubDeckman();
+    ~StubDeckman() override;
+
+    std::unique_ptr<Library> Load(std::u16string_view path) override;
+
+    std::set<std::u16string> installed;  // paths at which a library is found
+    std::set<std::string> missing;       // exports that it lacks
+    std::map<int, float> variables;
+    float latitude = 0.0f, longitude = 0.0f;
+
+    std::vector<int> reads;         // variable numbers, in order
+    int positions = 0;              // calls for the position
+    std::vector<std::string> sent;  // texts to remotes: "number=text", names as "number#text"
+    int loaded = 0;                 // libraries now loaded
+};
+
+}  // namespace twr::testing
