@@ -1,0 +1,75 @@
+#include <algorithm>
+#include <cstdio>
+#include <string>
+
+#include "core/channel_catalogue.h"
+#include "halyrigctl/commands.h"
+#include "platform/scan.h"
+#include "platform/wide_text.h"
+
+namespace twr {
+namespace {
+
+// d: a damping period can be set, l: logged by default, g: from the GPS, s: a sensor.
+std::string Flags(const ChannelInfo& info) {
+    std::string flags;
+    if (info.dampable) flags += 'd';
+    if (info.logDefault) flags += 'l';
+    if (info.fromGps) flags += 'g';
+    if (info.sensor) flags += 's';
+    return flags;
+}
+
+template <class... Arguments>
+std::string Print(const char* format, Arguments... arguments) {
+    char line[256];
+    std::snprintf(line, sizeof line, format, arguments...);
+    return line;
+}
+
+// Names hold no character that a format would have to escape: no quote, backslash, tab or control character.
+std::string Row(const ChannelInfo& info, TableForm form) {
+    const char* const format = form == TableForm::kTsv ? "%d\t%s\t%s\t%d\t%d\t%d\t%d\t%d\t%d\t%s\n"
+                               : form == TableForm::kJson
+                                   ? R"(  {"id": %d, "name": "%s", "longName": "%s", "type": %d, "min": %d, "max": %d, )"
+                                     R"("staleSeconds": %d, "prec": %d, "shortIndex": %d, "flags": "%s"})"
+                                   : "%4d  %-12s %-30s %4d %6d %6d %6d %5d %6d  %s\n";
+    return Print(format, info.id, ToUtf8(info.name).c_str(), ToUtf8(info.longName).c_str(), info.type, info.min, info.max,
+                 info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());
+}
+
+std::string Heading(TableForm form) {
+    switch (form) {
+        case TableForm::kTsv:
+            return "id\tname\tlongName\ttype\tmin\tmax\tstaleSeconds\tprec\tshortIndex\tflags\n";
+        case TableForm::kJson:
+            return "[\n";
+        default:
+            return Print("%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n", "id", "name", "long name", "type", "min", "max", "stale",
+                         "prec", "short", "flags");
+    }
+}
+
+}  // namespace
+
+int ListChannels(Console& console, TableForm form) {
+    std::string table = Heading(form);
+    for (const ChannelInfo& info : ChannelCatalogue()) {
+        table += Row(info, form);
+        if (form == TableForm::kJson) table += info.id + 1u < kChannelCount ? ",\n" : "\n]\n";
+    }
+    return console.Write(table) ? 0 : 1;
+}
+
+std::optional<ChannelId> FindChannel(const std::string& text) {
+    const std::u16string wide = FromUtf8(text);
+    if (!text.empty() && text.find_first_not_of("0123456789") == std::string::npos && text.size() < 4) {
+        const auto id = static_cast<ChannelId>(LeadingInt(wide));
+        return id < kChannelCount ? std::optional(id) : std::nullopt;
+    }
+    const auto found = std::ranges::find_if(
+        ChannelCatalogue(), [&](const ChannelInfo& info) { return !info.name.empty() && EqualsIgnoringCase(info.name, wide); });
+    return found == ChannelCatalogue().end() ? std::nullopt : std::optional<ChannelId>(found->id);
+}
+
+}  // namespace twr

@@ -1,0 +1,35 @@
+// The commands of halyrigctl. Each gives the exit status: 0 done, 1 not (the reason is on standard error), 2 asked for the
+// impossible.
+#pragma once
+#include <optional>
+#include <string>
+
+#include "core/user_channels.h"
+#include "platform/system.h"
+
+namespace twr {
+
+enum class TableForm { kText, kTsv, kJson };
+
+// Prints the channel catalogue.
+int ListChannels(Console& console, TableForm form);
+
+// Prints one channel of one boat: value and age, or why there is none.
+int GetChannelValue(System& system, ChannelId channel, BoatSlot boat);
+
+struct WatchOptions {
+    int intervalMs = 500;
+    std::optional<int> snapshots;  // end after so many
+};
+
+// Shows the published channels of the own boat until the user or the suite asks to stop: a live table on a terminal, else one plain
+// table after another.
+int Watch(System& system, const WatchOptions& options);
+
+// Asks every program of the suite to close.
+int Quit(System& system);
+
+// The channel with this number or short name (case of letters plays no part); nothing when there is none.
+std::optional<ChannelId> FindChannel(const std::string& text);
+
+}  // namespace twr

@@ -1,0 +1,20 @@
+// How halyrigctl meets the record: as a guest of the programs that hold it.
+#pragma once
+#include "core/core.h"
+
+namespace twr {
+
+class Guest {
+public:
+    // Joins the record. Where there is none it says so on standard error, with what to start.
+    explicit Guest(System& system);
+
+    explicit operator bool() const { return core_.View() != nullptr; }
+    CCore& Core() { return core_; }
+    CoreRecord& Record() { return *core_.View(); }
+
+private:
+    CCore core_;
+};
+
+}  // namespace twr
