@@ -1,0 +1,61 @@
+// What a publication costs, beside the least that it could cost: one reading of the clock and two 8-byte stores.
+#include <benchmark/benchmark.h>
+
+#include "core/core.h"
+#include "core/days.h"
+#include "core/shared_field.h"
+#include "support/test_system.h"
+
+namespace twr {
+namespace {
+
+struct Suite {
+    testing::TestSystem test;
+    CCore core{test.system->Core()};
+};
+
+void PhysicalLimit(benchmark::State& state) {
+    const Suite suite;
+    Clock& clock = suite.test.system->Core().clock;
+    BoatBlock& own = suite.core.View()->fullBlocks[0];
+    double value = 0.0;
+    for (auto _ : state) {
+        Put(own.value[kBsp], value += 0.5);
+        Put(own.time[kBsp], UtcNowDays(clock));
+    }
+}
+BENCHMARK(PhysicalLimit);
+
+void PublishOwnBoat(benchmark::State& state) {
+    Suite suite;
+    double value = 0.0;
+    for (auto _ : state) suite.core.SetChannel(kBsp, 0, value += 0.5, 0.0);
+}
+BENCHMARK(PublishOwnBoat);
+
+void PublishWithDerivation(benchmark::State& state) {
+    Suite suite;
+    Put(suite.core.View()->sysFlag[kFlagDeriveRot], std::uint8_t{1});
+    double heading = 0.0;
+    for (auto _ : state) suite.core.SetChannel(kHdg, 0, heading = heading < 359.0 ? heading + 0.5 : 0.0, 0.0);
+}
+BENCHMARK(PublishWithDerivation);
+
+void PublishInAFleetOf100(benchmark::State& state) {
+    Suite suite;
+    suite.core.SetChannel(kBsp, kBoatCount - 1, 5.0, 0.0);
+    double value = 0.0;
+    for (auto _ : state) suite.core.SetChannel(kBsp, 0, value += 0.5, 0.0);
+}
+BENCHMARK(PublishInAFleetOf100);
+
+void PublishBlocked(benchmark::State& state) {
+    Suite suite;
+    Put(suite.core.View()->channels[kBsp].blocked, std::uint8_t{1});
+    double value = 0.0;
+    for (auto _ : state) suite.core.SetChannel(kBsp, 0, value += 0.5, 0.0);
+}
+BENCHMARK(PublishBlocked);
+
+}  // namespace
+}  // namespace twr
