@@ -1,5 +1,6 @@
 #include "bridge/main_dialog.h"
 
+#include "bridge/about.h"
 #include "bridge/controls.h"
 #include "bridge/settings.h"
 #include "mapping/mapping_file.h"
@@ -14,13 +15,15 @@ constexpr unsigned kTickMs = 100;
 
 }  // namespace
 
-CHalyrig32Dlg::CHalyrig32Dlg(System& system) : services_(system.Core()), library_(system.GetLibraries()), core_(services_) {
+CHalyrig32Dlg::CHalyrig32Dlg(System& system)
+    : services_(system.Core()), executable_(system.GetExecutable()), library_(system.GetLibraries()), core_(services_) {
     sentTime_.fill(0.0);
     sentValue_.fill(kNoValue);
 }
 
 void CHalyrig32Dlg::OnInit(DialogWindow& window) {
     window_ = &window;
+    window.AddMenuItem(kAboutCommand, kAboutItem);
     const Settings settings = ReadSettings(services_.registry);
     window.SetChecked(kNamesCheck, settings.sendNames);
     window.SetChecked(kTrueCheck, settings.degreesTrue);
@@ -47,7 +50,9 @@ void CHalyrig32Dlg::OnTextChange(int control) {
 
 void CHalyrig32Dlg::OnButton(int) {}
 
-void CHalyrig32Dlg::OnMenu(int) {}
+void CHalyrig32Dlg::OnMenu(int command) {
+    if (command == kAboutCommand) services_.desktop.ShowAbout(kAboutTemplate, AboutText(executable_));
+}
 
 void CHalyrig32Dlg::OnFolderChange() {
     dfwFolder_ = Trimmed(std::u16string_view(window_->Text(kFolderField)));

@@ -49,6 +49,7 @@ private:
     void SaveSettings();
 
     CoreServices services_;
+    Executable& executable_;
     DialogWindow* window_ = nullptr;  // while the dialog is open
     std::uintptr_t timerId_ = 0;      // 0: no timer was started
     DeckmanLibrary library_;
