@@ -64,6 +64,14 @@ bool EqualsIgnoringCase(std::u16string_view left, std::u16string_view right) {
     return std::ranges::equal(left, right, {}, Lower, Lower);
 }
 
+std::u16string UpperCase(std::u16string_view text) {
+    std::u16string upper(text);
+    for (char16_t& c : upper) {
+        if (c >= u'a' && c <= u'z') c = static_cast<char16_t>(c - 32);
+    }
+    return upper;
+}
+
 std::u16string FromBytes(std::string_view bytes) {
     std::u16string text;
     for (const char byte : bytes) text.push_back(static_cast<unsigned char>(byte));

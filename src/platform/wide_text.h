@@ -13,6 +13,9 @@ std::u16string_view Trimmed(std::u16string_view text);
 // Compares without regard to the case of the ASCII letters.
 bool EqualsIgnoringCase(std::u16string_view left, std::u16string_view right);
 
+// Turns the ASCII letters into capitals and leaves all others.
+std::u16string UpperCase(std::u16string_view text);
+
 // Each byte becomes the character of its number (Latin-1).
 std::u16string FromBytes(std::string_view bytes);
 
