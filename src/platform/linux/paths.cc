@@ -4,6 +4,7 @@ namespace twr {
 
 const char16_t kPathSeparator = u'/';
 const std::u16string_view kLibrarySuffix = u".so";
+const std::string_view kLineEnd = "\n";
 
 std::u16string JoinPath(std::u16string_view folder, std::u16string_view name) {
     std::u16string path(folder);
