@@ -65,6 +65,31 @@ public:
     // Stores sysInt[index] within its bounds.
     void SetSystemInt(std::uint32_t index, std::int32_t value);
 
+    // --- Reading (read.cc) ---
+
+    // Reads a channel of a boat: the alternating channel resolved, the damped value if asked. A bearing becomes true when
+    // `angleFlag` is false; any other value, and a bearing when it is true, goes to the user's units if `convert` is set and stays
+    // in the internal unit if not. False when there is no value; `value` is kNoValue then.
+    bool GetChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, bool convert);
+
+    // The same in the user's units, and only a value that is not older than `maxAge` days; kNoValue asks for the channel's own
+    // limit.
+    bool GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, double maxAge);
+
+    // Makes a magnetic bearing true, by the boat's own variation or else that of the own boat; kNoValue without either.
+    double ApplyVariation(double value, BoatSlot boat);
+
+    // Turns a value from the channel's internal unit into the user's. `variation` in degrees serves bearings that are shown true;
+    // kNoValue asks for that of the own boat.
+    double ToDisplayUnits(ChannelId channel, double value, double variation);
+
+    // --- Alternating channels (alternates.cc) ---
+
+    // The channel that an alternating one stands for at this moment, by the state of the own boat; any other channel is itself.
+    // kNoChannel when there is none. An alternating channel that stands for another one is followed for one step if `recurse` is
+    // set, so the answer can be an alternating channel still.
+    ChannelId ResolveAlternate(ChannelId channel, bool recurse);
+
     // --- Data folders (config/data_folders.cc) ---
 
     // The data folder, or a subfolder of it, created when missing. Empty without a record.
@@ -84,6 +109,31 @@ public:
 
     // The folder for data that all users share; empty when it can't be told.
     std::u16string GetProgramDataFolder() const;
+
+    // --- Texts (text/) ---
+
+    // The text of a value that stands in the user's units; "- -" for kNoValue, for no channel, and without a record.
+    std::u16string ChannelText(ChannelId channel, double value);
+
+    // The printf format of the channel's plain numbers; empty without such a channel or a record.
+    std::string ChannelFormat(ChannelId channel);
+
+    // A channel's short name: the user's where there is one. Empty for no channel.
+    std::u16string ChannelName(ChannelId channel);
+
+    // A channel's name for a remote: at most 8 characters in upper case.
+    std::u16string RemoteLabel(ChannelId channel);
+
+    // A moment in UTC days as days in the zone that times of day are shown in: the machine's, or UTC by the user's choice, without
+    // a record, or when the zone can't be told.
+    double ToDisplayTime(double day);
+
+    // Date and time of day in the zone shown. Empty when the zone can't be told.
+    std::u16string TimeText(double day);
+
+    // The report of last resort: shows the message, returns when the user has closed it, and appends it to the log of the day,
+    // silently if that can't be written.
+    void WriteSystemLog(std::u16string_view message);
 
 private:
     void Attach();

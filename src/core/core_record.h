@@ -20,6 +20,15 @@ inline constexpr std::size_t kGpsCount = 64;
 inline constexpr std::size_t kAlternateCount = 10;
 inline constexpr std::size_t kAlternateSlots = 9;
 
+// Indices into sysValue and sysInt that are read here.
+inline constexpr std::size_t kValueBoatLength = 0;    // metres
+inline constexpr std::size_t kValueTargetMargin = 7;  // degrees round the target TWA
+inline constexpr std::size_t kIntDepthUnit = 1;
+inline constexpr std::size_t kIntSpeedUnit = 2;
+inline constexpr std::size_t kIntDistanceUnit = 3;
+inline constexpr std::size_t kIntShortDistanceUnit = 4;
+inline constexpr std::size_t kIntPressureUnit = 9;
+
 // Indices into sysFlag that have a name.
 inline constexpr std::size_t kFlagLocalTime = 1;  // time of day is shown in the machine's zone
 inline constexpr std::size_t kFlagMagnetic = 3;   // bearings are shown magnetic

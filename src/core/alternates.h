@@ -1,0 +1,23 @@
+// The choice of the channel that an alternating channel stands for: one before the start, another upwind, a third downwind.
+#pragma once
+#include <cstdint>
+#include <span>
+
+#include "core/core_record.h"
+
+namespace twr {
+
+// The state of the own boat that the choice goes by. Values are kNoValue when not known.
+struct SailingState {
+    double toGun;   // days to the gun, negative after it
+    double twa;     // degrees, port negative
+    double target;  // target TWA in degrees
+    double margin;  // degrees round the target within which the boat still counts as being on it
+    bool first;     // sysFlag[kFlagAlternateFirst]: slot 0 in place of slot 1
+    bool last;      // sysFlag[kFlagAlternateLast]: slot 8 goes before all others
+};
+
+// The content of the slot taken, as it stands there; kNoInt when all are empty.
+std::int32_t ChooseAlternate(std::span<const std::int32_t, kAlternateSlots> slots, const SailingState& state);
+
+}  // namespace twr
