@@ -34,6 +34,7 @@ CCore::~CCore() = default;
 void CCore::Attach() {
     mapping_ = services_.memory.CreateOrOpen(RecordName(), sizeof(CoreRecord));
     if (!mapping_ || !mapping_->Data()) {
+        WriteSystemLog(mapping_ ? u"Unable to map shared memory" : u"Unable to create shared memory map");
         services_.desktop.PostQuit();
         return;
     }

@@ -1,0 +1,97 @@
+#include "text/channel_text.h"
+
+#include <cmath>
+#include <span>
+
+#include "core/core.h"
+#include "core/record_text.h"
+#include "core/shared_field.h"
+#include "platform/wide_text.h"
+#include "text/duration_text.h"
+#include "text/position_text.h"
+#include "text/printed.h"
+#include "text/whole_number.h"
+
+namespace twr {
+namespace {
+
+constexpr std::uint16_t kNoFixedPrec = 255;
+
+constexpr const char16_t* kGpsMethods[] = {u"No GPS", u"GPS", u"DGPS", u"PGPS", u"RTK", u"RTK", u"DR", u"Manual", u"Simulate"};
+constexpr const char16_t* kGpsModes[] = {u"1D", u"2D", u"3D", u"Auto", nullptr, nullptr, u"Error", u"Null"};
+
+// The name of a number, or its digits where it has none.
+std::u16string NameText(std::span<const char16_t* const> names, double value) {
+    const auto number = WholeNumber<std::int32_t>(std::round(value));
+    const bool named = number >= 0 && static_cast<std::size_t>(number) < names.size();
+    const char16_t* name = named ? names[static_cast<std::size_t>(number)] : nullptr;
+    return name ? name : FromBytes(std::to_string(number));
+}
+
+// What stands behind the absolute value in place of a sign; empty for a channel that shows its sign.
+std::u16string_view SideSuffix(ChannelId channel, double value) {
+    switch (channel) {
+        case kMagVar:
+            return value > 0.0 ? u"°e" : u"°w";
+        case kBiasAng:
+            return value > 0.0 ? u"°s" : u"°p";
+        case kBiasL:
+        case kGateBiasL:
+            return value > 0.0 ? u"s" : u"p";
+        case kDMkBrgCog:
+            return value >= 0.0 ? u"R" : u"L";
+        default:
+            return {};
+    }
+}
+
+}  // namespace
+
+std::u16string FormatDouble(std::u16string_view format, double value) { return FromBytes(Printed(ToBytes(format).c_str(), value)); }
+
+std::string CCore::ChannelFormat(ChannelId channel) {
+    channel = ResolveAlternate(channel, true);
+    if (!view_ || channel >= kChannelCount) return {};
+    const unsigned prec = Load(view_->channels[channel].prec);
+    if (ChannelTypeOf(channel) == kTypeBearing) return prec == 0 ? "%03.0lf" : Printed("%%0%u.%ulf", prec + 4, prec);
+    return prec == kNoFixedPrec ? "%lf" : Printed("%%.%ulf", prec);
+}
+
+std::u16string CCore::ChannelText(ChannelId channel, double value) {
+    channel = ResolveAlternate(channel, true);
+    if (!view_ || value == kNoValue || channel >= kChannelCount) return u"- -";
+    switch (channel) {
+        case kSail:
+            return FieldText(view_->sailText);
+        case kSailMark:
+            return FieldText(view_->sailMarkText);
+        case kSailNext:
+            return FieldText(view_->sailNextText);
+        case kSailEvt:
+            return FieldText(view_->sailEvtText);
+        case kGpsMethod:
+            return NameText(kGpsMethods, value);
+        case kGpsMode:
+            return NameText(kGpsModes, value);
+        default:
+            break;
+    }
+    switch (ChannelTypeOf(channel)) {
+        case kTypeDateTime:
+            return TimeText(value);
+        case kTypeDuration:
+            return DurationText(value);
+        case kTypeLatitude:
+            return LatitudeText(value);
+        case kTypeLongitude:
+            return LongitudeText(value);
+        default:
+            break;
+    }
+    const std::u16string_view suffix = SideSuffix(channel, value);
+    std::u16string format = FromBytes(ChannelFormat(channel));
+    format += suffix;
+    return FormatDouble(format, suffix.empty() ? value : std::fabs(value));
+}
+
+}  // namespace twr
