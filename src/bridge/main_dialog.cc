@@ -41,6 +41,7 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
     }
     if (id == timerId_ && library_ && core_.View()) {
         ReadInstruments();
+        WriteRemotes();  // sees what has just been published
     }
 }
 

@@ -45,6 +45,9 @@ private:
     void ReadTimer();
     double Variation() const;
 
+    // From the record to Deckman's remotes: every row whose value has changed, and its name when that is due (write_remotes.cc).
+    void WriteRemotes();
+
     bool ConfirmExit();
     void SaveSettings();
 
