@@ -1,10 +1,3 @@
-// The sentinel that says that there is no value. It is also a legal value to publish: it clears an entry.
+// The sentinel of the core's values. The tables of calibration, which know nothing of the core, use the same one.
 #pragma once
-#include <cstdint>
-
-namespace twr {
-
-inline constexpr double kNoValue = 32767.0;
-inline constexpr std::int32_t kNoInt = 32767;
-
-}  // namespace twr
+#include "calibration/no_value.h"  // IWYU pragma: export

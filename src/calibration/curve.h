@@ -1,0 +1,38 @@
+// One curve of a calibration: corrections over the first axis, between whose points a natural cubic spline or straight lines run.
+//
+// Any number is taken: NaN, infinities and points that share an x give some result, never a fault. An x of kNoValue, an input that
+// is not there, has a value only in a curve of one point, which needs no x.
+#pragma once
+#include <cstddef>
+#include <vector>
+
+#include "calibration/no_value.h"
+
+namespace twr {
+
+struct CalibrationPoint {
+    double x = 0.0;
+    double y = kNoValue;   // the correction; kNoValue is a hole in the curve
+    double y2 = kNoValue;  // second derivative of the spline, written by UpdateSpline; kNoValue when there is none
+};
+
+struct CalibrationCurve {
+    double key = 0.0;                      // place on the second axis
+    bool dirty = true;                     // set by whoever changes the points: the spline is computed before its next use
+    std::vector<CalibrationPoint> points;  // ordered by x, rising or falling
+
+    // The points on either side of x, `low` the one with the smaller x; an x beyond the ends gets the end segment. One point is
+    // both. False for an empty curve.
+    bool Bracket(std::size_t& low, std::size_t& high, double x) const;
+
+    // On straight lines, which go on beyond the ends. False, with kNoValue, for an empty curve and beside a hole.
+    bool StraightLineValue(double& out, double x) const;
+
+    // On the spline; beside a hole the value of the other point. False, with kNoValue, for an empty curve and between two holes.
+    bool SplineValue(double& out, double x);
+
+    // Computes every y2. False with fewer than two points or without memory for it.
+    bool UpdateSpline();
+};
+
+}  // namespace twr

@@ -1,0 +1,10 @@
+// The sentinel that says that there is no value. It is also a legal value to publish: it clears an entry.
+#pragma once
+#include <cstdint>
+
+namespace twr {
+
+inline constexpr double kNoValue = 32767.0;
+inline constexpr std::int32_t kNoInt = 32767;
+
+}  // namespace twr
