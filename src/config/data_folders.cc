@@ -41,6 +41,11 @@ std::u16string CCore::GetDataFolder(std::u16string_view subfolder) {
     return path;
 }
 
+std::u16string CCore::ConfigPath(std::u16string_view name) {
+    const std::u16string folder = GetDataFolder(u"config");
+    return folder.empty() ? folder : JoinPath(folder, name);
+}
+
 std::u16string CCore::GetDatabasePath() {
     if (!view_) return {};
     CheckDatabasePath();

@@ -4,10 +4,14 @@
 // One object per process, used from one thread. No operation throws: each first tests that the record is attached and answers with
 // its failure value if not.
 #pragma once
+#include <array>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
+#include "calibration/calibration_catalogue.h"
+#include "calibration/object.h"
 #include "core/channel_catalogue.h"
 #include "core/core_record.h"
 #include "core/no_value.h"
@@ -39,9 +43,9 @@ public:
 
     // --- Publication (publish.cc) ---
 
-    // Publishes a value, in the channel's internal unit, for a boat: stamped, wrapped, brought into range, with the channels
-    // derived from it. kNoValue clears the entry. `time` in days, 0.0 for now. True when it was stored; false when channel or boat
-    // has no entry, or the channel is blocked or held.
+    // Publishes a value, in the channel's internal unit, for a boat: stamped, wrapped, brought into range, calibrated, with the
+    // channels derived from it. kNoValue clears the entry. `time` in days, 0.0 for now. True when it was stored; false when channel
+    // or boat has no entry, or the channel is blocked or held.
     bool SetChannel(ChannelId channel, BoatSlot boat, double value, double time);
 
     // The same for the own boat, without blocking, calibration and derivation. `channel` is below kChannelCount.
@@ -55,6 +59,19 @@ public:
 
     // The channel's unit type: a user channel's own, any other's by the catalogue. `channel` is below kChannelCount.
     std::int16_t ChannelTypeOf(ChannelId channel) const;
+
+    // --- Calibration (calibrate.cc) ---
+
+    // The value with the corrections of its channel, brought back into range by one step; unchanged when the channel isn't marked
+    // as calibrated, without a record, and for kNoValue. `channel` is below kChannelCount.
+    double ApplyCalibration(ChannelId channel, double raw);
+
+    // The correction that one calibration finds for `raw`, the value being corrected. False, with kNoValue, without such a
+    // calibration, when it is switched off, and when its table gives nothing.
+    bool CalibrationLookup(std::size_t index, double& out, double raw);
+
+    // This process's own calibrations, indexed like CalibrationCatalogue(). They are empty, and correct nothing, until filled.
+    std::span<CalibrationObject, kCalibrationCount> Calibrations() { return calibrations_; }
 
     // --- System values (system_values.cc) ---
 
@@ -135,6 +152,16 @@ public:
     // silently if that can't be written.
     void WriteSystemLog(std::u16string_view message);
 
+    // --- Configuration files (config/), read when the record is created ---
+
+    // Each first sets its part of the record to its defaults, then takes what the file says, as far as it can be read. True when
+    // the file is there and its first element is the right one, whatever follows.
+    bool LoadBoatsFile();     // boats.xml: names, MMSIs and colours of the boats
+    bool LoadChannelsFile();  // channels.xml: log marks, damping, decimals, and the user channels
+
+    // alternate.csv: what the alternating channels stand for.
+    void LoadAlternatesFile();
+
 private:
     void Attach();
     void AttachAsGuest();
@@ -142,12 +169,19 @@ private:
     void LoadSavedPaths();
     void LoadSavedValues();
 
+    // Path of a file in the subfolder "config"; empty while there is no data folder.
+    std::u16string ConfigPath(std::u16string_view name);
+
+    // The own boat's value of a channel, or of what it stands for; kNoValue when there is none.
+    double LiveValue(ChannelId channel);
+
     void StampTime(double now);
     void Derive(ChannelId channel, BoatSlot boat, double& value, double time, double now);
     void DeriveRate(ChannelId channel, ChannelId rateChannel, BoatSlot boat, double value, double time);
     void StoreDerived(ChannelId channel, BoatSlot boat, double value, double time);
 
     CoreServices services_;
+    std::array<CalibrationObject, kCalibrationCount> calibrations_;
     double gunMark_ = 0.0;
     std::unique_ptr<SharedBlock> mapping_;  // null when creation failed
     CoreRecord* view_ = nullptr;

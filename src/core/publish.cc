@@ -75,6 +75,7 @@ bool CCore::SetChannel(ChannelId channel, BoatSlot boat, double value, double ti
     if (Load(row.blocked) != 0 || IsHeld(*view_, channel)) return false;
     if (time == 0.0) time = now;
     NormaliseValue(channel, value);
+    value = ApplyCalibration(channel, value);
     if (value != kNoValue) Derive(channel, boat, value, time, now);
     const bool stored = Store(*view_, channel, boat, value, time);
     if (value != kNoValue) {

@@ -33,6 +33,9 @@ void CCore::LoadSavedSettings() {
         LoadSavedPaths();
         LoadSavedValues();
     }
+    LoadBoatsFile();
+    LoadChannelsFile();
+    LoadAlternatesFile();
 }
 
 void CCore::LoadSavedPaths() {

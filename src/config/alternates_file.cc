@@ -1,0 +1,61 @@
+// alternate.csv: the channels that each alternating channel may stand for.
+#include <array>
+#include <cstdio>
+#include <string>
+
+#include "core/core.h"
+#include "core/shared_field.h"
+#include "platform/text_lines.h"
+
+namespace twr {
+namespace {
+
+// A line's fields, in the 64 bits that libraries agree on; each keeps the low bits of its own width.
+struct Line {
+    unsigned long long row = 0;                     // 32 bits
+    std::array<long long, kAlternateSlots> slot{};  // 16 bits
+    int filled = 0;                                 // fields found, the row among them
+};
+
+constexpr int kFieldsNeeded = 9;  // the last slot may be left off
+
+// Separated by commas, with blanks before a number; else by any white space.
+constexpr char kCommas[] = "%llu,%lld,%lld,%lld,%lld,%lld,%lld,%lld,%lld,%lld";
+constexpr char kBlanks[] = "%llu\t%lld\t%lld\t%lld\t%lld\t%lld\t%lld\t%lld\t%lld\t%lld";
+
+template <std::size_t Size>
+bool Scan(const std::string& text, const char (&format)[Size], Line& line) {
+    auto& s = line.slot;
+    line.filled = std::sscanf(text.c_str(), format, &line.row, &s[0], &s[1], &s[2], &s[3], &s[4], &s[5], &s[6], &s[7], &s[8]);
+    return line.filled >= kFieldsNeeded;
+}
+
+void ReadLine(const std::string& text, CoreRecord& record) {
+    if (text.empty() || text.front() == '!') return;
+    Line line;
+    if (!Scan(text, kCommas, line) && !Scan(text, kBlanks, line)) return;
+    const auto row = static_cast<std::uint32_t>(line.row);
+    if (row >= kAlternateCount) return;
+    for (std::size_t i = 0; i + 1 < static_cast<std::size_t>(line.filled); ++i) {
+        const auto channel = static_cast<std::int16_t>(line.slot[i]);
+        if (channel > 0 && channel < static_cast<std::int16_t>(kChannelCount)) {
+            Put(record.alternates[row].slot[i], std::int32_t{channel});
+        }
+    }
+}
+
+}  // namespace
+
+void CCore::LoadAlternatesFile() {
+    if (!view_) return;
+    for (AlternateRow& row : view_->alternates) {
+        for (std::int32_t& slot : row.slot) Put(slot, kNoInt);
+    }
+    const auto file = services_.files.Open(ConfigPath(u"alternate.csv"));
+    if (!file) return;
+    TextLines lines(*file);
+    std::string line;
+    while (lines.Next(line)) ReadLine(line, *view_);
+}
+
+}  // namespace twr
