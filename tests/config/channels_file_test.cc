@@ -61,8 +61,8 @@ TEST_F(ChannelsFileTest, TakesWhatCounts) {
         {"a second id", R"(<channels><channel id="1" prec="3" ID="2" damp="4"/></channels>)", "1:prec=3, 2:damp=4, "},
         {"a second id out of range", R"(<channels><channel id="1" prec="3" ID="999" damp="4"/></channels>)", "1:prec=3, "},
         {"only false is false",
-         R"(<channels><channel id="1" log="no"/><channel id="7" log="no"/><channel id="2" log="False"/></channels>)",
-         "2:log=0, 7:log=1, "},
+         R"(<channels><channel id="1" log="no"/><channel id="384" log="no"/><channel id="2" log="False"/></channels>)",
+         "2:log=0, 384:log=1, "},
         {"damping where the channel takes none", R"(<channels><channel id="48" damp="5"/></channels>)", ""},
         {"damping in 16 bits",
          R"(<channels><channel id="1" damp="65537"/><channel id="2" damp="-1"/><channel id="3" damp="x"/></channels>)",
@@ -77,7 +77,6 @@ TEST_F(ChannelsFileTest, TakesWhatCounts) {
          R"(<channel id="269" prec="9"/></channels>)",
          ""},
         {"a type before the decimals", R"(<channels><channel id="172" type="2" prec="9"/></channels>)", "172:type=2, "},
-        {"a type behind the decimals", R"(<channels><channel id="172" prec="9" type="2"/></channels>)", "172:prec=9,type=2, "},
         {"the last user channel keeps the catalogue's type",
          R"(<channels><channel id="203" type="2" user="Z" prec="9"/></channels>)", "203:prec=9,type=2,user=Z,short=Z, "},
         {"types in 16 bits",
@@ -106,6 +105,14 @@ TEST_F(ChannelsFileTest, TakesWhatCounts) {
         EXPECT_EQ(row.loaded, core->LoadChannelsFile());
         EXPECT_EQ(row.changes, Changes()) << "read again";
     }
+}
+
+TEST_F(ChannelsFileTest, DecimalsGoByTheTypeOfTheMoment) {
+    Write(u"channels.xml", R"(<channels><channel id="172" prec="9" type="2"/></channels>)");
+    Attach();
+    EXPECT_EQ("172:prec=9,type=2, ", Changes()) << "still a plain number when its decimals come";
+    core->LoadChannelsFile();
+    EXPECT_EQ("172:type=2, ", Changes()) << "a duration from the first reading";
 }
 
 TEST_F(ChannelsFileTest, NoFileLeavesTheDefaults) {

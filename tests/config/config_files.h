@@ -37,12 +37,10 @@ protected:
 
     // A text field of the record as Latin-1, which ends within its units.
     std::string Text(std::size_t offset, std::size_t units) const {
-        std::string text;
-        for (std::size_t i = 0; i < units && record.Get<char16_t>(offset + 2 * i) != 0; ++i) {
-            text += ToBytes({1, record.Get<char16_t>(offset + 2 * i)});
-        }
+        std::u16string text;
+        for (char16_t c; text.size() < units && (c = record.Get<char16_t>(offset)) != 0; offset += 2) text += c;
         EXPECT_LT(text.size(), units) << "no room for the zero";
-        return text;
+        return ToBytes(text);
     }
 
     // The record without the part from `begin` to `end`.

@@ -9,7 +9,7 @@ class CalibrateTest : public CoreTest {
 protected:
     CalibrationObject& Object(std::size_t index) { return core->Calibrations()[index]; }
 
-    void MarkCalibrated(ChannelId channel) { record.Set<std::uint8_t>(R::Channel(channel), 1); }
+    void MarkCalibrated(ChannelId channel, bool on = true) { record.Set<std::uint8_t>(R::Channel(channel), on); }
 
     // A calibration that gives one correction whatever its inputs.
     void Constant(std::size_t index, double correction) {
@@ -48,6 +48,7 @@ TEST_F(CalibrateTest, WithoutTablesOnlyTheRangeStepActs) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(::testing::Message() << "channel " << row.channel << ", raw " << row.raw);
+        MarkCalibrated(row.channel, false);
         EXPECT_EQ(row.raw, core->ApplyCalibration(row.channel, row.raw)) << "not marked";
         MarkCalibrated(row.channel);
         EXPECT_EQ(row.calibrated, core->ApplyCalibration(row.channel, row.raw));
