@@ -5,6 +5,8 @@
 namespace twr::testing {
 namespace {
 
+using namespace std::string_literals;
+
 class AlternatesFileTest : public ConfigFilesTest {
 protected:
     static constexpr std::size_t kTable = 5080, kTableEnd = 5440;
@@ -71,7 +73,7 @@ TEST_F(AlternatesFileTest, TakesWhatCounts) {
          "\xEF\xBB\xBF"
          "3,13,14,0,0,0,0,0,0,0\n4,13,14,0,0,0,0,0,0,0\n",
          "4:1314------- "},
-        {"a zero byte ends its line", std::string("3,13,14,0,0,0,0,0\0,5,6\n4,13,14,0,0,0,0,0,0,0\n", 47), "4:1314------- "},
+        {"a zero byte ends its line", "3,13,14,0,0,0,0,0\0,5,6\n4,13,14,0,0,0,0,0,0,0\n"s, "4:1314------- "},
         {"a line of any length", longLine, "3:1314------- 4:1314------- "},
         {"nothing", "", ""},
     };
