@@ -79,7 +79,7 @@ TEST_F(AlternatesFileTest, TakesWhatCounts) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        Write(u"alternate.csv", row.text);
+        Write("alternate.csv", row.text);
         Attach();
         EXPECT_EQ(row.table, Table());
         Scribble();
@@ -103,7 +103,7 @@ TEST_F(AlternatesFileTest, DamageAndBreakOffStayWithinTheTable) {
     for (std::size_t round = 0; round < 1000; ++round) {
         const std::string damaged = round <= text.size() ? text.substr(0, round) : Damaged(text, random);
         SCOPED_TRACE(damaged);
-        Write(u"alternate.csv", damaged);
+        Write("alternate.csv", damaged);
         core->LoadAlternatesFile();
         Table();  // checks that each slot is empty or a channel
         ASSERT_EQ(rest, Without(kTable, kTableEnd));
@@ -112,9 +112,9 @@ TEST_F(AlternatesFileTest, DamageAndBreakOffStayWithinTheTable) {
 
 // All three files are read when the record is created, with or without the registry, and never again.
 TEST_F(AlternatesFileTest, FilesAreReadByTheCreatorAlone) {
-    Write(u"alternate.csv", "3,13,14,0,0,0,0,0,0,0\n");
-    Write(u"boats.xml", "<boats><boat id='7' mmsi='5'/></boats>");
-    Write(u"channels.xml", "<channels><channel id='1' prec='3'/></channels>");
+    Write("alternate.csv", "3,13,14,0,0,0,0,0,0,0\n");
+    Write("boats.xml", "<boats><boat id='7' mmsi='5'/></boats>");
+    Write("channels.xml", "<channels><channel id='1' prec='3'/></channels>");
     for (const bool unavailable : {false, true}) {
         SCOPED_TRACE(unavailable);
         machine.registry.unavailable = unavailable;

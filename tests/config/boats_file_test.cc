@@ -90,7 +90,7 @@ TEST_F(BoatsFileTest, TakesWhatCounts) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        Write(u"boats.xml", row.xml);
+        Write("boats.xml", row.xml);
         Attach();
         EXPECT_EQ(row.changes, Changes());
         Scribble();
@@ -102,7 +102,7 @@ TEST_F(BoatsFileTest, TakesWhatCounts) {
 TEST_F(BoatsFileTest, IsReadAsUtf16) {
     std::string bytes = "\xFF\xFE";
     for (const char c : std::string_view("<boats><boat id='7' name='A'/></boats>")) bytes += {c, '\0'};
-    Write(u"boats.xml", bytes);
+    Write("boats.xml", bytes);
     Attach();
     EXPECT_EQ("7:A,0,90EE90 ", Changes());
 }
@@ -127,7 +127,7 @@ TEST_F(BoatsFileTest, CanBreakOffAnywhere) {
     Attach();
     for (std::size_t length = 0; length <= xml.size(); ++length) {
         SCOPED_TRACE(xml.substr(0, length));
-        Write(u"boats.xml", xml.substr(0, length));
+        Write("boats.xml", xml.substr(0, length));
         EXPECT_EQ(length >= root, core->LoadBoatsFile());
         EXPECT_EQ(length >= second ? "1:A,1,90EE90 2:B,0,90EE90 " : length >= first ? "1:A,1,90EE90 " : "", Changes());
     }
@@ -141,7 +141,7 @@ TEST_F(BoatsFileTest, DamageStaysWithinTheTable) {
     for (int round = 0; round < 500; ++round) {
         const std::string damaged = Damaged(xml, random);
         SCOPED_TRACE(damaged);
-        Write(u"boats.xml", damaged);
+        Write("boats.xml", damaged);
         core->LoadBoatsFile();
         Changes();  // checks that each name ends within its field
         ASSERT_EQ(rest, Without(kBoats, kBoatsEnd));

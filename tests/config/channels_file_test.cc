@@ -99,7 +99,7 @@ TEST_F(ChannelsFileTest, TakesWhatCounts) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        Write(u"channels.xml", row.xml);
+        Write("channels.xml", row.xml);
         Attach();
         EXPECT_EQ(row.changes, Changes());
         EXPECT_EQ(row.loaded, core->LoadChannelsFile());
@@ -108,7 +108,7 @@ TEST_F(ChannelsFileTest, TakesWhatCounts) {
 }
 
 TEST_F(ChannelsFileTest, DecimalsGoByTheTypeOfTheMoment) {
-    Write(u"channels.xml", R"(<channels><channel id="172" prec="9" type="2"/></channels>)");
+    Write("channels.xml", R"(<channels><channel id="172" prec="9" type="2"/></channels>)");
     Attach();
     EXPECT_EQ("172:prec=9,type=2, ", Changes()) << "still a plain number when its decimals come";
     core->LoadChannelsFile();
@@ -149,7 +149,7 @@ TEST_F(ChannelsFileTest, CanBreakOffAnywhere) {
     Attach();
     for (std::size_t length = 0; length <= xml.size(); ++length) {
         SCOPED_TRACE(xml.substr(0, length));
-        Write(u"channels.xml", xml.substr(0, length));
+        Write("channels.xml", xml.substr(0, length));
         EXPECT_EQ(length >= root, core->LoadChannelsFile());
         EXPECT_EQ(length >= second ? "1:prec=3, 2:prec=4, " : length >= first ? "1:prec=3, " : "", Changes());
     }
@@ -164,7 +164,7 @@ TEST_F(ChannelsFileTest, DamageStaysWithinTheTable) {
     for (int round = 0; round < 500; ++round) {
         const std::string damaged = Damaged(xml, random);
         SCOPED_TRACE(damaged);
-        Write(u"channels.xml", damaged);
+        Write("channels.xml", damaged);
         core->LoadChannelsFile();
         for (std::size_t channel = 0; channel < kChannelCount; ++channel)
             ASSERT_LE(record.Get<std::uint16_t>(Row(channel) + 6), 255);

@@ -8,11 +8,10 @@
 #include <string_view>
 
 #include "core/core.h"
-#include "platform/paths.h"
 #include "platform/wide_text.h"
 #include "support/fakes.h"
 #include "support/record_bytes.h"
-#include "support/temp_folder.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 
@@ -20,16 +19,16 @@ namespace twr::testing {
 // compare all of it at once; the record is read by its offsets, as another program would.
 class ConfigFilesTest : public ::testing::Test {
 protected:
-    ConfigFilesTest() { folder_.Write(u"ProgramData/keep", ""); }
+    ConfigFilesTest() { real_.folder.Write("ProgramData/keep", ""); }
 
-    void Write(std::u16string_view name, std::string_view bytes) {
-        folder_.Write(u"ProgramData/Tidewright/config/" + std::u16string(name), bytes);
+    void Write(std::string_view name, std::string_view bytes) {
+        real_.folder.Write("ProgramData/Tidewright/config/" + std::string(name), bytes);
     }
 
     // Attaches as the first program of the suite, which reads the files.
     void Attach() {
         core.reset();
-        const CoreServices real = system_->Core();
+        const CoreServices real = real_.system->Core();
         core = std::make_unique<CCore>(
             CoreServices{machine.clock, machine.zone, machine.memory, machine.registry, real.files, real.xml, machine.desktop});
         record = RecordBytes(core->View());
@@ -58,14 +57,7 @@ protected:
     RecordBytes record{nullptr};
 
 private:
-    Roots OwnRoots() const {
-        Roots roots;
-        roots.programData = JoinPath(folder_.Path(), u"ProgramData");
-        return roots;
-    }
-
-    TempFolder folder_;
-    std::unique_ptr<System> system_ = MakeSystem(OwnRoots());
+    TestSystem real_;
 };
 
 // The text with a few bytes changed, left out or doubled.
