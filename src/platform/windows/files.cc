@@ -1,0 +1,67 @@
+#include "platform/files.h"
+
+#include <io.h>
+#include <wchar.h>
+
+#include "platform/paths.h"
+#include "platform/windows/services.h"
+#include "platform/windows/wide.h"
+
+namespace twr {
+namespace {
+
+constexpr DWORD kSharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+class FileSource : public ByteSource {
+public:
+    explicit FileSource(UniqueHandle file) : file_(std::move(file)) {}
+
+    std::size_t Read(char* to, std::size_t room) override {
+        DWORD got = 0;
+        return ReadFile(file_.get(), to, static_cast<DWORD>(room), &got, nullptr) ? got : 0;
+    }
+
+private:
+    UniqueHandle file_;
+};
+
+}  // namespace
+
+bool WindowsFiles::Exists(std::u16string_view path) const { return _waccess(ToWide(path).c_str(), 0) == 0; }
+
+void WindowsFiles::MakeFolder(std::u16string_view path) { _wmkdir(ToWide(path).c_str()); }
+
+std::unique_ptr<ByteSource> WindowsFiles::Open(std::u16string_view path) {
+    UniqueHandle file(NullIfInvalid(CreateFileW(ToWide(path).c_str(), GENERIC_READ, kSharedWithAll, nullptr, OPEN_EXISTING,
+                                                FILE_FLAG_SEQUENTIAL_SCAN, nullptr)));
+    // A pipe or a device under the name could keep the program waiting.
+    if (!file || GetFileType(file.get()) != FILE_TYPE_DISK) return nullptr;
+    return std::make_unique<FileSource>(std::move(file));
+}
+
+bool WindowsFiles::Append(std::u16string_view path, std::string_view bytes) {
+    const UniqueHandle file(NullIfInvalid(
+        CreateFileW(ToWide(path).c_str(), FILE_APPEND_DATA, kSharedWithAll, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)));
+    DWORD written = 0;
+    return file && WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+           written == bytes.size();
+}
+
+bool WindowsFiles::Copy(std::u16string_view from, std::u16string_view to) {
+    return CopyFileW(ToWide(from).c_str(), ToWide(to).c_str(), FALSE);
+}
+
+void WindowsFiles::Remove(std::u16string_view path) { _wremove(ToWide(path).c_str()); }
+
+std::vector<std::u16string> WindowsFiles::List(std::u16string_view folder, std::u16string_view pattern) const {
+    std::vector<std::u16string> paths;
+    WIN32_FIND_DATAW found;
+    const UniqueFind search(NullIfInvalid(FindFirstFileW(ToWide(JoinPath(folder, pattern)).c_str(), &found)));
+    if (!search) return paths;
+    do {
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) paths.push_back(JoinPath(folder, FromWide(found.cFileName)));
+    } while (FindNextFileW(search.get(), &found));
+    return paths;
+}
+
+}  // namespace twr

@@ -1,0 +1,25 @@
+// The shell's box for picking a folder.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/windows/win32.h"
+
+struct IFileDialog;
+
+namespace twr {
+
+class FolderBrowser {
+public:
+    // Shows the box, standing on `start` when that is a folder. Nothing when the user cancels it.
+    std::optional<std::wstring> Pick(HWND owner, const std::wstring& start);
+
+    // Closes the box, if it is open, as if the user had cancelled it.
+    void Close();
+
+private:
+    IFileDialog* open_ = nullptr;
+};
+
+}  // namespace twr

@@ -1,0 +1,37 @@
+#include "platform/library.h"
+
+#include "platform/windows/module_path.h"
+#include "platform/windows/services.h"
+#include "platform/windows/wide.h"
+
+namespace twr {
+namespace {
+
+class LoadedLibrary : public Library {
+public:
+    explicit LoadedLibrary(UniqueModule module) : module_(std::move(module)) {}
+    void* Find(const char* name) const override { return reinterpret_cast<void*>(GetProcAddress(module_.get(), name)); }
+
+private:
+    UniqueModule module_;
+};
+
+}  // namespace
+
+std::unique_ptr<Library> WindowsLibraries::Load(std::u16string_view path) {
+    UniqueModule module(LoadLibraryW(ToWide(path).c_str()));
+    if (!module) return nullptr;
+    return std::make_unique<LoadedLibrary>(std::move(module));
+}
+
+std::u16string ModuleFolder(const void* address) {
+    if (!address) return {};  // which would stand for the program
+    HMODULE module = nullptr;
+    constexpr DWORD kByAddress = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    if (!GetModuleHandleExW(kByAddress, static_cast<const wchar_t*>(address), &module)) return {};
+    const std::wstring path = ModulePath(module);
+    const std::size_t end = path.rfind(L'\\');
+    return end == std::wstring::npos ? std::u16string() : FromWide(path.substr(0, end));
+}
+
+}  // namespace twr

@@ -1,0 +1,4 @@
+// Numbers of resources that the executable and its window host agree on.
+#pragma once
+
+#define HALYRIG_ICON 128

@@ -1,0 +1,57 @@
+#include "platform/shared_memory.h"
+
+#include "platform/windows/services.h"
+#include "platform/windows/wide.h"
+
+namespace twr {
+namespace {
+
+class Block : public SharedBlock {
+public:
+    Block(UniqueHandle mapping, UniqueView view, bool existed)
+        : mapping_(std::move(mapping)), view_(std::move(view)), existed_(existed) {}
+    void* Data() const override { return view_.get(); }
+    bool Existed() const override { return existed_; }
+
+private:
+    UniqueHandle mapping_;
+    UniqueView view_;
+    bool existed_;
+};
+
+std::size_t WholePages(std::size_t size) {
+    SYSTEM_INFO system;
+    GetSystemInfo(&system);
+    return (size + system.dwPageSize - 1) / system.dwPageSize * system.dwPageSize;
+}
+
+// Maps the whole block. No view when its size differs, by which Windows can tell it only in whole pages.
+UniqueView Mapped(HANDLE mapping, std::size_t size) {
+    UniqueView view(MapViewOfFile(mapping, FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, 0));
+    MEMORY_BASIC_INFORMATION region;
+    if (!view || VirtualQuery(view.get(), &region, sizeof region) == 0) return {};
+    return region.RegionSize == WholePages(size) ? std::move(view) : UniqueView();
+}
+
+}  // namespace
+
+std::unique_ptr<SharedBlock> WindowsSharedMemory::CreateOrOpen(std::u16string_view name, std::size_t size) {
+    const std::wstring fullName = ToWide(prefix_ + std::u16string(name));
+    UniqueHandle mapping(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, static_cast<DWORD>(size), fullName.c_str()));
+    const bool existed = GetLastError() == ERROR_ALREADY_EXISTS;
+    if (!mapping) return nullptr;
+    auto view = Mapped(mapping.get(), size);
+    return std::make_unique<Block>(std::move(mapping), std::move(view), existed);
+}
+
+std::unique_ptr<SharedBlock> WindowsSharedMemory::OpenExisting(std::u16string_view name, std::size_t size) {
+    const std::wstring fullName = ToWide(prefix_ + std::u16string(name));
+    UniqueHandle mapping(OpenFileMappingW(FILE_MAP_READ | FILE_MAP_WRITE, FALSE, fullName.c_str()));
+    if (!mapping) return nullptr;
+    auto view = Mapped(mapping.get(), size);
+    if (!view) return nullptr;
+    return std::make_unique<Block>(std::move(mapping), std::move(view), true);
+}
+
+}  // namespace twr

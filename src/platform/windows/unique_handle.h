@@ -1,0 +1,50 @@
+// Owners for what Windows hands out.
+#pragma once
+
+#include <utility>
+
+#include "platform/windows/win32.h"
+
+namespace twr {
+
+// A value that `kRelease` takes back; zero stands for having none.
+template <auto kRelease, class Value = HANDLE>
+class Unique {
+public:
+    Unique() = default;
+    explicit Unique(Value value) : value_(value) {}
+    Unique(Unique&& other) noexcept : value_(std::exchange(other.value_, Value{})) {}
+    Unique& operator=(Unique&& other) noexcept {
+        std::swap(value_, other.value_);
+        return *this;
+    }
+    ~Unique() {
+        if (value_) kRelease(value_);
+    }
+
+    Value get() const { return value_; }
+    explicit operator bool() const { return value_ != Value{}; }
+
+    // Where a call that hands out a value puts it. Only for an owner that has none.
+    Value* Receive() { return &value_; }
+
+private:
+    Value value_{};
+};
+
+inline void CloseKernelHandle(HANDLE handle) { CloseHandle(handle); }
+inline void CloseKey(HKEY key) { RegCloseKey(key); }
+inline void ReleaseLibrary(HMODULE module) { FreeLibrary(module); }
+inline void Unmap(void* view) { UnmapViewOfFile(view); }
+inline void CloseFind(HANDLE find) { FindClose(find); }
+
+using UniqueHandle = Unique<CloseKernelHandle>;
+using UniqueKey = Unique<CloseKey, HKEY>;
+using UniqueModule = Unique<ReleaseLibrary, HMODULE>;
+using UniqueView = Unique<Unmap, void*>;
+using UniqueFind = Unique<CloseFind>;
+
+// For the calls whose failure value is INVALID_HANDLE_VALUE.
+inline HANDLE NullIfInvalid(HANDLE handle) { return handle == INVALID_HANDLE_VALUE ? nullptr : handle; }
+
+}  // namespace twr

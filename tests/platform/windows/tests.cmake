@@ -1,0 +1,1 @@
+list(APPEND sources windows/xml_encoding_test.cc)

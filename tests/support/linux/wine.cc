@@ -1,0 +1,7 @@
+#include "support/wine.h"
+
+namespace twr::testing {
+
+bool UnderWine() { return false; }
+
+}  // namespace twr::testing
