@@ -1,0 +1,351 @@
+// The window host, showing the dialogs among the product's resources.
+#include "platform/windows/desktop.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/windows/wide.h"
+#include "support/windows/window_probe.h"
+#include "windows/scripted_dialog.h"
+
+namespace twr {
+namespace {
+
+using testing::ScriptedDialog;
+using testing::WindowProbe;
+using Events = std::vector<std::string>;
+
+constexpr ControlTemplate kControls[] = {
+    {1, ControlKind::kDefaultButton, u"Close", {216, 162, 48, 18}},
+    {1001, ControlKind::kCheckBox, u"Depth in feet from Dfw", {18, 18, 89, 10}},
+    {1004, ControlKind::kCheckBox, u"Send names to remote channels", {18, 42, 118, 10}},
+    {1003, ControlKind::kCheckBox, u"Use Dfw 'TIMER' channel to set Twr timer", {18, 66, 147, 10}},
+    {1002, ControlKind::kCheckBox, u"Heading, twd and cog in degrees true", {18, 90, 137, 10}},
+    {1005, ControlKind::kLabel, u"Dfw folder:", {18, 114, 42, 8}},
+    {1000, ControlKind::kFolderField, u"", {18, 126, 246, 14}},
+    {1006, ControlKind::kPushButton, u"Import", {18, 162, 48, 18}},
+};
+constexpr DialogTemplate kMain{102, u"Halyrig32", 281, 195, kControls};
+constexpr DialogTemplate kAbout{100, u"About Halyrig32", 197, 93, {}};
+
+constexpr UINT kSameTime = 10;  // milliseconds from tick to tick
+
+class DesktopTest : public ::testing::Test {
+protected:
+    // Runs the dialog; `steps` come one by one, each from a tick of its own, so that all that was posted before has arrived.
+    void Run(std::vector<std::function<void()>> steps = {}) {
+        dialog_.onTimer = [this, steps, next = std::size_t{0}]() mutable {
+            if (next < steps.size()) steps[next++]();
+        };
+        const auto wished = dialog_.onInit;
+        dialog_.onInit = [this, wished] {
+            if (wished) wished();
+            dialog_.window->StartTimer(1, kSameTime);
+        };
+        desktop_.RunDialog(kMain, dialog_);
+        EXPECT_FALSE(WindowProbe::Find(u"Halyrig32", GetCurrentProcessId())) << "a window is left";
+    }
+
+    WindowProbe Window() const { return *WindowProbe::Find(u"Halyrig32", GetCurrentProcessId()); }
+    void End() const { dialog_.window->End(DialogResult::kOk); }
+    BoxAnswer Ask() { return desktop_.ShowBox(u"Exit Halyrig?", u"Question", BoxButtons::kYesNo, BoxIcon::kQuestion); }
+
+    WindowsDesktop desktop_;
+    ScriptedDialog dialog_;
+};
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[32] = {};
+    GetClassNameW(window, name, 32);
+    return name;
+}
+
+TEST_F(DesktopTest, ShowsEachControlInItsPlace) {
+    const struct {
+        int id;
+        const wchar_t* windowClass;
+        LONG style, mask;
+    } rows[] = {
+        {1, WC_BUTTONW, BS_DEFPUSHBUTTON | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
+        {1001, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
+        {1004, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
+        {1003, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
+        {1002, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
+        {1005, WC_STATICW, SS_LEFT, SS_TYPEMASK | WS_TABSTOP},
+        {1000, WC_EDITW, ES_READONLY | WS_TABSTOP, ES_READONLY | ES_MULTILINE | WS_TABSTOP},
+        {1006, WC_BUTTONW, BS_PUSHBUTTON | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
+    };
+    std::vector<int> order;
+    for (const auto& row : rows) order.push_back(row.id);
+    Run({[&] {
+        const WindowProbe window = Window();
+        EXPECT_EQ(order, window.TabOrder());
+        for (std::size_t i = 0; i < std::size(rows); ++i) {
+            SCOPED_TRACE(rows[i].id);
+            const HWND control = window.Control(rows[i].id);
+            EXPECT_STREQ(rows[i].windowClass, ClassOf(control).c_str());
+            EXPECT_EQ(rows[i].style, GetWindowLongW(control, GWL_STYLE) & rows[i].mask);
+            EXPECT_TRUE(IsWindowVisible(control));
+            EXPECT_EQ(std::u16string(kControls[i].caption), window.Text(rows[i].id));
+            const ControlRect wanted = window.Pixels(kControls[i].rect), found = window.Rect(rows[i].id);
+            EXPECT_EQ(wanted.left, found.left);
+            EXPECT_EQ(wanted.top, found.top);
+            EXPECT_EQ(wanted.width, found.width);
+            EXPECT_EQ(wanted.height, found.height);
+        }
+        End();
+    }});
+}
+
+TEST_F(DesktopTest, ShowsAWindowThatCanBeSizedAndMinimised) {
+    Run({[&] {
+        const HWND window = Window().Handle();
+        constexpr LONG kWanted = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX;
+        EXPECT_EQ(kWanted, GetWindowLongW(window, GWL_STYLE) & (kWanted | WS_MAXIMIZEBOX));
+        EXPECT_NE(0, GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_APPWINDOW);
+        EXPECT_EQ(nullptr, GetWindow(window, GW_OWNER));
+        EXPECT_TRUE(IsWindowVisible(window));
+        RECT client;
+        GetClientRect(window, &client);
+        const ControlRect wanted = Window().Pixels({0, 0, 281, 195});
+        EXPECT_EQ(wanted.width, client.right);
+        EXPECT_EQ(wanted.height, client.bottom);
+        const LRESULT big = SendMessageW(window, WM_GETICON, ICON_BIG, 0);
+        EXPECT_NE(0, big);
+        EXPECT_NE(0, SendMessageW(window, WM_GETICON, ICON_SMALL, 0));
+        EXPECT_EQ(big, SendMessageW(window, WM_QUERYDRAGICON, 0, 0));
+        End();
+    }});
+}
+
+TEST_F(DesktopTest, TellsTheDialogWhatItsUserDoes) {
+    Run({
+        [&] { Window().Press(1006); },
+        [&] { Window().Press(1001); },
+        [&] { Window().Press(1); },
+        [&] { PostMessageW(Window().Control(1006), WM_KEYDOWN, VK_ESCAPE, 1); },
+        [&] { Window().PostClose(); },
+        [&] { SendMessageW(Window().Handle(), WM_SYSCOMMAND, SC_CLOSE, 0); },
+        [&] { dialog_.window->PostClose(); },
+        [&] { End(); },
+    });
+    EXPECT_EQ((Events{"init", "button 1006", "ok", "cancel", "cancel", "cancel", "cancel", "destroy"}), dialog_.events);
+}
+
+TEST_F(DesktopTest, KeepsCheckBoxesAndText) {
+    dialog_.onInit = [&] {
+        dialog_.window->SetChecked(1001, true);
+        dialog_.window->SetText(1000, u"C:\\Deckm\u00E4n");
+    };
+    Run({[&] {
+        EXPECT_TRUE(Window().Checked(1001));
+        EXPECT_FALSE(Window().Checked(1002));
+        Window().Press(1001);
+        Window().Press(1002);
+        EXPECT_FALSE(dialog_.window->Checked(1001));
+        EXPECT_TRUE(dialog_.window->Checked(1002));
+        EXPECT_EQ(u"C:\\Deckm\u00E4n", dialog_.window->Text(1000));
+        EXPECT_EQ(u"C:\\Deckm\u00E4n", Window().Text(1000));
+        End();
+    }});
+}
+
+TEST_F(DesktopTest, TellsOfEachChangeOfTheFolderAtOnceEvenToTheSame) {
+    Run({[&] {
+        for (const char16_t* text : {u"C:\\A", u"C:\\A", u"", u""}) {
+            dialog_.events.clear();
+            dialog_.window->SetText(1000, text);
+            EXPECT_EQ(Events{"text 1000"}, dialog_.events);
+        }
+        dialog_.events.clear();
+        Window().SetText(1000, u"C:\\B");
+        EXPECT_EQ(Events{"text 1000"}, dialog_.events);
+        End();
+    }});
+}
+
+TEST_F(DesktopTest, PutsAnItemBelowTheWindowsMenu) {
+    dialog_.onInit = [&] { dialog_.window->AddMenuItem(16, u"&About Halyrig32..."); };
+    Run({
+        [&] {
+            const HMENU menu = GetSystemMenu(Window().Handle(), FALSE);
+            const int last = GetMenuItemCount(menu) - 1;
+            wchar_t text[64] = {};
+            GetMenuStringW(menu, static_cast<UINT>(last), text, 64, MF_BYPOSITION);
+            EXPECT_STREQ(L"&About Halyrig32...", text);
+            EXPECT_EQ(16u, GetMenuItemID(menu, last));
+            EXPECT_NE(0u, GetMenuState(menu, static_cast<UINT>(last - 1), MF_BYPOSITION) & MF_SEPARATOR);
+        },
+        [&] { SendMessageW(Window().Handle(), WM_SYSCOMMAND, 16 | 3, 0); },
+        [&] { SendMessageW(Window().Handle(), WM_SYSCOMMAND, 32, 0); },
+        [&] { End(); },
+    });
+    EXPECT_EQ((Events{"init", "menu 16", "destroy"}), dialog_.events);
+}
+
+TEST_F(DesktopTest, GoesOnTickingWhileABoxIsOpenAndGivesItsAnswer) {
+    const struct {
+        int press;
+        BoxAnswer answer;
+    } rows[] = {{IDYES, BoxAnswer::kYes}, {IDNO, BoxAnswer::kNo}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.press);
+        dialog_ = {};
+        BoxAnswer answer = BoxAnswer::kNone;
+        dialog_.onButton = [&] { answer = Ask(); };
+        Run({
+            [&] { Window().PostPress(1006); },
+            [&] { EXPECT_TRUE(Window().Popup()); },
+            [&] {
+                const auto box = Window().Popup();
+                ASSERT_TRUE(box);
+                EXPECT_EQ(u"Question", box->Caption());
+                EXPECT_FALSE(IsWindowEnabled(Window().Handle()));
+                box->PostPress(row.press);
+            },
+            [&] { End(); },
+        });
+        EXPECT_EQ(row.answer, answer);
+    }
+}
+
+TEST_F(DesktopTest, EndsWithWhateverBoxIsOpen) {
+    const struct {
+        const char* name;
+        std::function<void()> open;
+    } rows[] = {
+        {"question", [this] { EXPECT_EQ(BoxAnswer::kNone, Ask()); }},
+        {"two questions",
+         [this] {
+             Ask();
+             EXPECT_EQ(BoxAnswer::kNone, Ask());
+         }},
+        {"message", [this] { desktop_.ShowBox(u"Text", u"Caption", BoxButtons::kOk, BoxIcon::kStop); }},
+        {"about", [this] { desktop_.ShowAbout(kAbout, u"Halyrig32 v1.0.0"); }},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        dialog_ = {};
+        dialog_.onButton = row.open;
+        dialog_.onCancel = [this] { End(); };
+        Run({
+            [&] { Window().PostPress(1006); },
+            [&] { EXPECT_TRUE(Window().Popup()); },
+            [&] { dialog_.window->PostClose(); },
+        });
+        EXPECT_EQ((Events{"init", "button 1006", "cancel", "destroy"}), dialog_.events);
+    }
+}
+
+TEST_F(DesktopTest, ShowsTheAboutBox) {
+    dialog_.onButton = [&] { desktop_.ShowAbout(kAbout, u"Halyrig32 v1.0.0\n\nOne line"); };
+    Run({
+        [&] { Window().PostPress(1006); },
+        [&] {
+            const auto box = Window().Popup();
+            ASSERT_TRUE(box);
+            EXPECT_EQ(u"About Halyrig32", box->Caption());
+            EXPECT_EQ(u"Halyrig32 v1.0.0\n\nOne line", box->Text(-1));
+            EXPECT_EQ(u"OK", box->Text(IDOK));
+            const ControlRect wanted = box->Pixels({12, 12, 174, 42}), found = box->Rect(-1);
+            EXPECT_EQ(wanted.left, found.left);
+            EXPECT_EQ(wanted.width, found.width);
+            box->PostPress(IDOK);
+        },
+        [&] {
+            EXPECT_FALSE(Window().Popup());
+            End();
+        },
+    });
+}
+
+TEST_F(DesktopTest, OpensAndEndsAtOnceAfterAQuit) {
+    desktop_.PostQuit();
+    Run({[] { ADD_FAILURE() << "a tick after the quit"; }});
+    EXPECT_EQ((Events{"init", "destroy"}), dialog_.events);
+
+    dialog_ = {};
+    Run({[&] { Window().Press(1006); }, [&] { desktop_.PostQuit(); }});
+    EXPECT_EQ((Events{"init", "button 1006", "destroy"}), dialog_.events) << "the quit holds for one dialog";
+}
+
+TEST_F(DesktopTest, EndsWithTheSessionWithoutAsking) {
+    Run({
+        [&] { EXPECT_TRUE(SendMessageW(Window().Handle(), WM_QUERYENDSESSION, 0, 0)); },
+        [&] { SendMessageW(Window().Handle(), WM_ENDSESSION, FALSE, 0); },
+        [&] {
+            SendMessageW(Window().Handle(), WM_ENDSESSION, TRUE, 0);
+            EXPECT_EQ("destroy", dialog_.events.back()) << "nothing may run after the message";
+        },
+    });
+    EXPECT_EQ((Events{"init", "destroy"}), dialog_.events);
+}
+
+TEST_F(DesktopTest, HasAButtonForTheFolderAtTheRightEndOfItsField) {
+    Run({[&] {
+        const HWND field = Window().Control(1000);
+        const HWND button = GetWindow(field, GW_CHILD);
+        RECT fieldRect, buttonRect;
+        GetClientRect(field, &fieldRect);
+        GetWindowRect(button, &buttonRect);
+        MapWindowPoints(nullptr, field, reinterpret_cast<POINT*>(&buttonRect), 2);
+        EXPECT_EQ(fieldRect.right, buttonRect.right);
+        EXPECT_EQ(fieldRect.bottom, buttonRect.bottom);
+        EXPECT_EQ(buttonRect.right - buttonRect.left, HIWORD(SendMessageW(field, EM_GETMARGINS, 0, 0)));
+        End();
+    }});
+}
+
+TEST_F(DesktopTest, BrowsesForAFolderByMouseAndByKeyAndEndsMeanwhile) {
+    const struct {
+        const char* name;
+        std::function<void(HWND)> open;
+    } rows[] = {
+        {"button", [](HWND field) { PostMessageW(GetWindow(field, GW_CHILD), BM_CLICK, 0, 0); }},
+        {"F4", [](HWND field) { PostMessageW(field, WM_KEYDOWN, VK_F4, 1); }},
+        {"space", [](HWND field) { PostMessageW(field, WM_KEYDOWN, VK_SPACE, 1); }},
+        {"Alt and down", [](HWND field) { PostMessageW(field, WM_SYSKEYDOWN, VK_DOWN, 1 | 1 << 29); }},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        dialog_ = {};
+        dialog_.onCancel = [this] { End(); };
+        dialog_.onInit = [&] { dialog_.window->SetText(1000, u"C:\\"); };
+        Run({
+            [&] { row.open(Window().Control(1000)); },
+            [&] { EXPECT_TRUE(Window().Popup()); },
+            [&] { dialog_.window->PostClose(); },
+        });
+        EXPECT_EQ((Events{"init", "text 1000", "cancel", "destroy"}), dialog_.events);
+    }
+}
+
+// Into the field of the shell's box, whatever its number is.
+BOOL CALLBACK TypeFolder(HWND child, LPARAM) {
+    if (ClassOf(child) == WC_EDITW && IsWindowVisible(child)) {
+        SendMessageW(child, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"C:\\windows"));
+    }
+    return TRUE;
+}
+
+TEST_F(DesktopTest, TakesThePickedFolderIntoItsField) {
+    std::u16string shown;
+    dialog_.onInit = [&] { dialog_.window->SetText(1000, u"C:\\no such folder"); };
+    Run({
+        [&] { PostMessageW(Window().Control(1000), WM_KEYDOWN, VK_F4, 1); },
+        [&] {
+            const auto box = Window().Popup();
+            ASSERT_TRUE(box);
+            EnumChildWindows(box->Handle(), TypeFolder, 0);
+            box->PostPress(IDOK);
+        },
+        [&] {
+            shown = dialog_.window->Text(1000);
+            End();
+        },
+    });
+    EXPECT_EQ((Events{"init", "text 1000", "text 1000", "destroy"}), dialog_.events);
+    EXPECT_EQ(u"C:\\windows", shown);
+}
+
+}  // namespace
+}  // namespace twr
