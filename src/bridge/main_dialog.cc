@@ -49,7 +49,9 @@ void CHalyrig32Dlg::OnTextChange(int control) {
     if (control == kFolderField) OnFolderChange();
 }
 
-void CHalyrig32Dlg::OnButton(int) {}
+void CHalyrig32Dlg::OnButton(int control) {
+    if (control == kImportButton) OnImportLegacy();
+}
 
 void CHalyrig32Dlg::OnMenu(int command) {
     if (command == kAboutCommand) services_.desktop.ShowAbout(kAboutTemplate, AboutText(executable_));
@@ -81,9 +83,9 @@ void CHalyrig32Dlg::FindVariableFile() {
     lastTimerValue_ = -1.0;
 }
 
-void CHalyrig32Dlg::LoadMapping() {
-    mapping_ = twr::LoadMapping(services_.xml, JoinPath(core_.GetDataFolder(u"instruments"), u"halyrig.xml"), catalogue_.rows);
-}
+void CHalyrig32Dlg::LoadMapping() { mapping_ = twr::LoadMapping(services_.xml, MappingPath(), catalogue_.rows); }
+
+std::u16string CHalyrig32Dlg::MappingPath() { return JoinPath(core_.GetDataFolder(u"instruments"), u"halyrig.xml"); }
 
 // The Close button keeps the settings of the run. Esc and closing the window drop them, unless another program asked for the end.
 void CHalyrig32Dlg::OnOk() {

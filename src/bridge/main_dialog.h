@@ -36,6 +36,12 @@ private:
     void ReloadMapping();
     void FindVariableFile();
     void LoadMapping();
+    std::u16string MappingPath();
+
+    // Replaces the mapping by that of an older installation, after a question (import_legacy.cc).
+    void OnImportLegacy();
+    bool ImportLegacyVars();  // false when no line found its variable
+    void ImportLegacyRemotes();
 
     // From Deckman to the record: every mapped variable that has changed or was last published more than a second ago, the
     // position, and the start timer (read_instruments.cc).

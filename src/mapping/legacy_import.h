@@ -1,0 +1,20 @@
+// The mapping of older installations, in two comma-separated files. They are read and never written.
+#pragma once
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "mapping/mapping_rows.h"
+#include "platform/files.h"
+
+namespace twr {
+
+// Lines of "variable number,channel,boat", the boat left out for 0. A line is kept when its values are in range and a row of
+// `catalogue` has the number, which it takes over; any other is dropped. Nothing when no line is kept or the file can't be read.
+std::optional<std::vector<MappingVar>> ImportLegacyVars(Files& files, std::u16string_view path,
+                                                        const std::vector<MappingVar>& catalogue);
+
+// Lines of "remote counted from 0,channel,boat,damp", with no field left out. What can't be read gives no rows.
+std::vector<MappingRemote> ImportLegacyRemotes(Files& files, std::u16string_view path);
+
+}  // namespace twr
