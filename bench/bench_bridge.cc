@@ -13,6 +13,8 @@ void TWR_EXPORT_CALL Read(std::int32_t variable, float* value) {
     *value = static_cast<float>(variable % 90) + step;
 }
 
+void TWR_EXPORT_CALL Show(std::uint32_t*, std::int32_t, const char*) {}
+
 void TWR_EXPORT_CALL GetPosition(float* latitude, float* longitude) { *latitude = *longitude = 10.0f; }
 
 class InstantLibrary : public Library {
@@ -21,6 +23,7 @@ public:
         const std::string_view wanted = name;
         if (wanted == "Usr_Read") return reinterpret_cast<void*>(&Read);
         if (wanted == "Usr_GetPosition") return reinterpret_cast<void*>(&GetPosition);
+        if (wanted == "Usr_SetISData" || wanted == "Usr_SetISName") return reinterpret_cast<void*>(&Show);
         return nullptr;
     }
 };
@@ -29,12 +32,15 @@ public:
 
 std::unique_ptr<Library> InstantDeckman::Load(std::u16string_view) { return std::make_unique<InstantLibrary>(); }
 
-BenchMachine::BenchMachine(int rows) {
+BenchMachine::BenchMachine(int varRows, int remoteRows) {
     std::string variables = "[variables]\n", mapping = "<halyrig>";
-    for (int i = 1; i <= rows; ++i) {
+    for (int i = 1; i <= varRows; ++i) {
         const std::string number = std::to_string(i);
         variables += number + " V" + number + " u 1 1 1\n";
         mapping += "<var twr='" + (i < 414 ? number : "1") + "' dfw='" + number + "'/>";
+    }
+    for (int i = 1; i <= remoteRows; ++i) {
+        mapping += "<remote remote='" + std::to_string(i) + "' twr='" + std::to_string(i < 414 ? i : 1) + "'/>";
     }
     real_.folder.Write("Deckman/Data/J_vars06.d", variables);
     real_.folder.Write("ProgramData/Tidewright/instruments/halyrig.xml", mapping + "</halyrig>");

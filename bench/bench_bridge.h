@@ -16,8 +16,8 @@ public:
 
 class BenchMachine : public System {
 public:
-    // Variables 1 to `rows`, each mapped to the channel of its number; the last ones to channel 1.
-    explicit BenchMachine(int rows);
+    // Variables and remotes from 1 on, each mapped to the channel of its number; those without such a channel to channel 1.
+    BenchMachine(int varRows, int remoteRows);
 
     CoreServices Core() override;
     Libraries& GetLibraries() override { return deckman_; }

@@ -11,7 +11,7 @@ namespace {
 constexpr int kRows = 414;
 
 void ReadPass(benchmark::State& state, bool changing) {
-    BenchMachine machine(kRows);
+    BenchMachine machine(kRows, 0);
     const CCore other(machine.Core());
     Put(other.View()->sysInt[6], 3);  // positions come from Deckman, so no row is left out
     InstantDeckman::changing = changing;

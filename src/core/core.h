@@ -93,6 +93,10 @@ public:
     // limit.
     bool GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, double maxAge);
 
+    // The age in seconds past which a channel of a boat counts as gone; 0 or less for never, which an age limit above 32767 comes to as
+    // well.
+    std::int16_t StaleSeconds(ChannelId channel, BoatSlot boat);
+
     // Makes a magnetic bearing true, by the boat's own variation or else that of the own boat; kNoValue without either.
     double ApplyVariation(double value, BoatSlot boat);
 

@@ -11,7 +11,7 @@
 namespace twr {
 namespace {
 
-constexpr std::uint32_t kDefaultStaleSeconds = 10;
+constexpr std::int16_t kDefaultStaleSeconds = 10;
 
 bool InUse(const CoreRecord& record, BoatSlot boat) { return boat < Load(record.boatCount); }
 
@@ -36,18 +36,6 @@ double WithinHalfTurn(double angle) {
     return angle;
 }
 
-// The age in seconds at which a channel of a boat goes stale; 0 or less for never, which an age limit above 32767 comes to as well.
-std::int16_t StaleSeconds(CoreRecord& record, ChannelId channel, BoatSlot boat) {
-    if (channel >= kChannelCount) return kDefaultStaleSeconds;
-    std::uint32_t limit = ChannelCatalogue()[channel].staleSeconds;
-    if (boat >= 1 && boat < kBoatCount) {
-        if (Load(record.boatCount) > kBoatCount) Put(record.boatCount, kBoatCount);
-        const BoatRow& row = record.boats[boat];
-        if (InUse(record, boat) && Load(row.mmsi) != 0) limit = std::max(limit, static_cast<std::uint32_t>(Load(row.ageLimit)));
-    }
-    return static_cast<std::int16_t>(limit);
-}
-
 }  // namespace
 
 bool CCore::GetChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, bool convert) {
@@ -68,7 +56,7 @@ bool CCore::GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, boo
     value = kNoValue;
     if (!view_) return false;
     channel = ResolveAlternate(channel, true);
-    const std::int16_t limit = StaleSeconds(*view_, channel, boat);
+    const std::int16_t limit = StaleSeconds(channel, boat);
     if (limit > 0) {
         const double now = UtcNowDays(services_.clock);
         if (maxAge == kNoValue) maxAge = static_cast<double>(limit) / 60 / 60 / 24;
@@ -78,6 +66,17 @@ bool CCore::GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, boo
         if (time == 0.0 || std::fabs(now - time) > maxAge) return false;
     }
     return GetChannel(channel, value, boat, damped, angleFlag, true);
+}
+
+std::int16_t CCore::StaleSeconds(ChannelId channel, BoatSlot boat) {
+    if (!view_ || channel >= kChannelCount) return kDefaultStaleSeconds;
+    std::uint32_t limit = ChannelCatalogue()[channel].staleSeconds;
+    if (boat >= 1 && boat < kBoatCount) {
+        if (Load(view_->boatCount) > kBoatCount) Put(view_->boatCount, kBoatCount);
+        const BoatRow& row = view_->boats[boat];
+        if (InUse(*view_, boat) && Load(row.mmsi) != 0) limit = std::max(limit, static_cast<std::uint32_t>(Load(row.ageLimit)));
+    }
+    return static_cast<std::int16_t>(limit);
 }
 
 double CCore::ApplyVariation(double value, BoatSlot boat) {

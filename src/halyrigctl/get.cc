@@ -1,41 +1,30 @@
-#include <cmath>
 #include <cstdio>
 #include <string>
 
 #include "core/days.h"
-#include "core/shared_field.h"
-#include "core/store.h"
+#include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "platform/wide_text.h"
 
 namespace twr {
-namespace {
-
-// Why a channel has no value to show.
-std::string Missing(const CoreRecord& record, BoatSlot boat, const Entry& entry) {
-    if (!entry) return "boat " + std::to_string(boat) + " has no place for this channel";
-    if (Load(*entry.time) == 0.0) return "never published";
-    if (boat >= Load(record.boatCount)) return "no boat up to this one has ever received a real value";
-    return "published without a value: the source has none, or it was out of range";
-}
-
-}  // namespace
 
 int GetChannelValue(System& system, ChannelId channel, BoatSlot boat) {
     Guest guest(system);
     if (!guest) return 1;
-    const Entry entry = EntryOf(guest.Record(), channel, boat);
-    const double value = entry ? Load(*entry.value) : kNoValue;
-    const std::string name = ToUtf8(ChannelCatalogue()[channel].name);
-    if (value == kNoValue) {
-        std::fprintf(stderr, "halyrigctl: %s: %s\n", name.c_str(), Missing(guest.Record(), boat, entry).c_str());
+    const ChannelReading reading = ReadChannel(guest.Core(), channel, boat, UtcNowDays(system.Core().clock));
+    const std::string name = ToUtf8(guest.Core().ChannelName(channel));
+    if (!reading.missing.empty()) {
+        std::fprintf(stderr, "halyrigctl: %s has no value: %s\n", name.empty() ? "Time" : name.c_str(), reading.missing.c_str());
         return 1;
     }
-    char line[128];
-    const double age = (UtcNowDays(system.Core().clock) - Load(*entry.time)) * kSecondsPerDay;
-    std::snprintf(line, sizeof line, "%s\t%.10g\t%.1f s ago\n", name.c_str(), value, age);
-    return system.GetConsole().Write(line) ? 0 : 1;
+    char lines[512];
+    std::snprintf(lines, sizeof lines,
+                  "channel  %u %s\nboat     %u\nvalue    %.10g\ntext     %s\nunit     %s\nage      %.1f s\nlimit    %s\n",
+                  static_cast<unsigned>(channel), name.c_str(), static_cast<unsigned>(boat), reading.value,
+                  ToUtf8(reading.text).substr(0, 128).c_str(), reading.unit.empty() ? "-" : ToUtf8(reading.unit).c_str(),
+                  reading.age.value_or(0.0), reading.limit > 0 ? (std::to_string(reading.limit) + " s").c_str() : "none");
+    return system.GetConsole().Write(lines) ? 0 : 1;
 }
 
 }  // namespace twr

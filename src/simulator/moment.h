@@ -33,6 +33,7 @@ enum class Quantity : std::uint8_t {
     kDrift,
     kVmg,  // along the true wind, negative on a run
     kTimer,
+    kTimeToGun,  // days; absent once it has gone
     kDepth,
     kSeaTemp,
     kAirTemp,

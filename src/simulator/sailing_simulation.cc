@@ -16,6 +16,7 @@ constexpr double kOriginLatitude = 50.5;  // Celtic Sea
 constexpr double kOriginLongitude = -7.0;
 constexpr double kVariationThere = -3.0;
 constexpr double kMinutesPerDegree = 60.0;
+constexpr double kSecondsPerDay = 86400.0;
 
 constexpr double kTidePeriod = 12.42 * 3600.0;  // seconds
 constexpr double kTideBearing = 60.0;           // of the stronger stream
@@ -114,6 +115,7 @@ void SailingSimulation::DescribeTargets() {
     moment_.Set(kMarkBearing, BearingOf(way));
     moment_.Set(kMarkTime, polar_.SailingTime(tws, yacht.trueWind.from - BearingOf(way), Length(way)));
     moment_.Set(kTimer, race_.Timer());
+    moment_.Set(kTimeToGun, race_.Timer() > 0 ? race_.Timer() / kSecondsPerDay : kAbsent);
 }
 
 void SailingSimulation::DescribeSurroundings() {

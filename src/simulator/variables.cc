@@ -47,6 +47,7 @@ constexpr Variable kVariables[] = {
     {46, "MKBRG", "degT", 0, 0, 5, kMarkBearing},
     {47, "MKTIME", "s", 0, 0, 5, kMarkTime},
     {50, "TIMER", "s", 0, 0, 5, kTimer},
+    {51, "TIMETOGUN", "day", 6, 0, 5, kTimeToGun},
     {60, "VOLTS", "V", 1, 0, 6, kVolts},
     {61, "MASTANGLE", "deg", 1, 1, 6, kMastAngle},
     {62, "FORESTAY", "t", 2, 0, 6, kForestay},

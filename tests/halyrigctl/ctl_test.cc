@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "core/core.h"
+#include "core/days.h"
 #include "halyrigctl/commands.h"
+#include "simulator/displays.h"
 #include "support/record_bytes.h"
 #include "support/test_system.h"
 
@@ -99,14 +101,54 @@ TEST_F(CtlTest, FindsAChannelByNumberOrName) {
     for (const auto& row : rows) EXPECT_EQ(row.channel, FindChannel(row.text)) << row.text;
 }
 
-TEST_F(CtlTest, GetsAValueOrTellsWhyThereIsNone) {
+TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
     StartSuite();
-    EXPECT_TRUE(Holds(Got(kBsp, 0, 1), "never published"));
-    suite->SetChannel(kBsp, 0, 7.25, 0.0);
-    EXPECT_TRUE(Holds(Got(kBsp, 0, 0), "7.25"));
-    suite->SetChannel(kBsp, 0, kNoValue, 0.0);
-    EXPECT_TRUE(Holds(Got(kBsp, 0, 1), "without a value"));
-    EXPECT_TRUE(Holds(Got(kRot, 5, 1), "no place"));
+    Record().Set<std::int32_t>(R::SysInt(2), 2);
+    suite->SetChannel(kBsp, 0, 10.0, 0.0);
+    const std::string got = Got(kBsp, 0, 0);
+    for (const char* line :
+         {"channel  1 BSP\n", "boat     0\n", "value    10\n", "text     18.52\n", "unit     km/hr\n", "limit    10 s\n"}) {
+        EXPECT_TRUE(Holds(got, line)) << line << got;
+    }
+    suite->SetChannel(kMkLat, 0, 45.2057, 0.0);
+    EXPECT_TRUE(Holds(Got(kMkLat, 0, 0), "text     45 12.3420n\nunit     -\n")) << "never stale";
+    EXPECT_TRUE(Holds(Got(kMkLat, 0, 0), "limit    none\n"));
+    suite->SetChannel(kMagVar, 0, -3.0, 0.0);
+    EXPECT_TRUE(Holds(Got(kMagVar, 0, 0), "text     3.00\u00B0w\nunit     -\n")) << "the text says its unit";
+}
+
+TEST_F(CtlTest, TellsWhyThereIsNoValue) {
+    StartSuite();
+    const double now = UtcNowDays(Core().clock);
+    const double old = now - 20.0 / 86400;
+    const struct {
+        std::string reason;
+        ChannelId channel;
+        BoatSlot boat;
+        std::function<void()> make;
+    } rows[] = {
+        {"never published", kBsp, 0, [] {}},
+        {"no place", kRot, 5, [] {}},
+        {"gives no value", kTws, 0, [&] { suite->SetChannel(kTws, 0, 151.0, 0.0); }},
+        {"stale: last published 20.0 s ago, and the limit is 10 s", kAwa, 0, [&] { suite->SetChannel(kAwa, 0, 30.0, old); }},
+        {"blocked", kHeel, 0, [&] { Record().Set<std::uint8_t>(R::Channel(kHeel) + 1, 1); }},
+        {"no variation", kHdg, 0,
+         [&] {
+             suite->SetChannel(kHdg, 0, 90.0, 0.0);
+             Record().Set<std::uint8_t>(R::SysFlag(3), 0);
+         }},
+        {"unit chosen", kDepth, 0,
+         [&] {
+             suite->SetChannel(kDepth, 0, 90.0, 0.0);
+             Record().Set<std::int32_t>(R::SysInt(1), 7);
+         }},
+        {"stands for no channel", kAlt3, 0, [] {}},
+    };
+    for (const auto& row : rows) {
+        row.make();
+        const std::string told = Got(row.channel, row.boat, 1);
+        EXPECT_TRUE(Holds(told, row.reason)) << row.reason << " instead of " << told;
+    }
 }
 
 TEST_F(CtlTest, WatchEndsWithTheUserOrTheSuite) {
@@ -124,6 +166,34 @@ TEST_F(CtlTest, WatchEndsWithTheUserOrTheSuite) {
 
     console.closed = true;
     Printed([&] { return Watch(*this, {}); }, 1);
+}
+
+TEST_F(CtlTest, WatchDimsAndDashesWhatIsStale) {
+    StartSuite();
+    suite->SetChannel(kBsp, 0, 7.25, 0.0);
+    suite->SetChannel(kAws, 0, 12.5, UtcNowDays(Core().clock) - 20.0 / 86400);
+    console.size = ConsoleSize{80, 24};
+    const std::string shown = Printed([&] { return Watch(*this, {.snapshots = 1}); }, 0);
+    EXPECT_TRUE(Holds(shown, "\x1b[2m   3  AWS                          - -")) << shown;
+    EXPECT_FALSE(Holds(shown, "12.5"));
+    EXPECT_TRUE(Holds(shown, "   1  BSP                         7.25 kt")) << shown;
+}
+
+TEST_F(CtlTest, WatchDrawsTheRemotesOfTheStandIn) {
+    StartSuite();
+    const std::u16string folder = test.folder.File("Deckman");
+    Core().registry.Write(u"Software\\Tidewright\\Halyrig32\\settings", u"DfwFolder", StringValue(folder));
+    DisplayWriter displays(Core().memory, folder);
+    displays.ShowValue(3, "7.25");
+    displays.ShowName(3, "BSP");
+    displays.ShowValue(12, "-0");
+    std::string shown = Printed([&] { return Watch(*this, {.snapshots = 1}); }, 0);
+    EXPECT_TRUE(Holds(shown, "remote  3  BSP       7.25\n")) << shown;
+    EXPECT_TRUE(Holds(shown, "remote 12            -0\n")) << shown;
+    EXPECT_FALSE(Holds(shown, "remote  4"));
+    console.size = ConsoleSize{100, 24};
+    shown = Printed([&] { return Watch(*this, {.snapshots = 1}); }, 0);
+    EXPECT_TRUE(Holds(shown, "\u256D 3 \u2500") && Holds(shown, "\u256D 12 \u2500") && Holds(shown, "   7.25    ")) << shown;
 }
 
 TEST_F(CtlTest, WatchFitsItsTerminal) {

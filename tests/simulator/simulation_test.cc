@@ -169,6 +169,7 @@ TEST_P(ADay, RoundsItsMarksAndStartsAgain) {
     double wayToMark = 0.0;
     while (Next()) {
         const float timer = Now(kTimer);
+        ASSERT_EQ(timer > 0.0F ? timer / 86400.0F : 32767.0F, Now(kTimeToGun)) << second_;
         if (timerBefore > 0.0F) {
             ASSERT_EQ(timerBefore - 1.0F, timer) << second_;
         } else {

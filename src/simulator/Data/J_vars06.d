@@ -42,6 +42,7 @@ version 6
  46 MKBRG           degT    0 0 5
  47 MKTIME          s       0 0 5
  50 TIMER           s       0 0 5
+ 51 TIMETOGUN       day     6 0 5
  60 VOLTS           V       1 0 6
  61 MASTANGLE       deg     1 1 6
  62 FORESTAY        t       2 0 6
