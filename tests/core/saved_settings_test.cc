@@ -1,6 +1,7 @@
 #include "core/days.h"
 #include "platform/paths.h"
 #include "support/core_fixture.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
@@ -8,17 +9,28 @@ namespace {
 using R = RecordBytes;
 constexpr std::u16string_view kKey = u"Software\\Tidewright\\core";
 
-// A machine whose record is created by each test after its registry has been filled.
+// A machine whose record is created by each test after its registry, the system's real one, has been filled.
 class SavedSettingsTest : public ::testing::Test {
 protected:
-    void Save(std::u16string_view name, const RegistryValue& value) { machine.registry.Write(kKey, name, value); }
+    void Save(std::u16string_view name, const RegistryValue& value) { ASSERT_TRUE(Registry().Write(kKey, name, value)); }
     void SaveText(std::u16string_view name, std::u16string_view text) { Save(name, StringValue(text)); }
 
+    // An empty registry, and no record.
+    void Clear() {
+        core.reset();
+        test = std::make_unique<TestSystem>();
+    }
+
     RecordBytes Start() {
-        core = std::make_unique<CCore>(machine.Services());
+        const CoreServices fakes = machine.Services();
+        core = std::make_unique<CCore>(
+            CoreServices{fakes.clock, fakes.zone, fakes.memory, Registry(), fakes.files, fakes.xml, fakes.desktop});
         return RecordBytes(core->View());
     }
 
+    twr::Registry& Registry() { return test->system->Core().registry; }
+
+    std::unique_ptr<TestSystem> test = std::make_unique<TestSystem>();
     FakeMachine machine;
     std::unique_ptr<CCore> core;
     const std::u16string suite = JoinPath(u"/data", u"Tidewright");
@@ -26,7 +38,6 @@ protected:
 
 TEST_F(SavedSettingsTest, WithoutAKeyTheDefaultsHold) {
     const RecordBytes record = Start();
-    EXPECT_TRUE(machine.registry.keys.contains(u"software\\tidewright\\core")) << "the key is created";
     EXPECT_EQ(6, record.I32(R::SysInt(6))) << "the initial 7 is above its bound";
     EXPECT_EQ(1, record.I32(R::SysInt(4)));
     EXPECT_EQ(60, record.I32(R::SysInt(10)));
@@ -76,8 +87,7 @@ TEST_F(SavedSettingsTest, NumbersCountByTypeFormAndBound) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(::testing::Message() << "offset " << row.offset << " to be " << row.stored);
-        core.reset();
-        machine.registry.keys.clear();
+        Clear();
         Save(row.name, row.value);
         const RecordBytes record = Start();
         const double stored = row.offset < R::SysInt(0)    ? record.F64(row.offset)
@@ -106,9 +116,8 @@ TEST_F(SavedSettingsTest, PathsCountByExistenceAndLength) {
     const auto folders = machine.files.folders;
     for (const auto& row : rows) {
         SCOPED_TRACE(::testing::Message() << "offset " << row.offset << ", saved text of " << row.saved.size());
-        core.reset();
+        Clear();
         machine.files.folders = folders;
-        machine.registry.keys.clear();
         SaveText(row.name, row.saved);
         EXPECT_TRUE(row.stored == Start().Text(row.offset));
         EXPECT_FALSE(machine.files.Exists(u"/missing"));
@@ -125,14 +134,23 @@ TEST_F(SavedSettingsTest, TheLogsArePublished) {
     EXPECT_EQ(0, record.U8(R::Channel(kLogSog) + 2));
 }
 
-TEST_F(SavedSettingsTest, WithoutARegistryNothingIsLoaded) {
+TEST(SavedSettings, WithoutAKeyOneIsCreated) {
+    FakeMachine machine;
+    const CCore core(machine.Services());
+    EXPECT_TRUE(machine.registry.keys.contains(u"software\\tidewright\\core"));
+}
+
+TEST(SavedSettings, WithoutARegistryNothingIsLoaded) {
+    FakeMachine machine;
     machine.registry.unavailable = true;
-    const RecordBytes record = Start();
+    const CCore core(machine.Services());
+    const RecordBytes record(core.View());
     EXPECT_EQ(7, record.I32(R::SysInt(6)));
     EXPECT_EQ(0, record.I32(R::SysInt(4)));
     EXPECT_EQ(u"", record.Text(548));
     EXPECT_EQ(u"", record.Text(28));
     EXPECT_EQ(0.0, record.F64(R::Time(0, kLogBsp)));
+    EXPECT_EQ(JoinPath(u"/data", u"Tidewright"), record.Text(1068)) << "the configuration files have asked for it";
 }
 
 }  // namespace
