@@ -1,0 +1,289 @@
+// The product itself: Halyrig32.exe in a process of its own, used through its window as a navigator would, while this process
+// watches the record as another program of the suite. It uses the user's own registry and record, so it runs only where those are
+// the tests' own: under Wine, in the prefix that run_wine makes.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include "bridge/controls.h"
+#include "core/core.h"
+#include "core/shared_field.h"
+#include "platform/wide_text.h"
+#include "support/child_process.h"
+#include "support/temp_folder.h"
+#include "support/windows/window_probe.h"
+#include "support/wine.h"
+
+namespace twr::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::u16string_view kSettings = u"Software\\Tidewright\\Halyrig32\\settings";
+constexpr auto kPatience = std::chrono::seconds(20);
+
+// Other processes take their time; a test waits for what it wants to see, and fails when it never comes.
+bool Until(const std::function<bool()>& seen) {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (!seen()) {
+        if (std::chrono::steady_clock::now() > end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
+
+class ProductTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!UnderWine()) GTEST_SKIP() << "would touch the settings of the user";
+        Lay("Deckman");
+        SaveFolder(folder.File("Deckman"));
+        for (const char16_t* name : {u"DfwTags", u"DfwTrue", u"DfwDepth", u"DfwTimer"}) {
+            registry().Write(kSettings, name, DwordValue(0));
+        }
+        WriteMapping("<var twr='5' dfw='TWS'/><var twr='17' dfw='DEPTH'/>");
+    }
+
+    void TearDown() override {
+        guest.reset();
+        program.reset();
+    }
+
+    Registry& registry() { return system->Core().registry; }
+    void SaveFolder(const std::u16string& path) { registry().Write(kSettings, u"DfwFolder", StringValue(path)); }
+    std::optional<std::uint32_t> Saved(std::u16string_view name) { return DwordOf(registry().Read(kSettings, name)); }
+
+    // Puts the stand-in for Deckman into a folder.
+    void Lay(const std::string& name) {
+        folder.Write(name + "/Data/J_vars06.d", "");
+        const fs::path bin = fs::path(OwnProgram()).parent_path().parent_path() / "bin";
+        fs::copy(bin / "ShDfW2.dll", folder.Path() / name);
+        fs::copy(bin / "Data" / "J_vars06.d", folder.Path() / name / "Data", fs::copy_options::overwrite_existing);
+    }
+
+    void WriteMapping(const std::string& elements) {
+        const fs::path data = fs::path(UserRoots().programData) / "Tidewright" / "instruments";
+        fs::create_directories(data);
+        std::FILE* file = _wfopen((data / "halyrig.xml").c_str(), L"wb");
+        std::fprintf(file, "<halyrig>%s</halyrig>", elements.c_str());
+        std::fclose(file);
+    }
+
+    static std::unique_ptr<ChildProcess> Launch() {
+        return StartProgram((fs::path(OwnProgram()).parent_path().parent_path() / "bin" / "Halyrig32.exe").string(), {});
+    }
+
+    // Starts it, and waits until its window is open and it holds the record.
+    void Start() {
+        program = Launch();
+        ASSERT_NE(nullptr, program);
+        ASSERT_TRUE(Until([&] {
+            guest = std::make_unique<CCore>(system->Core(), Attachment::kOpenOnly);
+            return guest->View() && WindowProbe::Find(kProgramName);
+        }));
+        window = WindowProbe::Find(kProgramName);
+        ASSERT_TRUE(Until([&] { return IsWindowVisible(window->Handle()) && !window->Text(kFolderField).empty(); }));
+    }
+
+    double Own(ChannelId channel) const { return Load(guest->View()->fullBlocks[0].value[channel]); }
+    double OwnTime(ChannelId channel) const { return Load(guest->View()->fullBlocks[0].time[channel]); }
+    void RequestQuit() { Put(guest->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1}); }
+
+    // The channel is published anew.
+    bool Lives(ChannelId channel) {
+        const double before = OwnTime(channel);
+        return Until([&] { return OwnTime(channel) > before; });
+    }
+
+    // From dialog units. MapDialogRect knows no windows of another process, but the client area tells the size of a unit.
+    ControlRect Pixels(ControlRect rect) const {
+        RECT client;
+        GetClientRect(window->Handle(), &client);
+        const int x = MulDiv(client.right, 4, kMainTemplate.width), y = MulDiv(client.bottom, 8, kMainTemplate.height);
+        return {MulDiv(rect.left, x, 4), MulDiv(rect.top, y, 8), MulDiv(rect.width, x, 4), MulDiv(rect.height, y, 8)};
+    }
+
+    WindowProbe Box() {
+        std::optional<WindowProbe> box;
+        EXPECT_TRUE(Until([&] { return (box = window->Popup()).has_value(); }));
+        return *box;
+    }
+
+    TempFolder folder;
+    std::unique_ptr<System> system = MakeSystem(UserRoots());
+    std::unique_ptr<ChildProcess> program;
+    std::unique_ptr<CCore> guest;
+    std::optional<WindowProbe> window;
+};
+
+TEST_F(ProductTest, ShowsItsDialogControlByControl) {
+    registry().Write(kSettings, u"DfwTrue", DwordValue(1));
+    Start();
+    std::vector<int> order;
+    for (const ControlTemplate& control : kMainControls) {
+        SCOPED_TRACE(control.id);
+        order.push_back(control.id);
+        const bool field = control.kind == ControlKind::kFolderField, box = control.kind == ControlKind::kCheckBox;
+        EXPECT_EQ(field ? folder.File("Deckman") : std::u16string(control.caption), window->Text(control.id));
+        const ControlRect wanted = Pixels(control.rect), found = window->Rect(control.id);
+        EXPECT_EQ(wanted.left, found.left);
+        EXPECT_EQ(wanted.top, found.top);
+        EXPECT_EQ(wanted.width, found.width);
+        EXPECT_EQ(wanted.height, found.height);
+        EXPECT_EQ(box && control.id == kTrueCheck, window->Checked(control.id));
+    }
+    EXPECT_EQ(order, window->TabOrder());
+    RequestQuit();
+    EXPECT_EQ(0, program->Wait());
+}
+
+TEST_F(ProductTest, PublishesWhatDeckmanReadsAndHeedsAClick) {
+    Start();
+    ASSERT_TRUE(Lives(kTws));
+    EXPECT_GT(Own(kTws), 1.0);
+    EXPECT_LT(Own(kTws), 40.0);
+    const double feet = Own(kDepth);
+    window->PostPress(kDepthCheck);
+    EXPECT_TRUE(Until([&] { return Own(kDepth) < feet / 2; })) << "metres from the next tick on";
+    window->PostPress(kDepthCheck);
+    EXPECT_TRUE(Until([&] { return Own(kDepth) > feet / 2; }));
+    RequestQuit();
+    EXPECT_EQ(0, program->Wait());
+}
+
+TEST_F(ProductTest, SavesTheSettingsOfTheRunOnlyWhenItShould) {
+    const struct {
+        const char* name;
+        std::function<void()> leave;
+        std::optional<int> answer;
+        bool ends, saves;
+    } rows[] = {
+        {"Close, No", [&] { window->PostPress(kCloseButton); }, IDNO, false, false},
+        {"Close, Yes", [&] { window->PostPress(kCloseButton); }, IDYES, true, true},
+        {"window closed, No", [&] { window->PostClose(); }, IDNO, false, false},
+        {"window closed, Yes", [&] { window->PostClose(); }, IDYES, true, false},
+        {"Esc, Yes", [&] { PostMessageW(window->Handle(), WM_COMMAND, IDCANCEL, 0); }, IDYES, true, false},
+        {"asked to quit", [&] { RequestQuit(); }, {}, true, true},
+        {"asked to quit while it asks",
+         [&] {
+             window->PostPress(kCloseButton);
+             Box();
+             RequestQuit();
+         },
+         {},
+         true,
+         true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        registry().Write(kSettings, u"DfwTags", DwordValue(0));
+        Start();
+        window->PostPress(kNamesCheck);
+        ASSERT_TRUE(Until([&] { return window->Checked(kNamesCheck); }));
+        row.leave();
+        if (row.answer) {
+            const WindowProbe box = Box();
+            EXPECT_EQ(u"Halyrig32", box.Caption());
+            EXPECT_TRUE(Lives(kTws)) << "ticks go on while it asks";
+            box.PostPress(*row.answer);
+        }
+        if (!row.ends) {
+            EXPECT_TRUE(Until([&] { return !window->Popup(); }));
+            EXPECT_TRUE(Lives(kTws));
+            RequestQuit();
+            EXPECT_EQ(0, program->Wait());
+            guest.reset();
+            continue;
+        }
+        EXPECT_EQ(0, program->Wait());
+        EXPECT_EQ(row.saves ? 1u : 0u, Saved(u"DfwTags"));
+        guest.reset();
+    }
+}
+
+TEST_F(ProductTest, ASecondInstanceBringsTheFirstForward) {
+    Start();
+    ShowWindow(window->Handle(), SW_MINIMIZE);
+    ASSERT_TRUE(Until([&] { return IsIconic(window->Handle()) != FALSE; }));
+    const auto second = Launch();
+    EXPECT_EQ(0, second->Wait());
+    EXPECT_TRUE(Until([&] { return IsIconic(window->Handle()) == FALSE; }));
+    EXPECT_TRUE(Lives(kTws));
+    RequestQuit();
+    EXPECT_EQ(0, program->Wait());
+}
+
+TEST_F(ProductTest, SwapsTheDeckmanFolderWhileItRuns) {
+    Start();
+    ASSERT_TRUE(Lives(kTws));
+    window->SetText(kFolderField, folder.File("missing"));
+    const double before = OwnTime(kTws);
+    guest->StampTime();
+    EXPECT_TRUE(Until([&] { return guest->StampTime(), OwnTime(kTime) - before > 1.5 / 86400; }));
+    EXPECT_EQ(before, OwnTime(kTws)) << "idle, and no message";
+    EXPECT_FALSE(window->Popup());
+    Lay("Second");
+    window->SetText(kFolderField, folder.File("Second"));
+    EXPECT_TRUE(Lives(kTws));
+    EXPECT_TRUE(fs::remove(folder.Path() / "Deckman" / "ShDfW2.dll")) << "the former library has been freed";
+    RequestQuit();
+    EXPECT_EQ(0, program->Wait());
+    EXPECT_EQ(folder.File("Second"), TextOf(registry().Read(kSettings, u"DfwFolder")));
+}
+
+TEST_F(ProductTest, TellsItsVersionFromTheWindowsMenu) {
+    Start();
+    PostMessageW(window->Handle(), WM_SYSCOMMAND, 16, 0);
+    const WindowProbe box = Box();
+    EXPECT_EQ(u"About Halyrig32", box.Caption());
+    EXPECT_TRUE(box.Text(-1).starts_with(u"Halyrig32 v" + FromBytes(HALYRIG_VERSION) + u"\n\n"));
+    box.PostPress(IDOK);
+    EXPECT_TRUE(Until([&] { return !window->Popup(); }));
+    RequestQuit();
+    EXPECT_EQ(0, program->Wait());
+}
+
+TEST_F(ProductTest, ImportsALegacyMappingOrSaysThatItCant) {
+    const fs::path data = fs::path(UserRoots().programData) / "Tidewright";
+    fs::create_directories(data / "halyrig");
+    const auto mapping = [&] {
+        std::string text(4096, '\0');
+        std::FILE* file = _wfopen((data / "instruments" / "halyrig.xml").c_str(), L"rb");
+        text.resize(std::fread(text.data(), 1, text.size(), file));
+        std::fclose(file);
+        return text;
+    };
+    const struct {
+        const char* line;
+        int answer;
+        bool replaced, message;
+    } rows[] = {{"1,1\n", IDNO, false, false}, {"999,1\n", IDYES, false, true}, {"1,1\n", IDYES, true, false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        std::FILE* file = _wfopen((data / "halyrig" / "halyrig.csv").c_str(), L"wb");
+        std::fputs(row.line, file);
+        std::fclose(file);
+        Start();
+        const std::string before = mapping();
+        window->PostPress(kImportButton);
+        Box().PostPress(row.answer);
+        EXPECT_TRUE(Until([&] { return !window->Popup() || row.message; }));
+        if (row.message) {
+            ASSERT_TRUE(Until([&] { return window->Popup() && GetDlgItem(window->Popup()->Handle(), IDYES) == nullptr; }));
+            Box().PostPress(IDOK);
+        }
+        EXPECT_TRUE(Until([&] { return (mapping() != before) == row.replaced && !window->Popup(); }));
+        EXPECT_EQ(row.replaced, mapping().find("<var twr=\"1\" dfw=\"1\" />") != std::string::npos);
+        EXPECT_TRUE(Lives(row.replaced ? kBsp : kTws));
+        RequestQuit();
+        EXPECT_EQ(0, program->Wait());
+        guest.reset();
+    }
+    fs::remove_all(data / "halyrig");
+}
+
+}  // namespace
+}  // namespace twr::testing
