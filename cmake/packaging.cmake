@@ -1,0 +1,34 @@
+# What `cmake --install` and CPack lay down: a Debian package of the Linux build. The packages of Windows are scripts/package's.
+if(WIN32)
+    return()
+endif()
+include(GNUInstallDirs)
+
+install(TARGETS halyrig32 halyrigctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS ShDfW2 LIBRARY DESTINATION lib/halyrig)
+install(FILES ${CMAKE_SOURCE_DIR}/src/simulator/Data/J_vars06.d DESTINATION lib/halyrig/Data)
+install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig.service DESTINATION lib/systemd/user)
+install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/README.md DESTINATION share/doc/halyrig)
+install(FILES ${CMAKE_SOURCE_DIR}/demo/halyrig.xml DESTINATION share/doc/halyrig/examples)
+foreach(page halyrig32 halyrigctl)
+    set(packed ${CMAKE_BINARY_DIR}/man/${page}.1.gz)
+    add_custom_command(OUTPUT ${packed}
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/man
+        COMMAND gzip -9nc ${CMAKE_SOURCE_DIR}/packaging/man/${page}.1 >${packed}
+        DEPENDS ${CMAKE_SOURCE_DIR}/packaging/man/${page}.1)
+    list(APPEND pages ${packed})
+endforeach()
+add_custom_target(man_pages ALL DEPENDS ${pages})
+install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME halyrig)
+set(CPACK_PACKAGE_VENDOR "The Halyrig authors")
+set(CPACK_PACKAGE_CONTACT "The Halyrig authors <halyrig@tidewright.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "bridge between race instruments and the Tidewright navigation suite")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_PACKAGE_SECTION misc)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+include(CPack)
