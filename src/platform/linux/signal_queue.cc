@@ -1,0 +1,40 @@
+#include "platform/linux/signal_queue.h"
+
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+
+namespace twr {
+
+using Steady = std::chrono::steady_clock;
+
+SignalQueue::SignalQueue(std::initializer_list<int> signals) {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int number : signals) sigaddset(&set, number);
+    sigprocmask(SIG_BLOCK, &set, &before_);
+    queue_ = Descriptor(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+SignalQueue::~SignalQueue() {
+    while (Take() != 0) continue;  // a repeated one must not end the process in the middle of its leaving
+    sigprocmask(SIG_SETMASK, &before_, nullptr);
+}
+
+int SignalQueue::Take() {
+    signalfd_siginfo info{};
+    return read(queue_.Get(), &info, sizeof info) == sizeof info ? static_cast<int>(info.ssi_signo) : 0;
+}
+
+short SignalQueue::WaitUntil(Steady::time_point end, int input) const {
+    const auto left = std::max(Steady::duration::zero(), end - Steady::now());
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+    const timespec time{static_cast<time_t>(seconds.count()), static_cast<long>((left - seconds) / std::chrono::nanoseconds(1))};
+    std::array<pollfd, 2> events{{{queue_.Get(), POLLIN, 0}, {input, POLLIN, 0}}};
+    return ppoll(events.data(), events.size(), &time, nullptr) > 0 ? events[1].revents : short{0};
+}
+
+}  // namespace twr

@@ -1,0 +1,33 @@
+// Signals as events in their order, in place of what they would do to the process.
+#pragma once
+#include <signal.h>
+
+#include <chrono>
+#include <initializer_list>
+
+#include "platform/linux/descriptor.h"
+
+namespace twr {
+
+// Those that end a program, which stand for the closing of its window.
+inline constexpr std::initializer_list<int> kCloseSignals = {SIGTERM, SIGINT, SIGHUP};
+
+class SignalQueue {
+public:
+    explicit SignalQueue(std::initializer_list<int> signals);
+    ~SignalQueue();
+    SignalQueue(const SignalQueue&) = delete;
+    SignalQueue& operator=(const SignalQueue&) = delete;
+
+    // The next signal that has come; 0 when there is none.
+    int Take();
+
+    // Waits for a signal, until `end`, or for something to read from `input` (none below 0). Gives what poll says about `input`.
+    short WaitUntil(std::chrono::steady_clock::time_point end, int input = -1) const;
+
+private:
+    sigset_t before_{};
+    Descriptor queue_;
+};
+
+}  // namespace twr
