@@ -15,6 +15,7 @@ std::unique_ptr<Files> MakeFiles(const std::u16string& programData);
 std::unique_ptr<Xml> MakeXml();
 std::unique_ptr<Libraries> MakeLibraries();
 std::unique_ptr<Desktop> MakeHeadlessDesktop();
+std::unique_ptr<Desktop> MakeTerminalDesktop();
 std::unique_ptr<Instance> MakeInstance(const Roots& roots);
 std::unique_ptr<Executable> MakeExecutable();
 std::unique_ptr<Console> MakeConsole();

@@ -1,11 +1,17 @@
 #include "platform/system.h"
 
+#include <unistd.h>
+
 #include "platform/linux/services.h"
+#include "platform/linux/terminal_screen.h"
 
 namespace twr {
 namespace {
 
-std::unique_ptr<Desktop> MakeDesktop() { return MakeHeadlessDesktop(); }
+std::unique_ptr<Desktop> MakeDesktop() {
+    const bool atTerminal = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO);
+    return atTerminal && TerminalCanShowScreens() ? MakeTerminalDesktop() : MakeHeadlessDesktop();
+}
 
 class LinuxSystem final : public System {
 public:

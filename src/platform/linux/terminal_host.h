@@ -1,0 +1,69 @@
+// An open dialog in the terminal: its loop, and whatever stands on top of it.
+#pragma once
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "platform/desktop.h"
+#include "platform/linux/signal_queue.h"
+#include "platform/linux/terminal_form.h"
+#include "platform/linux/terminal_layer.h"
+#include "platform/linux/window_state.h"
+
+namespace twr {
+
+class TerminalHost final : public WindowState, private LayerRunner {
+public:
+    TerminalHost(const DialogTemplate& layout, Dialog& dialog);
+
+    // Until the dialog has ended or Quit was called.
+    void Run();
+    void Quit() { quit_ = true; }
+
+    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon);
+
+    void AddMenuItem(int command, std::u16string_view text) override { form_.AddMenuItem(command, text); }
+
+private:
+    struct HintSpan {
+        Cell at;
+        int width;
+        Input input;
+    };
+
+    void Run(Layer& layer) override;
+    void OnChanged() override { dirty_ = true; }
+    bool Over() const { return Ended() || quit_; }
+
+    // One round of the loop. Whatever it raises can run further rounds, below a box.
+    void Step();
+    void OnSignal(int signal);
+    void OnInput(const Input& input);
+    void Wait();
+
+    // The window is closed from outside by somebody who means it: a question whether to leave is answered with yes.
+    void CloseFromOutside();
+    void OnTerminalGone();
+    void Suspend();
+
+    void Draw();
+    bool TakeScreen();  // false while there is none to draw on
+    void DrawHints(Frame& frame);
+    bool Reads() const { return screen_ && !stale_ && !gone_; }
+
+    Dialog& dialog_;
+    SignalQueue signals_;
+    FormLayer form_;
+    std::vector<Layer*> layers_;
+    std::unique_ptr<TerminalScreen> screen_;
+    std::vector<HintSpan> hints_;
+    bool dirty_ = true;      // what is shown is no longer true
+    bool stale_ = false;     // somebody else may have drawn on the screen
+    bool tooSmall_ = false;  // nothing but a notice is shown
+    bool inputReady_ = false;
+    bool gone_ = false;  // the terminal has vanished
+    bool closing_ = false;
+    bool quit_ = false;
+};
+
+}  // namespace twr
