@@ -6,8 +6,8 @@
 #include <type_traits>
 
 #include "platform/windows/wide.h"
+#include "support/scripted_dialog.h"
 #include "support/windows/window_probe.h"
-#include "windows/scripted_dialog.h"
 
 namespace twr {
 namespace {

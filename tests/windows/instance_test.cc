@@ -5,9 +5,9 @@
 
 #include "platform/windows/desktop.h"
 #include "support/child_process.h"
+#include "support/scripted_dialog.h"
 #include "support/test_system.h"
 #include "support/windows/window_probe.h"
-#include "windows/scripted_dialog.h"
 
 namespace twr {
 namespace {
