@@ -8,7 +8,8 @@ install(TARGETS halyrig32 halyrigctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
 install(TARGETS ShDfW2 LIBRARY DESTINATION lib/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/src/simulator/Data/J_vars06.d DESTINATION lib/halyrig/Data)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig.service DESTINATION lib/systemd/user)
-install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/README.md DESTINATION share/doc/halyrig)
+install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/CHANGELOG.md
+    DESTINATION share/doc/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/demo/halyrig.xml DESTINATION share/doc/halyrig/examples)
 foreach(page halyrig32 halyrigctl)
     set(packed ${CMAKE_BINARY_DIR}/man/${page}.1.gz)
@@ -26,6 +27,11 @@ set(CPACK_PACKAGE_NAME halyrig)
 set(CPACK_PACKAGE_VENDOR "The Halyrig authors")
 set(CPACK_PACKAGE_CONTACT "The Halyrig authors <halyrig@tidewright.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "bridge between race instruments and the Tidewright navigation suite")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Ten times a second halyrig32 publishes the instrument variables of
+Deckman as channels of the record that the programs of the suite share,
+and sends channels back to the displays of Deckman. halyrigctl looks at
+that record from the command line. A stand-in for Deckman, for trials,
+comes with them.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
