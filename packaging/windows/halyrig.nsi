@@ -1,6 +1,7 @@
 ; The installer: for one user, without an administrator. makensis -DVERSION=... -DBIN=... -DSOURCE=... -DOUTPUT=... halyrig.nsi
 Unicode true
 !include LogicLib.nsh
+!include Sections.nsh
 SetCompressor /SOLID lzma
 RequestExecutionLevel user
 
@@ -27,22 +28,47 @@ Page instfiles
 UninstPage uninstConfirm
 UninstPage instfiles
 
-; A running bridge holds its file. It is asked to close, which saves its settings, and gets a moment for it.
-!macro CloseRunning
-    ${If} ${FileExists} "$INSTDIR\halyrigctl.exe"
-        nsExec::Exec '"$INSTDIR\halyrigctl.exe" quit'
-        Pop $0
-        ${If} $0 == 0 ; it was running
-            Sleep 1000
+; A program that runs holds its file. $0 counts those of the bridge and the companion that do.
+!macro CountHeld FILE
+    ${If} ${FileExists} "$INSTDIR\${FILE}"
+        ClearErrors
+        FileOpen $1 "$INSTDIR\${FILE}" a
+        ${If} ${Errors}
+            IntOp $0 $0 + 1
+        ${Else}
+            FileClose $1
         ${EndIf}
     ${EndIf}
+!macroend
+
+; A running bridge is asked to close, which saves its settings, and gets ten seconds for it. When it stays, a user can try again; a
+; silent run ends with status 2 and changes nothing.
+!macro CloseRunning
+    ${Do}
+        ${If} ${FileExists} "$INSTDIR\halyrigctl.exe"
+            nsExec::Exec '"$INSTDIR\halyrigctl.exe" quit'
+            Pop $0
+        ${EndIf}
+        ${For} $2 1 100
+            StrCpy $0 0
+            !insertmacro CountHeld Halyrig32.exe
+            !insertmacro CountHeld halyrigctl.exe
+            ${If} $0 == 0
+                ${Break}
+            ${EndIf}
+            Sleep 100
+        ${Next}
+        ${If} $0 != 0
+        ${AndIf} ${Cmd} `MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "Halyrig is still running. Close it and try again." /SD IDCANCEL IDCANCEL`
+            Abort "Halyrig is still running."
+        ${EndIf}
+    ${LoopUntil} $0 == 0
 !macroend
 
 Section "Halyrig" SectionPrograms
     SectionIn RO
     !insertmacro CloseRunning
-    ; What an earlier version put into the menus, should a choice have changed.
-    Delete "$SMSTARTUP\Halyrig.lnk"
+    Delete "$SMSTARTUP\Halyrig.lnk" ; made again by its own section, while that is chosen
     SetOutPath "$INSTDIR"
     File "${BIN}\Halyrig32.exe"
     File "${BIN}\halyrigctl.exe"
@@ -70,6 +96,13 @@ SectionEnd
 Section /o "Start at log-on" SectionStart
     CreateShortcut "$SMSTARTUP\Halyrig.lnk" "$INSTDIR\Halyrig32.exe"
 SectionEnd
+
+; An upgrade keeps the choice of the version before.
+Function .onInit
+    ${If} ${FileExists} "$SMSTARTUP\Halyrig.lnk"
+        !insertmacro SelectSection ${SectionStart}
+    ${EndIf}
+FunctionEnd
 
 ; Settings and the data folder are the user's and stay.
 Section "Uninstall"
