@@ -59,7 +59,7 @@ UninstPage instfiles
             Sleep 100
         ${Next}
         ${If} $0 != 0
-        ${AndIf} ${Cmd} `MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "Halyrig is still running. Close it and try again." /SD IDCANCEL IDCANCEL`
+        ${AndIf} ${Cmd} `MessageBox MB_RETRYCANCEL "Halyrig is still running. Close it and try again." /SD IDCANCEL IDCANCEL`
             Abort "Halyrig is still running."
         ${EndIf}
     ${LoopUntil} $0 == 0
