@@ -28,6 +28,10 @@ constexpr int kEscape = 27;
 constexpr int kCtrlL = 12;
 constexpr short kAlarmPair = 1;
 
+// Behind an event that is not wanted the library would wait for another one, and the ticks with it: so all are.
+constexpr mmask_t kMouseEvents = BUTTON1_PRESSED | BUTTON1_RELEASED | BUTTON2_PRESSED | BUTTON2_RELEASED | BUTTON3_PRESSED |
+                                 BUTTON3_RELEASED | BUTTON4_PRESSED | BUTTON5_PRESSED;
+
 // The library sets handlers of its own for these. They are events of the host's loop instead.
 constexpr int kHandled[] = {SIGINT, SIGTERM, SIGTSTP, SIGWINCH};
 
@@ -95,13 +99,12 @@ Key KeyOfCode(int code) {
     return found == std::end(kKeys) ? Key::kOther : found->key;
 }
 
-Input InputOfMouse() {
-    MEVENT event{};
-    if (getmouse(&event) != OK) return {Key::kOther};
-    if (event.bstate & BUTTON4_PRESSED) return {Key::kUp};
-    if (event.bstate & BUTTON5_PRESSED) return {Key::kDown};
-    if (event.bstate & BUTTON1_PRESSED) return {Key::kPress, 0, {event.y, event.x}};
-    return {Key::kOther};
+// What is not listed means nothing here.
+std::optional<Input> InputOfMouse(const MEVENT& event) {
+    if (event.bstate & BUTTON4_PRESSED) return Input{Key::kUp};
+    if (event.bstate & BUTTON5_PRESSED) return Input{Key::kDown};
+    if (event.bstate & BUTTON1_PRESSED) return Input{Key::kPress, 0, {event.y, event.x}};
+    return std::nullopt;
 }
 
 Input InputOfCharacter(wint_t character) {
@@ -150,7 +153,7 @@ TerminalScreen::TerminalScreen() {
         init_pair(kAlarmPair, COLOR_RED, -1);
     }
     mouseinterval(0);  // a press counts when the button goes down
-    mousemask(BUTTON1_PRESSED | BUTTON4_PRESSED | BUTTON5_PRESSED, nullptr);
+    mousemask(kMouseEvents, nullptr);
     keys_ = newpad(1, 1);  // reading from a pad never draws
     keypad(keys_, TRUE);
     nodelay(keys_, TRUE);
@@ -179,14 +182,29 @@ void TerminalScreen::Restrain() {
     def_prog_mode();
 }
 
+// Several events can stand behind one notice; the library gives the newest first.
+void TerminalScreen::TakeMouseEvents() {
+    MEVENT event{};
+    while (getmouse(&event) == OK) {
+        if (const auto input = InputOfMouse(event)) mouse_.push_back(*input);
+    }
+}
+
 std::optional<Input> TerminalScreen::Read() {
+    if (!mouse_.empty()) {
+        const Input oldest = mouse_.back();
+        mouse_.pop_back();
+        return oldest;
+    }
     const TerminalLocale locale;
     wint_t read = 0;
     switch (wget_wch(keys_, &read)) {
         case ERR:
             return std::nullopt;
         case KEY_CODE_YES:
-            return read == KEY_MOUSE ? InputOfMouse() : Input{KeyOfCode(static_cast<int>(read))};
+            if (read != KEY_MOUSE) return Input{KeyOfCode(static_cast<int>(read))};
+            TakeMouseEvents();
+            return Input{Key::kOther};
         default:
             break;
     }

@@ -2,6 +2,7 @@
 #pragma once
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "platform/linux/terminal_input.h"
 #include "platform/linux/terminal_locale.h"
@@ -41,9 +42,11 @@ public:
 
 private:
     void Restrain();  // what a terminal would do with keys by itself
+    void TakeMouseEvents();
 
     screen* screen_ = nullptr;
     _win_st* keys_ = nullptr;
+    std::vector<Input> mouse_;  // not read yet, the newest first
 };
 
 // One picture of the screen, empty at first, shown when the object goes.

@@ -16,7 +16,7 @@ bool IsTrail(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 int CellsOf(wchar_t character) { return std::max(0, wcwidth(character)); }
 
 void AppendWrapped(std::vector<std::wstring>& lines, std::wstring_view paragraph, int width) {
-    while (WidthOf(paragraph) > width) {
+    while (WidthOf(paragraph) > width && paragraph.size() > 1) {
         const std::size_t fits = std::max<std::size_t>(1, HeadThatFits(paragraph, width).size());
         const std::size_t blank = paragraph.rfind(L' ', fits);
         const bool atBlank = blank != paragraph.npos && blank > 0;
