@@ -1,0 +1,123 @@
+#include "support/linux/pseudo_terminal.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "support/child_process.h"
+
+namespace twr::testing {
+namespace {
+
+constexpr int kRows = 24, kColumns = 80;
+constexpr int kPauseMs = 5;
+constexpr int kPatienceMs = 20000;  // without any output: only a fault takes that long
+
+[[noreturn]] void BecomeRole(const std::string& role, const std::vector<std::string>& arguments,
+                             const std::vector<std::string>& environment) {
+    setenv("TERM", "xterm-256color", 1);
+    setenv("LC_ALL", "C.UTF-8", 1);
+    for (const char* variable : {"LINES", "COLUMNS", "ESCDELAY"}) unsetenv(variable);
+    for (const std::string& setting : environment) putenv(const_cast<char*>(setting.c_str()));
+    const std::string program = OwnProgram();
+    std::vector<const char*> argv{program.c_str(), "--run-role", role.c_str()};
+    for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+    argv.push_back(nullptr);
+    execv(program.c_str(), const_cast<char**>(argv.data()));
+    _exit(127);
+}
+
+}  // namespace
+
+PseudoTerminal::PseudoTerminal(const std::string& role, const std::vector<std::string>& arguments,
+                               const std::vector<std::string>& environment)
+    : picture_(kRows, kColumns) {
+    winsize size{kRows, kColumns, 0, 0};
+    process_ = forkpty(&terminal_, nullptr, nullptr, &size);
+    if (process_ == 0) BecomeRole(role, arguments, environment);
+    fcntl(terminal_, F_SETFD, FD_CLOEXEC);  // held by another role it could not hang up
+}
+
+PseudoTerminal::~PseudoTerminal() {
+    HangUp();
+    Wait();
+}
+
+bool PseudoTerminal::ReadMore() {
+    pollfd event{terminal_, POLLIN, 0};
+    if (poll(&event, 1, kPatienceMs) <= 0) return false;
+    char chunk[4096];
+    const ssize_t got = read(terminal_, chunk, sizeof chunk);  // fails when nobody holds the other end any more
+    if (got <= 0) return false;
+    picture_.Write({chunk, static_cast<std::size_t>(got)});
+    return true;
+}
+
+bool PseudoTerminal::WaitUntil(const std::function<bool()>& holds) {
+    while (!holds()) {
+        if (!ReadMore()) return holds();
+    }
+    return true;
+}
+
+bool PseudoTerminal::Shows(std::string_view text) {
+    return WaitUntil([&] { return picture_.Find(text).has_value(); });
+}
+
+bool PseudoTerminal::ShowsNo(std::string_view text) {
+    return WaitUntil([&] { return !picture_.Find(text); });
+}
+
+bool PseudoTerminal::Focuses(std::string_view text) {
+    return WaitUntil([&] { return picture_.Reversed().find(text) != std::string::npos; });
+}
+
+bool PseudoTerminal::OnOwnScreen(bool own) {
+    return WaitUntil([&] { return picture_.OnOwnScreen() == own; });
+}
+
+void PseudoTerminal::Type(std::string_view keys) {
+    [[maybe_unused]] const ssize_t written = write(terminal_, keys.data(), keys.size());
+}
+
+std::string PseudoTerminal::Click(std::string_view text) {
+    if (!Shows(text)) return {};
+    const auto place = picture_.Find(text);
+    const std::string at = "\033[<0;" + std::to_string(place->column + 1) + ';' + std::to_string(place->row + 1);
+    return at + 'M' + at + 'm';
+}
+
+void PseudoTerminal::Resize(int rows, int columns) {
+    picture_.Resize(rows, columns);
+    const winsize size{static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
+    ioctl(terminal_, TIOCSWINSZ, &size);
+}
+
+void PseudoTerminal::Signal(int number) { kill(process_, number); }
+
+void PseudoTerminal::HangUp() {
+    if (terminal_ >= 0) close(terminal_);
+    terminal_ = -1;
+}
+
+// What the role still writes is taken, so that nothing holds it up.
+int PseudoTerminal::Wait() {
+    if (process_ <= 0) return -1;
+    while (terminal_ >= 0 && ReadMore()) continue;
+    int status = 0;
+    // One that is silent but does not end is at fault, and is killed.
+    for (int waited = 0; waitpid(process_, &status, WNOHANG) == 0; waited += kPauseMs) {
+        if (waited >= kPatienceMs) kill(process_, SIGKILL);
+        poll(nullptr, 0, kPauseMs);
+    }
+    process_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace twr::testing
