@@ -58,9 +58,9 @@ void FolderField::PlaceButton() {
 }
 
 void FolderField::Browse() {
-    const std::wstring shown = WindowText(edit_);
-    const auto picked = browser_.Pick(GetAncestor(edit_, GA_ROOT), shown);
-    if (picked && *picked != shown) SetWindowTextW(edit_, picked->c_str());
+    // The same folder again counts as well: something in it may be new.
+    const auto picked = browser_.Pick(GetAncestor(edit_, GA_ROOT), WindowText(edit_));
+    if (picked) SetWindowTextW(edit_, picked->c_str());
 }
 
 }  // namespace twr

@@ -1,21 +1,16 @@
 // The whole program in processes of its own, without a terminal, under names of the test's own.
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "bridge/application.h"
 #include "bridge/settings.h"
 #include "core/core.h"
 #include "platform/wide_text.h"
 #include "support/child_process.h"
 #include "support/fakes.h"
-#include "support/record_bytes.h"
 #include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
-
-using R = RecordBytes;
 
 // Runs the program. The line that it prints first says that it holds the record.
 const Role bridge("bridge", [](const std::vector<std::string>& arguments) {
@@ -40,38 +35,6 @@ protected:
 
     TestSystem test;
 };
-
-TEST_F(ProcessTest, MakesTheRecordByteForByte) {
-    const auto child = Start();
-    const auto guest = Join();
-    ASSERT_NE(nullptr, guest->View());
-    const R actual(guest->View());
-
-    // The same machine, but for a record in this process's own memory and a clock of its own.
-    FakeClock clock;
-    FakeMemory memory;
-    FakeDesktop desktop;
-    CoreServices real = test.system->Core();
-    const CCore own({clock, real.zone, memory, real.registry, real.files, real.xml, desktop});
-    const R expected(own.View());
-
-    const auto isClock = [](std::size_t offset) {
-        for (std::size_t boat = 0; boat < 2; ++boat) {
-            for (const std::size_t place :
-                 {R::Time(boat, 0), R::Value(boat, 0), R::Damped(boat, 0), R::Time(boat, 140), R::Time(boat, 141)}) {
-                if (offset >= place && offset < place + 8) return true;
-            }
-        }
-        return offset == R::SysFlag(38);  // the bridge's ticks may have begun
-    };
-    for (std::size_t offset = 0; offset < R::kSize; ++offset) {
-        if (isClock(offset)) continue;
-        ASSERT_EQ(expected.U8(offset), actual.U8(offset)) << offset;
-    }
-    EXPECT_GT(actual.F64(R::Value(0, 0)), 46000.0);
-    RequestQuit(*guest);
-    EXPECT_EQ(0, child->Wait());
-}
 
 TEST_F(ProcessTest, AQuitRequestSavesTheSettingsAndLeavesTheRecordToOthers) {
     const auto child = Start();
