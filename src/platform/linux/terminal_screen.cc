@@ -126,11 +126,13 @@ Input InputOfCharacter(wint_t character) {
 
 }  // namespace
 
+// A library that is loaded while the screen is up can ask too: what the screen is drawn by must stay.
 bool TerminalCanShowScreens() {
+    TERMINAL* const before = cur_term;
     int error = 0;
     if (setupterm(nullptr, STDOUT_FILENO, &error) != OK) return false;
     const bool placesCursor = !Sequence("cup").empty();
-    del_curterm(cur_term);
+    del_curterm(set_curterm(before));
     return placesCursor;
 }
 

@@ -75,6 +75,13 @@ const std::map<std::string, void (*)(const Stage&)> plays = {
          stage.dialog.onInit = [stage] { stage.dialog.window->StartTimer(1, 1); };
          stage.dialog.onTimer = [stage] { stage.Show(std::u16string(stage.dialog.ticks % 2 ? u"odd" : u"even")); };
      }},
+    {"make services",
+     [](const Stage& stage) {
+         stage.dialog.onButton = [stage] {
+             MakeSystem({});
+             stage.Show(u"made");
+         };
+     }},
     {"quit", [](const Stage& stage) { stage.dialog.onButton = [stage] { stage.desktop.PostQuit(); }; }},
     {"abort", [](const Stage& stage) { stage.dialog.onButton = [] { std::abort(); }; }},
     {"exit", [](const Stage& stage) { stage.dialog.onButton = [] { std::exit(3); }; }},
@@ -197,6 +204,14 @@ TEST_F(TerminalHostTest, APostedCloseIsRaisedInABox) {
     EXPECT_SHOWS("answer ok");
     terminal->Press("Close");
     EXPECT_EQ(0, terminal->Wait());
+}
+
+// Deckman's stand-in does so, when it is loaded.
+TEST_F(TerminalHostTest, ALibraryWithServicesOfItsOwnLeavesTheScreenAlone) {
+    OpenAndAsk("make services");
+    EXPECT_SHOWS("made");
+    terminal->Type(kF1);
+    EXPECT_SHOWS("Menu item");
 }
 
 TEST_F(TerminalHostTest, PostQuitEndsIt) {
