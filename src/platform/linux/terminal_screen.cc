@@ -193,23 +193,17 @@ void TerminalScreen::TakeMouseEvents() {
 }
 
 std::optional<Input> TerminalScreen::Read() {
+    const TerminalLocale locale;
+    wint_t read = 0;
+    int kind = OK;
+    while (mouse_.empty() && (kind = wget_wch(keys_, &read)) == KEY_CODE_YES && read == KEY_MOUSE) TakeMouseEvents();
     if (!mouse_.empty()) {
         const Input oldest = mouse_.back();
         mouse_.pop_back();
         return oldest;
     }
-    const TerminalLocale locale;
-    wint_t read = 0;
-    switch (wget_wch(keys_, &read)) {
-        case ERR:
-            return std::nullopt;
-        case KEY_CODE_YES:
-            if (read != KEY_MOUSE) return Input{KeyOfCode(static_cast<int>(read))};
-            TakeMouseEvents();
-            return Input{Key::kOther};
-        default:
-            break;
-    }
+    if (kind == ERR) return std::nullopt;
+    if (kind == KEY_CODE_YES) return Input{KeyOfCode(static_cast<int>(read))};
     if (read != kEscape) return InputOfCharacter(read);
     // Alt and a key come as an Esc with the key right behind it: that is no wish to leave.
     if (wget_wch(keys_, &read) == ERR) return Input{Key::kEscape};

@@ -140,7 +140,9 @@ TEST_F(TerminalTest, AFolderThatIsNotThereIsNotChosen) {
     Open();
     terminal->Press("[...]");
     EXPECT_SHOWS("Choose a folder");
-    terminal->Type("nowhere\r");
+    terminal->Type("nowhere");
+    EXPECT_SHOWS("/nowhere");
+    terminal->Press("Enter Choose");
     EXPECT_SHOWS("There is no such folder.");
 }
 
