@@ -11,6 +11,7 @@ enum class ControlKind { kPushButton, kDefaultButton, kCheckBox, kLabel, kFolder
 
 struct ControlRect {
     int left, top, width, height;  // dialog units
+    friend bool operator==(const ControlRect&, const ControlRect&) = default;
 };
 
 struct ControlTemplate {

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <type_traits>
 
+#include "bridge/controls.h"
 #include "platform/windows/wide.h"
 #include "support/scripted_dialog.h"
 #include "support/windows/window_probe.h"
@@ -16,17 +18,6 @@ using testing::ScriptedDialog;
 using testing::WindowProbe;
 using Events = std::vector<std::string>;
 
-constexpr ControlTemplate kControls[] = {
-    {1, ControlKind::kDefaultButton, u"Close", {216, 162, 48, 18}},
-    {1001, ControlKind::kCheckBox, u"Depth in feet from Dfw", {18, 18, 89, 10}},
-    {1004, ControlKind::kCheckBox, u"Send names to remote channels", {18, 42, 118, 10}},
-    {1003, ControlKind::kCheckBox, u"Use Dfw 'TIMER' channel to set Twr timer", {18, 66, 147, 10}},
-    {1002, ControlKind::kCheckBox, u"Heading, twd and cog in degrees true", {18, 90, 137, 10}},
-    {1005, ControlKind::kLabel, u"Dfw folder:", {18, 114, 42, 8}},
-    {1000, ControlKind::kFolderField, u"", {18, 126, 246, 14}},
-    {1006, ControlKind::kPushButton, u"Import", {18, 162, 48, 18}},
-};
-constexpr DialogTemplate kMain{102, u"Halyrig32", 281, 195, kControls};
 constexpr DialogTemplate kAbout{100, u"About Halyrig32", 197, 93, {}};
 
 constexpr UINT kSameTime = 10;  // milliseconds from tick to tick
@@ -60,7 +51,7 @@ protected:
             if (wished) wished();
             dialog_.window->StartTimer(1, kSameTime);
         };
-        desktop_.RunDialog(kMain, dialog_);
+        desktop_.RunDialog(kMainTemplate, dialog_);
         EXPECT_FALSE(WindowProbe::Find(u"Halyrig32", GetCurrentProcessId())) << "a window is left";
     }
 
@@ -79,38 +70,33 @@ std::wstring ClassOf(HWND window) {
 }
 
 TEST_F(DesktopTest, ShowsEachControlInItsPlace) {
-    const struct {
-        int id;
+    struct Look {
         const wchar_t* windowClass;
         LONG style, mask;
-    } rows[] = {
-        {1, WC_BUTTONW, BS_DEFPUSHBUTTON | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
-        {1001, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
-        {1004, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
-        {1003, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
-        {1002, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
-        {1005, WC_STATICW, SS_LEFT, SS_TYPEMASK | WS_TABSTOP},
-        {1000, WC_EDITW, ES_READONLY | WS_TABSTOP, ES_READONLY | ES_MULTILINE | WS_TABSTOP},
-        {1006, WC_BUTTONW, BS_PUSHBUTTON | WS_TABSTOP, BS_TYPEMASK | WS_TABSTOP},
     };
-    std::vector<int> order;
-    for (const auto& row : rows) order.push_back(row.id);
+    constexpr LONG kButton = BS_TYPEMASK | WS_TABSTOP, kField = ES_READONLY | ES_MULTILINE | WS_TABSTOP;
+    const std::map<ControlKind, Look> looks = {
+        {ControlKind::kDefaultButton, {WC_BUTTONW, BS_DEFPUSHBUTTON | WS_TABSTOP, kButton}},
+        {ControlKind::kPushButton, {WC_BUTTONW, BS_PUSHBUTTON | WS_TABSTOP, kButton}},
+        {ControlKind::kCheckBox, {WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, kButton}},
+        {ControlKind::kLabel, {WC_STATICW, SS_LEFT, SS_TYPEMASK | WS_TABSTOP}},
+        {ControlKind::kFolderField, {WC_EDITW, ES_READONLY | WS_TABSTOP, kField}},
+    };
     Run({[&] {
         const WindowProbe window = Window();
-        EXPECT_EQ(order, window.TabOrder());
-        for (std::size_t i = 0; i < std::size(rows); ++i) {
-            SCOPED_TRACE(rows[i].id);
-            const HWND control = window.Control(rows[i].id);
-            EXPECT_STREQ(rows[i].windowClass, ClassOf(control).c_str());
-            EXPECT_EQ(rows[i].style, GetWindowLongW(control, GWL_STYLE) & rows[i].mask);
+        std::vector<int> order;
+        for (const ControlTemplate& wanted : kMainControls) {
+            SCOPED_TRACE(wanted.id);
+            order.push_back(wanted.id);
+            const HWND control = window.Control(wanted.id);
+            const Look& look = looks.at(wanted.kind);
+            EXPECT_STREQ(look.windowClass, ClassOf(control).c_str());
+            EXPECT_EQ(look.style, GetWindowLongW(control, GWL_STYLE) & look.mask);
             EXPECT_TRUE(IsWindowVisible(control));
-            EXPECT_EQ(std::u16string(kControls[i].caption), window.Text(rows[i].id));
-            const ControlRect wanted = window.Pixels(kControls[i].rect), found = window.Rect(rows[i].id);
-            EXPECT_EQ(wanted.left, found.left);
-            EXPECT_EQ(wanted.top, found.top);
-            EXPECT_EQ(wanted.width, found.width);
-            EXPECT_EQ(wanted.height, found.height);
+            EXPECT_EQ(std::u16string(wanted.caption), window.Text(wanted.id));
+            EXPECT_EQ(window.Pixels(wanted.rect), window.Rect(wanted.id));
         }
+        EXPECT_EQ(order, window.TabOrder());
         End();
     }});
 }
@@ -138,10 +124,10 @@ TEST_F(DesktopTest, ShowsAWindowThatCanBeSizedAndMinimised) {
 
 TEST_F(DesktopTest, TellsTheDialogWhatItsUserDoes) {
     Run({
-        [&] { Window().Press(1006); },
-        [&] { Window().Press(1001); },
-        [&] { Window().Press(1); },
-        [&] { PostMessageW(Window().Control(1006), WM_KEYDOWN, VK_ESCAPE, 1); },
+        [&] { Window().Press(kImportButton); },
+        [&] { Window().Press(kDepthCheck); },
+        [&] { Window().Press(kCloseButton); },
+        [&] { PostMessageW(Window().Control(kImportButton), WM_KEYDOWN, VK_ESCAPE, 1); },
         [&] { Window().PostClose(); },
         [&] { SendMessageW(Window().Handle(), WM_SYSCOMMAND, SC_CLOSE, 0); },
         [&] { dialog_.window->PostClose(); },
@@ -152,18 +138,18 @@ TEST_F(DesktopTest, TellsTheDialogWhatItsUserDoes) {
 
 TEST_F(DesktopTest, KeepsCheckBoxesAndText) {
     dialog_.onInit = [&] {
-        dialog_.window->SetChecked(1001, true);
-        dialog_.window->SetText(1000, u"C:\\Deckm\u00E4n");
+        dialog_.window->SetChecked(kDepthCheck, true);
+        dialog_.window->SetText(kFolderField, u"C:\\Deckm\u00E4n");
     };
     Run({[&] {
-        EXPECT_TRUE(Window().Checked(1001));
-        EXPECT_FALSE(Window().Checked(1002));
-        Window().Press(1001);
-        Window().Press(1002);
-        EXPECT_FALSE(dialog_.window->Checked(1001));
-        EXPECT_TRUE(dialog_.window->Checked(1002));
-        EXPECT_EQ(u"C:\\Deckm\u00E4n", dialog_.window->Text(1000));
-        EXPECT_EQ(u"C:\\Deckm\u00E4n", Window().Text(1000));
+        EXPECT_TRUE(Window().Checked(kDepthCheck));
+        EXPECT_FALSE(Window().Checked(kTrueCheck));
+        Window().Press(kDepthCheck);
+        Window().Press(kTrueCheck);
+        EXPECT_FALSE(dialog_.window->Checked(kDepthCheck));
+        EXPECT_TRUE(dialog_.window->Checked(kTrueCheck));
+        EXPECT_EQ(u"C:\\Deckm\u00E4n", dialog_.window->Text(kFolderField));
+        EXPECT_EQ(u"C:\\Deckm\u00E4n", Window().Text(kFolderField));
         End();
     }});
 }
@@ -172,11 +158,11 @@ TEST_F(DesktopTest, TellsOfEachChangeOfTheFolderAtOnceEvenToTheSame) {
     Run({[&] {
         for (const char16_t* text : {u"C:\\A", u"C:\\A", u"", u""}) {
             dialog_.events.clear();
-            dialog_.window->SetText(1000, text);
+            dialog_.window->SetText(kFolderField, text);
             EXPECT_EQ(Events{"text 1000"}, dialog_.events);
         }
         dialog_.events.clear();
-        Window().SetText(1000, u"C:\\B");
+        Window().SetText(kFolderField, u"C:\\B");
         EXPECT_EQ(Events{"text 1000"}, dialog_.events);
         End();
     }});
@@ -212,11 +198,10 @@ TEST_F(DesktopTest, GoesOnTickingWhileABoxIsOpenAndGivesItsAnswer) {
         BoxAnswer answer = BoxAnswer::kNone;
         dialog_.onButton = [&] { answer = Ask(); };
         Run({
-            [&] { Window().PostPress(1006); },
+            [&] { Window().PostPress(kImportButton); },
             [&] { return Window().Popup().has_value(); },
             [&] {
                 const auto box = Window().Popup();
-                ASSERT_TRUE(box);
                 EXPECT_EQ(u"Question", box->Caption());
                 EXPECT_FALSE(IsWindowEnabled(Window().Handle()));
                 box->PostPress(row.press);
@@ -247,7 +232,7 @@ TEST_F(DesktopTest, EndsWithWhateverBoxIsOpen) {
         dialog_.onButton = row.open;
         dialog_.onCancel = [this] { End(); };
         Run({
-            [&] { Window().PostPress(1006); },
+            [&] { Window().PostPress(kImportButton); },
             [&] { return Window().Popup().has_value(); },
             [&] { dialog_.window->PostClose(); },
         });
@@ -258,17 +243,14 @@ TEST_F(DesktopTest, EndsWithWhateverBoxIsOpen) {
 TEST_F(DesktopTest, ShowsTheAboutBox) {
     dialog_.onButton = [&] { desktop_.ShowAbout(kAbout, u"Halyrig32 v1.0.0\n\nOne line"); };
     Run({
-        [&] { Window().PostPress(1006); },
+        [&] { Window().PostPress(kImportButton); },
         [&] { return Window().Popup().has_value(); },
         [&] {
             const auto box = Window().Popup();
-            ASSERT_TRUE(box);
             EXPECT_EQ(u"About Halyrig32", box->Caption());
             EXPECT_EQ(u"Halyrig32 v1.0.0\n\nOne line", box->Text(-1));
             EXPECT_EQ(u"OK", box->Text(IDOK));
-            const ControlRect wanted = box->Pixels({12, 12, 174, 42}), found = box->Rect(-1);
-            EXPECT_EQ(wanted.left, found.left);
-            EXPECT_EQ(wanted.width, found.width);
+            EXPECT_EQ(box->Pixels({12, 12, 174, 42}), box->Rect(-1));
             box->PostPress(IDOK);
         },
         [&] { return !Window().Popup(); },
@@ -282,7 +264,7 @@ TEST_F(DesktopTest, OpensAndEndsAtOnceAfterAQuit) {
     EXPECT_EQ((Events{"init", "destroy"}), dialog_.events);
 
     dialog_ = {};
-    Run({[&] { Window().Press(1006); }, [&] { desktop_.PostQuit(); }});
+    Run({[&] { Window().Press(kImportButton); }, [&] { desktop_.PostQuit(); }});
     EXPECT_EQ((Events{"init", "button 1006", "destroy"}), dialog_.events) << "the quit holds for one dialog";
 }
 
@@ -300,7 +282,7 @@ TEST_F(DesktopTest, EndsWithTheSessionWithoutAsking) {
 
 TEST_F(DesktopTest, HasAButtonForTheFolderAtTheRightEndOfItsField) {
     Run({[&] {
-        const HWND field = Window().Control(1000);
+        const HWND field = Window().Control(kFolderField);
         const HWND button = GetWindow(field, GW_CHILD);
         RECT fieldRect, buttonRect;
         GetClientRect(field, &fieldRect);
@@ -327,9 +309,9 @@ TEST_F(DesktopTest, BrowsesForAFolderByMouseAndByKeyAndEndsMeanwhile) {
         SCOPED_TRACE(row.name);
         dialog_ = {};
         dialog_.onCancel = [this] { End(); };
-        dialog_.onInit = [&] { dialog_.window->SetText(1000, u"C:\\"); };
+        dialog_.onInit = [&] { dialog_.window->SetText(kFolderField, u"C:\\"); };
         Run({
-            [&] { row.open(Window().Control(1000)); },
+            [&] { row.open(Window().Control(kFolderField)); },
             [&] { return Window().Popup().has_value(); },
             [&] { dialog_.window->PostClose(); },
         });
@@ -348,9 +330,9 @@ BOOL CALLBACK TypeFolder(HWND child, LPARAM) {
 TEST_F(DesktopTest, TakesThePickedFolderIntoItsFieldEvenIfItIsTheSame) {
     for (const char16_t* shown : {u"C:\\no such folder", u"C:\\windows"}) {
         dialog_ = {};
-        dialog_.onInit = [&] { dialog_.window->SetText(1000, shown); };
+        dialog_.onInit = [&] { dialog_.window->SetText(kFolderField, shown); };
         Run({
-            [&] { PostMessageW(Window().Control(1000), WM_KEYDOWN, VK_F4, 1); },
+            [&] { PostMessageW(Window().Control(kFolderField), WM_KEYDOWN, VK_F4, 1); },
             [&] { return Window().Popup().has_value(); },
             [&] {
                 EnumChildWindows(Window().Popup()->Handle(), TypeFolder, 0);
@@ -358,7 +340,7 @@ TEST_F(DesktopTest, TakesThePickedFolderIntoItsFieldEvenIfItIsTheSame) {
             },
             [&] { return !Window().Popup(); },
             [&] {
-                EXPECT_EQ(u"C:\\windows", dialog_.window->Text(1000));
+                EXPECT_EQ(u"C:\\windows", dialog_.window->Text(kFolderField));
                 End();
             },
         });
