@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <filesystem>
+#include <functional>
 
 #include "bridge/application.h"
 #include "bridge/settings.h"
@@ -27,6 +28,10 @@ class TerminalTest : public ::testing::Test {
 protected:
     TerminalTest() {
         for (const char* name : {"Ashore", "Deckman"}) std::filesystem::create_directory(test.folder.Path() / name);
+        SaveDefaults();
+    }
+
+    void SaveDefaults() {
         Settings settings;
         settings.dfwFolder = test.folder.Text();
         WriteSettings(Stored(), settings);
@@ -36,12 +41,6 @@ protected:
         terminal = std::make_unique<PseudoTerminal>("bridge at a terminal",
                                                     std::vector<std::string>{test.name, ToUtf8(test.folder.Text())});
         ASSERT_TRUE(terminal->Shows("Esc Exit")) << terminal->Picture().All();
-    }
-
-    // The program has ended by itself and the terminal is the shell's again.
-    void ExpectEnd() {
-        EXPECT_EQ(0, terminal->Wait());
-        EXPECT_FALSE(terminal->Picture().OnOwnScreen());
     }
 
     Registry& Stored() { return test.system->Core().registry; }
@@ -59,52 +58,83 @@ TEST_F(TerminalTest, ShowsTheDialogInItsTabOrder) {
     Open();
     EXPECT_SHOWS("─ Halyrig32 ─");
     EXPECT_SHOWS("Dfw folder:");
-    const char* const order[] = {"[  Close   ]", "[x] Depth in feet from Dfw", "[ ] Send names to remote channels",
-                                 "[ ] Use Dfw 'TIMER' channel to set Twr timer", "[ ] Heading, twd and cog in degrees true"};
-    for (const char* focused : order) {
+    for (const char* focused :
+         {"[  Close   ]", "[x] Depth in feet from Dfw", "[ ] Send names to remote channels",
+          "[ ] Use Dfw 'TIMER' channel to set Twr timer", "[ ] Heading, twd and cog in degrees true", "[...]", "[  Import  ]"}) {
         EXPECT_TRUE(terminal->Focuses(focused)) << terminal->Picture().Reversed();
         terminal->Type("\t");
     }
-    terminal->Type("\t");
-    EXPECT_TRUE(terminal->Focuses("[  Import  ]"));
-    terminal->Type("\t");
-    EXPECT_TRUE(terminal->Focuses("[  Close   ]"));
+    EXPECT_TRUE(terminal->Focuses("[  Close   ]")) << "round and round";
     terminal->Type("\033[Z");
-    EXPECT_TRUE(terminal->Focuses("[  Import  ]"));
+    EXPECT_TRUE(terminal->Focuses("[  Import  ]")) << "and back";
 }
 
-TEST_F(TerminalTest, CloseAndYesSavesWhatKeysAndMouseHaveTicked) {
-    Open();
-    terminal->Press("[ ] Send names");
-    EXPECT_SHOWS("[x] Send names");
-    terminal->Type("\033[Z ");
-    EXPECT_SHOWS("[ ] Depth");
-    terminal->Press("[  Close");
-    EXPECT_SHOWS("Exit Halyrig?");
-    terminal->Type("n");
-    EXPECT_SHOWS_NO("Exit Halyrig?");
-    terminal->Type("\r");
-    EXPECT_SHOWS("Exit Halyrig?");
-    terminal->Press("[ Yes ]");
-    ExpectEnd();
-    EXPECT_TRUE(Saved().sendNames);
-    EXPECT_FALSE(Saved().depthInFeet);
+TEST_F(TerminalTest, EachWayOutSavesOrLeavesTheSettings) {
+    const auto ask = [&] {
+        terminal->Type(kEsc);
+        EXPECT_SHOWS("Exit Halyrig?");
+    };
+    const auto answer = [&](std::string_view keys) {
+        terminal->Type(keys);
+        EXPECT_SHOWS_NO("Exit Halyrig?");
+    };
+    const struct {
+        const char* name;
+        std::function<void()> leave;
+        bool saves;
+    } rows[] = {
+        {"Close by mouse, No, Close by key, Yes by mouse",
+         [&] {
+             terminal->Press("[  Close");
+             EXPECT_SHOWS("Exit Halyrig?");
+             answer("n");
+             terminal->Type("\r");
+             terminal->Press("[ Yes ]");
+         },
+         true},
+        {"Esc twice, Alt and a key, Esc, Yes",
+         [&] {
+             ask();
+             answer(kEsc);
+             terminal->Type("\033n");  // no wish to leave
+             ask();
+             answer("\r");
+         },
+         false},
+        {"asked to quit below an open box",
+         [&] {
+             ask();
+             CCore(test.system->Core(), Attachment::kOpenOnly).View()->sysFlag[kFlagQuitRequest] = 1;
+         },
+         true},
+        {"SIGTERM", [&] { terminal->Signal(SIGTERM); }, false},
+        {"SIGINT", [&] { terminal->Signal(SIGINT); }, false},
+        {"SIGHUP", [&] { terminal->Signal(SIGHUP); }, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        SaveDefaults();
+        Open();
+        terminal->Press("[ ] Send names");
+        EXPECT_SHOWS("[x] Send names");
+        row.leave();
+        EXPECT_EQ(0, terminal->Wait());
+        EXPECT_FALSE(terminal->Picture().OnOwnScreen());
+        EXPECT_EQ(row.saves, Saved().sendNames);
+    }
 }
 
-TEST_F(TerminalTest, EscAndYesLeavesTheSettings) {
-    Open();
-    terminal->Press("[ ] Send names");
-    EXPECT_SHOWS("[x] Send names");
-    terminal->Type(kEsc);
-    EXPECT_SHOWS("Exit Halyrig?");
-    terminal->Type(kEsc);
-    EXPECT_SHOWS_NO("Exit Halyrig?");
-    terminal->Type("\033n");  // Alt and a key is no wish to leave
-    terminal->Type(kEsc);
-    EXPECT_SHOWS("Exit Halyrig?");
-    terminal->Type("\r");
-    ExpectEnd();
-    EXPECT_FALSE(Saved().sendNames);
+TEST_F(TerminalTest, ATerminalThatVanishesEndsItWithTheSettingsLeft) {
+    for (const std::string_view keys : {std::string_view(), kEsc, kF1}) {
+        Open();
+        terminal->Press("[ ] Send names");
+        EXPECT_SHOWS("[x] Send names");
+        terminal->Type(keys);
+        EXPECT_TRUE(keys.empty() || terminal->ShowsNo("Esc Exit"));
+        terminal->HangUp();
+        EXPECT_EQ(0, terminal->Wait());
+        EXPECT_FALSE(Saved().sendNames);
+    }
 }
 
 TEST_F(TerminalTest, AFolderIsChosenFromTheList) {
@@ -132,7 +162,7 @@ TEST_F(TerminalTest, AFolderIsChosenFromTheList) {
     terminal->Press("[  Close");
     EXPECT_SHOWS("Exit Halyrig?");
     terminal->Type("y");
-    ExpectEnd();
+    EXPECT_EQ(0, terminal->Wait());
     EXPECT_EQ(Folder("Deckman"), Saved().dfwFolder);
 }
 
@@ -156,43 +186,6 @@ TEST_F(TerminalTest, TheMenuShowsTheAboutBox) {
         EXPECT_SHOWS("©");
         terminal->Type(kEsc);
         EXPECT_SHOWS_NO("Halyrig32 v");
-    }
-}
-
-TEST_F(TerminalTest, AQuitRequestEndsItBelowAnOpenBox) {
-    Open();
-    terminal->Press("[ ] Send names");
-    terminal->Type(kEsc);
-    EXPECT_SHOWS("Exit Halyrig?");
-    const CCore guest(test.system->Core(), Attachment::kOpenOnly);
-    ASSERT_NE(nullptr, guest.View());
-    guest.View()->sysFlag[35] = 1;
-    ExpectEnd();
-    EXPECT_TRUE(Saved().sendNames);
-}
-
-TEST_F(TerminalTest, SignalsEndItWithTheSettingsLeft) {
-    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-        SCOPED_TRACE(number);
-        Open();
-        terminal->Press("[ ] Send names");
-        EXPECT_SHOWS("[x] Send names");
-        terminal->Signal(number);
-        ExpectEnd();
-        EXPECT_FALSE(Saved().sendNames);
-    }
-}
-
-TEST_F(TerminalTest, ATerminalThatVanishesEndsItWithTheSettingsLeft) {
-    for (const std::string_view keys : {std::string_view(), kEsc, kF1}) {
-        Open();
-        terminal->Press("[ ] Send names");
-        EXPECT_SHOWS("[x] Send names");
-        terminal->Type(keys);
-        EXPECT_TRUE(keys.empty() || terminal->ShowsNo("Esc Exit"));
-        terminal->HangUp();
-        EXPECT_EQ(0, terminal->Wait());
-        EXPECT_FALSE(Saved().sendNames);
     }
 }
 
@@ -222,7 +215,7 @@ TEST_F(TerminalTest, ImportsALegacyMappingOrSaysThatItCant) {
         terminal->Type(kEsc);
         EXPECT_SHOWS("Exit Halyrig?");
         terminal->Type("y");
-        ExpectEnd();
+        EXPECT_EQ(0, terminal->Wait());
         const std::string mapping = test.folder.Read(data + "instruments/halyrig.xml");
         EXPECT_EQ(row.saved, mapping.find("<var twr=\"1\" dfw=\"7\" />") != std::string::npos) << mapping;
         EXPECT_EQ(!row.saved, mapping == "<halyrig/>");
