@@ -25,7 +25,7 @@ public:
 // Starts this program again as `role`; the main of the test programs sees to the rest.
 std::unique_ptr<ChildProcess> StartRole(const std::string& role, const std::vector<std::string>& arguments);
 
-// Starts a program with its standard streams connected; nullptr when it can't be started.
+// Starts a program with its standard streams connected; nullptr or an exit status of 127 when it can't be started.
 std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::vector<std::string>& arguments);
 
 // A role registers itself under its name with a static object of this type and gives the exit status.

@@ -1,14 +1,13 @@
 #include "support/fakes.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "platform/paths.h"
 
 namespace twr::testing {
 namespace {
 
-using Bytes = std::shared_ptr<std::vector<std::max_align_t>>;
+using Bytes = std::shared_ptr<std::vector<std::uint64_t>>;
 
 class FakeBlock : public SharedBlock {
 public:
@@ -23,17 +22,15 @@ private:
 
 class FakeSource : public ByteSource {
 public:
-    explicit FakeSource(std::string bytes) : bytes_(std::move(bytes)) {}
+    explicit FakeSource(std::string bytes) : rest_(std::move(bytes)) {}
     std::size_t Read(char* to, std::size_t room) override {
-        const std::size_t count = std::min(room, bytes_.size() - used_);
-        std::memcpy(to, bytes_.data() + used_, count);
-        used_ += count;
+        const std::size_t count = rest_.copy(to, room);
+        rest_.erase(0, count);
         return count;
     }
 
 private:
-    std::string bytes_;
-    std::size_t used_ = 0;
+    std::string rest_;
 };
 
 std::u16string Lowered(std::u16string_view text) {
@@ -55,8 +52,7 @@ bool Fits(std::u16string_view name, std::u16string_view pattern) {
 std::unique_ptr<SharedBlock> FakeMemory::CreateOrOpen(std::u16string_view name, std::size_t size) {
     if (failCreate) return nullptr;
     if (auto block = OpenExisting(name, size)) return block;
-    const auto bytes = std::make_shared<std::vector<std::max_align_t>>(size / sizeof(std::max_align_t) + 1);
-    std::memset(static_cast<void*>(bytes->data()), 0, bytes->size() * sizeof(std::max_align_t));
+    const auto bytes = std::make_shared<std::vector<std::uint64_t>>(size / 8 + 1);
     blocks_[std::u16string(name)] = bytes;
     return std::make_unique<FakeBlock>(bytes, false, !failMap);
 }
@@ -105,18 +101,17 @@ std::unique_ptr<ByteSource> FakeFiles::Open(std::u16string_view path) {
 }
 
 bool FakeFiles::Append(std::u16string_view path, std::string_view bytes) {
-    if (!Find(path)) files.push_back({std::u16string(path), {}});
-    std::ranges::find(files, path, &File::path)->bytes += bytes;
+    auto file = std::ranges::find(files, path, &File::path);
+    if (file == files.end()) file = files.insert(file, File{std::u16string(path), {}});
+    file->bytes += bytes;
     return true;
 }
 
 bool FakeFiles::Copy(std::u16string_view from, std::u16string_view to) {
-    copied.emplace_back(to);
     const File* file = Find(from);
     if (!file || copiesFail) return false;
     const std::string bytes = file->bytes;
-    Remove(to);
-    removed.pop_back();
+    std::erase_if(files, [&](const File& old) { return old.path == to; });
     return Append(to, bytes);
 }
 

@@ -43,7 +43,7 @@ public:
     bool failMap = false;
 
 private:
-    std::map<std::u16string, std::weak_ptr<std::vector<std::max_align_t>>> blocks_;
+    std::map<std::u16string, std::weak_ptr<std::vector<std::uint64_t>>> blocks_;
 };
 
 class FakeRegistry : public Registry {
@@ -98,7 +98,7 @@ public:
     std::u16string programData = u"/data";
     bool foldersFail = false;
     bool copiesFail = false;
-    std::vector<std::u16string> copied, removed;
+    std::vector<std::u16string> removed;
 
 private:
     const File* Find(std::u16string_view path) const;

@@ -1,4 +1,3 @@
-#include <cstdio>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -11,7 +10,6 @@ namespace {
 using Body = std::function<int(const std::vector<std::string>&)>;
 
 constexpr const char* kRoleOption = "--run-role";
-constexpr int kUnknownRole = 127;
 
 std::map<std::string, Body>& Roles() {
     static std::map<std::string, Body> roles;
@@ -30,12 +28,7 @@ std::unique_ptr<ChildProcess> StartRole(const std::string& role, const std::vect
 
 std::optional<int> RunRole(int argc, char** argv) {
     if (argc < 3 || std::string_view(argv[1]) != kRoleOption) return std::nullopt;
-    const auto role = Roles().find(argv[2]);
-    if (role == Roles().end()) {
-        std::fprintf(stderr, "no role %s in this program\n", argv[2]);
-        return kUnknownRole;
-    }
-    return role->second({argv + 3, argv + argc});
+    return Roles().at(argv[2])({argv + 3, argv + argc});
 }
 
 }  // namespace twr::testing

@@ -16,4 +16,10 @@ Roots TestRoots(const std::string& name, const std::u16string& folder) {
     return roots;
 }
 
+std::vector<std::string> TestSystem::Arguments() const { return {name, ToUtf8(folder.Text())}; }
+
+std::unique_ptr<System> SystemOf(const std::vector<std::string>& arguments) {
+    return MakeSystem(TestRoots(arguments[0], FromUtf8(arguments[1])));
+}
+
 }  // namespace twr::testing

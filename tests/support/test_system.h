@@ -2,6 +2,7 @@
 #pragma once
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/system.h"
 #include "support/temp_folder.h"
@@ -15,6 +16,11 @@ struct TestSystem {
     TempFolder folder;
     std::string name = UniqueName();
     std::unique_ptr<System> system = MakeSystem(TestRoots(name, folder.Text()));
+
+    // What a second process must be told to make the same system.
+    std::vector<std::string> Arguments() const;
 };
+
+std::unique_ptr<System> SystemOf(const std::vector<std::string>& arguments);
 
 }  // namespace twr::testing

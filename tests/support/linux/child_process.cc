@@ -2,115 +2,77 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
-#include <utility>
+#include <cstdio>
+#include <filesystem>
 
-extern char** environ;
+#include "platform/linux/descriptor.h"
 
 namespace twr::testing {
 namespace {
 
+constexpr int kCantBeStarted = 127;
+
 class PosixChild final : public ChildProcess {
 public:
-    PosixChild(pid_t process, int input, int output) : process_(process), input_(input), output_(output) {}
+    PosixChild(pid_t process, Descriptor input, Descriptor output)
+        : process_(process), input_(std::move(input)), output_(fdopen(output.Release(), "r")) {}
     ~PosixChild() override {
-        if (process_ > 0) {
-            Kill();
-            Wait();
-        }
-        close(input_);
-        close(output_);
+        Kill();
+        Wait();
+        std::fclose(output_);
     }
 
     std::string ReadLine() override {
-        std::size_t end = 0;
-        while ((end = read_.find('\n')) == std::string::npos) {
-            char chunk[1024];
-            const ssize_t got = read(output_, chunk, sizeof chunk);
-            if (got < 0 && errno == EINTR) continue;
-            if (got <= 0) return std::exchange(read_, {});
-            read_.append(chunk, static_cast<std::size_t>(got));
-        }
-        std::string line = read_.substr(0, end);
-        read_.erase(0, end + 1);
+        std::string line;
+        for (int c; (c = std::getc(output_)) != EOF && c != '\n';) line += static_cast<char>(c);
         return line;
     }
 
     // Lines are far shorter than what a pipe takes at once. The child may be gone.
-    void WriteLine(const std::string& line) override {
-        const std::string text = line + '\n';
-        [[maybe_unused]] const ssize_t written = write(input_, text.data(), text.size());
-    }
+    void WriteLine(const std::string& line) override { WriteAll(input_, line + '\n'); }
 
     void Kill() override {
         if (process_ > 0) kill(process_, SIGKILL);
     }
 
     int Wait() override {
-        if (process_ <= 0) return status_;
-        int status = 0;
-        while (waitpid(process_, &status, 0) < 0 && errno == EINTR) continue;
+        if (process_ > 0) waitpid(process_, &status_, 0);
         process_ = -1;
-        return status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        return WIFEXITED(status_) ? WEXITSTATUS(status_) : 128 + WTERMSIG(status_);
     }
 
 private:
     pid_t process_;
-    int status_ = -1;
-    const int input_;
-    const int output_;
-    std::string read_;
+    int status_ = 0;
+    const Descriptor input_;
+    std::FILE* const output_;
 };
 
 }  // namespace
 
 std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::vector<std::string>& arguments) {
     signal(SIGPIPE, SIG_IGN);
-    std::array<int, 2> input{}, output{};
-    if (pipe2(input.data(), O_CLOEXEC) != 0) return nullptr;
-    if (pipe2(output.data(), O_CLOEXEC) != 0) {
-        for (const int end : input) close(end);
-        return nullptr;
-    }
+    int input[2], output[2];
+    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) return nullptr;
+    Descriptor itsInput(input[0]), ownInput(input[1]), ownOutput(output[0]), itsOutput(output[1]);
     std::vector<char*> argv{const_cast<char*>(path.c_str())};
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t pipes;
-    sigemptyset(&pipes);
-    sigaddset(&pipes, SIGPIPE);
-    posix_spawnattr_setsigdefault(&attributes, &pipes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-    pid_t process = -1;
-    const int error = posix_spawn(&process, path.c_str(), &actions, &attributes, argv.data(), environ);
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&actions);
-
-    close(input[0]);
-    close(output[1]);
-    if (error != 0) {
-        close(input[1]);
-        close(output[0]);
-        return nullptr;
+    const pid_t process = fork();
+    if (process == 0) {
+        signal(SIGPIPE, SIG_DFL);
+        dup2(itsInput.Get(), STDIN_FILENO);
+        dup2(itsOutput.Get(), STDOUT_FILENO);
+        execv(path.c_str(), argv.data());
+        _exit(kCantBeStarted);
     }
-    return std::make_unique<PosixChild>(process, input[1], output[0]);
+    if (process < 0) return nullptr;
+    return std::make_unique<PosixChild>(process, std::move(ownInput), std::move(ownOutput));
 }
 
-std::string OwnProgram() {
-    std::array<char, 4096> path{};
-    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
-    return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : std::string();
-}
+std::string OwnProgram() { return std::filesystem::read_symlink("/proc/self/exe"); }
 
 }  // namespace twr::testing
