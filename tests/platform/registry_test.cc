@@ -35,55 +35,45 @@ TEST_F(RegistryTest, GivesBackValuesOfEveryType) {
         {u"\"\\name\"", DwordValue(7)},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.name));
-        EXPECT_TRUE(registry_.Write(key_, row.name, row.value));
+        EXPECT_TRUE(registry_.Write(key_, row.name, row.value)) << ::testing::PrintToString(row.name);
     }
     for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.name));
-        EXPECT_EQ(row.value, registry_.Read(key_, row.name));
+        EXPECT_EQ(row.value, registry_.Read(key_, row.name)) << ::testing::PrintToString(row.name);
     }
 }
 
-TEST_F(RegistryTest, ComparesNamesWithoutCase) {
-    ASSERT_TRUE(registry_.Write(key_, u"Sys_v0", StringValue(u"1")));
-    EXPECT_EQ(StringValue(u"1"), registry_.Read(u"SOFTWARE\\tidewright\\CORE", u"sYS_V0"));
-    ASSERT_TRUE(registry_.Write(u"SOFTWARE\\tidewright\\CORE", u"SYS_v0", StringValue(u"2")));
-    EXPECT_EQ(StringValue(u"2"), registry_.Read(key_, u"Sys_v0"));
-}
-
-TEST_F(RegistryTest, HasNothingBeforeItIsWritten) {
+TEST_F(RegistryTest, HasNothingBeforeItIsWrittenAndThenUnderNamesInAnyCase) {
     EXPECT_EQ(std::nullopt, registry_.Read(key_, u"Sys_v0"));
     EXPECT_TRUE(registry_.OpenOrCreate(key_));
     EXPECT_TRUE(registry_.OpenOrCreate(key_));
     EXPECT_EQ(std::nullopt, registry_.Read(key_, u"Sys_v0"));
     ASSERT_TRUE(registry_.Write(key_, u"Sys_v0", StringValue(u"1")));
     EXPECT_EQ(std::nullopt, registry_.Read(u"Software\\Tidewright", u"Sys_v0"));
+    ASSERT_TRUE(registry_.Write(u"SOFTWARE\\tidewright\\CORE", u"SYS_v0", StringValue(u"2")));
+    EXPECT_EQ(StringValue(u"2"), registry_.Read(key_, u"Sys_v0"));
+    EXPECT_EQ(StringValue(u"2"), registry_.Read(u"SOFTWARE\\tidewright\\CORE", u"sYS_V0"));
 }
 
 TEST(RegistryValues, CountByTypeAndForm) {
-    using Bytes = std::vector<std::uint8_t>;
-    Bytes longest;
-    for (int i = 0; i < 511; ++i) longest.insert(longest.end(), {'x', 0});
-    longest.insert(longest.end(), {0, 0});
-    Bytes tooLong = longest;
-    tooLong.insert(tooLong.begin(), {'x', 0});
+    constexpr auto kNone = std::nullopt;
+    const std::u16string longest(511, u'x');
     const struct {
         std::optional<RegistryValue> value;
         std::optional<std::u16string> text;
         std::optional<std::uint32_t> number;
     } rows[] = {
-        {std::nullopt, std::nullopt, std::nullopt},
-        {StringValue(u"15.85"), u"15.85", std::nullopt},
-        {RegistryValue{kRegistryExpandString, {'%', 0, 0, 0}}, u"%", std::nullopt},
-        {RegistryValue{kRegistryString, {}}, u"", std::nullopt},
-        {RegistryValue{kRegistryString, {'a', 0, 0, 0, 'b', 0, 0, 0}}, u"a", std::nullopt},
-        {RegistryValue{kRegistryString, {'a', 0}}, std::nullopt, std::nullopt},
-        {RegistryValue{kRegistryString, {'a', 0, 0}}, std::nullopt, std::nullopt},
-        {RegistryValue{kRegistryString, longest}, std::u16string(511, u'x'), std::nullopt},
-        {RegistryValue{kRegistryString, tooLong}, std::nullopt, std::nullopt},
-        {DwordValue(0x80000001), std::nullopt, 0x80000001},
-        {RegistryValue{kRegistryDword, {1, 0, 0}}, std::nullopt, std::nullopt},
-        {RegistryValue{kRegistryBinary, {1, 0, 0, 0}}, std::nullopt, std::nullopt},
+        {kNone, kNone, kNone},
+        {StringValue(u"15.85"), u"15.85", kNone},
+        {RegistryValue{kRegistryExpandString, {'%', 0, 0, 0}}, u"%", kNone},
+        {RegistryValue{kRegistryString, {}}, u"", kNone},
+        {RegistryValue{kRegistryString, {'a', 0, 0, 0, 'b', 0, 0, 0}}, u"a", kNone},
+        {RegistryValue{kRegistryString, {'a', 0}}, kNone, kNone},
+        {RegistryValue{kRegistryString, {'a', 0, 0}}, kNone, kNone},
+        {StringValue(longest), longest, kNone},
+        {StringValue(longest + u'x'), kNone, kNone},
+        {DwordValue(0x80000001), kNone, 0x80000001},
+        {RegistryValue{kRegistryDword, {1, 0, 0}}, kNone, kNone},
+        {RegistryValue{kRegistryBinary, {1, 0, 0, 0}}, kNone, kNone},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.value ? ::testing::PrintToString(row.value->data) : "no value");

@@ -6,8 +6,8 @@
 #include <atomic>
 #include <cstdint>
 #include <iostream>
+#include <random>
 
-#include "platform/wide_text.h"
 #include "support/child_process.h"
 #include "support/test_system.h"
 
@@ -19,22 +19,13 @@ constexpr std::u16string_view kName = u"Block";
 
 using Arguments = std::vector<std::string>;
 
-std::unique_ptr<System> SystemOf(const Arguments& arguments) {
-    return MakeSystem(testing::TestRoots(arguments[0], FromUtf8(arguments[1])));
-}
-
 std::atomic_ref<std::int32_t> Number(const SharedBlock& block, std::size_t index) {
     return std::atomic_ref(static_cast<std::int32_t*>(block.Data())[index]);
 }
 
-bool AllZero(const SharedBlock& block) {
-    const char* bytes = static_cast<const char*>(block.Data());
-    return std::all_of(bytes, bytes + kSize, [](char byte) { return byte == 0; });
-}
-
 // Holds the block, tells how it was had, and writes the numbers it is given in place of the first one, until its input ends.
 const testing::Role hold("hold block", [](const Arguments& arguments) {
-    const auto system = SystemOf(arguments);
+    const auto system = testing::SystemOf(arguments);
     const auto block = system->Core().memory.CreateOrOpen(kName, kSize);
     if (!block || !block->Data()) return 1;
     std::cout << (block->Existed() ? "existed " : "created ") << Number(*block, 0) << std::endl;
@@ -49,22 +40,19 @@ const testing::Role hold("hold block", [](const Arguments& arguments) {
 // Starts and leaves again and again, and gives up at the first block that is not what it says. The creator puts a mark of its own
 // into the block, and as long as a block is held its name leads to that mark.
 const testing::Role storm("storm block", [](const Arguments& arguments) {
-    constexpr std::size_t kSmall = 4096;
-    constexpr std::u16string_view kStorm = u"Storm";
-    const auto system = SystemOf(arguments);
+    const auto system = testing::SystemOf(arguments);
     SharedMemory& memory = system->Core().memory;
-    const std::int32_t first = std::stoi(arguments[2]);
-    const std::int32_t rounds = std::stoi(arguments[3]);
+    std::random_device random;
     std::cout << "ready" << std::endl;
     std::cin.get();
-    for (std::int32_t round = 0; round < rounds; ++round) {
-        const auto block = memory.CreateOrOpen(kStorm, kSmall);
+    for (int round = 0; round < 1000; ++round) {
+        const auto block = memory.CreateOrOpen(u"Storm", 4096);
         if (!block || !block->Data()) return 2;
         auto mark = Number(*block, 0);
-        if (!block->Existed() && mark.exchange(first + round) != 0) return 3;
+        if (!block->Existed() && mark.exchange(static_cast<std::int32_t>(random() | 1u)) != 0) return 3;
         while (mark == 0) continue;  // the creator is about to set it
         const std::int32_t mine = mark;
-        const auto again = memory.OpenExisting(kStorm, kSmall);
+        const auto again = memory.OpenExisting(u"Storm", 4096);
         if (!again || !again->Data()) return 4;
         if (Number(*again, 0) != mine || mark != mine) return 5;
     }
@@ -73,8 +61,8 @@ const testing::Role storm("storm block", [](const Arguments& arguments) {
 
 // The same without a look at anything, to be killed at any moment.
 const testing::Role doomed("doomed block", [](const Arguments& arguments) {
-    const auto system = SystemOf(arguments);
-    std::cout << "running" << std::endl;
+    const auto system = testing::SystemOf(arguments);
+    std::cout << "ready" << std::endl;
     for (;;) {
         const auto block = system->Core().memory.CreateOrOpen(kName, kSize);
         if (block && block->Data()) Number(*block, kSize / 8) = 1;
@@ -87,10 +75,22 @@ protected:
     // Looking for a block clears away what a killed holder has left of it.
     ~SharedMemoryTest() override { memory_.OpenExisting(kName, kSize); }
 
-    std::unique_ptr<testing::ChildProcess> Start(const std::string& role, const Arguments& more = {}) {
-        Arguments arguments{test_.name, ToUtf8(test_.folder.Text())};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return testing::StartRole(role, arguments);
+    std::unique_ptr<testing::ChildProcess> Start(const std::string& role) { return testing::StartRole(role, test_.Arguments()); }
+
+    // Four of a role that have all come to their first line.
+    std::vector<std::unique_ptr<testing::ChildProcess>> StartFour(const std::string& role) {
+        std::vector<std::unique_ptr<testing::ChildProcess>> children;
+        while (children.size() < 4) children.push_back(Start(role));
+        for (const auto& child : children) EXPECT_EQ("ready", child->ReadLine());
+        return children;
+    }
+
+    void ExpectNewBlock() {
+        const auto block = memory_.CreateOrOpen(kName, kSize);
+        ASSERT_NE(nullptr, block);
+        EXPECT_FALSE(block->Existed());
+        const char* bytes = static_cast<const char*>(block->Data());
+        EXPECT_TRUE(std::all_of(bytes, bytes + kSize, [](char byte) { return byte == 0; }));
     }
 
     testing::TestSystem test_;
@@ -98,12 +98,10 @@ protected:
 };
 
 TEST_F(SharedMemoryTest, TheFirstCreatesZerosAndLaterOnesFindThem) {
+    ExpectNewBlock();
     auto block = memory_.CreateOrOpen(kName, kSize);
-    ASSERT_NE(nullptr, block);
-    ASSERT_NE(nullptr, block->Data());
+    ASSERT_TRUE(block && block->Data());
     EXPECT_EQ(0u, reinterpret_cast<std::uintptr_t>(block->Data()) % 4096);
-    EXPECT_FALSE(block->Existed());
-    EXPECT_TRUE(AllZero(*block));
     Number(*block, 0) = 17;
 
     const auto other = Start("hold block");
@@ -116,21 +114,7 @@ TEST_F(SharedMemoryTest, TheFirstCreatesZerosAndLaterOnesFindThem) {
     EXPECT_EQ("existed 18", Start("hold block")->ReadLine());
     other->WriteLine("-1");
     EXPECT_EQ(0, other->Wait());
-    block = memory_.CreateOrOpen(kName, kSize);
-    ASSERT_NE(nullptr, block);
-    EXPECT_FALSE(block->Existed());
-    EXPECT_TRUE(AllZero(*block));
-}
-
-TEST_F(SharedMemoryTest, AKilledHolderLeavesNothing) {
-    const auto holder = Start("hold block");
-    ASSERT_EQ("created 0", holder->ReadLine());
-    holder->WriteLine("18");
-    ASSERT_EQ("written", holder->ReadLine());
-    holder->Kill();
-    holder->Wait();
-    EXPECT_EQ(nullptr, memory_.OpenExisting(kName, kSize));
-    EXPECT_EQ("created 0", Start("hold block")->ReadLine());
+    ExpectNewBlock();
 }
 
 TEST_F(SharedMemoryTest, OpensOnlyWhatAnotherHolds) {
@@ -145,34 +129,25 @@ TEST_F(SharedMemoryTest, OpensOnlyWhatAnotherHolds) {
     EXPECT_EQ(18, Number(*block, 0));
     EXPECT_EQ(nullptr, memory_.OpenExisting(kName, kSize * 2));
 
-    holder->WriteLine("-1");
+    holder->Kill();
     holder->Wait();
     EXPECT_EQ("existed 18", Start("hold block")->ReadLine()) << "who has opened it holds it too";
+    block.reset();
+    EXPECT_EQ(nullptr, memory_.OpenExisting(kName, kSize));
 }
 
 TEST_F(SharedMemoryTest, OfManyThatStartAndLeaveAtOnceExactlyOneCreates) {
-    constexpr int kProcesses = 4;
-    constexpr int kRounds = 1000;
-    std::vector<std::unique_ptr<testing::ChildProcess>> children;
-    for (int i = 0; i < kProcesses; ++i) {
-        children.push_back(Start("storm block", {std::to_string(1 + i * kRounds), std::to_string(kRounds)}));
-    }
-    for (const auto& child : children) ASSERT_EQ("ready", child->ReadLine());
+    const auto children = StartFour("storm block");
     for (const auto& child : children) child->WriteLine("go");
     for (const auto& child : children) EXPECT_EQ(0, child->Wait());
 }
 
 TEST_F(SharedMemoryTest, NothingIsLeftOfManyThatAreKilledAtAnyMoment) {
     for (int round = 0; round < 10; ++round) {
-        std::vector<std::unique_ptr<testing::ChildProcess>> children;
-        for (int i = 0; i < 4; ++i) children.push_back(Start("doomed block"));
-        for (const auto& child : children) ASSERT_EQ("running", child->ReadLine());
+        const auto children = StartFour("doomed block");
         for (const auto& child : children) child->Kill();
         for (const auto& child : children) child->Wait();
-        const auto block = memory_.CreateOrOpen(kName, kSize);
-        ASSERT_NE(nullptr, block);
-        EXPECT_FALSE(block->Existed());
-        EXPECT_TRUE(AllZero(*block));
+        ExpectNewBlock();
     }
 }
 

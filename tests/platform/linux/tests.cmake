@@ -1,6 +1,5 @@
 list(APPEND sources
     linux/headless_desktop_test.cc
-    linux/library_file_test.cc
     linux/plain_files_test.cc
     linux/registry_file_test.cc
     linux/registry_text_test.cc
@@ -8,5 +7,4 @@ list(APPEND sources
     linux/terminal_host_test.cc
     linux/terminal_text_test.cc
     linux/user_roots_test.cc
-    linux/xml_encoding_test.cc
     linux/zone_test.cc)

@@ -1,1 +1,0 @@
-list(APPEND sources windows/xml_encoding_test.cc)
