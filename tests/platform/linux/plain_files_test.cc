@@ -10,13 +10,15 @@
 namespace twr {
 namespace {
 
+using namespace std::string_literals;
+
 TEST(PlainFiles, APipeOrDeviceIsNoneAndNeverWaitedFor) {
     const testing::TestSystem test;
     Files& files = test.system->Core().files;
     const std::u16string pipe = test.folder.File("pipe");
     ASSERT_EQ(0, mkfifo(ToUtf8(pipe).c_str(), 0600));
     const std::u16string plain = test.folder.Write("plain", "x");
-    for (const std::u16string& path : {pipe, std::u16string(u"/dev/null"), std::u16string(u"/dev/zero")}) {
+    for (const std::u16string& path : {pipe, u"/dev/null"s, u"/dev/zero"s}) {
         SCOPED_TRACE(ToUtf8(path));
         EXPECT_EQ(nullptr, files.Open(path));
         EXPECT_FALSE(files.Append(path, "x"));
@@ -42,8 +44,7 @@ TEST(PlainFiles, LinksCountForWhatTheyLeadTo) {
 
 TEST(PlainFiles, TheFolderForAllUsersIsMadeWhereItIsMissing) {
     const testing::TestSystem test;
-    Files& files = test.system->Core().files;
-    EXPECT_TRUE(files.Exists(files.ProgramDataFolder()));
+    EXPECT_TRUE(test.system->Core().files.Exists(test.system->Core().files.ProgramDataFolder()));
 }
 
 }  // namespace

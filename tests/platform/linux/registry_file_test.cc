@@ -9,15 +9,17 @@
 namespace twr {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr std::u16string_view kKey = u"Software\\Tidewright\\core";
 constexpr const char* kFile = "config/registry.reg";
 
 class RegistryFileTest : public ::testing::Test {
 protected:
-    std::string Path() const { return ToUtf8(test_.folder.File(kFile)); }
-    unsigned ModeOf(const std::string& path) const {
+    std::string Path(const char* name = kFile) const { return ToUtf8(test_.folder.File(name)); }
+    unsigned ModeOf(const char* name) const {
         struct stat status {};
-        EXPECT_EQ(0, lstat(path.c_str(), &status));
+        EXPECT_EQ(0, lstat(Path(name).c_str(), &status));
         return status.st_mode & 0777;
     }
 
@@ -35,13 +37,13 @@ TEST_F(RegistryFileTest, BeginsAsTheRegistryEditorsExportDoes) {
         "\"Sys_v0\"=\"15.85\"\r\n"
         "\"Sys_b3\"=dword:00000001\r\n",
         test_.folder.Read(kFile));
-    EXPECT_EQ(0600u, ModeOf(Path()));
-    EXPECT_EQ(0700u, ModeOf(ToUtf8(test_.folder.File("config"))));
+    EXPECT_EQ(0600u, ModeOf(kFile));
+    EXPECT_EQ(0700u, ModeOf("config"));
 }
 
 TEST_F(RegistryFileTest, SeesWhatOthersWriteMeanwhile) {
     ASSERT_TRUE(registry_.Write(kKey, u"Sys_v0", StringValue(u"1")));
-    const auto other = MakeSystem(testing::TestRoots(test_.name, test_.folder.Text()));
+    const auto other = testing::SystemOf(test_.Arguments());
     ASSERT_TRUE(other->Core().registry.Write(kKey, u"Sys_v0", StringValue(u"2")));
     ASSERT_TRUE(other->Core().registry.Write(kKey, u"Sys_v1", StringValue(u"3")));
     EXPECT_EQ(StringValue(u"2"), registry_.Read(kKey, u"Sys_v0"));
@@ -49,38 +51,29 @@ TEST_F(RegistryFileTest, SeesWhatOthersWriteMeanwhile) {
     EXPECT_EQ(StringValue(u"3"), other->Core().registry.Read(kKey, u"Sys_v1"));
 }
 
-TEST_F(RegistryFileTest, LeavesNothingBesideTheFileAndKeepsItsMode) {
-    test_.folder.Write(kFile, "");
-    chmod(Path().c_str(), 0640);
-    ASSERT_TRUE(registry_.Write(kKey, u"a", DwordValue(1)));
-    EXPECT_EQ(0640u, ModeOf(Path()));
-    EXPECT_EQ(1u, test_.system->Core().files.List(test_.folder.File("config"), u"*").size());
-}
-
-TEST_F(RegistryFileTest, WritesThroughALink) {
-    const std::u16string real = test_.folder.Write("elsewhere.reg", "");
+TEST_F(RegistryFileTest, WritesThroughALinkKeepsTheModeAndLeavesNothingBesideTheFile) {
+    test_.folder.Write("elsewhere/real.reg", "");
+    chmod(Path("elsewhere/real.reg").c_str(), 0640);
     test_.folder.Write("config/other", "");
-    ASSERT_EQ(0, symlink(ToUtf8(real).c_str(), Path().c_str()));
+    ASSERT_EQ(0, symlink("../elsewhere/real.reg", Path().c_str()));
     ASSERT_TRUE(registry_.Write(kKey, u"a", DwordValue(1)));
     EXPECT_EQ(DwordValue(1), registry_.Read(kKey, u"a"));
-    EXPECT_NE("", test_.folder.Read("elsewhere.reg"));
+    EXPECT_NE("", test_.folder.Read("elsewhere/real.reg"));
+    EXPECT_EQ(0640u, ModeOf("elsewhere/real.reg"));
+    EXPECT_EQ(1u, test_.system->Core().files.List(test_.folder.File("elsewhere"), u"*").size());
 }
 
 TEST_F(RegistryFileTest, CantBeWrittenWhereNoPlainFileCanBe) {
-    test_.folder.Write("config/registry.reg/in the way", "x");
-    EXPECT_FALSE(registry_.OpenOrCreate(kKey));
-    EXPECT_FALSE(registry_.Write(kKey, u"a", DwordValue(1)));
-    EXPECT_EQ(std::nullopt, registry_.Read(kKey, u"a"));
-    EXPECT_EQ("x", test_.folder.Read("config/registry.reg/in the way"));
-
     Roots nowhere = testing::TestRoots(test_.name, test_.folder.Text());
-    for (const std::u16string_view path : {u"", u"relative.reg", u"/dev/null", u"/dev/null/registry.reg"}) {
+    const std::u16string folder = test_.folder.Text();
+    for (const std::u16string_view path :
+         {std::u16string_view(folder), u""sv, u"relative.reg"sv, u"/dev/null"sv, u"/dev/null/file"sv}) {
         SCOPED_TRACE(ToUtf8(path));
         nowhere.registry = path;
         const auto system = MakeSystem(nowhere);
-        EXPECT_FALSE(system->Core().registry.OpenOrCreate(kKey));
-        EXPECT_FALSE(system->Core().registry.Write(kKey, u"a", DwordValue(1)));
-        EXPECT_EQ(std::nullopt, system->Core().registry.Read(kKey, u"a"));
+        Registry& registry = system->Core().registry;
+        EXPECT_FALSE(registry.OpenOrCreate(kKey) || registry.Write(kKey, u"a", DwordValue(1)));
+        EXPECT_EQ(std::nullopt, registry.Read(kKey, u"a"));
     }
 }
 

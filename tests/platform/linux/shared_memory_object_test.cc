@@ -1,4 +1,4 @@
-// What other programs see of a block from outside.
+// What other programs see of a block from outside. "hold block" is a role of shared_memory_test.cc.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <iostream>
 
 #include "platform/linux/descriptor.h"
 #include "platform/wide_text.h"
@@ -20,24 +19,13 @@ namespace {
 
 constexpr std::size_t kSize = 166784;
 
-const testing::Role hold("hold object", [](const std::vector<std::string>& arguments) {
-    const auto system = MakeSystem(testing::TestRoots(arguments[0], FromUtf8(arguments[1])));
-    const auto block = system->Core().memory.CreateOrOpen(u"Block", kSize);
-    std::cout << (block ? "held" : "failed") << std::endl;
-    std::cin.get();
-    return 0;
-});
-
 // Leaves itself no room to map the block.
 const testing::Role unmapped("hold unmapped", [](const std::vector<std::string>& arguments) {
-    const auto system = MakeSystem(testing::TestRoots(arguments[0], FromUtf8(arguments[1])));
+    const auto system = testing::SystemOf(arguments);
     const rlimit room{1, 1};
     setrlimit(RLIMIT_AS, &room);
     const auto block = system->Core().memory.CreateOrOpen(u"Block", kSize);
-    std::printf("%s\n", !block             ? "failed"
-                        : block->Data()    ? "mapped"
-                        : block->Existed() ? "unmapped, existed"
-                                           : "unmapped, created");
+    std::puts(block && !block->Data() && !block->Existed() ? "unmapped, created" : "failed");
     std::fflush(stdout);
     std::getchar();
     return 0;
@@ -53,23 +41,16 @@ protected:
 
     Descriptor Object(int flags = O_RDWR) const { return Descriptor(shm_open(ObjectName().c_str(), flags, 0600)); }
 
-    std::unique_ptr<testing::ChildProcess> Start(const char* role) {
-        return testing::StartRole(role, {test_.name, ToUtf8(test_.folder.Text())});
-    }
+    std::unique_ptr<testing::ChildProcess> Start(const char* role) { return testing::StartRole(role, test_.Arguments()); }
 
     testing::TestSystem test_;
     SharedMemory& memory_ = test_.system->Core().memory;
 };
 
-short LockOn(const Descriptor& object) {
+bool IsReadLockedAsAWhole(const Descriptor& object) {
     struct flock lock {};
     lock.l_type = F_WRLCK;
-    EXPECT_EQ(0, fcntl(object.Get(), F_OFD_GETLK, &lock));
-    if (lock.l_type != F_UNLCK) {
-        EXPECT_EQ(0, lock.l_start);
-        EXPECT_EQ(0, lock.l_len) << "not to the end";
-    }
-    return lock.l_type;
+    return fcntl(object.Get(), F_OFD_GETLK, &lock) == 0 && lock.l_type == F_RDLCK && lock.l_start == 0 && lock.l_len == 0;
 }
 
 TEST_F(SharedMemoryObjectTest, IsReadLockedAsAWholeAndGoneWithItsLastHolder) {
@@ -82,17 +63,17 @@ TEST_F(SharedMemoryObjectTest, IsReadLockedAsAWholeAndGoneWithItsLastHolder) {
     ASSERT_EQ(0, fstat(object.Get(), &status));
     EXPECT_EQ(0600u, status.st_mode & 07777);
     EXPECT_EQ(static_cast<off_t>(kSize), status.st_size);
-    EXPECT_EQ(F_RDLCK, LockOn(object));
+    EXPECT_TRUE(IsReadLockedAsAWhole(object));
     creator.reset();
-    EXPECT_EQ(F_RDLCK, LockOn(object)) << "one that joined";
+    EXPECT_TRUE(IsReadLockedAsAWhole(object)) << "one that joined";
     EXPECT_TRUE(Object());
     other.reset();
     EXPECT_FALSE(Object());
 }
 
 TEST_F(SharedMemoryObjectTest, WhatAKilledHolderLeavesIsTakenAway) {
-    const auto holder = Start("hold object");
-    ASSERT_EQ("held", holder->ReadLine());
+    const auto holder = Start("hold block");
+    ASSERT_EQ("created 0", holder->ReadLine());
     holder->Kill();
     holder->Wait();
     ASSERT_TRUE(Object()) << "a killed holder takes nothing away itself";
@@ -110,9 +91,9 @@ TEST_F(SharedMemoryObjectTest, AnObjectOfAnotherSizeThatNobodyHoldsIsNoObstacle)
 TEST_F(SharedMemoryObjectTest, IsGoneAfterManyHaveLeftAtOnce) {
     for (int round = 0; round < 20; ++round) {
         std::vector<std::unique_ptr<testing::ChildProcess>> children;
-        for (int i = 0; i < 3; ++i) children.push_back(Start("hold object"));
-        for (const auto& child : children) ASSERT_EQ("held", child->ReadLine());
-        for (const auto& child : children) child->WriteLine("leave");
+        for (int i = 0; i < 3; ++i) children.push_back(Start("hold block"));
+        for (const auto& child : children) ASSERT_NE("", child->ReadLine());
+        for (const auto& child : children) child->WriteLine("-1");
         for (const auto& child : children) EXPECT_EQ(0, child->Wait());
         EXPECT_FALSE(Object());
     }

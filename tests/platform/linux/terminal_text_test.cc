@@ -2,26 +2,23 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include "platform/linux/folder_list.h"
 #include "platform/linux/terminal_layout.h"
 #include "platform/linux/terminal_locale.h"
+#include "support/linux/environment_variable.h"
 #include "support/temp_folder.h"
 
 namespace twr {
 namespace {
 
-using Lines = std::vector<std::wstring>;
-
 class TerminalTextTest : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() { setenv("LC_ALL", "C.UTF-8", 1); }
+    const testing::EnvironmentVariable utf8_{"LC_ALL", "C.UTF-8"};
+    const TerminalLocale locale_;
 };
 
 TEST_F(TerminalTextTest, CutsToCells) {
-    const TerminalLocale locale;
     const struct {
         const wchar_t* text;
         int width;
@@ -33,21 +30,18 @@ TEST_F(TerminalTextTest, CutsToCells) {
         {L"海海海", 4, L"海海", L"..."},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::Message() << row.text << " in " << row.width);
-        EXPECT_EQ(row.head, HeadThatFits(row.text, row.width));
-        EXPECT_EQ(row.tail, TailThatFits(row.text, row.width));
+        EXPECT_EQ(row.head, HeadThatFits(row.text, row.width)) << row.width;
+        EXPECT_EQ(row.tail, TailThatFits(row.text, row.width)) << row.width;
     }
 }
 
 TEST_F(TerminalTextTest, WrapsAtBlanks) {
-    const TerminalLocale locale;
     const struct {
         const char16_t* text;
         int width;
-        Lines lines;
+        std::vector<std::wstring> lines;
     } rows[] = {
         {u"", 10, {L""}},
-        {u"one two", 7, {L"one two"}},
         {u"one two", 6, {L"one", L"two"}},
         {u"one two three", 7, {L"one two", L"three"}},
         {u"a\n\nb\n", 5, {L"a", L"", L"b", L""}},
@@ -112,10 +106,7 @@ TEST(TerminalLayoutTest, NothingOverlapsOrLeavesTheFrame) {
 TEST(FolderListTest, ListsWhatATypedPathCanBecome) {
     const testing::TempFolder folder;
     const std::string root = folder.Path().string() + "/";
-    for (const char* name : {"Deck", "Deckman", "Data", ".hidden",
-                             "b\xFF"
-                             "ad",
-                             "\xC3\x89lan", "\xC3\x88re"}) {
+    for (const char* name : {"Deck", "Deckman", "Data", ".hidden", "x\xFF", "\xC3\x89lan", "\xC3\x88re"}) {
         std::filesystem::create_directory(root + name);
     }
     folder.Write("Decoy", "a file");

@@ -1,30 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
-#include <optional>
 #include <string>
 
+#include "support/linux/environment_variable.h"
 #include "support/test_system.h"
 
 namespace twr {
 namespace {
-
-// Sets the zone of the process for the life of the object.
-class ZoneVariable {
-public:
-    explicit ZoneVariable(const std::string& zone) {
-        if (const char* old = std::getenv("TZ")) old_ = old;
-        setenv("TZ", zone.c_str(), 1);
-    }
-    ~ZoneVariable() {
-        old_ ? setenv("TZ", old_->c_str(), 1) : unsetenv("TZ");
-        tzset();
-    }
-
-private:
-    std::optional<std::string> old_;
-};
 
 // The part of a zone's rule that puts daylight time into force on the day that lies this many days from today, and ends it on
 // another.
@@ -56,7 +39,7 @@ TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
     const testing::TestSystem test;
     for (const auto& row : rows) {
         SCOPED_TRACE(row.zone);
-        const ZoneVariable zone(row.zone);
+        const testing::EnvironmentVariable zone("TZ", row.zone.c_str());
         const auto state = test.system->Core().zone.Now();
         ASSERT_TRUE(state);
         EXPECT_EQ(row.daylight, state->daylight);
@@ -70,7 +53,7 @@ TEST(Zone, AgreesWithTheSystemsLocalTime) {
     for (const char* name :
          {"Europe/Dublin", "Australia/Lord_Howe", "Asia/Kolkata", "America/St_Johns", "Africa/Casablanca", ":Europe/Paris"}) {
         SCOPED_TRACE(name);
-        const ZoneVariable zone(name);
+        const testing::EnvironmentVariable zone("TZ", name);
         const auto state = test.system->Core().zone.Now();
         if (!state) GTEST_SKIP() << "no zone data on this machine";
         const std::time_t now = std::time(nullptr);
@@ -84,9 +67,8 @@ TEST(Zone, AgreesWithTheSystemsLocalTime) {
 TEST(Zone, CantBeToldFromAnUnknownName) {
     const testing::TestSystem test;
     for (const char* name : {"Nowhere/Atlantis", "/dev/null", "x", "12", "<+03"}) {
-        SCOPED_TRACE(name);
-        const ZoneVariable zone(name);
-        EXPECT_FALSE(test.system->Core().zone.Now());
+        const testing::EnvironmentVariable zone("TZ", name);
+        EXPECT_FALSE(test.system->Core().zone.Now()) << name;
     }
 }
 
