@@ -8,11 +8,7 @@
 namespace twr::testing {
 namespace fs = std::filesystem;
 
-TempFolder::TempFolder() {
-    do {
-        path_ = fs::temp_directory_path() / ("halyrig-test-" + UniqueName());
-    } while (!fs::create_directory(path_));
-}
+TempFolder::TempFolder() : path_(fs::temp_directory_path() / ("halyrig-test-" + UniqueName())) { fs::create_directory(path_); }
 
 TempFolder::~TempFolder() {
     std::error_code ignored;

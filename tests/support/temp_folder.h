@@ -27,7 +27,7 @@ public:
     std::string Read(std::string_view name) const;
 
 private:
-    std::filesystem::path path_;
+    const std::filesystem::path path_;
 };
 
 // Letters and digits that no other running test has.

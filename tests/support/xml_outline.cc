@@ -22,10 +22,7 @@ std::string Outline(XmlReader& reader) {
 std::string Utf16Bytes(std::u16string_view text, bool bigEndian) {
     std::string bytes;
     for (const char16_t c : text) {
-        const char high = static_cast<char>(c >> 8);
-        const char low = static_cast<char>(c);
-        bytes += bigEndian ? high : low;
-        bytes += bigEndian ? low : high;
+        for (const int shift : {bigEndian ? 8 : 0, bigEndian ? 0 : 8}) bytes += static_cast<char>(c >> shift);
     }
     return bytes;
 }

@@ -7,7 +7,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <barrier>
 #include <cstdio>
+#include <thread>
 
 #include "platform/linux/descriptor.h"
 #include "platform/wide_text.h"
@@ -89,13 +91,16 @@ TEST_F(SharedMemoryObjectTest, AnObjectOfAnotherSizeThatNobodyHoldsIsNoObstacle)
 }
 
 TEST_F(SharedMemoryObjectTest, IsGoneAfterManyHaveLeftAtOnce) {
-    for (int round = 0; round < 20; ++round) {
-        std::vector<std::unique_ptr<testing::ChildProcess>> children;
-        for (int i = 0; i < 3; ++i) children.push_back(Start("hold block"));
-        for (const auto& child : children) ASSERT_NE("", child->ReadLine());
-        for (const auto& child : children) child->WriteLine("-1");
-        for (const auto& child : children) EXPECT_EQ(0, child->Wait());
-        EXPECT_FALSE(Object());
+    for (int round = 0; round < 1000; ++round) {
+        std::barrier together(2);
+        const auto hold = [&](std::unique_ptr<SharedBlock> block) {
+            together.arrive_and_wait();
+            block.reset();
+        };
+        std::thread other(hold, memory_.CreateOrOpen(u"Block", kSize));
+        hold(memory_.CreateOrOpen(u"Block", kSize));
+        other.join();
+        ASSERT_FALSE(Object()) << "round " << round;
     }
 }
 
