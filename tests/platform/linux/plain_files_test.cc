@@ -10,15 +10,13 @@
 namespace twr {
 namespace {
 
-using namespace std::string_literals;
-
 TEST(PlainFiles, APipeOrDeviceIsNoneAndNeverWaitedFor) {
     const testing::TestSystem test;
     Files& files = test.system->Core().files;
     const std::u16string pipe = test.folder.File("pipe");
     ASSERT_EQ(0, mkfifo(ToUtf8(pipe).c_str(), 0600));
     const std::u16string plain = test.folder.Write("plain", "x");
-    for (const std::u16string& path : {pipe, u"/dev/null"s, u"/dev/zero"s}) {
+    for (const auto& path : std::vector<std::u16string>{pipe, u"/dev/null", u"/dev/zero"}) {
         SCOPED_TRACE(ToUtf8(path));
         EXPECT_EQ(nullptr, files.Open(path));
         EXPECT_FALSE(files.Append(path, "x"));
