@@ -1,28 +1,27 @@
+#include <algorithm>
+
 #include "platform/paths.h"
+#include "platform/wide_text.h"
 #include "support/core_fixture.h"
+#include "support/record_writer.h"
 
 namespace twr::testing {
 namespace {
 
 class DataFoldersTest : public CoreTest {
 protected:
-    void Store(std::size_t offset, std::u16string_view text) {
-        for (const char16_t c : text) record.Set(offset, c), offset += 2;
-        record.Set(offset, u'\0');
-    }
     const std::u16string suite = JoinPath(u"/data", u"Tidewright");
 };
 
 TEST_F(DataFoldersTest, ASubfolderIsMadeWhenMissing) {
-    EXPECT_EQ(JoinPath(suite, u"instruments"), core->GetDataFolder(u"instruments"));
-    EXPECT_TRUE(machine.files.Exists(JoinPath(suite, u"instruments")));
-    const std::size_t folders = machine.files.folders.size();
-    core->GetDataFolder(u"instruments");
-    EXPECT_EQ(folders, machine.files.folders.size());
+    const std::u16string subfolder = JoinPath(suite, u"instruments");
+    EXPECT_EQ(subfolder, core->GetDataFolder(u"instruments"));
+    EXPECT_EQ(subfolder, core->GetDataFolder(u"instruments"));
+    EXPECT_EQ(1, std::ranges::count(machine.files.folders, subfolder));
 }
 
 TEST_F(DataFoldersTest, ADefaultThatCantBeMadeIsTriedAgain) {
-    Store(1068, u"");
+    RecordWriter(*core).SetText(1068, u"");
     machine.files.folders.clear();
     machine.files.foldersFail = true;
     EXPECT_EQ(u"", core->GetDataFolder(u""));
@@ -36,21 +35,13 @@ TEST_F(DataFoldersTest, ADefaultThatCantBeMadeIsTriedAgain) {
 }
 
 TEST_F(DataFoldersTest, OnlyADatabaseWithItsExtensionStays) {
-    const std::u16string fallback = JoinPath(JoinPath(suite, u"database"), u"Tidewright.db");
-    const struct {
-        std::u16string stored, path;
-    } rows[] = {
-        {u"/x/race.db", u"/x/race.db"},
-        {u"/x/race.DB", fallback},
-        {u"/x/race.db3", fallback},
-        {u"/x.db/race", fallback},
-        {u"/x/.db", fallback},
-        {u"/x/a.b.db", u"/x/a.b.db"},
-        {u"", fallback},
-    };
-    for (const auto& row : rows) {
-        Store(548, row.stored);
-        EXPECT_TRUE(row.path == core->GetDatabasePath()) << "stored text of " << row.stored.size();
+    for (const std::u16string stored : {u"/x/race.db", u"/x/a.b.db"}) {
+        RecordWriter(*core).SetText(548, stored);
+        EXPECT_EQ(stored, core->GetDatabasePath());
+    }
+    for (const std::u16string stored : {u"/x/race.DB", u"/x/race.db3", u"/x.db/race", u"/x/.db", u""}) {
+        RecordWriter(*core).SetText(548, stored);
+        EXPECT_EQ(JoinPath(JoinPath(suite, u"database"), u"Tidewright.db"), core->GetDatabasePath()) << ToUtf8(stored);
     }
 }
 
