@@ -7,79 +7,56 @@
 
 #include "platform/system.h"
 #include "simulator/displays.h"
-#include "simulator/variables.h"
 #include "support/temp_folder.h"
 
 namespace twr {
 namespace {
 
-using ReadFunction = void(TWR_EXPORT_CALL*)(std::int32_t, float*);
-using PositionFunction = void(TWR_EXPORT_CALL*)(float*, float*);
-using TextFunction = void(TWR_EXPORT_CALL*)(std::uint32_t*, std::int32_t, const char*);
+TEST(BuiltLibrary, ReadsAndShowsUntilItIsFreed) {
+    const testing::TempFolder folder;
+    const std::filesystem::path built(SIMULATOR_LIBRARY);
+    std::filesystem::copy_file(built, folder.Path() / built.filename());
+    folder.Write("recording.nmea", "$GPGLL,6005.071,N,02332.346,W,120000,A\n$IIVHW,,T,,M,6.5,N,,K\n");
+    const auto system = MakeSystem(UserRoots());
+    auto library = system->GetLibraries().Load(folder.File(built.filename().string()));
+    ASSERT_TRUE(library);
+    using TextFunction = void(TWR_EXPORT_CALL*)(std::uint32_t*, std::int32_t, const char*);
+    const auto read = reinterpret_cast<void(TWR_EXPORT_CALL*)(std::int32_t, float*)>(library->Find("Usr_Read"));
+    const auto position = reinterpret_cast<void(TWR_EXPORT_CALL*)(float*, float*)>(library->Find("Usr_GetPosition"));
+    const auto showData = reinterpret_cast<TextFunction>(library->Find("Usr_SetISData"));
+    const auto showName = reinterpret_cast<TextFunction>(library->Find("Usr_SetISName"));
+    ASSERT_TRUE(read && position && showData && showName);
 
-class LoadedStandIn : public ::testing::Test {
-protected:
-    void SetUp() override {
-        const std::filesystem::path built(SIMULATOR_LIBRARY);
-        std::filesystem::copy_file(built, folder_.Path() / built.filename());
-        folder_.Write("recording.nmea", "$GPGLL,6005.071,N,02332.346,W,120000,A\n$IIVHW,,T,,M,6.5,N,,K\n");
-        library_ = system_->GetLibraries().Load(folder_.File(built.filename().string()));
-        ASSERT_TRUE(library_);
-        read_ = reinterpret_cast<ReadFunction>(library_->Find("Usr_Read"));
-        position_ = reinterpret_cast<PositionFunction>(library_->Find("Usr_GetPosition"));
-        data_ = reinterpret_cast<TextFunction>(library_->Find("Usr_SetISData"));
-        name_ = reinterpret_cast<TextFunction>(library_->Find("Usr_SetISName"));
-        ASSERT_TRUE(read_ && position_ && data_ && name_);
-    }
-
-    testing::TempFolder folder_;
-    std::unique_ptr<System> system_ = MakeSystem(UserRoots());
-    std::unique_ptr<Library> library_;
-    ReadFunction read_ = nullptr;
-    PositionFunction position_ = nullptr;
-    TextFunction data_ = nullptr;
-    TextFunction name_ = nullptr;
-};
-
-TEST_F(LoadedStandIn, ReadsAndShows) {
-    float value = 0.0F;
-    read_(1, &value);
+    float value = 0.0F, latitude = 0.0F, longitude = 0.0F;
+    read(1, &value);
     EXPECT_EQ(6.5F, value);
-    read_(-5, &value);
+    read(-5, &value);
     EXPECT_EQ(32767.0F, value);
-    float latitude = 0.0F;
-    float longitude = 0.0F;
-    position_(&latitude, &longitude);
+    position(&latitude, &longitude);
     EXPECT_NEAR(60.08452, latitude, 1e-4);
     EXPECT_NEAR(-23.5391, longitude, 1e-4);
-
     std::uint32_t word = 0;
-    data_(&word, 1, "7.25");
-    name_(&word, 1, "BSP");
-    const DisplayReader reader(system_->Core().memory, std::filesystem::canonical(folder_.Path()).u16string());
-    EXPECT_EQ("7.25", reader.Value(1).text);
-    EXPECT_EQ("BSP", reader.Name(1).text);
-}
+    showData(&word, 1, "7.25");
+    showName(&word, 1, "BSP");
 
-TEST_F(LoadedStandIn, TakesOddArguments) {
-    read_(1, nullptr);
-    position_(nullptr, nullptr);
-    float latitude = 0.0F;
-    position_(&latitude, nullptr);
-    EXPECT_NEAR(60.08452, latitude, 1e-4);
-    for (const std::int32_t remote : {0, -1, 33, INT32_MAX, INT32_MIN}) {
-        data_(nullptr, remote, "7.25");
-        name_(nullptr, remote, nullptr);
+    // Odd arguments do no harm.
+    read(1, nullptr);
+    position(nullptr, nullptr);
+    position(&value, nullptr);
+    EXPECT_EQ(latitude, value);
+    for (const std::int32_t remote : {0, 1, -1, 33, INT32_MAX, INT32_MIN}) {
+        showData(nullptr, remote, nullptr);
+        showName(nullptr, remote, nullptr);
+        if (remote != 1) showData(nullptr, remote, "9");
     }
-    data_(nullptr, 1, nullptr);
-}
 
-TEST_F(LoadedStandIn, IsGoneWhenFreedAndComesBack) {
-    data_(nullptr, 1, "7.25");
-    const std::u16string folder = std::filesystem::canonical(folder_.Path()).u16string();
-    EXPECT_TRUE(DisplayReader(system_->Core().memory, folder).Found());
-    library_.reset();
-    EXPECT_FALSE(DisplayReader(system_->Core().memory, folder).Found());
+    const auto displays = [&] {
+        return DisplayReader(system->Core().memory, std::filesystem::canonical(folder.Path()).u16string());
+    };
+    EXPECT_EQ("7.25", displays().Value(1).text);
+    EXPECT_EQ("BSP", displays().Name(1).text);
+    library.reset();
+    EXPECT_FALSE(displays().Found());
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "simulator/recording_replay.h"
 #include "support/fakes.h"
 
-namespace twr {
+namespace twr::testing {
 namespace {
 
 using enum Quantity;
@@ -14,19 +14,17 @@ using enum Quantity;
 // A recording whose boat speed says where in it the replay is.
 class Replay {
 public:
-    explicit Replay(const std::string& bytes) : replay_((files_.files.push_back({kPath, bytes}), files_), kPath) {}
+    explicit Replay(const std::string& bytes) : replay_((files.files = {{kPath, bytes}}, files), kPath) {}
 
     float After(double seconds, Quantity quantity = kBsp) {
         replay_.Advance(seconds);
         return replay_.Now()[quantity];
     }
-    float Now(Quantity quantity = kBsp) { return replay_.Now()[quantity]; }
-    void Remove() { files_.files.clear(); }
-    void Write(const std::string& bytes) { files_.files.push_back({kPath, bytes}); }
+
+    static constexpr const char16_t* kPath = u"/deckman/recording.nmea";
+    FakeFiles files;
 
 private:
-    static constexpr const char16_t* kPath = u"/deckman/recording.nmea";
-    testing::FakeFiles files_;
     RecordingReplay replay_;
 };
 
@@ -35,14 +33,9 @@ std::string At(const std::string& time) { return "$GPZDA," + time + ",,,,00,\r\n
 
 TEST(RecordingReplay, FollowsTheRecordingsOwnClock) {
     Replay replay(At("120000") + Speed(1) + At("120002") + Speed(2) + At("120002.50") + Speed(3) + At("120100") + Speed(4));
-    EXPECT_EQ(1.0F, replay.Now());
-    EXPECT_EQ(1.0F, replay.After(1.9));
-    EXPECT_EQ(2.0F, replay.After(0.2));
-    EXPECT_EQ(3.0F, replay.After(0.5));
-    EXPECT_EQ(3.0F, replay.After(9.5));
-    EXPECT_EQ(kAbsent, replay.After(1.0)) << "not renewed for ten seconds";
-    EXPECT_EQ(kAbsent, replay.After(46.0));
-    EXPECT_EQ(4.0F, replay.After(1.0));
+    const std::pair<double, float> steps[] = {{0.0, 1.0F}, {1.9, 1.0F},    {0.2, 2.0F},     {0.5, 3.0F},
+                                              {9.5, 3.0F}, {1.0, kAbsent}, {46.0, kAbsent}, {1.0, 4.0F}};
+    for (const auto& [seconds, speed] : steps) EXPECT_EQ(speed, replay.After(seconds)) << "a reading holds for ten seconds";
 }
 
 TEST(RecordingReplay, TellsTimeAsItCan) {
@@ -62,11 +55,10 @@ TEST(RecordingReplay, TellsTimeAsItCan) {
         {"a gap of hours", At("120000") + Speed(1) + At("180000") + Speed(2), 60.0},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
         Replay replay(row.bytes);
-        EXPECT_EQ(1.0F, replay.Now());
-        EXPECT_NE(2.0F, replay.After(row.seconds - 0.1));
-        EXPECT_EQ(2.0F, replay.After(0.2));
+        EXPECT_EQ(1.0F, replay.After(0.0)) << row.name;
+        EXPECT_NE(2.0F, replay.After(row.seconds - 0.1)) << row.name;
+        EXPECT_EQ(2.0F, replay.After(0.2)) << row.name;
     }
 }
 
@@ -82,29 +74,28 @@ TEST(RecordingReplay, GoesOnByRoundsWhenTheClockIsLost) {
 TEST(RecordingReplay, SkipsBrokenLinesAndEmptyFields) {
     Replay replay(Speed(1) + "$IIVHW,,T,,M,5,N,,K*00\n" + "$IIVHW,,T,,M,,N,,K\n" + std::string(100000, 'x') + "\n\n\x01\x1A\n" +
                   "$IIMTW,14.5,C");
-    EXPECT_EQ(1.0F, replay.Now());
+    EXPECT_EQ(1.0F, replay.After(0.0));
     EXPECT_EQ(14.5F, replay.After(1.0, kSeaTemp));
-    EXPECT_EQ(1.0F, replay.Now()) << "an empty field changes nothing yet";
+    EXPECT_EQ(1.0F, replay.After(0.0)) << "an empty field changes nothing yet";
 }
 
 TEST(RecordingReplay, LoopsWithNothingLeftFromTheRoundBefore) {
     Replay replay(At("120000") + Speed(1) + At("120002") + "$IIMTW,14.5,C\n");
     for (int round = 0; round < 3; ++round) {
-        SCOPED_TRACE(round);
-        EXPECT_EQ(1.0F, replay.Now());
-        EXPECT_EQ(kAbsent, replay.Now(kSeaTemp));
-        EXPECT_EQ(14.5F, replay.After(2.1, kSeaTemp));
+        EXPECT_EQ(1.0F, replay.After(0.0)) << round;
+        EXPECT_EQ(kAbsent, replay.After(0.0, kSeaTemp)) << round;
+        EXPECT_EQ(14.5F, replay.After(2.1, kSeaTemp)) << round;
         replay.After(0.95);
     }
 }
 
 TEST(RecordingReplay, HasNothingWhileTheRecordingIsGone) {
     Replay replay(At("120000") + Speed(1) + At("120002") + Speed(2));
-    replay.Remove();
+    replay.files.files.clear();
     EXPECT_EQ(2.0F, replay.After(2.5)) << "what is open plays on";
     EXPECT_EQ(kAbsent, replay.After(1.0));
     EXPECT_EQ(kAbsent, replay.After(100.0));
-    replay.Write(Speed(7));
+    replay.files.files = {{Replay::kPath, Speed(7)}};
     EXPECT_EQ(7.0F, replay.After(1.0));
 }
 
@@ -118,18 +109,17 @@ TEST(RecordingReplay, EndsEveryAdvanceWhateverTheFile) {
 }
 
 TEST(BoundedLines, CutsAtEveryKindOfEnd) {
-    testing::FakeFiles files;
     const std::string longest(BoundedLines::kLongest, 'a');
-    files.files.push_back({u"/f", "one\r\ntwo\rthree\n" + longest + "\n" + longest + "b\nlast"});
+    FakeFiles files;
+    files.files = {{u"/f", "one\r\ntwo\rthree\n" + longest + "\n" + longest + "b\nlast"}};
     const auto source = files.Open(u"/f");
     BoundedLines lines(*source);
     std::string all;
-    std::string_view line;
-    while (lines.Next(line)) {
+    for (std::string_view line; lines.Next(line);) {
         if (!line.empty()) all.append(line).append("|");
     }
     EXPECT_EQ("one|two|three|" + longest + "|last|", all);
 }
 
 }  // namespace
-}  // namespace twr
+}  // namespace twr::testing

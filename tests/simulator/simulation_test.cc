@@ -13,7 +13,7 @@ namespace {
 
 using enum Quantity;
 
-constexpr int kDay = 86400;
+constexpr std::size_t kDay = 86400;
 
 double AngleBetween(double a, double b) { return std::abs(WrappedAngle(a - b)); }
 
@@ -45,24 +45,18 @@ TEST(YachtPolar, TellsTheTimeOfABeat) {
 const std::vector<Moment>& DayOf(std::uint64_t seed) {
     static std::map<std::uint64_t, std::vector<Moment>> days;
     std::vector<Moment>& day = days[seed];
-    if (day.empty()) {
-        SailingSimulation simulation(seed, 300);
-        day.reserve(kDay);
-        for (int second = 0; second < kDay; ++second) {
-            day.push_back(simulation.Now());
-            simulation.Advance(1.0);
-        }
-    }
+    for (SailingSimulation simulation(seed, 300); day.size() < kDay; simulation.Advance(1.0)) day.push_back(simulation.Now());
     return day;
 }
 
 class ADay : public ::testing::TestWithParam<std::uint64_t> {
 protected:
-    float Now(Quantity quantity) const { return day_[static_cast<std::size_t>(second_)][quantity]; }
     bool Next() { return ++second_ < kDay; }
+    float Now(Quantity quantity) const { return day_[second_][quantity]; }
+    float Before(Quantity quantity) const { return day_[second_ - 1][quantity]; }
 
     const std::vector<Moment>& day_ = DayOf(GetParam());
-    int second_ = 0;
+    std::size_t second_ = 0;
 };
 
 TEST_P(ADay, AgreesWithItself) {
@@ -117,8 +111,7 @@ TEST_P(ADay, StaysPlausible) {
 
 // The wind heels her to leeward and pushes her there; the target lies on the side that she sails on.
 TEST_P(ADay, HasItsSidesRight) {
-    int port = 0;
-    int starboard = 0;
+    std::size_t port = 0, starboard = 0;
     while (Next()) {
         const float awa = Now(kAwa);
         if (std::abs(Now(kRateOfTurn)) > 1.0F || std::abs(awa) < 15.0F || std::abs(awa) > 165.0F) continue;
@@ -126,63 +119,52 @@ TEST_P(ADay, HasItsSidesRight) {
         ASSERT_GT(awa * Now(kTwa), 0.0F) << second_;
         ASSERT_LT(std::abs(awa), std::abs(Now(kTwa)) + 10.0F) << second_;
         ASSERT_GT(awa * Now(kTargetTwa), 0.0F) << second_;
-        if (std::abs(awa) < 90.0F && Now(kBsp) > 6.0F) {
-            ASSERT_GT(awa * Now(kHeel), 0.0F) << second_;
-            ASSERT_GT(awa * Now(kLeeway), 0.0F) << second_;
-        }
+        if (std::abs(awa) > 90.0F || Now(kBsp) < 6.0F) continue;
+        ASSERT_GT(awa * Now(kHeel), 0.0F) << second_;
+        ASSERT_GT(awa * Now(kLeeway), 0.0F) << second_;
     }
     EXPECT_GT(port, kDay / 4);
     EXPECT_GT(starboard, kDay / 4);
 }
 
+TEST_P(ADay, StartsFromBelowTheLine) {
+    while (Next() && second_ < 295) {
+        ASSERT_GT(Now(kMarkDistance) * CosDegrees(Now(kMarkBearing) - Now(kGroundWindDirection)), -0.02) << second_;
+    }
+    EXPECT_LT(Now(kMarkDistance), 0.06F) << "close to the line when the gun goes";
+}
+
 TEST_P(ADay, TurnsAtAFiniteRateAndPaysForATack) {
-    int tacks = 0;
-    int gybes = 0;
-    float twaBefore = Now(kTwa);
-    float headingBefore = Now(kHdg);
-    float speedBefore = 0.0F;  // of the last time that she sailed straight
+    int tacks = 0, gybes = 0;
+    float straightSpeed = 0.0F;  // of the last time that she sailed straight
     while (Next()) {
-        ASSERT_LT(AngleBetween(Now(kHdg), headingBefore), 10.0) << second_;
-        const float twa = Now(kTwa);
-        if (twa * twaBefore < 0.0F && std::abs(twa) < 20.0F) {
+        ASSERT_LT(AngleBetween(Now(kHdg), Before(kHdg)), 10.0) << second_;
+        const bool across = Now(kTwa) * Before(kTwa) < 0.0F;
+        if (across && std::abs(Now(kTwa)) > 160.0F) ++gybes;
+        if (across && std::abs(Now(kTwa)) < 20.0F) {
             ++tacks;
-            if (speedBefore > 7.0F) {
-                ASSERT_LT(Now(kBsp), speedBefore - 0.5F) << second_;
-            }
+            ASSERT_TRUE(straightSpeed <= 7.0F || Now(kBsp) < straightSpeed - 0.5F) << second_;
             ASSERT_GT(std::abs(Now(kRateOfTurn)), 2.0F) << second_;
             ASSERT_GT(Now(kRateOfTurn) * Now(kRudder), 0.0F) << second_;
         }
-        if (twa * twaBefore < 0.0F && std::abs(twa) > 160.0F) ++gybes;
-        if (std::abs(Now(kRateOfTurn)) < 1.0F) speedBefore = Now(kBsp);
-        twaBefore = twa;
-        headingBefore = Now(kHdg);
+        if (std::abs(Now(kRateOfTurn)) < 1.0F) straightSpeed = Now(kBsp);
     }
     EXPECT_GT(tacks, 100);
     EXPECT_GT(gybes, 50);
 }
 
 TEST_P(ADay, RoundsItsMarksAndStartsAgain) {
-    int races = 0;
-    int windward = 0;
-    int leeward = 0;
-    float timerBefore = 300.0F;
-    double wayToMark = 0.0;
+    int races = 0, windward = 0, leeward = 0;
     while (Next()) {
         const float timer = Now(kTimer);
+        const bool counts = timer == 300.0F && Before(kTimer) == 0.0F;
+        races += counts;
+        ASSERT_EQ(counts ? 300.0F : std::max(0.0F, Before(kTimer) - 1.0F), timer) << second_;
         ASSERT_EQ(timer > 0.0F ? timer / 86400.0F : 32767.0F, Now(kTimeToGun)) << second_;
-        if (timerBefore > 0.0F) {
-            ASSERT_EQ(timerBefore - 1.0F, timer) << second_;
-        } else {
-            ASSERT_TRUE(timer == 0.0F || timer == 300.0F) << second_;
-            if (timer == 300.0F) ++races;
+        if (timer == 0.0F && std::abs(Now(kMarkDistance) - Before(kMarkDistance)) > 1.0F) {
+            ++(AngleBetween(Now(kTwd), Now(kMarkBearing)) < 90.0 ? leeward : windward);
+            ASSERT_LT(Before(kMarkDistance), 0.05F) << second_;
         }
-        if (timer == 0.0F && std::abs(Now(kMarkDistance) - wayToMark) > 1.0) {
-            const bool next = AngleBetween(Now(kTwd), Now(kMarkBearing)) < 90.0;
-            ++(next ? leeward : windward);
-            ASSERT_TRUE(wayToMark < 0.05) << second_;
-        }
-        wayToMark = Now(kMarkDistance);
-        timerBefore = timer;
     }
     EXPECT_GE(races, 18);
     EXPECT_NEAR(2 * races, windward, 2);
@@ -190,16 +172,6 @@ TEST_P(ADay, RoundsItsMarksAndStartsAgain) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, ADay, ::testing::Values(1, 2026));
-
-TEST(SailingSimulation, StartsFromBelowTheLine) {
-    SailingSimulation simulation(1, 300);
-    for (int second = 0; second < 295; ++second) {
-        simulation.Advance(1.0);
-        const Moment& now = simulation.Now();
-        ASSERT_GT(now[kMarkDistance] * CosDegrees(now[kMarkBearing] - now[kGroundWindDirection]), -0.02) << second;
-    }
-    EXPECT_LT(simulation.Now()[kMarkDistance], 0.06F) << "close to the line when the gun goes";
-}
 
 TEST(SailingSimulation, DependsOnSeedAndTimeAlone) {
     SailingSimulation once(5, 300);
