@@ -13,6 +13,7 @@ TEST_F(ChannelsFileTest, TakesWhatCounts) {
         {
             {"any case of letters", R"(<Channel ID="1" LOG="FALSE" Damp="12" PREC="3"/>)", "1:log=0,prec=3,damp=12, "},
             {"a user channel", R"(<channel id="172" type="6" user="A" prec="2"/>)", "172:prec=2,type=6,user=A,short=A, "},
+            {"the Time channel", R"(<channel id="0" log="false" damp="1"/>)", ""},
             {"the last channel", R"(<channel id="413" prec="3"/>)", "413:prec=3, "},
             {"no id, and one that stands last", R"(<channel prec="3"/><channel log="false" prec="3" damp="1" id="1"/>)", ""},
             {"a second id", R"(<channel id="1" prec="3" ID="2" damp="4"/>)", "1:prec=3, 2:damp=4, "},
