@@ -148,10 +148,12 @@ TEST_F(CtlTest, WatchDimsAndDashesWhatIsStaleOnATerminal) {
     StartSuite();
     Publish(kBsp, 7.25);
     Publish(kAws, 12.5, 20.0);
+    Publish(kMagVar, -3.0);
     const std::string shown = Watched(ConsoleSize{80, 24});
     ExpectIn(shown, {"\x1b[2m   3  AWS                          - -", "   1  BSP                         7.25 kt"});
     EXPECT_EQ(std::string::npos, shown.find("12.5"));
-    ExpectIn(Watched(), {"BSP                         7.25 kt"});
+    EXPECT_EQ(std::string::npos, shown.find("Depth")) << "never published";
+    ExpectIn(Watched(), {"   1  BSP                         7.25 kt", "  93  MagVar                    3.00\u00B0w "});
     EXPECT_EQ(std::string::npos, Watched().find('\x1b'));
 }
 
