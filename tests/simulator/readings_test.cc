@@ -49,7 +49,7 @@ TEST(Readings, TakesEachSentence) {
         {"$IIHDG,350.0,2.0,E,10.0,E", "HDG=2 VARIATION=10 "},
         {"$IIVHW,12.5,T,,M,06.11,N,11.31,K", "BSP=6.11 HDG=12.5 "},
         {"$IIVHW,,T,,M,,N,18.52,K", "BSP=10 "},
-        {"$IIVHW,,T,,M,,N,,K $IIVHW,,T,,M,32767,N,,K", ""},
+        {"$IIVHW,,T,,M,,N,,K $IIVHW,,T,,M,32767,N,,K $IIVHW,,T,,M,-6.0,N,,K", ""},
         {"$IIMWV,338,R,36.0,K,A", "AWA=-22 AWS=19.4384 "},
         {"$IIMWV,180,T,10.0,M,A", "TWA=-180 TWS=19.4384 "},
         {"$IIMWV,338,R,13.41,N,V $IIMWV,338,X,13.41,N,A $IIMWV,,R,,N,A", ""},

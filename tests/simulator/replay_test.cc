@@ -45,7 +45,7 @@ TEST(RecordingReplay, TellsTimeAsItCan) {
         double seconds;  // after which the second speed is due, and not a tenth before
     } rows[] = {
         {"midnight", At("235959") + Speed(1) + At("000001") + Speed(2), 2.0},
-        {"position with time", "$GPGLL,,,,,120000,V\n" + Speed(1) + "$GPGLL,,,,,120003,V\n" + Speed(2), 3.0},
+        {"position with time", "$GPGLL,,,,,120000,V\n" + Speed(1) + "$GPGLL,,,,,120002,V\n" + Speed(2), 2.0},
         {"no clock", Speed(1) + "$IIHDT,1,T\n$IIHDT,1,T\n" + Speed(2), 1.0},
         {"empty clock", At("") + Speed(1) + At("") + Speed(2), 1.0},
         {"clock after a second round", Speed(9) + Speed(1) + At("120000") + Speed(1) + At("120004") + Speed(2), 4.0},
