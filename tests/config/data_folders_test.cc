@@ -3,7 +3,6 @@
 #include "platform/paths.h"
 #include "platform/wide_text.h"
 #include "support/core_fixture.h"
-#include "support/record_writer.h"
 
 namespace twr::testing {
 namespace {
@@ -21,7 +20,7 @@ TEST_F(DataFoldersTest, ASubfolderIsMadeWhenMissing) {
 }
 
 TEST_F(DataFoldersTest, ADefaultThatCantBeMadeIsTriedAgain) {
-    RecordWriter(*core).SetText(1068, u"");
+    record.SetText(1068, u"");
     machine.files.folders.clear();
     machine.files.foldersFail = true;
     EXPECT_EQ(u"", core->GetDataFolder(u""));
@@ -36,11 +35,11 @@ TEST_F(DataFoldersTest, ADefaultThatCantBeMadeIsTriedAgain) {
 
 TEST_F(DataFoldersTest, OnlyADatabaseWithItsExtensionStays) {
     for (const std::u16string stored : {u"/x/race.db", u"/x/a.b.db"}) {
-        RecordWriter(*core).SetText(548, stored);
+        record.SetText(548, stored);
         EXPECT_EQ(stored, core->GetDatabasePath());
     }
     for (const std::u16string stored : {u"/x/race.DB", u"/x/race.db3", u"/x.db/race", u"/x/.db", u""}) {
-        RecordWriter(*core).SetText(548, stored);
+        record.SetText(548, stored);
         EXPECT_EQ(JoinPath(JoinPath(suite, u"database"), u"Tidewright.db"), core->GetDatabasePath()) << ToUtf8(stored);
     }
 }

@@ -4,7 +4,7 @@
 #include "core/days.h"
 #include "halyrigctl/commands.h"
 #include "simulator/displays.h"
-#include "support/record_writer.h"
+#include "support/record_bytes.h"
 #include "support/test_system.h"
 
 namespace twr::testing {
@@ -36,7 +36,7 @@ protected:
 
     // Another program of the suite starts.
     void StartSuite() { suite = std::make_unique<CCore>(Core()); }
-    RecordWriter Record() { return RecordWriter(*suite); }
+    RecordBytes Record() { return RecordBytes(suite->View()); }
     void Publish(ChannelId channel, double value, double secondsAgo = 0.0) {
         suite->SetChannel(channel, 0, value, UtcNowDays(Core().clock) - secondsAgo / 86400);
     }

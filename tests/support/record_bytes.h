@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace twr::testing {
 
@@ -32,6 +34,22 @@ public:
         std::u16string text;
         for (char16_t c; (c = Get<char16_t>(offset)) != 0; offset += 2) text.push_back(c);
         return text;
+    }
+
+    void SetText(std::size_t offset, std::u16string_view text) {
+        for (const char16_t c : text) Set(std::exchange(offset, offset + 2), c);
+        Set(offset, u'\0');
+    }
+    void SetValue(std::size_t index, double value) { Set(SysValue(index), value); }
+    void SetInt(std::size_t index, std::int32_t value) { Set(SysInt(index), value); }
+    void SetFlag(std::size_t index, bool value) { Set(SysFlag(index), std::uint8_t{value}); }
+    void SetSlot(std::size_t row, std::size_t slot, std::int32_t channel) { Set(5080 + 36 * row + 4 * slot, channel); }
+    void SetBoatCount(std::uint32_t count) { Set(kBoatCount, count); }
+    void SetEntry(std::size_t boat, std::size_t channel, double value, double time, double damped) {
+        Set(Time(boat, channel), time), Set(Value(boat, channel), value), Set(Damped(boat, channel), damped);
+    }
+    void SetFarEntry(std::size_t boat, std::size_t shortIndex, double value, double time, double damped) {
+        Set(FarTime(boat, shortIndex), time), Set(FarValue(boat, shortIndex), value), Set(FarDamped(boat, shortIndex), damped);
     }
 
     static constexpr std::size_t SysValue(std::size_t i) { return 5440 + 8 * i; }
