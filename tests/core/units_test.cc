@@ -1,76 +1,95 @@
 #include "core/units.h"
 
-#include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
-#include "core/channel_catalogue.h"
-#include "core/no_value.h"
 #include "platform/wide_text.h"
+#include "support/core_fixture.h"
 
-namespace twr {
+namespace twr::testing {
 namespace {
 
-constexpr double kLength = 18.52;  // 100 to the nautical mile
+class UnitsTest : public CoreTest {
+protected:
+    double Display(ChannelId channel, double value) { return core->ToDisplayUnits(channel, value, kNoValue); }
+    std::string Label(ChannelId channel) { return ToUtf8(UnitLabel(core->ChannelTypeOf(channel), UnitSettingsOf(*core->View()))); }
+};
 
-TEST(Units, ConvertBySelectorAndCopeWithAny) {
+// The label names the unit that the value was converted to, also where the conversion leaves the value alone.
+TEST_F(UnitsTest, ValueAndLabelFollowTheSelector) {
+    using Shown = std::vector<std::pair<double, const char*>>;  // by selector, from -1
+    const Shown depths = {{kNoValue, ""}, {10, "m"}, {5.468, "fth"}, {32.808, "ft"}, {kNoValue, ""}};
+    const Shown speeds = {{10, "kt"}, {10, "kt"}, {5.144444704055786, "m/s"}, {18.52, "km/hr"}, {10, "kt"}};
+    const Shown distances = {
+        {10, "nm"}, {10, "nm"}, {1000, "bl"}, {18520, "m"}, {18.52, "km"}, {20253.718285214347, "yd"}, {60761.15485564304, "ft"},
+        {10, "nm"}};
+    const Shown pressures = {
+        {10, "Pa"}, {10, "Pa"}, {0.01, "kPa"}, {0.0014504, "psi"}, {0.0001, "bar"}, {0.0029529983071445, "InHg"}, {10, "Pa"}};
     const struct {
-        const char* what;
-        double converted, expected;
-    } rows[] = {
-        {"metres", DepthInUserUnit(10.0, 0), 10.0},
-        {"fathoms", DepthInUserUnit(10.0, 1), 5.468},
-        {"feet", DepthInUserUnit(10.0, 2), 32.808},
-        {"depth 3", DepthInUserUnit(10.0, 3), kNoValue},
-        {"depth -1", DepthInUserUnit(10.0, -1), kNoValue},
-        {"miles", DistanceInUserUnit(2.0, 0, kLength), 2.0},
-        {"lengths", DistanceInUserUnit(2.0, 1, kLength), 200.0},
-        {"lengths of a boat of 0", DistanceInUserUnit(2.0, 1, 0.0), 2.0},
-        {"lengths of no boat", DistanceInUserUnit(2.0, 1, kNoValue), 2.0},
-        {"metres run", DistanceInUserUnit(2.0, 2, kLength), 3704.0},
-        {"kilometres", DistanceInUserUnit(2.0, 3, kLength), 3.704},
-        {"yards", DistanceInUserUnit(2.0, 4, kLength), 4050.7436570428694},
-        {"feet run", DistanceInUserUnit(2.0, 5, kLength), 12152.230971128608},
-        {"distance 6", DistanceInUserUnit(2.0, 6, kLength), 2.0},
-        {"distance -1", DistanceInUserUnit(2.0, -1, kLength), 2.0},
-        {"knots", SpeedInUserUnit(10.0, 0), 10.0},
-        {"m/s", SpeedInUserUnit(10.0, 1), 5.144444704055786},
-        {"km/h", SpeedInUserUnit(10.0, 2), 18.52},
-        {"speed 7", SpeedInUserUnit(10.0, 7), 10.0},
-        {"pascals", PressureInUserUnit(1e5, 0), 1e5},
-        {"kPa", PressureInUserUnit(1e5, 1), 100.0},
-        {"psi", PressureInUserUnit(1e5, 2), 14.504},
-        {"bar", PressureInUserUnit(1e5, 3), 1.0},
-        {"inHg", PressureInUserUnit(1e5, 4), 29.529983071445},
-        {"pressure 5", PressureInUserUnit(1e5, 5), 1e5},
-        {"Celsius", TemperatureInUserUnit(100.0, false), 100.0},
-        {"Fahrenheit", TemperatureInUserUnit(100.0, true), 212.0},
-    };
-    for (const auto& row : rows) EXPECT_DOUBLE_EQ(row.expected, row.converted) << row.what;
-}
-
-// A label must name the unit that the value was converted to, also where the conversion leaves the value alone.
-TEST(Units, LabelsFollowTheConversion) {
-    const auto label = [](std::int16_t type, std::int32_t selector, double boatLength, bool flag) {
-        return ToUtf8(UnitLabel(type, {selector, selector, selector, selector, selector, boatLength, flag, flag}));
-    };
-    const struct {
-        std::int16_t type;
-        std::int32_t selector;
-        double boatLength;
-        bool flag;
-        const char* label;
-    } rows[] = {
-        {kTypeDepth, 1, kLength, false, "fth"},        {kTypeDepth, 3, kLength, false, ""},
-        {kTypeDistance, 4, kLength, false, "yd"},      {kTypeDistance, 9, kLength, false, "nm"},
-        {kTypeShortDistance, 1, kLength, false, "bl"}, {kTypeShortDistance, 1, kNoValue, false, "nm"},
-        {kTypeBoatSpeed, 2, kLength, false, "km/hr"},  {kTypeWindSpeed, -1, kLength, false, "kt"},
-        {kTypePressure, 3, kLength, false, "bar"},     {kTypeTemperature, 0, kLength, true, "°F"},
-        {kTypeBearing, 0, kLength, true, "°M"},        {kTypeBearing, 0, kLength, false, "°T"},
-        {kTypeNumber, 1, kLength, false, ""},          {-5, 1, kLength, false, ""},
-    };
+        ChannelId channel;
+        std::size_t setting;
+        const Shown& shown;  // for a value of 10
+    } rows[] = {{kDepth, 1, depths},    {kBsp, 2, speeds},      {kTws, 2, speeds},          {kUser30, 2, speeds},
+                {kMkRng, 3, distances}, {kBiasL, 4, distances}, {kEngOilPres, 9, pressures}};
+    record.SetValue(0, 18.52);  // 100 boats to the nautical mile
+    record.Set<std::int16_t>(RecordBytes::Channel(kUser30) + 10, kTypeBoatSpeed);
     for (const auto& row : rows) {
-        EXPECT_EQ(row.label, label(row.type, row.selector, row.boatLength, row.flag)) << row.type << " by " << row.selector;
+        for (const std::size_t setting : {1, 2, 3, 4, 9}) record.SetInt(setting, 0);
+        for (std::int32_t selector = -1; const auto& [value, label] : row.shown) {
+            SCOPED_TRACE(::testing::Message() << "channel " << row.channel << " by " << selector);
+            record.SetInt(row.setting, selector++);
+            EXPECT_DOUBLE_EQ(value, Display(row.channel, 10.0));
+            EXPECT_EQ(label, Label(row.channel));
+        }
     }
 }
 
+TEST_F(UnitsTest, OtherTypesHaveOneUnit) {
+    const struct {
+        ChannelId channel;
+        double value, shown;
+        const char* label;
+    } rows[] = {
+        {kMkTwa, 350.0, -10.0, "°"}, {kHeel, -190.0, 170.0, "°"}, {kHeel, -180.0, -180.0, "°"},
+        {kHeel, 180.0, 180.0, "°"},  {kVmcPct, 50.0, 50.0, "%"},  {kHpe, 50.0, 50.0, "m"},
+        {kRot, 50.0, 50.0, "°/s"},   {kRpm1, 50.0, 50.0, ""},     {kUser31, 10.0, 10.0, ""},
+    };
+    record.Set<std::int16_t>(RecordBytes::Channel(kUser31) + 10, kTypeBoatSpeed);  // has the catalogue's type all the same
+    record.SetInt(2, 2);
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.shown, Display(row.channel, row.value)) << row.channel;
+        EXPECT_EQ(row.label, Label(row.channel)) << row.channel;
+    }
+}
+
+TEST_F(UnitsTest, ABoatWithoutALengthMeasuresNothing) {
+    record.SetInt(3, 1);
+    for (const double length : {0.0, kNoValue}) {
+        record.SetValue(0, length);
+        EXPECT_EQ(2.0, Display(kMkRng, 2.0)) << length;
+        EXPECT_EQ("nm", Label(kMkRng)) << length;
+    }
+}
+
+TEST_F(UnitsTest, TemperaturesAndBearingsFollowTheirFlags) {
+    const struct {
+        bool flag;
+        double temperature, bearing;
+        const char *degrees, *north;
+    } rows[] = {{false, 100.0, 35.0, "°C", "°T"}, {true, 212.0, 30.0, "°F", "°M"}};
+    for (const auto& row : rows) {
+        SetFlag(kFlagFahrenheit, row.flag);
+        SetFlag(kFlagMagnetic, row.flag);
+        EXPECT_EQ(row.temperature, Display(kAirTemp, 100.0));
+        EXPECT_EQ(row.degrees, Label(kAirTemp));
+        EXPECT_EQ(row.bearing, core->ToDisplayUnits(kHdg, 30.0, 5.0));
+        EXPECT_EQ(row.north, Label(kHdg));
+    }
+    EXPECT_EQ(0.0, Display(kTwd, 360.0));
+    EXPECT_EQ(359.0, Display(kTwd, -1.0));
+    EXPECT_EQ(kNoValue, Display(kTwd, kNoValue));
+    EXPECT_EQ(7.0, Display(kChannelCount, 7.0));
+}
+
 }  // namespace
-}  // namespace twr
+}  // namespace twr::testing
