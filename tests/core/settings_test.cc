@@ -1,5 +1,6 @@
 #include "platform/paths.h"
 #include "support/core_fixture.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
@@ -51,26 +52,32 @@ TEST_F(SystemValuesTest, TheGunResetsTheStartOfTheOwnBoatOnly) {
     EXPECT_EQ(0.25, record.F64(R::Value(1, kGunBlwLn)));
 }
 
-// The record is created by each test, after its registry has been filled.
+// A record that is created by each test, after the system's real registry has been filled.
 class SavedSettingsTest : public ::testing::Test {
 protected:
+    // An empty registry with this value.
     void Save(std::u16string_view name, const RegistryValue& value) {
-        machine.registry.Write(u"Software\\Tidewright\\core", name, value);
+        core.reset();
+        test = std::make_unique<TestSystem>();
+        ASSERT_TRUE(test->system->Core().registry.Write(u"Software\\Tidewright\\core", name, value));
     }
 
-    RecordBytes Start() {
-        core.reset();
-        core = std::make_unique<CCore>(machine.Services());
+    RecordBytes Start() { return StartWith(test->system->Core().registry); }
+    RecordBytes StartWith(Registry& registry) {
+        const CoreServices fakes = machine.Services();
+        core = std::make_unique<CCore>(
+            CoreServices{fakes.clock, fakes.zone, fakes.memory, registry, fakes.files, fakes.xml, fakes.desktop});
         return RecordBytes(core->View());
     }
 
+    std::unique_ptr<TestSystem> test;
     FakeMachine machine;
     std::unique_ptr<CCore> core;
     const std::u16string suite = JoinPath(u"/data", u"Tidewright");
 };
 
 TEST_F(SavedSettingsTest, WithoutAKeyItIsCreatedAndTheDefaultsHold) {
-    const RecordBytes record = Start();
+    const RecordBytes record = StartWith(machine.registry);
     EXPECT_TRUE(machine.registry.keys.contains(u"software\\tidewright\\core"));
     EXPECT_EQ(6, record.I32(R::SysInt(6))) << "the initial 7 is above its bound";
     EXPECT_EQ(1, record.I32(R::SysInt(4)));
@@ -93,11 +100,16 @@ TEST_F(SavedSettingsTest, NumbersCountByTypeFormAndBound) {
         {u"Sys_v1", StringValue(u"abc"), R::SysValue(1), 15.8},
         {u"Sys_v1", StringValue(u""), R::SysValue(1), 15.8},
         {u"Sys_v1", DwordValue(3), R::SysValue(1), 15.8},
+        {u"Sys_v1", {kRegistryString, {'5', 0}}, R::SysValue(1), 15.8},     // not terminated
+        {u"Sys_v1", {kRegistryString, {'5', 0, 0}}, R::SysValue(1), 15.8},  // no whole character
+        {u"Sys_v1", {kRegistryExpandString, {'5', 0, 0, 0}}, R::SysValue(1), 5.0},
+        {u"Sys_v1", StringValue(std::u16string(512, u'1')), R::SysValue(1), 15.8},
         {u"Sys_v15", StringValue(u"-1e3"), R::SysValue(15), -1000.0},
         {u"Sys_v16", StringValue(u"1"), R::SysValue(16), kNoValue},
         {u"Sys_b3", StringValue(u"0"), R::SysFlag(3), 1.0},
         {u"Sys_b3", DwordValue(0), R::SysFlag(3), 0.0},
         {u"Sys_b33", DwordValue(0x80000000), R::SysFlag(33), 1.0},
+        {u"Sys_b24", {kRegistryDword, {1, 0}}, R::SysFlag(24), 0.0},
         {u"Sys_b34", DwordValue(1), R::SysFlag(34), 0.0},
         {u"Sys_i1", DwordValue(9), R::SysInt(1), 2.0},
         {u"Sys_i2", DwordValue(0xFFFFFFFF), R::SysInt(2), 0.0},
@@ -107,7 +119,6 @@ TEST_F(SavedSettingsTest, NumbersCountByTypeFormAndBound) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(::testing::Message() << "offset " << row.offset << " to be " << row.stored);
-        machine.registry.keys.clear();
         Save(row.name, row.value);
         const RecordBytes record = Start();
         const double stored = row.offset < R::SysInt(0)    ? record.F64(row.offset)
@@ -135,7 +146,6 @@ TEST_F(SavedSettingsTest, PathsCountByExistenceAndLength) {
         {u"MarksXml", u"", 28, u""},
     };
     for (const auto& row : rows) {
-        machine.registry.keys.clear();
         Save(row.name, StringValue(row.saved));
         EXPECT_TRUE(row.stored == Start().Text(row.offset)) << "offset " << row.offset << ", text of " << row.saved.size();
         EXPECT_FALSE(machine.files.Exists(u"/missing"));
@@ -154,7 +164,7 @@ TEST_F(SavedSettingsTest, TheLogsArePublished) {
 
 TEST_F(SavedSettingsTest, WithoutARegistryNothingIsLoaded) {
     machine.registry.unavailable = true;
-    const RecordBytes record = Start();
+    const RecordBytes record = StartWith(machine.registry);
     EXPECT_EQ(7, record.I32(R::SysInt(6)));
     EXPECT_EQ(0, record.I32(R::SysInt(4)));
     EXPECT_EQ(u"", record.Text(548));
