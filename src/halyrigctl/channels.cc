@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/channel_catalogue.h"
+#include "core/record_text.h"
 #include "halyrigctl/commands.h"
 #include "platform/scan.h"
 #include "platform/wide_text.h"
@@ -61,15 +62,21 @@ int ListChannels(Console& console, TableForm form) {
     return console.Write(table) ? 0 : 1;
 }
 
-std::optional<ChannelId> FindChannel(const std::string& text) {
+std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text) {
     const std::u16string wide = FromUtf8(text);
-    if (!text.empty() && text.find_first_not_of("0123456789") == std::string::npos && text.size() < 4) {
+    if (wide.empty()) return std::nullopt;
+    if (text.find_first_not_of("0123456789") == std::string::npos && text.size() < 4) {
         const auto id = static_cast<ChannelId>(LeadingInt(wide));
         return id < kChannelCount ? std::optional(id) : std::nullopt;
     }
-    const auto found = std::ranges::find_if(
-        ChannelCatalogue(), [&](const ChannelInfo& info) { return !info.name.empty() && EqualsIgnoringCase(info.name, wide); });
-    return found == ChannelCatalogue().end() ? std::nullopt : std::optional<ChannelId>(found->id);
+    for (const ChannelInfo& info : ChannelCatalogue()) {
+        if (EqualsIgnoringCase(info.name, wide)) return info.id;
+    }
+    for (ChannelId id = 0; id < kChannelCount; ++id) {
+        const ChannelRow& row = core.View()->channels[id];
+        if (EqualsIgnoringCase(FieldText(row.userName), wide) || EqualsIgnoringCase(FieldText(row.userShortName), wide)) return id;
+    }
+    return std::nullopt;
 }
 
 }  // namespace twr

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "core/user_channels.h"
+#include "core/core.h"
 #include "platform/system.h"
 
 namespace twr {
@@ -14,8 +14,8 @@ enum class TableForm { kText, kTsv, kJson };
 // Prints the channel catalogue.
 int ListChannels(Console& console, TableForm form);
 
-// Prints one channel of one boat: value and age, or why there is none.
-int GetChannelValue(System& system, ChannelId channel, BoatSlot boat);
+// Prints one channel of one boat: value and age, or why there is none. The channel is named as FindChannel takes it.
+int GetChannelValue(System& system, const std::string& wanted, BoatSlot boat);
 
 struct WatchOptions {
     int intervalMs = 500;
@@ -29,7 +29,8 @@ int Watch(System& system, const WatchOptions& options);
 // Asks every program of the suite to close.
 int Quit(System& system);
 
-// The channel with this number or short name (case of letters plays no part); nothing when there is none.
-std::optional<ChannelId> FindChannel(const std::string& text);
+// The channel with this number, with this short name, or with this name in the user's own words (case of letters plays no part);
+// nothing when there is none. The core has a record.
+std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text);
 
 }  // namespace twr

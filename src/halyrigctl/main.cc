@@ -25,11 +25,9 @@ int main(int argc, char** argv) {
     std::string wanted;
     unsigned boat = 0;
     CLI::App* get = app.add_subcommand("get", "Show one channel, or why it has no value");
-    get->add_option("ID", wanted, "The channel's number or short name")->required()->check([](const std::string& text) {
-        return twr::FindChannel(text) ? std::string() : "there is no channel " + text + "; 'halyrigctl channels' lists them";
-    });
+    get->add_option("ID", wanted, "The channel's number, short name, or name of your own")->required();
     get->add_option("--boat", boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, twr::kBoatCount - 1));
-    get->callback([&] { status = twr::GetChannelValue(*system, *twr::FindChannel(wanted), boat); });
+    get->callback([&] { status = twr::GetChannelValue(*system, wanted, boat); });
 
     twr::WatchOptions watch;
     CLI::App* watchCommand = app.add_subcommand("watch", "Show what is published, live, until Ctrl-C");

@@ -49,7 +49,7 @@ protected:
         return console.written + ::testing::internal::GetCapturedStderr();
     }
     std::string Got(ChannelId channel, BoatSlot boat = 0, int status = 0) {
-        return Printed([&] { return GetChannelValue(*this, channel, boat); }, status);
+        return Printed([&] { return GetChannelValue(*this, std::to_string(channel), boat); }, status);
     }
     std::string Watched(std::optional<ConsoleSize> size = {}) {
         console.size = size;
@@ -84,11 +84,28 @@ TEST_F(CtlTest, ListsTheCatalogueInThreeForms) {
     EXPECT_TRUE(json.starts_with("[\n") && json.ends_with("\"flags\": \"dl\"}\n]\n"));
 }
 
-TEST_F(CtlTest, FindsAChannelByNumberOrName) {
-    const std::pair<const char*, std::optional<ChannelId>> rows[] = {{"13", 13},  {"0", 0},        {"413", 413},       {"414", {}},
-                                                                     {"hdg", 13}, {"Tm on S", 34}, {"", {}},           {"-1", {}},
-                                                                     {"xyz", {}}, {"13x", {}},     {"99999999999", {}}};
-    for (const auto& [text, channel] : rows) EXPECT_EQ(channel, FindChannel(text)) << text;
+TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
+    StartSuite();
+    Record().SetText(RecordBytes::Channel(172) + 12, u"Jib lead position");
+    Record().SetText(RecordBytes::Channel(172) + 76, u"Jib lead positi");
+    const std::pair<const char*, std::optional<ChannelId>> rows[] = {
+        {"13", 13},
+        {"0", 0},
+        {"413", 413},
+        {"414", {}},
+        {"hdg", 13},
+        {"Tm on S", 34},
+        {"", {}},
+        {"User0", {}},
+        {"-1", {}},
+        {"xyz", {}},
+        {"13x", {}},
+        {"99999999999", {}},
+        {"jib lead position", 172},
+        {"Jib lead positi", 172},
+    };
+    for (const auto& [text, channel] : rows) EXPECT_EQ(channel, FindChannel(*suite, text)) << text;
+    ExpectIn(Printed([&] { return GetChannelValue(*this, "speed", 0); }, 2), {"there is no channel speed"});
 }
 
 TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
