@@ -8,19 +8,24 @@ install(TARGETS halyrig32 halyrigctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
 install(TARGETS ShDfW2 LIBRARY DESTINATION lib/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/src/simulator/Data/J_vars06.d DESTINATION lib/halyrig/Data)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig.service DESTINATION lib/systemd/user)
-install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/CHANGELOG.md
-    DESTINATION share/doc/halyrig)
+install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/README.md DESTINATION share/doc/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/demo/halyrig.xml DESTINATION share/doc/halyrig/examples)
-foreach(page halyrig32 halyrigctl)
-    set(packed ${CMAKE_BINARY_DIR}/man/${page}.1.gz)
+
+# Debian keeps man pages and changelogs packed.
+function(install_packed file name folder)
+    set(packed ${CMAKE_BINARY_DIR}/packed/${name}.gz)
     add_custom_command(OUTPUT ${packed}
-        COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/man
-        COMMAND gzip -9nc ${CMAKE_SOURCE_DIR}/packaging/man/${page}.1 >${packed}
-        DEPENDS ${CMAKE_SOURCE_DIR}/packaging/man/${page}.1)
-    list(APPEND pages ${packed})
-endforeach()
-add_custom_target(man_pages ALL DEPENDS ${pages})
-install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/packed
+        COMMAND gzip -9nc ${CMAKE_SOURCE_DIR}/${file} >${packed}
+        DEPENDS ${CMAKE_SOURCE_DIR}/${file})
+    set_property(GLOBAL APPEND PROPERTY packed_files ${packed})
+    install(FILES ${packed} DESTINATION ${folder})
+endfunction()
+install_packed(CHANGELOG.md changelog share/doc/halyrig)
+install_packed(packaging/man/halyrig32.1 halyrig32.1 ${CMAKE_INSTALL_MANDIR}/man1)
+install_packed(packaging/man/halyrigctl.1 halyrigctl.1 ${CMAKE_INSTALL_MANDIR}/man1)
+get_property(packed_files GLOBAL PROPERTY packed_files)
+add_custom_target(packed_files ALL DEPENDS ${packed_files})
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME halyrig)
