@@ -237,7 +237,7 @@ Pane::Pane(CellSize area, CellSize size, std::wstring_view caption, Style frame)
     : Pane(Centred(area, size), size, caption, frame) {}
 
 Pane::Pane(Cell at, CellSize size, std::wstring_view caption, Style frame)
-    : at_(at), size_(size), window_(newwin(size.rows, size.columns, at.row, at.column)) {
+    : at_(at), window_(newwin(size.rows, size.columns, at.row, at.column)) {
     if (!window_) return;
     wattrset(window_, static_cast<int>(AttributesOf(frame)));
     box_set(window_, WACS_VLINE, WACS_HLINE);

@@ -82,7 +82,6 @@ public:
 
 private:
     const Cell at_;
-    const CellSize size_;
     _win_st* window_;
 };
 
