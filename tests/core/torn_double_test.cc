@@ -5,7 +5,6 @@
 
 #include "core/core.h"
 #include "core/shared_field.h"
-#include "platform/wide_text.h"
 #include "support/child_process.h"
 #include "support/test_system.h"
 
@@ -16,7 +15,7 @@ namespace {
 constexpr double kFirst = 1.2345678901234567, kSecond = -9.8765432109876543e+200;
 
 const Role writer("hammer", [](const std::vector<std::string>& arguments) {
-    const auto system = MakeSystem(TestRoots(arguments[0], FromUtf8(arguments[1])));
+    const auto system = SystemOf(arguments);
     const CCore core(system->Core());
     double& entry = core.View()->fullBlocks[0].value[kBsp];
     std::cout << "hammering" << std::endl;
@@ -29,7 +28,7 @@ const Role writer("hammer", [](const std::vector<std::string>& arguments) {
 
 TEST(TornDouble, IsNeverSeen) {
     const TestSystem test;
-    const auto child = StartRole("hammer", {test.name, ToUtf8(test.folder.Text())});
+    const auto child = StartRole("hammer", test.Arguments());
     ASSERT_EQ("hammering", child->ReadLine());
     const CCore guest(test.system->Core(), Attachment::kOpenOnly);
     const double& entry = guest.View()->fullBlocks[0].value[kBsp];

@@ -8,7 +8,6 @@
 #include "bridge/application.h"
 #include "bridge/settings.h"
 #include "core/core.h"
-#include "platform/wide_text.h"
 #include "support/child_process.h"
 #include "support/linux/pseudo_terminal.h"
 #include "support/test_system.h"
@@ -19,7 +18,7 @@ namespace {
 constexpr std::string_view kEsc = "\033", kF1 = "\033OP", kDown = "\033OB";
 
 const Role bridge("bridge at a terminal", [](const std::vector<std::string>& arguments) {
-    const auto system = MakeSystem(TestRoots(arguments[0], FromUtf8(arguments[1])));
+    const auto system = SystemOf(arguments);
     CHalyrig32App(*system).InitInstance();
     return 0;
 });
@@ -38,8 +37,7 @@ protected:
     }
 
     void Open() {
-        terminal = std::make_unique<PseudoTerminal>("bridge at a terminal",
-                                                    std::vector<std::string>{test.name, ToUtf8(test.folder.Text())});
+        terminal = std::make_unique<PseudoTerminal>("bridge at a terminal", test.Arguments());
         ASSERT_TRUE(terminal->Shows("Esc Exit")) << terminal->Picture().All();
     }
 
