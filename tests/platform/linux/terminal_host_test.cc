@@ -159,6 +159,8 @@ TEST_F(TerminalHostTest, AnswersABoxByKeyAndMouse) {
         SCOPED_TRACE(::testing::Message() << row.play << " keys " << row.keys << " press " << row.press);
         OpenAndAsk(row.play);
         EXPECT_SHOWS("─ Question ─");
+        const std::string_view hint = row.play == std::string_view("ask") ? "Esc Back" : "Enter OK";
+        EXPECT_SHOWS(hint);  // stands in the last row, which is drawn last
         terminal->Type(row.keys);
         if (!row.press.empty()) terminal->Press(row.press);
         EXPECT_SHOWS("answer " + std::string(row.answer));
