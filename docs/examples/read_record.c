@@ -20,7 +20,7 @@ static const off_t LAST_BYTE = INT64_MAX;
 
 /* Offsets of the record. */
 enum { RECORD_SIZE = 166784, BOAT_COUNT = 6296, OWN_BOAT = 59016, VALUES = 3312 /* behind the time stamps */ };
-enum { BSP = 1 };
+enum { TIME = 0, BSP = 1 };
 static const double NO_VALUE = 32767.0;
 
 static double read_double(const unsigned char* record, size_t offset) {
@@ -103,7 +103,9 @@ static double now_in_days(void) {
 static void print_boat_speed(const unsigned char* record) {
     const double value = read_double(record, OWN_BOAT + VALUES + 8 * BSP);
     const double stamp = read_double(record, OWN_BOAT + 8 * BSP);
-    if (read_u32(record, BOAT_COUNT) == 0 || value == NO_VALUE) {
+    if (read_double(record, OWN_BOAT + 8 * TIME) == 0.0) {
+        puts("The record is still being filled.");
+    } else if (read_u32(record, BOAT_COUNT) == 0 || value == NO_VALUE) {
         puts("BSP has no value.");
     } else {
         printf("BSP %.2f kt, %.1f s old\n", value, (now_in_days() - stamp) * 86400.0);

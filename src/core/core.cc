@@ -18,6 +18,9 @@ std::u16string RecordName() {
     return FromBytes(name);
 }
 
+// The creator stamps the Time channel once he has filled the record.
+bool IsFilled(const CoreRecord& record) { return Load(record.fullBlocks[0].time[kTime]) != 0.0; }
+
 }  // namespace
 
 CCore::CCore(const CoreServices& services, Attachment attachment) : services_(services) {
@@ -46,7 +49,8 @@ void CCore::Attach() {
 
 void CCore::AttachAsGuest() {
     mapping_ = services_.memory.OpenExisting(RecordName(), sizeof(CoreRecord));
-    if (mapping_) view_ = static_cast<CoreRecord*>(mapping_->Data());
+    auto* const record = mapping_ ? static_cast<CoreRecord*>(mapping_->Data()) : nullptr;
+    if (record && IsFilled(*record)) view_ = record;
 }
 
 bool CCore::QuitRequested() const { return view_ && Load(view_->sysFlag[kFlagQuitRequest]) != 0; }

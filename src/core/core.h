@@ -27,7 +27,7 @@ enum class Attachment {
 class CCore {
 public:
     // Attaches. When the record can be neither created nor mapped, the desktop is asked to quit and View() stays null. A guest who
-    // finds no record stays unattached, and leaves the Time channel alone.
+    // finds no record, or one that its creator is still filling, stays unattached; he leaves the Time channel alone.
     explicit CCore(const CoreServices& services, Attachment attachment = Attachment::kCreateOrOpen);
 
     // Lets go of the record, which vanishes with its last holder. Nothing is written back.
@@ -93,8 +93,8 @@ public:
     // limit.
     bool GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, double maxAge);
 
-    // The age in seconds past which a channel of a boat counts as gone; 0 or less for never, which an age limit above 32767 comes to as
-    // well.
+    // The age in seconds past which a channel of a boat counts as gone; 0 or less for never, which an age limit above 32767 comes
+    // to as well.
     std::int16_t StaleSeconds(ChannelId channel, BoatSlot boat);
 
     // Makes a magnetic bearing true, by the boat's own variation or else that of the own boat; kNoValue without either.

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "platform/paths.h"
 #include "platform/wide_text.h"
 #include "support/core_fixture.h"
@@ -15,6 +17,14 @@ TEST_F(AttachTest, ALaterProcessTakesTheRecordAsItFindsItAndTheLastHolderEndsIt)
     second.reset();
     core = std::make_unique<CCore>(machine.Services());
     EXPECT_EQ(kNoValue, core->View()->fullBlocks[0].value[kBsp]) << "created anew";
+}
+
+TEST_F(AttachTest, AGuestWaitsForTheEndOfTheFilling) {
+    double& stamp = core->View()->fullBlocks[0].time[kTime];
+    const double filled = std::exchange(stamp, 0.0);
+    EXPECT_EQ(nullptr, CCore(machine.Services(), Attachment::kOpenOnly).View());
+    stamp = filled;
+    EXPECT_EQ(core->View(), CCore(machine.Services(), Attachment::kOpenOnly).View());
 }
 
 // A machine whose shared memory fails.
