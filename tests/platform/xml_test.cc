@@ -40,6 +40,7 @@ TEST_F(XmlTest, GivesElementsInTheirOrderWhateverTheirDepth) {
         std::string_view bytes, outline;
     } rows[] = {
         {"<a/>", "a()"},
+        {" \n<a/>", "a()"},
         {"<?xml version=\"1.0\"?>\n<!-- x --><a><b/><c><d/></c></a>\n<!-- y -->", "a() b() c() d()"},
         {"<a z='1' y=\"2\" x='3'/>", "a(z=1,y=2,x=3)"},
         {"<var twr='13' dfw='BSP'>text<![CDATA[<no/>]]></var>", "var(twr=13,dfw=BSP)"},
@@ -65,6 +66,13 @@ TEST_F(XmlTest, ReadsTheEncodingThatIsDeclared) {
         std::string encoding, bytes, text;
     } rows[] = {
         {"us-ascii", "x", "x"},
+        {"ASCII", "x", "x"},
+        {"utf8", "\xC3\xA4\xE2\x82\xAC", "\xC3\xA4\xE2\x82\xAC"},
+        {"latin1", "\xE4", "\xC3\xA4"},
+        {"cp1252", "\xE4", "\xC3\xA4"},
+        {"IBM850", "\x84", "\xC3\xA4"},
+        {"koi8-u", "\xC1", "\xD0\xB0"},
+        {"EUC-JP", "\xC6\xFC", "\xE6\x97\xA5"},
         {"ISO-8859-1", "\xE4\xFF", "\xC3\xA4\xC3\xBF"},
         {"iso-8859-15", "\xA4", "\xE2\x82\xAC"},
         {"windows-1250", "\x8A\xF8", "\xC5\xA0\xC5\x99"},
@@ -93,7 +101,9 @@ TEST_F(XmlTest, ReadsUtf16InBothByteOrders) {
     for (const bool big : {false, true}) {
         SCOPED_TRACE(big ? "big-endian" : "little-endian");
         EXPECT_EQ("a(b=\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80)", Read(Utf16Bytes(u"\uFEFF<a b='\u00E4\u20AC\xD83D\xDE00'/>", big)));
-        EXPECT_EQ("a(b=1)", Read(Utf16Bytes(u"\uFEFF<?xml version='1.0' encoding='UTF-16'?><a b='1'/>", big)));
+        for (const std::u16string declared : {u"UTF-16", u"UTF-8", u"windows-1252", u"no-such-encoding"}) {
+            EXPECT_EQ("a(b=1)", Read(Utf16Bytes(u"\uFEFF<?xml version='1.0' encoding='" + declared + u"'?><a b='1'/>", big)));
+        }
     }
 }
 
@@ -138,7 +148,7 @@ TEST_F(XmlTest, ReadsLongAndDeepFilesUpToAFaultFarBehind) {
     EXPECT_EQ(expected, Read(Mapping(3000) + "<"));
 
     std::string deep = "<d>", depth = "d()";
-    for (int i = 0; i < 200; ++i) deep += "<d>", depth += " d()";
+    for (int i = 0; i < 1000; ++i) deep += "<d>", depth += " d()";
     EXPECT_EQ(depth, Read(deep));
 
     const std::string value(100000, 'v');

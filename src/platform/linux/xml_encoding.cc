@@ -2,49 +2,80 @@
 
 #include <iconv.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
+#include <memory>
 
 namespace twr {
 namespace {
 
 constexpr int kInvalid = -1;
-constexpr int kTwoBytes = -2;
+constexpr int kIncomplete = -2;
+constexpr std::size_t kLongest = 4;  // bytes of a character; expat takes none beyond U+FFFF
 
-// The character of these bytes; kTwoBytes when they are only the beginning of one.
-int Decode(iconv_t converter, const char* bytes, std::size_t count) {
-    char in[2] = {};
-    for (std::size_t i = 0; i < count; ++i) in[i] = bytes[i];
-    std::uint32_t character = 0;
-    char* from = in;
-    char* to = reinterpret_cast<char*>(&character);
-    std::size_t room = sizeof character;
-    iconv(converter, nullptr, nullptr, nullptr, nullptr);
-    if (iconv(converter, &from, &count, &to, &room) == static_cast<std::size_t>(-1)) return errno == EINVAL ? kTwoBytes : kInvalid;
-    iconv(converter, nullptr, nullptr, &to, &room);  // some hold a character back to see whether an accent follows
-    return room == 0 ? static_cast<int>(character) : kInvalid;
-}
+// The characters of one encoding, in which the first byte tells how many bytes a character has.
+class Characters {
+public:
+    explicit Characters(const char* encoding) : converter_(iconv_open("UTF-32LE", encoding)) {}
+    Characters(const Characters&) = delete;
+    ~Characters() {
+        if (Known()) iconv_close(converter_);
+    }
 
-int DecodePair(void* converter, const char* bytes) {
-    const int character = Decode(converter, bytes, 2);
-    return character < 0 ? kInvalid : character;
-}
+    bool Known() const { return converter_ != reinterpret_cast<iconv_t>(-1); }
+
+    // What expat wants to know of a first byte: its character, kInvalid, or how many bytes there are, as a negative number.
+    int EntryOf(unsigned char first) {
+        std::array<char, kLongest> bytes{static_cast<char>(first)};
+        const int character = Decode(bytes.data(), 1);
+        // Windows reads the gaps of its code pages as the control characters of these numbers.
+        if (character == kInvalid && first >= 0x80 && first < 0xA0) return first;
+        if (character != kIncomplete) return character;
+        for (std::size_t length = 2; length <= kLongest; ++length) {
+            for (int next = 0x40; next < 0xFF; ++next) {
+                std::fill_n(bytes.begin() + 1, length - 1, static_cast<char>(next));
+                if (Decode(bytes.data(), length) < 0) continue;
+                lengths_[first] = length;
+                return -static_cast<int>(length);
+            }
+        }
+        return kInvalid;
+    }
+
+    // The character of a sequence, or kInvalid.
+    int CharacterOf(const char* bytes) { return std::max(Decode(bytes, lengths_[static_cast<unsigned char>(*bytes)]), kInvalid); }
+
+private:
+    // The character of these bytes; kIncomplete when they are only the beginning of one.
+    int Decode(const char* bytes, std::size_t count) {
+        std::array<char, kLongest> in{};
+        std::copy_n(bytes, count, in.begin());
+        std::uint32_t character = 0;
+        char* from = in.data();
+        char* to = reinterpret_cast<char*>(&character);
+        std::size_t room = sizeof character;
+        iconv(converter_, nullptr, nullptr, nullptr, nullptr);
+        if (iconv(converter_, &from, &count, &to, &room) == static_cast<std::size_t>(-1))
+            return errno == EINVAL ? kIncomplete : kInvalid;
+        iconv(converter_, nullptr, nullptr, &to, &room);  // some hold a character back to see whether an accent follows
+        return room == 0 ? static_cast<int>(character) : kInvalid;
+    }
+
+    const iconv_t converter_;
+    std::array<std::size_t, 256> lengths_{};
+};
 
 }  // namespace
 
 int FindXmlEncoding(void*, const XML_Char* name, XML_Encoding* encoding) {
-    const iconv_t converter = iconv_open("UTF-32LE", name);
-    if (converter == reinterpret_cast<iconv_t>(-1)) return XML_STATUS_ERROR;
-    for (int byte = 0; byte < 256; ++byte) {
-        const char in = static_cast<char>(byte);
-        int& entry = encoding->map[byte];
-        entry = Decode(converter, &in, 1);
-        // Windows reads the gaps of its code pages as the control characters of these numbers.
-        if (entry == kInvalid && byte >= 0x80 && byte < 0xA0) entry = byte;
-    }
-    encoding->data = converter;
-    encoding->convert = DecodePair;
-    encoding->release = [](void* used) { iconv_close(used); };
+    auto characters = std::make_unique<Characters>(name);
+    if (!characters->Known()) return XML_STATUS_ERROR;
+    for (int byte = 0; byte < 256; ++byte) encoding->map[byte] = characters->EntryOf(static_cast<unsigned char>(byte));
+    encoding->data = characters.release();
+    encoding->convert = [](void* used, const char* bytes) { return static_cast<Characters*>(used)->CharacterOf(bytes); };
+    encoding->release = [](void* used) { delete static_cast<Characters*>(used); };
     return XML_STATUS_OK;
 }
 

@@ -13,7 +13,13 @@ namespace {
 
 constexpr int kChunk = 8192;             // bytes
 constexpr XML_Char kSeparator = '\xFF';  // of name space and local name; no text in UTF-8 holds it
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+// What the byte-order mark shows, which outweighs a declaration that says otherwise; nullptr without one.
+const XML_Char* MarkedEncoding(std::string_view document) {
+    if (document.starts_with("\xEF\xBB\xBF")) return "UTF-8";
+    if (document.starts_with("\xFF\xFE") || document.starts_with("\xFE\xFF")) return "UTF-16";
+    return nullptr;
+}
 
 std::u16string LocalName(std::string_view name) {
     return FromUtf8(name.substr(name.rfind(kSeparator) + 1));  // without a separator from the start
@@ -36,8 +42,7 @@ public:
 
 private:
     void Begin(std::string_view firstBytes) {
-        // A mark outweighs a declaration that says otherwise.
-        parser_ = XML_ParserCreateNS(firstBytes.starts_with(kUtf8Mark) ? "UTF-8" : nullptr, kSeparator);
+        parser_ = XML_ParserCreateNS(MarkedEncoding(firstBytes), kSeparator);
         if (!parser_) return;
         XML_SetUserData(parser_, this);
         XML_SetStartElementHandler(parser_, OnElement);

@@ -50,8 +50,9 @@ std::optional<DeclaredEncoding<std::basic_string_view<Char>>> FindEncoding(std::
 }
 
 constexpr std::pair<std::u16string_view, UINT> kNamed[] = {
-    {u"utf-8", CP_UTF8}, {u"us-ascii", kAscii}, {u"shift_jis", 932}, {u"gbk", 936},
-    {u"gb2312", 936},    {u"big5", 950},        {u"koi8-r", 20866},
+    {u"utf-8", CP_UTF8}, {u"utf8", CP_UTF8}, {u"us-ascii", kAscii}, {u"ascii", kAscii},  {u"latin1", 28591},
+    {u"big5", 950},      {u"euc-jp", 20932}, {u"euc-kr", 51949},    {u"gb18030", 54936}, {u"gb2312", 936},
+    {u"gbk", 936},       {u"koi8-r", 20866}, {u"koi8-u", 21866},    {u"shift_jis", 932}, {u"tis-620", 874},
 };
 
 UINT CodePage(std::string_view name) {
@@ -63,10 +64,12 @@ UINT CodePage(std::string_view name) {
     };
     const auto valid = [](UINT codePage) { return IsValidCodePage(codePage) ? codePage : kUnknown; };
     for (const auto& [known, codePage] : kNamed) {
-        if (EqualsIgnoringCase(FromBytes(name), known)) return codePage;
+        if (EqualsIgnoringCase(FromBytes(name), known)) return valid(codePage);
     }
     if (const UINT part = numbered("iso-8859-")) return valid(28590 + part);
-    if (const UINT windows = numbered("windows-")) return valid(windows);
+    for (const char* prefix : {"windows-", "cp", "ibm"}) {
+        if (const UINT codePage = numbered(prefix)) return valid(codePage);
+    }
     return kUnknown;
 }
 

@@ -18,6 +18,8 @@ std::string Contents(ByteSource& source) {
     return bytes;
 }
 
+constexpr LONG_PTR kMaxDepth = 1'000'000;  // in place of XmlLite's 256, which the other system doesn't have
+
 // Goes behind the document. Wine's reader runs for ever, or ends the program, where a document ends too early; this ends comments,
 // values and whatever else may be open in a fault, and no element comes of it.
 constexpr std::string_view kFault = "\"'-->]]>?></>                ";
@@ -79,11 +81,11 @@ private:
 }  // namespace
 
 // XmlLite knows other encodings than UTF-8 and UTF-16 on some machines only, and Wine's goes wrong in UTF-16 beyond some thousand
-// characters; so it always gets UTF-8.
+// characters; so it always gets UTF-8. The mark is for Wine's, which without it takes blanks before the first element for a fault.
 std::unique_ptr<XmlReader> WindowsXml::OpenReader(std::u16string_view path) {
     const auto source = WindowsFiles({}).Open(path);
     if (!source) return nullptr;
-    const std::string document = ToUtf8(SoundPart(DecodeXml(Contents(*source)))).append(kFault);
+    const std::string document = "\xEF\xBB\xBF" + ToUtf8(SoundPart(DecodeXml(Contents(*source)))).append(kFault);
     const ComPtr<IStream> stream(
         SHCreateMemStream(reinterpret_cast<const BYTE*>(document.data()), static_cast<UINT>(document.size())));
     ComPtr<IXmlReader> reader;
@@ -92,6 +94,7 @@ std::unique_ptr<XmlReader> WindowsXml::OpenReader(std::u16string_view path) {
         FAILED(reader->SetInput(stream.get()))) {
         return nullptr;
     }
+    reader->SetProperty(XmlReaderProperty_MaxElementDepth, kMaxDepth);
     return std::make_unique<LiteReader>(std::move(reader));
 }
 
