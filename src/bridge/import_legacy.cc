@@ -3,7 +3,6 @@
 #include "bridge/main_dialog.h"
 #include "mapping/legacy_import.h"
 #include "mapping/mapping_file.h"
-#include "platform/paths.h"
 
 namespace twr {
 
@@ -24,7 +23,7 @@ void CHalyrig32Dlg::OnImportLegacy() {
 }
 
 bool CHalyrig32Dlg::ImportLegacyVars() {
-    const std::u16string path = JoinPath(core_.GetDataFolder(u"halyrig"), u"halyrig.csv");
+    const std::u16string path = core_.GetDataFile(u"halyrig", u"halyrig.csv");
     mapping_.varRows.clear();
     FindVariableFile();  // so that the import goes by Deckman's files of this moment
     auto rows = twr::ImportLegacyVars(services_.files, path, catalogue_.rows);
@@ -33,8 +32,7 @@ bool CHalyrig32Dlg::ImportLegacyVars() {
 }
 
 void CHalyrig32Dlg::ImportLegacyRemotes() {
-    mapping_.remoteRows =
-        twr::ImportLegacyRemotes(services_.files, JoinPath(core_.GetDataFolder(u"halyrig"), u"halyrigremotes.csv"));
+    mapping_.remoteRows = twr::ImportLegacyRemotes(services_.files, core_.GetDataFile(u"halyrig", u"halyrigremotes.csv"));
 }
 
 }  // namespace twr

@@ -85,7 +85,7 @@ void CHalyrig32Dlg::FindVariableFile() {
 
 void CHalyrig32Dlg::LoadMapping() { mapping_ = twr::LoadMapping(services_.xml, MappingPath(), catalogue_.rows); }
 
-std::u16string CHalyrig32Dlg::MappingPath() { return JoinPath(core_.GetDataFolder(u"instruments"), u"halyrig.xml"); }
+std::u16string CHalyrig32Dlg::MappingPath() { return core_.GetDataFile(u"instruments", u"halyrig.xml"); }
 
 // The Close button keeps the settings of the run. Esc and closing the window drop them, unless another program asked for the end.
 void CHalyrig32Dlg::OnOk() {

@@ -51,7 +51,7 @@ void CCore::LoadAlternatesFile() {
     for (AlternateRow& row : view_->alternates) {
         for (std::int32_t& slot : row.slot) Put(slot, kNoInt);
     }
-    const auto file = services_.files.Open(ConfigPath(u"alternate.csv"));
+    const auto file = services_.files.Open(GetDataFile(u"config", u"alternate.csv"));
     if (!file) return;
     TextLines lines(*file);
     std::string line;

@@ -62,7 +62,7 @@ void ReadBoat(const XmlElement& element, CoreRecord& record) {
 
 bool CCore::LoadBoatsFile() {
     if (!view_) return false;
-    const std::u16string path = ConfigPath(u"boats.xml");
+    const std::u16string path = GetDataFile(u"config", u"boats.xml");
     ResetBoats(*view_);
     return ForEachElement(services_.xml, path, u"boats", u"boat", [&](const XmlElement& boat) { ReadBoat(boat, *view_); });
 }

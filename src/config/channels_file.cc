@@ -77,7 +77,7 @@ void ReadChannel(const CCore& core, const XmlElement& element) {
 
 bool CCore::LoadChannelsFile() {
     if (!view_) return false;
-    const std::u16string path = ConfigPath(u"channels.xml");
+    const std::u16string path = GetDataFile(u"config", u"channels.xml");
     ResetChannels(*view_);
     return ForEachElement(services_.xml, path, u"channels", u"channel",
                           [&](const XmlElement& channel) { ReadChannel(*this, channel); });

@@ -11,10 +11,10 @@ constexpr std::u16string_view kDatabaseName = u"Tidewright.db";
 constexpr std::u16string_view kDatabaseExtension = u".db";
 constexpr std::u16string_view kMarksName = u"marks.xml";
 
-// From the last dot of the file's name, unless that starts the name, up to a colon or the end.
+// From the last dot of the file's name, unless that starts the name, up to a colon or the end. A drive's colon is none of the name.
 std::u16string_view ExtensionOf(std::u16string_view path) {
     std::u16string_view name = path.substr(path.find_last_of(u"/\\") + 1);
-    name = name.substr(0, name.find(u':', 2));
+    name = name.substr(0, name.find(u':', name.size() == path.size() ? 2 : 0));
     const std::size_t dot = name.rfind(u'.');
     return dot == std::u16string_view::npos || dot == 0 ? std::u16string_view() : name.substr(dot);
 }
@@ -41,8 +41,8 @@ std::u16string CCore::GetDataFolder(std::u16string_view subfolder) {
     return path;
 }
 
-std::u16string CCore::ConfigPath(std::u16string_view name) {
-    const std::u16string folder = GetDataFolder(u"config");
+std::u16string CCore::GetDataFile(std::u16string_view subfolder, std::u16string_view name) {
+    const std::u16string folder = GetDataFolder(subfolder);
     return folder.empty() ? folder : JoinPath(folder, name);
 }
 

@@ -18,7 +18,7 @@ std::u16string RecordName() {
     return FromBytes(name);
 }
 
-// The creator stamps the Time channel once he has filled the record.
+// The creator stamps the Time channel once the initial values stand, which would overwrite whatever came before them.
 bool IsFilled(const CoreRecord& record) { return Load(record.fullBlocks[0].time[kTime]) != 0.0; }
 
 }  // namespace

@@ -116,6 +116,9 @@ public:
     // The data folder, or a subfolder of it, created when missing. Empty without a record.
     std::u16string GetDataFolder(std::u16string_view subfolder);
 
+    // The path of a file in a subfolder of the data folder; empty, which no file has, while there is no data folder.
+    std::u16string GetDataFile(std::u16string_view subfolder, std::u16string_view name);
+
     // The stored database path, or the default one in its subfolder, which is created. Empty without a record.
     std::u16string GetDatabasePath();
 
@@ -172,9 +175,6 @@ private:
     void LoadSavedSettings();
     void LoadSavedPaths();
     void LoadSavedValues();
-
-    // Path of a file in the subfolder "config"; empty while there is no data folder.
-    std::u16string ConfigPath(std::u16string_view name);
 
     // The own boat's value of a channel, or of what it stands for; kNoValue when there is none.
     double LiveValue(ChannelId channel);

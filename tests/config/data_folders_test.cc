@@ -27,6 +27,7 @@ TEST_F(DataFoldersTest, ADefaultThatCantBeMadeIsTriedAgain) {
     EXPECT_EQ(JoinPath(suite, u"config"), core->GetDataFolder(u"config")) << "a place where every file operation fails";
     machine.files.programData.clear();
     EXPECT_EQ(u"", core->GetDataFolder(u"config"));
+    EXPECT_EQ(u"", core->GetDataFile(u"config", u"boats.xml")) << "not in the root of the drive";
     machine.files.programData = u"/data";
     machine.files.foldersFail = false;
     EXPECT_EQ(suite, core->GetDataFolder(u""));
@@ -34,11 +35,11 @@ TEST_F(DataFoldersTest, ADefaultThatCantBeMadeIsTriedAgain) {
 }
 
 TEST_F(DataFoldersTest, OnlyADatabaseWithItsExtensionStays) {
-    for (const std::u16string stored : {u"/x/race.db", u"/x/a.b.db"}) {
+    for (const std::u16string stored : {u"/x/race.db", u"/x/a.b.db", u"/x/a.db:stream", u"C:a.db"}) {
         record.SetText(548, stored);
         EXPECT_EQ(stored, core->GetDatabasePath());
     }
-    for (const std::u16string stored : {u"/x/race.DB", u"/x/race.db3", u"/x.db/race", u"/x/.db", u""}) {
+    for (const std::u16string stored : {u"/x/race.DB", u"/x/race.db3", u"/x.db/race", u"/x/.db", u"/x/r:1.db", u""}) {
         record.SetText(548, stored);
         EXPECT_EQ(JoinPath(JoinPath(suite, u"database"), u"Tidewright.db"), core->GetDatabasePath()) << ToUtf8(stored);
     }
