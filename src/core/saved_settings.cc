@@ -20,6 +20,11 @@ std::u16string Numbered(std::u16string_view family, std::uint32_t index) {
     return std::u16string(family) + FromBytes(std::to_string(index));
 }
 
+std::optional<std::u16string> SavedText(const Registry& registry, std::u16string_view name) {
+    constexpr std::size_t kLongest = 1024;  // bytes, for every program of the suite
+    return TextOf(registry.Read(kKey, name), kLongest);
+}
+
 std::optional<double> NumberOf(const std::optional<std::u16string>& text) {
     double number = 0.0;
     if (!text || std::sscanf(ToBytes(*text).c_str(), "%lf", &number) != 1) return std::nullopt;
@@ -39,7 +44,7 @@ void CCore::LoadSavedSettings() {
 }
 
 void CCore::LoadSavedPaths() {
-    const auto text = [&](std::u16string_view name) { return TextOf(services_.registry.Read(kKey, name)); };
+    const auto text = [&](std::u16string_view name) { return SavedText(services_.registry, name); };
 
     GetDataFolder(u"");  // stores the default
     const auto folder = text(u"DataFolder");
@@ -49,7 +54,7 @@ void CCore::LoadSavedPaths() {
 }
 
 void CCore::LoadSavedValues() {
-    const auto number = [&](std::u16string_view name) { return NumberOf(TextOf(services_.registry.Read(kKey, name))); };
+    const auto number = [&](std::u16string_view name) { return NumberOf(SavedText(services_.registry, name)); };
     const auto dword = [&](std::u16string_view name) { return DwordOf(services_.registry.Read(kKey, name)); };
 
     for (std::uint32_t i = 0; i < kSavedValues; ++i) {

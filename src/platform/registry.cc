@@ -1,11 +1,6 @@
 #include "platform/registry.h"
 
 namespace twr {
-namespace {
-
-constexpr std::size_t kLongestText = 1024;  // bytes
-
-}  // namespace
 
 RegistryValue DwordValue(std::uint32_t number) {
     RegistryValue value{kRegistryDword, {}};
@@ -31,10 +26,10 @@ std::optional<std::uint32_t> DwordOf(const std::optional<RegistryValue>& value) 
     return number;
 }
 
-std::optional<std::u16string> TextOf(const std::optional<RegistryValue>& value) {
+std::optional<std::u16string> TextOf(const std::optional<RegistryValue>& value, std::size_t longest) {
     if (!value || (value->type != kRegistryString && value->type != kRegistryExpandString)) return std::nullopt;
     const auto& data = value->data;
-    if (data.size() > kLongestText || data.size() % 2 != 0) return std::nullopt;
+    if (data.size() > longest || data.size() % 2 != 0) return std::nullopt;
     std::u16string text;
     for (std::size_t i = 0; i < data.size(); i += 2) {
         text.push_back(static_cast<char16_t>(data[i] | data[i + 1] << 8));

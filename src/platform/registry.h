@@ -1,6 +1,7 @@
 // Typed values under the keys of the user's registry.
 #pragma once
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,8 +45,10 @@ RegistryValue StringValue(std::u16string_view text);
 // The number of a kRegistryDword value of four bytes; nothing for any other value.
 std::optional<std::uint32_t> DwordOf(const std::optional<RegistryValue>& value);
 
-// The text of a string value. It counts when it is of a string type (variables in it stay unexpanded), of at most 1024 bytes, of an
-// even length, and its last character is zero; a value of length 0 is empty text. It ends at the first zero. Nothing for any other.
-std::optional<std::u16string> TextOf(const std::optional<RegistryValue>& value);
+// The text of a string value. It counts when it is of a string type (variables in it stay unexpanded), of at most `longest` bytes,
+// of an even length, and its last character is zero; a value of length 0 is empty text. It ends at the first zero. Nothing for any
+// other.
+std::optional<std::u16string> TextOf(const std::optional<RegistryValue>& value,
+                                     std::size_t longest = std::numeric_limits<std::size_t>::max());
 
 }  // namespace twr

@@ -9,7 +9,7 @@ inline constexpr std::size_t kRemoteFieldBytes = 16;
 using RemoteField = std::array<char, kRemoteFieldBytes>;
 
 // At most 15 bytes of the text, the rest zero. A text of characters up to U+00FF goes as one byte each; any other goes whole in
-// code page 1252, with "?" for each character that the page doesn't hold.
+// the code page of the machine.
 RemoteField ToRemoteField(std::u16string_view text);
 
 }  // namespace twr

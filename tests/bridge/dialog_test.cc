@@ -93,13 +93,14 @@ TEST_F(DialogTest, AQuitRequestEndsItWithinATickAndNoPassRuns) {
 
 TEST_F(DialogTest, SavesWhatItShows) {
     AnswerWith(BoxAnswer::kYes);
-    SaveSetting(u"DfwFolder", StringValue(u"  somewhere\t"));
+    const std::u16string somewhere(600, u'd');
+    SaveSetting(u"DfwFolder", StringValue(u"  " + somewhere + u"\t"));
     Run([&] {
         host.SetChecked(kDepthCheck, true);
         host.SetChecked(kTrueCheck, true);
         host.PressClose();
     });
-    EXPECT_EQ(u"somewhere", TextOf(Setting(u"DfwFolder"))) << "trimmed";
+    EXPECT_EQ(somewhere, TextOf(Setting(u"DfwFolder"))) << "trimmed";
     EXPECT_EQ(1u, DwordOf(Setting(u"DfwDepth")));
     EXPECT_EQ(1u, DwordOf(Setting(u"DfwTrue")));
     EXPECT_EQ(0u, DwordOf(Setting(u"DfwTimer")));

@@ -77,7 +77,7 @@ TEST(RegistryValues, CountByTypeAndForm) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.value ? ::testing::PrintToString(row.value->data) : "no value");
-        EXPECT_EQ(row.text, TextOf(row.value));
+        EXPECT_EQ(row.text, TextOf(row.value, 1024));
         EXPECT_EQ(row.number, DwordOf(row.value));
     }
 }
