@@ -19,7 +19,7 @@ enum { NO_RECORD = -1, BEGIN_ANEW = -2 };
 static const off_t LAST_BYTE = INT64_MAX;
 
 /* Offsets of the record. */
-enum { RECORD_SIZE = 166784, BOAT_COUNT = 6296, OWN_BOAT = 59016, VALUES = 3312 /* behind the time stamps */ };
+enum { RECORD_SIZE = 166784, BOAT_COUNT = 6296, OWN_BOAT = 59016, VALUES = 3312 /* behind the time stamps */, MARK = 166624 };
 enum { TIME = 0, BSP = 1 };
 static const double NO_VALUE = 32767.0;
 
@@ -103,7 +103,7 @@ static double now_in_days(void) {
 static void print_boat_speed(const unsigned char* record) {
     const double value = read_double(record, OWN_BOAT + VALUES + 8 * BSP);
     const double stamp = read_double(record, OWN_BOAT + 8 * BSP);
-    if (read_double(record, OWN_BOAT + 8 * TIME) == 0.0) {
+    if (record[MARK] != 8 || read_double(record, OWN_BOAT + 8 * TIME) == 0.0) {
         puts("The record is still being filled.");
     } else if (read_u32(record, BOAT_COUNT) == 0 || value == NO_VALUE) {
         puts("BSP has no value.");

@@ -18,8 +18,11 @@ std::u16string RecordName() {
     return FromBytes(name);
 }
 
-// The creator stamps the Time channel once the initial values stand, which would overwrite whatever came before them.
-bool IsFilled(const CoreRecord& record) { return Load(record.fullBlocks[0].time[kTime]) != 0.0; }
+// The initial values stand, which would overwrite whatever came before them. Only the creator writes the mark, behind the flags;
+// the first stamp of the Time channel comes last.
+bool IsFilled(const CoreRecord& record) {
+    return Load(record.reserved166624) == kFilledMark && Load(record.fullBlocks[0].time[kTime]) != 0.0;
+}
 
 }  // namespace
 

@@ -27,7 +27,7 @@ enum class Attachment {
 class CCore {
 public:
     // Attaches. When the record can be neither created nor mapped, the desktop is asked to quit and View() stays null. A guest who
-    // finds no record, or one that its creator is still filling, stays unattached; he leaves the Time channel alone.
+    // finds no record, or one without its initial values yet, stays unattached; he leaves the Time channel alone.
     explicit CCore(const CoreServices& services, Attachment attachment = Attachment::kCreateOrOpen);
 
     // Lets go of the record, which vanishes with its last holder. Nothing is written back.

@@ -57,7 +57,7 @@ void InitialiseTail(CoreRecord& record) {
     std::ranges::fill(record.reserved166312, 0);
     record.reserved166320 = 0;
     record.reserved166322[0] = 0;
-    record.reserved166624 = 8;
+    record.reserved166624 = kFilledMark;
     std::memcpy(record.reserved166626, &kNone, sizeof kNone);
     record.reserved166692[0] = 0;
     record.reserved166724[0] = 0;
