@@ -8,8 +8,19 @@ install(TARGETS halyrig32 halyrigctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
 install(TARGETS ShDfW2 LIBRARY DESTINATION lib/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/src/simulator/Data/J_vars06.d DESTINATION lib/halyrig/Data)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig.service DESTINATION lib/systemd/user)
-install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/README.md DESTINATION share/doc/halyrig)
+install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright DESTINATION share/doc/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/demo/halyrig.xml DESTINATION share/doc/halyrig/examples)
+
+# The user's texts as pages for a browser.
+set(pages ${CMAKE_BINARY_DIR}/pages)
+foreach(name guide channels)
+    add_custom_command(OUTPUT ${pages}/${name}.html
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${pages}
+        COMMAND ${CMAKE_SOURCE_DIR}/docs/make_page ${CMAKE_SOURCE_DIR}/docs/${name}.md >${pages}/${name}.html
+        DEPENDS ${CMAKE_SOURCE_DIR}/docs/make_page ${CMAKE_SOURCE_DIR}/docs/${name}.md)
+    set_property(GLOBAL APPEND PROPERTY package_files ${pages}/${name}.html)
+    install(FILES ${pages}/${name}.html DESTINATION share/doc/halyrig)
+endforeach()
 
 # Debian keeps man pages and changelogs packed.
 function(install_packed file name folder)
@@ -18,14 +29,14 @@ function(install_packed file name folder)
         COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/packed
         COMMAND gzip -9nc ${CMAKE_SOURCE_DIR}/${file} >${packed}
         DEPENDS ${CMAKE_SOURCE_DIR}/${file})
-    set_property(GLOBAL APPEND PROPERTY packed_files ${packed})
+    set_property(GLOBAL APPEND PROPERTY package_files ${packed})
     install(FILES ${packed} DESTINATION ${folder})
 endfunction()
 install_packed(CHANGELOG.md changelog share/doc/halyrig)
 install_packed(packaging/man/halyrig32.1 halyrig32.1 ${CMAKE_INSTALL_MANDIR}/man1)
 install_packed(packaging/man/halyrigctl.1 halyrigctl.1 ${CMAKE_INSTALL_MANDIR}/man1)
-get_property(packed_files GLOBAL PROPERTY packed_files)
-add_custom_target(packed_files ALL DEPENDS ${packed_files})
+get_property(package_files GLOBAL PROPERTY package_files)
+add_custom_target(package_files ALL DEPENDS ${package_files})
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME halyrig)

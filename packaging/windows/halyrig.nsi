@@ -41,18 +41,25 @@ UninstPage instfiles
     ${EndIf}
 !macroend
 
-; A running bridge is asked to close, which saves its settings, and gets ten seconds for it. When it stays, a user can try again; a
-; silent run ends with status 2 and changes nothing.
+!macro CountRunning
+    StrCpy $0 0
+    !insertmacro CountHeld Halyrig32.exe
+    !insertmacro CountHeld halyrigctl.exe
+!macroend
+
+; A running bridge is asked to close, which saves its settings, and gets ten seconds for it. Its user is asked before, since the whole
+; suite hears the request. When it stays, a user can try again; a silent run ends with status 2 and changes nothing.
 !macro CloseRunning
-    ${Do}
-        ${If} ${FileExists} "$INSTDIR\halyrigctl.exe"
-            nsExec::Exec '"$INSTDIR\halyrigctl.exe" quit'
-            Pop $0
-        ${EndIf}
+    !insertmacro CountRunning
+    ${If} $0 != 0
+    ${AndIf} ${Cmd} `MessageBox MB_OKCANCEL|MB_ICONEXCLAMATION "Halyrig is running. It is asked to close now, and with it every program of the Tidewright suite." /SD IDOK IDCANCEL`
+        Abort "Halyrig is running."
+    ${EndIf}
+    ${DoUntil} $0 == 0
+        nsExec::Exec '"$INSTDIR\halyrigctl.exe" quit'
+        Pop $1
         ${For} $2 1 100
-            StrCpy $0 0
-            !insertmacro CountHeld Halyrig32.exe
-            !insertmacro CountHeld halyrigctl.exe
+            !insertmacro CountRunning
             ${If} $0 == 0
                 ${Break}
             ${EndIf}
@@ -62,7 +69,7 @@ UninstPage instfiles
         ${AndIf} ${Cmd} `MessageBox MB_RETRYCANCEL "Halyrig is still running. Close it and try again." /SD IDCANCEL IDCANCEL`
             Abort "Halyrig is still running."
         ${EndIf}
-    ${LoopUntil} $0 == 0
+    ${Loop}
 !macroend
 
 Section "Halyrig" SectionPrograms
@@ -75,6 +82,8 @@ Section "Halyrig" SectionPrograms
     File "${SOURCE}\LICENSE"
     File "${SOURCE}\packaging\windows\README.txt"
     File "${SOURCE}\demo\halyrig.xml"
+    File "${SOURCE}\build\linux\pages\guide.html"
+    File "${SOURCE}\build\linux\pages\channels.html"
     SetOutPath "$INSTDIR\stand-in"
     File "${BIN}\ShDfW2.dll"
     SetOutPath "$INSTDIR\stand-in\Data"
@@ -114,6 +123,8 @@ Section "Uninstall"
     Delete "$INSTDIR\stand-in\ShDfW2.dll"
     RMDir "$INSTDIR\stand-in"
     Delete "$INSTDIR\halyrig.xml"
+    Delete "$INSTDIR\guide.html"
+    Delete "$INSTDIR\channels.html"
     Delete "$INSTDIR\README.txt"
     Delete "$INSTDIR\LICENSE"
     Delete "$INSTDIR\halyrigctl.exe"
