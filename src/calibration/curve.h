@@ -28,7 +28,8 @@ struct CalibrationCurve {
     // On straight lines, which go on beyond the ends. False, with kNoValue, for an empty curve and beside a hole.
     bool StraightLineValue(double& out, double x) const;
 
-    // On the spline; beside a hole the value of the other point. False, with kNoValue, for an empty curve and between two holes.
+    // On the spline; beside a hole the value of the other point. False, with kNoValue, for an empty curve, at a hole and
+    // between two holes.
     bool SplineValue(double& out, double x);
 
     // Computes every y2. False with fewer than two points or without memory for it.

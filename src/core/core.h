@@ -44,8 +44,8 @@ public:
     // --- Publication (publish.cc) ---
 
     // Publishes a value, in the channel's internal unit, for a boat: stamped, wrapped, brought into range, calibrated, with the
-    // channels derived from it. kNoValue clears the entry. `time` in days, 0.0 for now. True when it was stored; false when channel
-    // or boat has no entry, or the channel is blocked or held.
+    // channels derived from it. kNoValue clears the entry. `time` in days, 0.0 for now. True when it was stored; false for the
+    // Time channel, when channel or boat has no entry, and when the channel is blocked or held.
     bool SetChannel(ChannelId channel, BoatSlot boat, double value, double time);
 
     // The same for the own boat, without blocking, calibration and derivation. `channel` is below kChannelCount.
@@ -93,8 +93,8 @@ public:
     // limit.
     bool GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, double maxAge);
 
-    // The age in seconds past which a channel of a boat counts as gone; 0 or less for never, which an age limit above 32767 comes
-    // to as well.
+    // The age in seconds past which a channel of a boat counts as gone; 0 or less for never. A boat's own age limit counts by
+    // its low 16 bits, signed, so one of 32768 to 65536 means never.
     std::int16_t StaleSeconds(ChannelId channel, BoatSlot boat);
 
     // Makes a magnetic bearing true, by the boat's own variation or else that of the own boat; kNoValue without either.
