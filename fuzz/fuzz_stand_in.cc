@@ -1,0 +1,22 @@
+#include <cmath>
+
+#include "simulator/recording_replay.h"
+#include "simulator/stand_in_settings.h"
+#include "support/fakes.h"
+
+// What the stand-in reads beside itself: its settings and a recording.
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    twr::testing::FakeFiles files;
+    files.files.push_back({u"/file", std::string(reinterpret_cast<const char*>(data), size)});
+    const twr::StandInSettings settings = twr::ReadStandInSettings(files, u"/file");
+    if (settings.speed < 0.1 || settings.speed > 100.0 || settings.startLead < 10 || settings.startLead > 3600) __builtin_trap();
+
+    twr::RecordingReplay replay(files, u"/file");
+    for (int step = 0; step < 5; ++step) {
+        for (std::size_t quantity = 0; quantity < twr::kQuantityCount; ++quantity) {
+            if (!(std::abs(replay.Now()[static_cast<twr::Quantity>(quantity)]) <= twr::kAbsent)) __builtin_trap();
+        }
+        replay.Advance(settings.speed);
+    }
+    return 0;
+}
