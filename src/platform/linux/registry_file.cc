@@ -83,8 +83,8 @@ private:
     };
 
     FolderLock Lock() const {
-        const std::string folder = path_.substr(0, path_.rfind('/'));
-        if (!path_.empty()) MakeFolders(folder);
+        const std::string folder = path_.substr(0, path_.rfind('/') + 1);
+        if (folder.starts_with('/')) MakeFolders(folder);
         return FolderLock(folder);
     }
 

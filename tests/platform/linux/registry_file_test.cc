@@ -2,6 +2,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 #include "platform/paths.h"
 #include "platform/wide_text.h"
 #include "support/test_system.h"
@@ -61,7 +63,8 @@ TEST_F(RegistryFileTest, WritesThroughALinkKeepsTheModeAndLeavesNothingBesideThe
 
 TEST_F(RegistryFileTest, CantBeWrittenWhereNoPlainFileCanBe) {
     Roots nowhere = testing::TestRoots(test_.name, test_.folder.Text());
-    for (const auto& path : std::vector<std::u16string>{test_.folder.Text(), u"", u"relative.reg", u"/dev/null", u"/dev/null/x"}) {
+    for (const auto& path :
+         std::vector<std::u16string>{test_.folder.Text(), u"", u"nowhere.reg", u"nowhere/x", u"/dev/null", u"/dev/null/x"}) {
         SCOPED_TRACE(ToUtf8(path));
         nowhere.registry = path;
         const auto system = MakeSystem(nowhere);
@@ -69,6 +72,7 @@ TEST_F(RegistryFileTest, CantBeWrittenWhereNoPlainFileCanBe) {
         EXPECT_FALSE(registry.OpenOrCreate(kKey) || registry.Write(kKey, u"a", DwordValue(1)));
         EXPECT_EQ(std::nullopt, registry.Read(kKey, u"a"));
     }
+    for (const char* name : {"nowhere.reg", "nowhere"}) EXPECT_FALSE(std::filesystem::exists(name)) << name;
 }
 
 TEST_F(RegistryFileTest, AFileNotToBeWrittenStaysAsItIs) {
