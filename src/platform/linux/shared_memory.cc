@@ -136,11 +136,11 @@ Attempt Create(Object object, std::size_t size) {
 }
 
 // Joins the others who hold the block. The first look is taken without a lock: over what a killed holder left many could otherwise
-// go on refusing each other the write lock.
-Attempt Join(Object object, std::size_t size, bool mayCreate) {
+// go on refusing each other the write lock. The size stands before the creator becomes a holder, so another one is final.
+Attempt Join(Object object, std::size_t size) {
     if (!object.HeldByOthers() || !object.Lock(F_RDLCK, kLook)) return std::nullopt;
     if (!object.IsNamed() || !object.HeldByOthers()) return std::nullopt;
-    if (!object.HasSize(size)) return mayCreate ? Attempt() : Attempt(nullptr);
+    if (!object.HasSize(size)) return nullptr;
     if (!object.Lock(F_RDLCK, kWhole)) return std::nullopt;
     return std::make_unique<Block>(std::move(object), size, true);
 }
@@ -170,7 +170,7 @@ private:
     Attempt Try(std::u16string_view name, std::size_t size, bool mayCreate) const {
         Object object(prefix_ + ToUtf8(name), mayCreate ? O_CREAT : 0);
         if (!object) return nullptr;
-        if (!object.Lock(F_WRLCK, kWhole)) return Join(std::move(object), size, mayCreate);
+        if (!object.Lock(F_WRLCK, kWhole)) return Join(std::move(object), size);
         if (!mayCreate) return nullptr;
         return Create(std::move(object), size);
     }

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -88,6 +89,18 @@ TEST_F(SharedMemoryObjectTest, AnObjectOfAnotherSizeThatNobodyHoldsIsNoObstacle)
     const auto block = memory_.CreateOrOpen(u"Block", kSize);
     ASSERT_NE(nullptr, block);
     EXPECT_FALSE(block->Existed());
+}
+
+TEST_F(SharedMemoryObjectTest, ABlockOfAnotherSizeThatIsHeldIsRefusedAtTheFirstTry) {
+    const auto block = memory_.CreateOrOpen(u"Block", kSize);
+    const Descriptor watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    ASSERT_LE(0, inotify_add_watch(watch.Get(), ("/dev/shm" + ObjectName()).c_str(), IN_OPEN | IN_CLOSE_WRITE));
+    EXPECT_EQ(nullptr, memory_.CreateOrOpen(u"Block", kSize * 2));
+    int tries = 0;
+    for (inotify_event event{}; read(watch.Get(), &event, sizeof event) == sizeof event;)
+        tries += (event.mask & IN_CLOSE_WRITE) != 0;
+    EXPECT_EQ(1, tries);
+    EXPECT_TRUE(IsReadLockedAsAWhole(Object()));
 }
 
 TEST_F(SharedMemoryObjectTest, IsGoneAfterManyHaveLeftAtOnce) {
