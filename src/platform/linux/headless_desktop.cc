@@ -1,5 +1,7 @@
 // The host of a dialog where nobody looks: it ticks, and takes the signals that end a program for the closing of its window.
 
+#include <optional>
+
 #include "platform/linux/services.h"
 #include "platform/linux/signal_queue.h"
 #include "platform/linux/standard_error.h"
@@ -16,6 +18,8 @@ public:
 
 class HeadlessDesktop final : public Desktop {
 public:
+    void ExpectDialog() override { held_.emplace(kCloseSignals); }
+
     BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon) override {
         ShowOnStandardError(text, caption);
         return closing_ && buttons == BoxButtons::kYesNo ? BoxAnswer::kYes : BoxAnswer::kNone;
@@ -51,6 +55,7 @@ private:
         closing_ = false;
     }
 
+    std::optional<SignalQueue> held_;  // until the program has left, not only the dialog
     bool quit_ = false;
     bool closing_ = false;  // by a signal, which stands for a user who means it
 };

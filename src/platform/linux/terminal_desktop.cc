@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdio>
+#include <optional>
 
 #include "platform/linux/services.h"
+#include "platform/linux/signal_queue.h"
 #include "platform/linux/standard_error.h"
 #include "platform/linux/terminal_host.h"
 
@@ -26,8 +28,12 @@ BoxAnswer AskOnALine(std::u16string_view text, std::u16string_view caption, BoxB
 
 class TerminalDesktop final : public Desktop {
 public:
+    void ExpectDialog() override { held_.emplace(kCloseSignals); }
+
     BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) override {
-        return open_ ? open_->ShowBox(text, caption, buttons, icon) : AskOnALine(text, caption, buttons);
+        if (open_) return open_->ShowBox(text, caption, buttons, icon);
+        held_.reset();  // who is asked on a line may also press Ctrl-C
+        return AskOnALine(text, caption, buttons);
     }
 
     void RunDialog(const DialogTemplate& layout, Dialog& dialog) override {
@@ -52,6 +58,7 @@ public:
     }
 
 private:
+    std::optional<SignalQueue> held_;  // until the program has left, not only the dialog
     TerminalHost* open_ = nullptr;
     bool quit_ = false;  // what runs, or what is to run next
 };

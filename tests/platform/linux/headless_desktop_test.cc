@@ -2,6 +2,7 @@
 #include <signal.h>
 
 #include "platform/linux/services.h"
+#include "platform/linux/signal_queue.h"
 #include "support/scripted_dialog.h"
 
 namespace twr {
@@ -54,6 +55,17 @@ TEST_F(HeadlessDesktopTest, ARepeatedSignalDoesNotEndTheProcess) {
         raise(SIGTERM);
     };
     EXPECT_EQ("init destroy ", Run());
+}
+
+TEST_F(HeadlessDesktopTest, FromTheMomentADialogIsExpectedSignalsWaitForItAndEndNothingBehindIt) {
+    desktop_->ExpectDialog();
+    raise(SIGTERM);
+    EXPECT_EQ("init cancel yes destroy ", Run());
+    raise(SIGTERM);
+    desktop_.reset();
+    sigset_t blocked;
+    ASSERT_EQ(0, sigprocmask(SIG_BLOCK, nullptr, &blocked));
+    for (const int number : kCloseSignals) EXPECT_FALSE(sigismember(&blocked, number)) << number;
 }
 
 TEST_F(HeadlessDesktopTest, AfterPostQuitTheDialogOpensAndEndsAtOnce) {
