@@ -10,6 +10,7 @@ bool CHalyrig32App::InitInstance() {
         system_.GetInstance().RaiseOther(kProgramName);
         return false;
     }
+    system_.Core().desktop.ExpectDialog();
     CHalyrig32Dlg dialog(system_);
     system_.Core().desktop.RunDialog(kMainTemplate, dialog);
     return false;

@@ -1,5 +1,6 @@
 // The whole program in processes of its own, without a terminal, under names of the test's own.
 #include <gtest/gtest.h>
+#include <signal.h>
 
 #include "bridge/application.h"
 #include "bridge/settings.h"
@@ -19,6 +20,35 @@ const Role bridge("bridge", [](const std::vector<std::string>& arguments) {
     CHalyrig32App(*system).InitInstance();
     return 0;
 });
+
+// A system on which the program is asked to end while its dialog is being made.
+class ImpatientSystem : public System {
+public:
+    explicit ImpatientSystem(System& system) : system_(system) {}
+    CoreServices Core() override { return system_.Core(); }
+    Libraries& GetLibraries() override {
+        raise(SIGTERM);
+        return system_.GetLibraries();
+    }
+    Instance& GetInstance() override { return system_.GetInstance(); }
+    Executable& GetExecutable() override { return system_.GetExecutable(); }
+    Console& GetConsole() override { return system_.GetConsole(); }
+
+private:
+    System& system_;
+};
+
+const Role stopped("bridge stopped at its start", [](const std::vector<std::string>& arguments) {
+    const auto system = SystemOf(arguments);
+    ImpatientSystem impatient(*system);
+    CHalyrig32App(impatient).InitInstance();
+    return 0;
+});
+
+TEST(Process, EndsAsByItsWindowWhenItIsToldToWhileItStarts) {
+    const TestSystem test;
+    EXPECT_EQ(0, StartRole("bridge stopped at its start", test.Arguments())->Wait());
+}
 
 TEST(Process, LeavesNothingWhenItIsKilledAndItsRecordToOthersWhenItIsAskedToQuit) {
     const TestSystem test;

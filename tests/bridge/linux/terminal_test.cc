@@ -23,6 +23,13 @@ const Role bridge("bridge at a terminal", [](const std::vector<std::string>& arg
     return 0;
 });
 
+// Its record can't be created: no name of a block has a slash in it.
+const Role recordless("bridge without a record", [](const std::vector<std::string>& arguments) {
+    const auto system = SystemOf({"no/" + arguments[0], arguments[1]});
+    CHalyrig32App(*system).InitInstance();
+    return 0;
+});
+
 class TerminalTest : public ::testing::Test {
 protected:
     TerminalTest() {
@@ -127,6 +134,14 @@ TEST_F(TerminalTest, EachWayOutSavesOrLeavesTheSettings) {
         EXPECT_FALSE(terminal->Picture().OnOwnScreen());
         EXPECT_EQ(row.saves, Saved().sendNames);
     }
+}
+
+TEST_F(TerminalTest, EndsWhenItIsToldToBeforeThereIsAScreen) {
+    EXPECT_EQ(0, PseudoTerminal("bridge stopped at its start", test.Arguments()).Wait());
+    terminal = std::make_unique<PseudoTerminal>("bridge without a record", test.Arguments());
+    EXPECT_SHOWS("Press Enter to go on.");
+    terminal->Type("\003");
+    EXPECT_EQ(128 + SIGINT, terminal->Wait());
 }
 
 TEST_F(TerminalTest, ATerminalThatVanishesEndsItWithTheSettingsLeft) {
