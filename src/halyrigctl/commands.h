@@ -3,11 +3,15 @@
 #pragma once
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/core.h"
 #include "platform/system.h"
 
 namespace twr {
+
+// Runs the command that the arguments name. What can't be understood is told on standard error, with a status above 2.
+int RunCommandLine(System& system, std::vector<std::string> arguments);
 
 enum class TableForm { kText, kTsv, kJson };
 

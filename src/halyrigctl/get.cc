@@ -12,15 +12,16 @@ namespace twr {
 int GetChannelValue(System& system, const std::string& wanted, BoatSlot boat) {
     Guest guest(system);
     if (!guest) return 1;
+    Console& console = system.GetConsole();
     const auto channel = FindChannel(guest.Core(), wanted);
     if (!channel) {
-        std::fprintf(stderr, "halyrigctl: there is no channel %s; 'halyrigctl channels' lists them\n", wanted.c_str());
+        console.WriteError("halyrigctl: there is no channel " + wanted + "; 'halyrigctl channels' lists them\n");
         return 2;
     }
     const ChannelReading reading = ReadChannel(guest.Core(), *channel, boat, UtcNowDays(system.Core().clock));
     const std::string name = ToUtf8(guest.Core().ChannelName(*channel));
     if (!reading.missing.empty()) {
-        std::fprintf(stderr, "halyrigctl: %s has no value: %s\n", name.empty() ? "Time" : name.c_str(), reading.missing.c_str());
+        console.WriteError("halyrigctl: " + (name.empty() ? "Time" : name) + " has no value: " + reading.missing + "\n");
         return 1;
     }
     char lines[512];
@@ -29,7 +30,7 @@ int GetChannelValue(System& system, const std::string& wanted, BoatSlot boat) {
                   static_cast<unsigned>(*channel), name.c_str(), static_cast<unsigned>(boat), reading.value,
                   ToUtf8(reading.text).substr(0, 128).c_str(), reading.unit.empty() ? "-" : ToUtf8(reading.unit).c_str(),
                   reading.age.value_or(0.0), reading.limit > 0 ? (std::to_string(reading.limit) + " s").c_str() : "none");
-    return system.GetConsole().Write(lines) ? 0 : 1;
+    return console.Write(lines) ? 0 : 1;
 }
 
 }  // namespace twr

@@ -13,11 +13,14 @@ class Console {
 public:
     virtual ~Console() = default;
 
-    // Nothing when standard output is no terminal but a file or a pipe.
+    // Nothing when standard output takes no pictures: a file, a pipe, or a terminal that knows no escape sequences.
     virtual std::optional<ConsoleSize> Size() const = 0;
 
     // Writes UTF-8 to standard output and flushes. False when nobody takes it any more.
     virtual bool Write(std::string_view utf8) = 0;
+
+    // Writes UTF-8 to standard error.
+    virtual void WriteError(std::string_view utf8) = 0;
 
     // Waits; false as soon as the user has asked the program to stop (Ctrl-C, or its terminal is gone).
     virtual bool Wait(int milliseconds) = 0;

@@ -18,6 +18,7 @@ public:
         written += utf8;
         return !closed;
     }
+    void WriteError(std::string_view utf8) override { written += utf8; }
     bool Wait(int) override { return goOn(); }
 
     std::optional<ConsoleSize> size;
@@ -44,9 +45,8 @@ protected:
     // What a command prints and its reason for failing.
     std::string Printed(std::function<int()> command, int status = 0) {
         console.written.clear();
-        ::testing::internal::CaptureStderr();
         EXPECT_EQ(status, command());
-        return console.written + ::testing::internal::GetCapturedStderr();
+        return console.written;
     }
     std::string Got(ChannelId channel, BoatSlot boat = 0, int status = 0) {
         return Printed([&] { return GetChannelValue(*this, std::to_string(channel), boat); }, status);

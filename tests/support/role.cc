@@ -2,6 +2,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/arguments.h"
 #include "support/child_process.h"
 
 namespace twr::testing {
@@ -28,7 +29,8 @@ std::unique_ptr<ChildProcess> StartRole(const std::string& role, const std::vect
 
 std::optional<int> RunRole(int argc, char** argv) {
     if (argc < 3 || std::string_view(argv[1]) != kRoleOption) return std::nullopt;
-    return Roles().at(argv[2])({argv + 3, argv + argc});
+    const auto arguments = Arguments(argc, argv);
+    return Roles().at(arguments[1])({arguments.begin() + 2, arguments.end()});
 }
 
 }  // namespace twr::testing

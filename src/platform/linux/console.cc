@@ -6,30 +6,41 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <cstdlib>
+
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
 
 namespace twr {
 namespace {
 
+bool WriteAll(int to, std::string_view text) {
+    signal(SIGPIPE, SIG_IGN);
+    while (!text.empty()) {
+        const ssize_t written = write(to, text.data(), text.size());
+        if (written <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+// An editor's shell window, for one, says of itself that it only prints.
+bool OnlyPrints() {
+    const char* const terminal = std::getenv("TERM");
+    return !terminal || !*terminal || std::string_view(terminal) == "dumb";
+}
+
 class PosixConsole final : public Console {
 public:
     std::optional<ConsoleSize> Size() const override {
         winsize size{};
-        if (!isatty(STDOUT_FILENO)) return std::nullopt;
+        if (!isatty(STDOUT_FILENO) || OnlyPrints()) return std::nullopt;
         if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) return ConsoleSize{80, 24};
         return ConsoleSize{size.ws_col, size.ws_row};
     }
 
-    bool Write(std::string_view utf8) override {
-        signal(SIGPIPE, SIG_IGN);
-        while (!utf8.empty()) {
-            const ssize_t written = write(STDOUT_FILENO, utf8.data(), utf8.size());
-            if (written <= 0) return false;
-            utf8.remove_prefix(static_cast<std::size_t>(written));
-        }
-        return true;
-    }
+    bool Write(std::string_view utf8) override { return WriteAll(STDOUT_FILENO, utf8); }
+    void WriteError(std::string_view utf8) override { WriteAll(STDERR_FILENO, utf8); }
 
     bool Wait(int milliseconds) override {
         if (!signals_) Listen();

@@ -13,41 +13,47 @@ HANDLE StopEvent() {
 
 BOOL WINAPI OnStop(DWORD) { return SetEvent(StopEvent()); }
 
+bool WriteAll(HANDLE to, std::string_view text) {
+    while (!text.empty()) {
+        DWORD written = 0;
+        if (!WriteFile(to, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) || written == 0) return false;
+        text.remove_prefix(written);
+    }
+    return true;
+}
+
 }  // namespace
 
-WindowsConsole::WindowsConsole() : output_(GetStdHandle(STD_OUTPUT_HANDLE)) {
+// UTF-8, on standard error too, and the escape sequences that clear the screen and move on it.
+WindowsConsole::WindowsConsole()
+    : output_(GetStdHandle(STD_OUTPUT_HANDLE)), error_(GetStdHandle(STD_ERROR_HANDLE)), formerCodePage_(GetConsoleOutputCP()) {
+    if (formerCodePage_ != 0) SetConsoleOutputCP(CP_UTF8);
     DWORD mode = 0;
-    isConsole_ = GetConsoleMode(output_, &mode);
+    if (!GetConsoleMode(output_, &mode)) return;
+    formerMode_ = mode;
+    drawsPictures_ = SetConsoleMode(output_, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+// The console outlives the program, and belongs to the command prompt then.
+WindowsConsole::~WindowsConsole() {
+    if (formerMode_) SetConsoleMode(output_, *formerMode_);
+    if (formerCodePage_ != 0) SetConsoleOutputCP(formerCodePage_);
 }
 
 std::optional<ConsoleSize> WindowsConsole::Size() const {
     CONSOLE_SCREEN_BUFFER_INFO info;
-    if (!isConsole_ || !GetConsoleScreenBufferInfo(output_, &info)) return std::nullopt;
+    if (!drawsPictures_ || !GetConsoleScreenBufferInfo(output_, &info)) return std::nullopt;
     return ConsoleSize{info.srWindow.Right - info.srWindow.Left + 1, info.srWindow.Bottom - info.srWindow.Top + 1};
 }
 
-bool WindowsConsole::Write(std::string_view utf8) {
-    if (isConsole_) UnderstandText();
-    while (!utf8.empty()) {
-        DWORD written = 0;
-        if (!WriteFile(output_, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr) || written == 0) return false;
-        utf8.remove_prefix(written);
-    }
-    return true;
-}
+bool WindowsConsole::Write(std::string_view utf8) { return WriteAll(output_, utf8); }
+
+void WindowsConsole::WriteError(std::string_view utf8) { WriteAll(error_, utf8); }
 
 // From the first wait on, so that a command that never waits is ended by Ctrl-C as any other.
 bool WindowsConsole::Wait(int milliseconds) {
     if (!listening_) listening_ = SetConsoleCtrlHandler(OnStop, TRUE);
     return WaitForSingleObject(StopEvent(), static_cast<DWORD>(milliseconds)) == WAIT_TIMEOUT;
-}
-
-// UTF-8 and the escape sequences that clear the screen and move on it.
-void WindowsConsole::UnderstandText() {
-    DWORD mode = 0;
-    if (GetConsoleMode(output_, &mode))
-        SetConsoleMode(output_, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
-    SetConsoleOutputCP(CP_UTF8);
 }
 
 }  // namespace twr

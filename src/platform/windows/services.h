@@ -89,18 +89,24 @@ public:
     std::optional<std::array<std::uint16_t, 4>> FileVersion() const override;
 };
 
+// Changes what the process's console understands, for as long as it lives.
 class WindowsConsole : public Console {
 public:
     WindowsConsole();
+    ~WindowsConsole() override;
+    WindowsConsole(const WindowsConsole&) = delete;
+    WindowsConsole& operator=(const WindowsConsole&) = delete;
     std::optional<ConsoleSize> Size() const override;
     bool Write(std::string_view utf8) override;
+    void WriteError(std::string_view utf8) override;
     bool Wait(int milliseconds) override;
 
 private:
-    void UnderstandText();
-
     HANDLE output_;
-    bool isConsole_ = false;
+    HANDLE error_;
+    UINT formerCodePage_;              // 0 without a console
+    std::optional<DWORD> formerMode_;  // nothing when standard output is no console
+    bool drawsPictures_ = false;
     bool listening_ = false;
 };
 
