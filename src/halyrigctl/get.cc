@@ -19,6 +19,7 @@ int GetChannelValue(System& system, const std::string& wanted, BoatSlot boat) {
         return 2;
     }
     const ChannelReading reading = ReadChannel(guest.Core(), *channel, boat, UtcNowDays(system.Core().clock));
+    guest.TellIfClosing();
     const std::string name = ToUtf8(guest.Core().ChannelName(*channel));
     if (!reading.missing.empty()) {
         console.WriteError("halyrigctl: " + (name.empty() ? "Time" : name) + " has no value: " + reading.missing + "\n");

@@ -13,7 +13,11 @@ public:
     CCore& Core() { return core_; }
     CoreRecord& Record() { return *core_.View(); }
 
+    // Says on standard error, while a request to close stands in the record, what comes of it.
+    void TellIfClosing() const;
+
 private:
+    Console& console_;
     CCore core_;
 };
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "core/days.h"
 #include "core/shared_field.h"
 #include "halyrigctl/channel_reading.h"
@@ -35,6 +37,17 @@ std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
     return lines;
 }
 
+// A look may be an hour away, and who holds the record until then keeps the request to close alive in it.
+constexpr int kSliceMs = 100;
+
+// False as soon as the user or the suite asks to stop.
+bool WaitForNextLook(Console& console, const CCore& core, int milliseconds) {
+    for (; milliseconds > 0; milliseconds -= kSliceMs) {
+        if (core.QuitRequested() || !console.Wait(std::min(milliseconds, kSliceMs))) return false;
+    }
+    return !core.QuitRequested();
+}
+
 }  // namespace
 
 int Watch(System& system, const WatchOptions& options) {
@@ -43,12 +56,13 @@ int Watch(System& system, const WatchOptions& options) {
     const CoreServices services = system.Core();
     Console& console = system.GetConsole();
     if (console.Size()) console.Write("\x1b[2J");
-    for (int shown = 1;; ++shown) {
+    int shown = 0;
+    do {
         const auto channels = ReadChannels(guest.Core(), UtcNowDays(services.clock));
         if (!console.Write(DrawScreen(channels, ReadRemotes(services), console.Size()))) return 1;
-        if (options.snapshots == shown || !console.Wait(options.intervalMs)) return 0;
-        if (guest.Core().QuitRequested()) return 0;
-    }
+    } while (++shown != options.snapshots && WaitForNextLook(console, guest.Core(), options.intervalMs));
+    guest.TellIfClosing();
+    return 0;
 }
 
 }  // namespace twr

@@ -16,14 +16,21 @@ public:
     std::optional<ConsoleSize> Size() const override { return size; }
     bool Write(std::string_view utf8) override {
         written += utf8;
+        ++writes;
         return !closed;
     }
     void WriteError(std::string_view utf8) override { written += utf8; }
-    bool Wait(int) override { return goOn(); }
+    bool Wait(int milliseconds) override {
+        waited += milliseconds;
+        EXPECT_LE(milliseconds, 100) << "the suite may ask to close at any time";
+        return goOn();
+    }
 
     std::optional<ConsoleSize> size;
     std::string written;
     bool closed = false;
+    int writes = 0;
+    int waited = 0;  // milliseconds
     std::function<bool()> goOn = [] { return false; };
 };
 
@@ -66,9 +73,9 @@ void ExpectIn(const std::string& text, std::initializer_list<const char*> parts)
 }
 
 TEST_F(CtlTest, WithoutARecordEveryCommandSaysWhatToStart) {
-    ExpectIn(Got(kBsp, 0, 1), {"Start Halyrig32 first"});
-    ExpectIn(Printed([&] { return Watch(*this, {}); }, 1), {"Start Halyrig32 first"});
-    ExpectIn(Printed([&] { return Quit(*this); }, 1), {"Start Halyrig32 first"});
+    ExpectIn(Got(kBsp, 0, 1), {"Start " HALYRIG_PROGRAM " first"});
+    ExpectIn(Printed([&] { return Watch(*this, {}); }, 1), {"Start " HALYRIG_PROGRAM " first"});
+    ExpectIn(Printed([&] { return Quit(*this); }, 1), {"Start " HALYRIG_PROGRAM " first"});
     EXPECT_EQ(nullptr, CCore(Core(), Attachment::kOpenOnly).View()) << "and none creates one";
 }
 
@@ -144,18 +151,19 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
 
 TEST_F(CtlTest, WatchEndsWithTheUserOrTheSuite) {
     StartSuite();
-    const auto watch = [&] { return Watch(*this, {}); };
-    int waits = 0;
-    console.goOn = [&] { return ++waits < 3; };
+    const auto watch = [&] { return Watch(*this, {.intervalMs = 250, .snapshots = {}}); };
+    console.goOn = [&] { return console.waited < 700; };
     Printed(watch);
-    EXPECT_EQ(3, waits);
+    EXPECT_EQ(700, console.waited);
+    EXPECT_EQ(3, console.writes) << "one look for each interval begun";
 
     console.goOn = [&] {
         Record().SetFlag(35, true);
-        return ++waits < 1000;
+        return true;
     };
-    Printed(watch);
-    EXPECT_EQ(4, waits);
+    ExpectIn(Printed(watch), {"asked to close"});
+    EXPECT_EQ(800, console.waited);
+    ExpectIn(Got(kBsp, 0, 1), {"asked to close", "never published"});
 
     console.closed = true;
     Printed(watch, 1);
