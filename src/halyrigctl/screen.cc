@@ -3,42 +3,23 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "halyrigctl/screen_style.h"
+#include "halyrigctl/text_cells.h"
+
 namespace twr {
 namespace {
 
 constexpr const char* kHome = "\x1b[H";
 constexpr const char* kClearLine = "\x1b[K";
 constexpr const char* kClearBelow = "\x1b[J";
-constexpr const char* kDim = "\x1b[2m";
-constexpr const char* kBold = "\x1b[1m";
-constexpr const char* kPlain = "\x1b[0m";
-
-constexpr int kTableWidth = 56;
-constexpr int kDisplayWidth = 14;  // with the gap behind it
-constexpr std::size_t kInside = 11;
-constexpr int kDisplayHeight = 4;
-
-// Characters, not bytes.
-std::size_t WidthOf(const std::string& utf8) {
-    return static_cast<std::size_t>(std::ranges::count_if(utf8, [](char byte) { return (byte & 0xC0) != 0x80; }));
-}
-
-std::string Padded(const std::string& text, std::size_t width) {
-    return text + std::string(width - std::min(width, WidthOf(text)), ' ');
-}
-
-std::string PaddedLeft(const std::string& text, std::size_t width) {
-    return std::string(width - std::min(width, WidthOf(text)), ' ') + text;
-}
-
-std::string Centred(const std::string& text, std::size_t width) {
-    const std::size_t free = width - std::min(width, WidthOf(text));
-    return std::string(free / 2, ' ') + text + std::string(free - free / 2, ' ');
-}
+constexpr std::size_t kTableWidth = 56;
+constexpr std::size_t kGap = 2;
 
 std::string Row(const std::string& id, const std::string& name, const std::string& text, const std::string& unit,
                 const std::string& age) {
-    return PaddedLeft(id, 4) + "  " + Padded(name, 12) + PaddedLeft(text, 20) + " " + Padded(unit, 6) + PaddedLeft(age, 10);
+    const std::string label = Padded(name, 12);  // a user's own can be longer
+    const std::size_t room = 32 - std::min<std::size_t>(32, WidthOf(label));
+    return PaddedLeft(id, 4) + "  " + label + PaddedLeft(text, room) + " " + Padded(unit, 6) + PaddedLeft(age, 10);
 }
 
 std::string Heading() { return Row("id", "channel", "value", "", "age"); }
@@ -49,37 +30,22 @@ std::string Row(const ChannelLine& line) {
     return Row(std::to_string(line.id), line.name, line.text, line.unit, age);
 }
 
-std::string Repeated(const char* text, std::size_t count) {
-    std::string repeated;
-    while (count-- > 0) repeated += text;
-    return repeated;
-}
-
-// One of the lines of a display, from its frame's top to its bottom.
-std::string DisplayRow(const RemoteLine& remote, int row) {
-    const std::string side = "\u2502";
-    switch (row) {
-        case 0: {
-            const std::string number = " " + std::to_string(remote.number) + " ";
-            return "\u256D" + number + Repeated("\u2500", kInside - number.size()) + "\u256E";
-        }
-        case 1:
-            return side + kBold + Centred(remote.value, kInside) + kPlain + side;
-        case 2:
-            return side + Centred(remote.name, kInside) + side;
-        default:
-            return "\u2570" + Repeated("\u2500", kInside) + "\u256F";
+// Exactly `height` lines, at least 2, of `width` characters.
+std::vector<std::string> DrawTable(const std::vector<ChannelLine>& channels, std::size_t width, std::size_t height) {
+    std::vector<std::string> lines{Fitted(Heading(), width)};
+    const std::size_t places = height - 1;
+    const std::size_t shown = channels.size() <= places ? channels.size() : places - 1;
+    for (std::size_t i = 0; i < shown; ++i) {
+        const std::string row = Fitted(Row(channels[i]), width);
+        lines.push_back(channels[i].fresh ? row : kDim + row + kPlain);
     }
-}
-
-// The displays that share a line of the screen, `perRow` beside each other.
-std::string DisplaysAt(const std::vector<RemoteLine>& remotes, int line, int perRow) {
-    std::string row;
-    const auto first = static_cast<std::size_t>(line / kDisplayHeight * perRow);
-    for (std::size_t i = first; i < std::min(remotes.size(), first + static_cast<std::size_t>(perRow)); ++i) {
-        row += DisplayRow(remotes[i], line % kDisplayHeight) + " ";
+    if (channels.empty()) lines.push_back(Fitted("Nothing has been published yet.", width));
+    if (shown < channels.size()) {
+        lines.push_back(
+            Fitted("      " + std::to_string(channels.size() - shown) + " more; enlarge the window to see them", width));
     }
-    return row;
+    lines.resize(height, std::string(width, ' '));
+    return lines;
 }
 
 std::string DrawPlain(const std::vector<ChannelLine>& channels, const std::vector<RemoteLine>& remotes) {
@@ -97,30 +63,20 @@ std::string DrawPlain(const std::vector<ChannelLine>& channels, const std::vecto
 std::string DrawScreen(const std::vector<ChannelLine>& channels, const std::vector<RemoteLine>& remotes,
                        std::optional<ConsoleSize> size) {
     if (!size) return DrawPlain(channels, remotes);
-    const int perRow = remotes.empty() ? 0 : std::max(0, (size->columns - kTableWidth - 2) / kDisplayWidth);
-    const int lines = std::max(2, size->rows - 1);  // the last one stays free for the cursor
-    const auto table = static_cast<std::size_t>(lines - 1);
-    const bool more = channels.size() > table;
-
-    std::string screen = kHome;
-    for (int line = 0; line < lines; ++line) {
-        const auto index = static_cast<std::size_t>(line - 1);
-        if (line == 0) {
-            screen += Padded(Heading(), kTableWidth);
-        } else if (more && line == lines - 1) {
-            screen += Padded("      " + std::to_string(channels.size() - table + 1) + " more; enlarge the window to see them",
-                             kTableWidth);
-        } else if (index < channels.size()) {
-            const ChannelLine& channel = channels[index];
-            screen += channel.fresh ? Padded(Row(channel), kTableWidth) : kDim + Padded(Row(channel), kTableWidth) + kPlain;
-        } else if (line == 1) {
-            screen += Padded("Nothing has been published yet.", kTableWidth);
-        } else {
-            screen += std::string(kTableWidth, ' ');
-        }
-        if (perRow > 0) screen += "  " + DisplaysAt(remotes, line, perRow);
-        screen += std::string(kClearLine) + "\n";
+    // The last line stays free for the cursor, and the last column since some terminals go to the next line once it is filled.
+    const auto height = static_cast<std::size_t>(std::max(3, size->rows - 1));
+    const auto width = static_cast<std::size_t>(std::max(1, size->columns - 1));
+    const bool beside = width >= kTableWidth + kGap + kSmallDisplayWidth;
+    const auto displays =
+        beside ? DrawDisplays(remotes, width - kTableWidth - kGap, height) : DrawDisplays(remotes, width, height / 2);
+    auto lines = DrawTable(channels, std::min(width, kTableWidth), beside ? height : height - displays.size());
+    if (beside) {
+        for (std::size_t i = 0; i < displays.size(); ++i) lines[i] += std::string(kGap, ' ') + displays[i];
+    } else {
+        lines.insert(lines.end(), displays.begin(), displays.end());
     }
+    std::string screen = kHome;
+    for (const std::string& line : lines) screen += line + kClearLine + "\n";
     return screen + kClearBelow;
 }
 

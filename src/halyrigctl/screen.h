@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "halyrigctl/display_block.h"
 #include "platform/console.h"
 
 namespace twr {
@@ -15,13 +16,8 @@ struct ChannelLine {
     bool fresh;                    // a line that isn't is dimmed
 };
 
-struct RemoteLine {
-    int number;
-    std::string value, name;
-};
-
-// For a terminal of this size: redraws it from its top, the displays on the right of the table, with as many lines as fit. Without
-// a size: plain text, one line each.
+// For a terminal of this size: redraws it from its top, with as much as fits and a word on what doesn't. The displays stand on the
+// right of the table, or below it in a narrow window. Without a size: plain text, one line each.
 std::string DrawScreen(const std::vector<ChannelLine>& channels, const std::vector<RemoteLine>& remotes,
                        std::optional<ConsoleSize> size);
 

@@ -24,6 +24,8 @@ std::vector<ChannelLine> ReadChannels(CCore& core, double now) {
     return lines;
 }
 
+std::string Utf8OfBytes(const std::string& bytes) { return ToUtf8(FromBytes(bytes)); }
+
 // What the stand-in for Deckman has been told to show; nothing beside the real one, whose displays stand on the mast.
 std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
     const auto folder = TextOf(services.registry.Read(u"Software\\Tidewright\\Halyrig32\\settings", u"DfwFolder"));
@@ -32,7 +34,7 @@ std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
     std::vector<RemoteLine> lines;
     for (int remote = 1; remote <= kRemoteCount; ++remote) {
         const DisplayedText value = displays.Value(remote);
-        if (value.updates > 0) lines.push_back({remote, value.text, displays.Name(remote).text});
+        if (value.updates > 0) lines.push_back({remote, Utf8OfBytes(value.text), Utf8OfBytes(displays.Name(remote).text)});
     }
     return lines;
 }

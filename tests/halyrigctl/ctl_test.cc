@@ -189,18 +189,10 @@ TEST_F(CtlTest, WatchDrawsTheRemotesOfTheStandIn) {
     DisplayWriter displays(Core().memory, folder);
     displays.ShowValue(3, "7.25");
     displays.ShowName(3, "BSP");
-    displays.ShowValue(12, "-0");
-    ExpectIn(Watched(), {"remote  3  BSP       7.25\n", "remote 12            -0\n"});
+    displays.ShowValue(12, "3.00\xB0W");
+    ExpectIn(Watched(), {"remote  3  BSP       7.25\n", "remote 12            3.00\u00B0W\n"});
     EXPECT_EQ(std::string::npos, Watched().find("remote  4"));
-    ExpectIn(Watched(ConsoleSize{100, 24}), {"\u256D 3 \u2500", "\u256D 12 \u2500", "   7.25    "});
-}
-
-TEST_F(CtlTest, WatchFitsItsTerminal) {
-    StartSuite();
-    for (ChannelId channel = 1; channel < 60; ++channel) Publish(channel, 1.0);
-    const std::string shown = Watched(ConsoleSize{80, 10});
-    EXPECT_EQ(9, std::count(shown.begin(), shown.end(), '\n'));
-    ExpectIn(shown, {" more; enlarge"});
+    ExpectIn(Watched(ConsoleSize{100, 24}), {"\u256D 3 \u2500", "\u256D 12 \u2500", "   7.25    ", "  3.00\u00B0W   "});
 }
 
 TEST_F(CtlTest, QuitSetsTheFlagOfTheSuite) {

@@ -1,4 +1,5 @@
 list(APPEND sources
+    linux/console_test.cc
     linux/headless_desktop_test.cc
     linux/plain_files_test.cc
     linux/registry_file_test.cc
