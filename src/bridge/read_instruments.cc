@@ -5,22 +5,19 @@
 #include "bridge/instrument_value.h"
 #include "bridge/main_dialog.h"
 #include "core/days.h"
+#include "core/position_source.h"
 #include "core/shared_field.h"
 
 namespace twr {
 namespace {
 
-constexpr std::size_t kPositionSource = 6;  // index into sysInt
-constexpr std::int32_t kFromDeckman = 3;
 constexpr std::uint32_t kGun = 36;  // index into sysValue: the moment at which the start count reaches zero
 constexpr double kRepeatAfter = 1.0 / kSecondsPerDay;
-
-bool IsPosition(ChannelId channel) { return channel == kLat || channel == kLon || channel == kCog || channel == kSog; }
 
 }  // namespace
 
 void CHalyrig32Dlg::ReadInstruments() {
-    const bool positionFromDeckman = Load(core_.View()->sysInt[kPositionSource]) == kFromDeckman;
+    const bool positionFromDeckman = PositionFromDeckman(*core_.View());
     if (library_.fnRead) ReadRows(positionFromDeckman);
     if (positionFromDeckman && library_.fnGetPosition) ReadPosition();
     if (window_->Checked(kTimerCheck) && catalogue_.timerVariableId >= 0 && library_.fnRead) ReadTimer();
@@ -34,7 +31,7 @@ void CHalyrig32Dlg::ReadRows(bool positionFromDeckman) {
     for (const MappingVar& row : mapping_.varRows) {
         const auto channel = static_cast<ChannelId>(row.channel);
         if (row.dfwId == kNoInt || channel == kTime || channel >= kChannelCount) continue;
-        if (!positionFromDeckman && IsPosition(channel)) continue;
+        if (!positionFromDeckman && FollowsPositionSource(channel)) continue;
         float reading = 0.0f;
         library_.fnRead(row.dfwId, &reading);
         units.variation = Variation();  // an earlier row may have published it
