@@ -28,13 +28,28 @@ std::string Print(const char* format, Arguments... arguments) {
     return line;
 }
 
-// Names hold no character that a format would have to escape: no quote, backslash, tab or control character.
-std::string Row(const ChannelInfo& info, TableForm form) {
-    const char* const format = form == TableForm::kTsv ? "%d\t%s\t%s\t%d\t%d\t%d\t%d\t%d\t%d\t%s\n"
-                               : form == TableForm::kJson
-                                   ? R"(  {"id": %d, "name": "%s", "longName": "%s", "type": %d, "min": %d, "max": %d, )"
-                                     R"("staleSeconds": %d, "prec": %d, "shortIndex": %d, "flags": "%s"})"
-                                   : "%4d  %-12s %-30s %4d %6d %6d %6d %5d %6d  %s\n";
+// The Time channel has no short name.
+std::u16string_view NameOf(const ChannelInfo& info) { return info.name.empty() ? info.longName : info.name; }
+
+std::string OrDash(bool told, int number) { return told ? std::to_string(number) : "-"; }
+
+constexpr const char* kTextRow = "%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n";
+
+// For people: a dash where there is nothing to tell.
+std::string TextRow(const ChannelInfo& info) {
+    const bool ranged = info.min != info.max;
+    return Print(kTextRow, std::to_string(info.id).c_str(), ToUtf8(NameOf(info)).c_str(), ToUtf8(info.longName).c_str(),
+                 std::to_string(info.type).c_str(), OrDash(ranged, info.min).c_str(), OrDash(ranged, info.max).c_str(),
+                 OrDash(info.staleSeconds != 0, info.staleSeconds).c_str(), OrDash(info.prec != 255, info.prec).c_str(),
+                 OrDash(info.shortIndex < kShortChannelCount, info.shortIndex).c_str(), Flags(info).c_str());
+}
+
+// For programs. Names hold no character that a format would have to escape: no quote, backslash, tab or control character.
+std::string DataRow(const ChannelInfo& info, TableForm form) {
+    const char* const format = form == TableForm::kTsv
+                                   ? "%d\t%s\t%s\t%d\t%d\t%d\t%d\t%d\t%d\t%s\n"
+                                   : R"(  {"id": %d, "name": "%s", "longName": "%s", "type": %d, "min": %d, "max": %d, )"
+                                     R"("staleSeconds": %d, "prec": %d, "shortIndex": %d, "flags": "%s"})";
     return Print(format, info.id, ToUtf8(info.name).c_str(), ToUtf8(info.longName).c_str(), info.type, info.min, info.max,
                  info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());
 }
@@ -46,8 +61,7 @@ std::string Heading(TableForm form) {
         case TableForm::kJson:
             return "[\n";
         default:
-            return Print("%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n", "id", "name", "long name", "type", "min", "max", "stale",
-                         "prec", "short", "flags");
+            return Print(kTextRow, "id", "name", "long name", "type", "min", "max", "stale", "prec", "short", "flags");
     }
 }
 
@@ -56,7 +70,7 @@ std::string Heading(TableForm form) {
 int ListChannels(Console& console, TableForm form) {
     std::string table = Heading(form);
     for (const ChannelInfo& info : ChannelCatalogue()) {
-        table += Row(info, form);
+        table += form == TableForm::kText ? TextRow(info) : DataRow(info, form);
         if (form == TableForm::kJson) table += info.id + 1u < kChannelCount ? ",\n" : "\n]\n";
     }
     return console.Write(table) ? 0 : 1;
@@ -70,7 +84,7 @@ std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text)
         return id < kChannelCount ? std::optional(id) : std::nullopt;
     }
     for (const ChannelInfo& info : ChannelCatalogue()) {
-        if (EqualsIgnoringCase(info.name, wide)) return info.id;
+        if (EqualsIgnoringCase(NameOf(info), wide)) return info.id;
     }
     for (ChannelId id = 0; id < kChannelCount; ++id) {
         const ChannelRow& row = core.View()->channels[id];

@@ -84,7 +84,11 @@ TEST_F(CtlTest, ListsTheCatalogueInThreeForms) {
     ExpectIn(list(TableForm::kTsv),
              {"\n13\tHDG\tHeading\t6\t0\t360\t10\t0\t11\tdl\n", "\n34\tTm on S\tLayline time on starb\t2\t0\t0\t10\t255\t32767\t\n",
               "\n148\tTWD-90\tTWD - 90\u00B0\t6\t"});
-    ExpectIn(list(TableForm::kText), {"  13  HDG          Heading "});
+    ExpectIn(list(TableForm::kText),
+             {"\n   0  Time         Time ",
+              "  13  HDG          Heading                           6      0    360     10     0     11  dl\n",
+              "  34  Tm on S      Layline time on starb             2      -      -     10     -      -  \n",
+              " 161  Mk Lat       Mark latitude                     8    -90     90      -     -      -  l\n"});
     const std::string json = list(TableForm::kJson);
     ExpectIn(json, {R"({"id": 13, "name": "HDG", "longName": "Heading", "type": 6, "min": 0, "max": 360, "staleSeconds": 10, )"
                     R"("prec": 0, "shortIndex": 11, "flags": "dl"},)"});
@@ -98,6 +102,7 @@ TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
     const std::pair<const char*, std::optional<ChannelId>> rows[] = {
         {"13", 13},
         {"0", 0},
+        {"Time", 0},
         {"413", 413},
         {"414", {}},
         {"hdg", 13},
