@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "core/days.h"
+#include "core/position_source.h"
 #include "core/shared_field.h"
 #include "core/store.h"
 #include "core/units.h"
@@ -22,17 +23,26 @@ bool ShownTrue(const CCore& core, ChannelId channel) {
     return core.ChannelTypeOf(channel) == kTypeBearing && Load(core.View()->sysFlag[kFlagMagnetic]) == 0;
 }
 
+// What else keeps the source of a position silent: nothing when it may speak.
+std::string PositionNote(const CoreRecord& record, ChannelId channel) {
+    if (!FollowsPositionSource(channel) || PositionFromDeckman(record)) return "";
+    return "; position, COG and SOG are taken from Deckman only while the position source (Sys_i6) is 3, and it is " +
+           std::to_string(Load(record.sysInt[kIntPositionSource]));
+}
+
 // The first thing that stands between the channel and its user, in the order in which a value meets them.
 std::string WhyMissing(CCore& core, ChannelId channel, BoatSlot boat, const Entry& entry, const ChannelReading& reading) {
     const CoreRecord& record = *core.View();
     if (!entry) return "boat " + std::to_string(boat) + " has no place for this channel";
     if (Load(record.channels[channel].blocked) != 0)
         return "the channel is blocked: another program of the suite refuses its values";
-    if (!reading.age) return "it was never published: no source is mapped to it, or the source has not spoken";
+    const std::string note = PositionNote(record, channel);
+    if (!reading.age)
+        return "it was never published" + (note.empty() ? ": no source is mapped to it, or the source has not spoken" : note);
     if (reading.value == kNoValue) return "its source gives no value, or one outside the channel's range";
     if (reading.limit > 0 && *reading.age > reading.limit) {
         return "it is stale: last published " + Seconds(*reading.age) + " ago, and the limit is " + std::to_string(reading.limit) +
-               " s";
+               " s" + note;
     }
     if (boat >= Load(record.boatCount)) return "no boat up to this one has ever received a real value";
     if (ShownTrue(core, channel)) return "bearings are shown true, and there is no variation (MagVar, channel 93)";
