@@ -93,4 +93,9 @@ std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text)
     return std::nullopt;
 }
 
+std::string NameForPeople(CCore& core, ChannelId channel) {
+    const std::u16string name = core.ChannelName(channel);
+    return ToUtf8(name.empty() ? NameOf(ChannelCatalogue()[channel]) : name);
+}
+
 }  // namespace twr

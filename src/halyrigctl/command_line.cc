@@ -5,11 +5,22 @@
 #include "halyrigctl/commands.h"
 
 namespace twr {
+namespace {
+
+// The parser misses the command first, and only then minds the word that stands in its place.
+std::string Complaint(const CLI::App* app, const CLI::Error& error) {
+    const auto unknown = app->remaining();
+    if (unknown.empty() || !app->get_subcommands().empty()) return CLI::FailureMessage::simple(app, error);
+    return "halyrigctl: there is no command or option " + unknown.front() + "; 'halyrigctl --help' lists them\n";
+}
+
+}  // namespace
 
 int RunCommandLine(System& system, std::vector<std::string> arguments) {
     CLI::App app("Looks at the data that the programs of the suite share, and asks them to close.", "halyrigctl");
     app.set_version_flag("--version", "halyrigctl " HALYRIG_VERSION);
     app.require_subcommand(1);
+    app.failure_message(Complaint);
     int status = 0;
 
     auto form = TableForm::kText;
@@ -31,7 +42,7 @@ int RunCommandLine(System& system, std::vector<std::string> arguments) {
     WatchOptions watch;
     CLI::App* watchCommand = app.add_subcommand("watch", "Show what is published, live, until Ctrl-C");
     watchCommand->add_option("--interval", watch.intervalMs, "Milliseconds between two looks")->check(CLI::Range(50, 3600000));
-    watchCommand->add_option("--snapshots", watch.snapshots, "End after so many looks")->check(CLI::PositiveNumber);
+    watchCommand->add_option("--snapshots", watch.snapshots, "End after so many looks")->check(CLI::Range(1, 1000000));
     watchCommand->callback([&] { status = Watch(system, watch); });
 
     app.add_subcommand("quit", "Ask every program of the suite to close")->callback([&] { status = Quit(system); });

@@ -37,4 +37,7 @@ int Quit(System& system);
 // nothing when there is none. The core has a record.
 std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text);
 
+// The channel's name, as ChannelName gives it; the Time channel has one here too.
+std::string NameForPeople(CCore& core, ChannelId channel);
+
 }  // namespace twr

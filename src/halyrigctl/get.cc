@@ -20,9 +20,9 @@ int GetChannelValue(System& system, const std::string& wanted, BoatSlot boat) {
     }
     const ChannelReading reading = ReadChannel(guest.Core(), *channel, boat, UtcNowDays(system.Core().clock));
     guest.TellIfClosing();
-    const std::string name = ToUtf8(guest.Core().ChannelName(*channel));
+    const std::string name = NameForPeople(guest.Core(), *channel);
     if (!reading.missing.empty()) {
-        console.WriteError("halyrigctl: " + (name.empty() ? "Time" : name) + " has no value: " + reading.missing + "\n");
+        console.WriteError("halyrigctl: " + name + " has no value: " + reading.missing + "\n");
         return 1;
     }
     char lines[512];

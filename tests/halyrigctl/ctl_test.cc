@@ -130,6 +130,7 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
     ExpectIn(Got(kMkLat), {"text     45 12.3420n\nunit     -\n", "limit    none\n"});
     Publish(kMagVar, -3.0);
     ExpectIn(Got(kMagVar), {"text     3.00\u00B0w\nunit     -\n"});
+    ExpectIn(Got(kTime), {"channel  0 Time\n"});
 }
 
 TEST_F(CtlTest, TellsWhyThereIsNoValue) {
@@ -146,12 +147,54 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
         ChannelId channel;
         BoatSlot boat = 0;
     } rows[] = {
-        {"never published", kBsp}, {"no place", kRot, 5},
-        {"gives no value", kTws},  {"stale: last published 20.0 s ago, and the limit is 10 s", kAwa},
-        {"blocked", kHeel},        {"no variation", kHdg},
-        {"unit chosen", kDepth},   {"stands for no channel", kAlt3},
+        {"never published: no source", kBsp},
+        {"(Sys_i6) is 3, and it is 6", kSog},
+        {"no place", kRot, 5},
+        {"gives no value", kTws},
+        {"stale: last published 20.0 s ago, and the limit is 10 s", kAwa},
+        {"blocked", kHeel},
+        {"no variation", kHdg},
+        {"unit chosen", kDepth},
+        {"stands for no channel", kAlt3},
     };
     for (const auto& row : rows) ExpectIn(Got(row.channel, row.boat, 1), {row.reason});
+}
+
+TEST_F(CtlTest, APositionIsMissedFromItsSource) {
+    StartSuite();
+    Publish(kLat, 50.0, 20.0);
+    ExpectIn(Got(kLat, 0, 1), {"limit is 10 s; position", "(Sys_i6) is 3, and it is 6"});
+    Record().SetInt(6, 3);
+    ExpectIn(Got(kLat, 0, 1), {"limit is 10 s\n"});
+    ExpectIn(Got(kLon, 0, 1), {"never published: no source"});
+}
+
+TEST_F(CtlTest, SaysWhatItDoesNotUnderstand) {
+    StartSuite();
+    Publish(kBsp, 6.0);
+    const struct {
+        std::vector<std::string> arguments;
+        const char* said;
+        bool understood;
+    } rows[] = {
+        {{"bogus"}, "no command or option bogus;", false},
+        {{"--bogus"}, "no command or option --bogus;", false},
+        {{}, "subcommand is required", false},
+        {{"get"}, "ID is required", false},
+        {{"quit", "now"}, "not expected: now", false},
+        {{"watch", "--snapshots", "0"}, "not in range 1 to 1000000\n", false},
+        {{"get", "0", "--boat", "100"}, "not in range 0 to 99\n", false},
+        {{"--version"}, "halyrigctl 1", true},
+        {{"get", "Time"}, "text ", true},
+        {{"watch", "--snapshots", "2"}, "channel", true},
+    };
+    console.goOn = [] { return true; };
+    for (const auto& row : rows) {
+        int status = 0;
+        const auto run = [&] { return status = RunCommandLine(*this, row.arguments), 0; };
+        ExpectIn(Printed(run), {row.said});
+        EXPECT_EQ(row.understood, status == 0) << row.said;
+    }
 }
 
 TEST_F(CtlTest, WatchEndsWithTheUserOrTheSuite) {
