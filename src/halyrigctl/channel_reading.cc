@@ -55,24 +55,25 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, double
     CoreRecord& record = *core.View();
     ChannelReading reading;
     const ChannelId resolved = core.ResolveAlternate(channel, true);
-    if (resolved >= kChannelCount) {
+    const ChannelId source = core.ResolveAlternate(resolved, true);  // a chain is followed on where its value is read
+    if (source >= kChannelCount) {
         reading.text = u"- -";
         reading.missing = "it stands for no channel now: alternate.csv names none for this state";
         return reading;
     }
-    const Entry entry = EntryOf(record, resolved, boat);
+    const Entry entry = EntryOf(record, source, boat);
     if (entry) {
         reading.value = Load(*entry.value);
         if (const double time = Load(*entry.time); time != 0.0) reading.age = std::fabs(now - time) * kSecondsPerDay;
     }
-    reading.limit = core.StaleSeconds(resolved, boat);
+    reading.limit = core.StaleSeconds(source, boat);
     double shown = kNoValue;
     core.GetFreshChannel(resolved, shown, boat, false, Load(record.sysFlag[kFlagMagnetic]) != 0, kNoValue);
     reading.text = core.ChannelText(resolved, shown);
     if (shown == kNoValue) {
-        reading.missing = WhyMissing(core, resolved, boat, entry, reading);
+        reading.missing = WhyMissing(core, source, boat, entry, reading);
     } else if (reading.text.find(u'\u00B0') == std::u16string::npos) {  // some texts say their unit themselves
-        reading.unit = UnitLabel(core.ChannelTypeOf(resolved), UnitSettingsOf(record));
+        reading.unit = UnitLabel(core.ChannelTypeOf(source), UnitSettingsOf(record));
     }
     return reading;
 }

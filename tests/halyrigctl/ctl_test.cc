@@ -126,6 +126,9 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
     Publish(kBsp, 10.0);
     ExpectIn(Got(kBsp),
              {"channel  1 BSP\n", "boat     0\n", "value    10\n", "text     18.52\nunit     km/hr\n", "limit    10 s\n"});
+    const std::pair<std::size_t, ChannelId> chain[] = {{0, kAlt1}, {1, kAlt2}, {2, kBsp}};
+    for (const auto& [row, next] : chain) Record().SetSlot(row, 1, next);
+    ExpectIn(Got(kAlt0), {"value    10\n", "text     18.52\nunit     km/hr\n"});
     Publish(kMkLat, 45.2057);
     ExpectIn(Got(kMkLat), {"text     45 12.3420n\nunit     -\n", "limit    none\n"});
     Publish(kMagVar, -3.0);
