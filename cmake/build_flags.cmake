@@ -6,7 +6,8 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 target_compile_options(halyrig_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Werror
     # Two roundings where the source says two: every build gives the same number.
-    -ffp-contract=off)
+    -ffp-contract=off
+    -fstack-protector-strong)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 sees an overlap in `"literal" + string` where there is none.
     target_compile_options(halyrig_flags INTERFACE -Wno-restrict)
@@ -20,12 +21,16 @@ if(WIN32)
     target_compile_options(halyrig_flags INTERFACE -msse2 -mfpmath=sse)
     target_compile_definitions(halyrig_flags INTERFACE
         UNICODE _UNICODE WINVER=0x0601 _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=1 TWR_EXPORT_CALL=__stdcall)
-    target_link_options(halyrig_flags INTERFACE -static -Wl,--nxcompat -Wl,--dynamicbase)
+    target_link_options(halyrig_flags INTERFACE -static -fstack-protector-strong -Wl,--nxcompat -Wl,--dynamicbase)
     if(CMAKE_BUILD_TYPE STREQUAL "Release")
         target_link_options(halyrig_flags INTERFACE -s)
     endif()
 else()
     target_compile_definitions(halyrig_flags INTERFACE TWR_EXPORT_CALL=)
+    target_link_options(halyrig_flags INTERFACE -Wl,-z,relro,-z,now)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release")
+        target_compile_definitions(halyrig_flags INTERFACE _FORTIFY_SOURCE=2)
+    endif()
 endif()
 
 if(HALYRIG_SANITIZE)
