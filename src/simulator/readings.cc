@@ -23,6 +23,7 @@ constexpr Limits kLimits[] = {
     {Reading::kHeadingTrue, 0, 360},
     {Reading::kHeadingMagnetic, 0, 360},
     {Reading::kVariation, -180, 180},
+    {Reading::kCourseVariation, -180, 180},
     {Reading::kAwa, -180, 180},
     {Reading::kAws, 0, 200},
     {Reading::kTwa, -180, 180},
@@ -102,7 +103,8 @@ std::optional<double> Readings::Get(Reading reading, double time) const {
 Moment Readings::At(double time) const {
     using enum Reading;
     const auto get = [&](Reading reading) { return Get(reading, time); };
-    const Known variation = get(kVariation);
+    Known variation = get(kVariation);
+    if (!variation) variation = get(kCourseVariation);
     const Known heading = TrueBearing(get(kHeadingTrue), get(kHeadingMagnetic), variation);
     const Known bsp = get(kBsp);
     Known twd = TrueBearing(get(kTwdTrue), get(kTwdMagnetic), variation);

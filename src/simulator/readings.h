@@ -16,6 +16,7 @@ enum class Reading : std::uint8_t {
     kHeadingTrue,
     kHeadingMagnetic,
     kVariation,
+    kCourseVariation,  // between the true and the magnetic course
     kAwa,
     kAws,
     kTwa,

@@ -54,6 +54,8 @@ std::optional<double> Wrapped(std::optional<double> angle) {
     return WrappedAngle(*angle);
 }
 
+bool IsBearing(std::optional<double> angle) { return angle && *angle >= 0.0 && *angle <= 360.0; }
+
 void PutPosition(const NmeaSentence& s, std::size_t field, ReadingSink& sink) {
     const auto latitude = ParseLatitude(s.Field(field), s.Field(field + 1));
     const auto longitude = ParseLongitude(s.Field(field + 2), s.Field(field + 3));
@@ -81,8 +83,11 @@ void ReadGll(const NmeaSentence& s, ReadingSink& sink) {
 
 void ReadVtg(const NmeaSentence& s, ReadingSink& sink) {
     if (s.Field(9) == "N") return;
-    sink.Put(kCogTrue, With(s, 1, "T"));
-    sink.Put(kCogMagnetic, With(s, 3, "M"));
+    const auto trueCourse = With(s, 1, "T");
+    const auto magneticCourse = With(s, 3, "M");
+    sink.Put(kCogTrue, trueCourse);
+    sink.Put(kCogMagnetic, magneticCourse);
+    if (IsBearing(trueCourse) && IsBearing(magneticCourse)) sink.Put(kCourseVariation, WrappedAngle(*trueCourse - *magneticCourse));
     sink.Put(kSog, Speed(s, {5, 7}));
 }
 
