@@ -1,5 +1,7 @@
 #include "simulator/bounded_lines.h"
 
+#include <utility>
+
 namespace twr {
 
 bool BoundedLines::Refill() {
@@ -15,13 +17,13 @@ bool BoundedLines::Next(std::string_view& line) {
         if (used_ == filled_ && !Refill()) {
             const bool rest = length > 0 || tooLong_;
             line = std::string_view(line_.data(), length);
-            tooLong_ = false;
+            wasTooLong_ = std::exchange(tooLong_, false);
             return rest;
         }
         while (used_ < filled_) {
             const char byte = buffer_[used_++];
             if (byte == '\n' || byte == '\r') {
-                tooLong_ = false;
+                wasTooLong_ = std::exchange(tooLong_, false);
                 line = std::string_view(line_.data(), length);
                 return true;
             }
@@ -33,7 +35,10 @@ bool BoundedLines::Next(std::string_view& line) {
             }
         }
         // Whoever reads decides how much of an endless line is worth reading.
-        if (tooLong_) return true;
+        if (tooLong_) {
+            wasTooLong_ = true;
+            return true;
+        }
     }
 }
 

@@ -18,6 +18,9 @@ public:
     // comes as one or more empty lines.
     bool Next(std::string_view& line);
 
+    // Whether the line that Next gave last is one that is too long, or a part of it.
+    bool WasTooLong() const { return wasTooLong_; }
+
 private:
     bool Refill();
 
@@ -27,6 +30,7 @@ private:
     std::size_t used_ = 0;
     std::array<char, kLongest> line_{};
     bool tooLong_ = false;
+    bool wasTooLong_ = false;
 };
 
 }  // namespace twr

@@ -81,17 +81,21 @@ Known TrueBearing(Known trueBearing, Known magnetic, Known variation) {
 
 }  // namespace
 
-void Readings::Take(const NmeaSentence& sentence, double time) {
+bool Readings::Take(const NmeaSentence& sentence, double time) {
     struct Keeper : ReadingSink {
         Keeper(Readings& all, double now) : readings(all), time(now) {}
         void Put(Reading reading, std::optional<double> value) override {
             const auto index = static_cast<std::size_t>(reading);
-            if (value && *value >= kLimits[index].least && *value <= kLimits[index].most) readings.heard_[index] = {*value, time};
+            if (!value || *value < kLimits[index].least || *value > kLimits[index].most) return;
+            readings.heard_[index] = {*value, time};
+            any = true;
         }
         Readings& readings;
         double time;
+        bool any = false;
     } keeper(*this, time);
     ReadSentence(sentence, keeper);
+    return keeper.any;
 }
 
 std::optional<double> Readings::Get(Reading reading, double time) const {

@@ -49,8 +49,9 @@ class Readings {
 public:
     static constexpr double kLife = 10.0;  // seconds for which a reading holds
 
-    // Takes what the sentence says. What is empty, malformed, marked as invalid or beyond all reason changes nothing.
-    void Take(const NmeaSentence& sentence, double time);
+    // Takes what the sentence says. What is empty, malformed, marked as invalid or beyond all reason changes nothing. False when
+    // there is nothing else in it.
+    bool Take(const NmeaSentence& sentence, double time);
 
     void Clear() { heard_.fill({}); }
 

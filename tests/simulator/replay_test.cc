@@ -4,6 +4,7 @@
 
 #include "simulator/bounded_lines.h"
 #include "simulator/recording_replay.h"
+#include "simulator/recording_survey.h"
 #include "support/fakes.h"
 
 namespace twr::testing {
@@ -105,6 +106,29 @@ TEST(RecordingReplay, EndsEveryAdvanceWhateverTheFile) {
         Replay replay(bytes);
         EXPECT_EQ(kAbsent, replay.After(1000.0));
         EXPECT_EQ(kAbsent, replay.After(1e12));
+    }
+}
+
+TEST(RecordingSurvey, SaysWhatIsOfUse) {
+    const std::pair<std::string, const char*> rows[] = {
+        {Speed(1) + "\n" + At("120000") + Speed(2) + "$IIVHW,,T,,M,,N,,K\n$GPGSV,1\n# a remark\n" + Speed(3) +
+             "$IIVHW,,T,,M,5,N,,K*00",
+         "8 lines, of which 2 (25.0 %) are broken\n  used: VHW 3, ZDA 1\n  empty, or of no use to the stand-in: GSV 1, VHW 1\n"},
+        {std::string(200, 'x') + "\n" + Speed(1),
+         "2 lines, of which 1 (50.0 %) are broken\n  used: VHW 1\n  empty, or of no use to the stand-in: none\n"},
+        {"", "it is empty"},
+        {"\r\n\r\n", "it is empty"},
+        {"\x1F\x8B\x08" + Speed(1), "it is packed by gzip: unpack it first"},
+        {"2026-11-19;12.5;13.1\n" + std::string(300, 'x'), "no line in it is an NMEA 0183 sentence"},
+        {At("120000") + "$IIHDT,,T\n", "none of its sentences holds a value that the stand-in reads"},
+    };
+    FakeFiles files;
+    EXPECT_EQ("it can't be read", WhyUseless(SurveyRecording(files, Replay::kPath)));
+    for (const auto& [bytes, expected] : rows) {
+        files.files = {{Replay::kPath, bytes}};
+        const RecordingSurvey survey = SurveyRecording(files, Replay::kPath);
+        const std::string why = WhyUseless(survey);
+        EXPECT_EQ(expected, why.empty() ? Described(survey) : why);
     }
 }
 
