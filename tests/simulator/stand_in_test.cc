@@ -1,12 +1,18 @@
+// The stand-in as a program that loads it meets it: its clock, its settings, its displays, and at last the built library itself.
 #include "simulator/stand_in.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <filesystem>
 #include <string>
 
+#include "platform/library.h"
 #include "platform/paths.h"
 #include "simulator/sailing_simulation.h"
+#include "simulator/variables.h"
 #include "support/fakes.h"
+#include "support/temp_folder.h"
 
 namespace twr::testing {
 namespace {
@@ -15,9 +21,7 @@ constexpr std::u16string_view kFolder = u"/deckman";
 constexpr std::int32_t kBspNumber = 1;
 constexpr std::int32_t kTimerNumber = 50;
 
-class StandInTest : public ::testing::Test {
-protected:
-    void Write(std::u16string_view name, const std::string& bytes) { files.files = {{JoinPath(kFolder, name), bytes}}; }
+struct StandInTest : ::testing::Test {
     StandIn Load() { return StandIn({clock, files, memory}, kFolder); }
 
     FakeClock clock;
@@ -44,40 +48,128 @@ TEST_F(StandInTest, ReadsOneMomentWithinATickAndLosesNoTime) {
         EXPECT_TRUE(ms >= 20 || now == before) << ms;
     }
     SailingSimulation simulation(1, 300);
+    EXPECT_NE(simulation.Now()[Quantity::kTws], SailingSimulation(2, 300).Now()[Quantity::kTws]) << "another day";
     simulation.Advance(1.0);
-    EXPECT_EQ(simulation.Now()[Quantity::kBsp], standIn.Read(kBspNumber));
+    for (const Variable& variable : Variables())
+        EXPECT_EQ(simulation.Now()[variable.quantity], standIn.Read(variable.number)) << variable.name;
     EXPECT_NE(before, standIn.Read(kBspNumber));
 }
 
 TEST_F(StandInTest, FollowsItsSettings) {
-    // A file, and the count after a second.
-    const std::pair<const char*, float> rows[] = {
-        {"", 299.0F},
-        {"speed=10\nstart_lead = 60\n", 50.0F},
-        {"# a demonstration\r\n speed = 2.5 \r\nseed=9\r\n", 298.0F},
-        {"speed=0\nspeed=1000\nspeed=-1\nspeed=x\nspeed=\nstart_lead=0\nstart_lead=99999\nSPEED=10\nspeed\n=\n", 299.0F},
+    const std::string recording = "$GPZDA,120000,\n$GPZDA,120010,\n$IIVHW,,T,,M,6.5,N,,K\n";
+    const float wind = SailingSimulation(UINT64_MAX, 300).Now()[Quantity::kTws];
+    const struct {
+        std::string settings, recording;
+        int ms;
+        std::int32_t variable;
+        float value;  // after this time
+    } rows[] = {
+        {"", "", 1000, kTimerNumber, 299.0F},
+        {"speed=10\nstart_lead = 60\n", "", 1000, kTimerNumber, 50.0F},
+        {"# a demonstration\r\n speed = 2.5 \r\nseed=9\r\n", "", 2000, kTimerNumber, 295.0F},
+        {"speed=0\nspeed=1000\nspeed=-1\nspeed=x\nspeed=\nSPEED=10\nspeed\n=\n", "", 1000, kTimerNumber, 299.0F},
+        {"start_lead=0\nstart_lead=99999\n", "", 1000, kTimerNumber, 299.0F},
+        {"seed=18446744073709551615\n", "", 0, 5, wind},
+        {"speed=10\n", recording, 900, kBspNumber, kAbsent},
+        {"speed=10\n", recording, 1000, kBspNumber, 6.5F},
     };
-    for (const auto& [text, timer] : rows) {
-        Write(u"simulation.txt", text);
+    for (const auto& row : rows) {
+        files.files = {{JoinPath(kFolder, u"simulation.txt"), row.settings}};
+        if (!row.recording.empty()) files.files.push_back({JoinPath(kFolder, u"recording.nmea"), row.recording});
         StandIn standIn = Load();
-        clock.AdvanceMs(1000);
-        EXPECT_EQ(timer, standIn.Read(kTimerNumber)) << text;
+        clock.AdvanceMs(row.ms);
+        EXPECT_EQ(row.value, standIn.Read(row.variable)) << row.settings;
     }
-    Write(u"simulation.txt", "seed=18446744073709551615\n");
-    EXPECT_EQ(SailingSimulation(UINT64_MAX, 300).Now()[Quantity::kTws], Load().Read(5));
 }
 
-TEST_F(StandInTest, ReplaysARecordingThatLiesBesideIt) {
-    Write(u"recording.nmea", "$GPGLL,6005.071,N,02332.346,W,120000,A\n$IIVHW,,T,,M,6.5,N,,K\n");
-    StandIn standIn = Load();
-    EXPECT_EQ(6.5F, standIn.Read(kBspNumber));
-    EXPECT_EQ(kAbsent, standIn.Read(kTimerNumber));
-    float latitude = 0.0F, longitude = 0.0F;
-    files.files.clear();
-    clock.AdvanceMs(5000);
-    standIn.Position(latitude, longitude);
-    EXPECT_EQ(kAbsent, latitude);
-    EXPECT_EQ(kAbsent, longitude);
+TEST(Displays, ShowWhatWasSentLast) {
+    FakeMemory memory;
+    std::optional<DisplayWriter> writer(std::in_place, memory, kFolder);
+    const DisplayReader reader(memory, kFolder);
+    writer->ShowName(1, "BSP");
+    for (const char* text : {"12.3", "7.25"}) writer->ShowValue(1, text);
+    writer->ShowValue(32, "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
+    const struct {
+        std::int32_t remote;
+        const char *value, *name;
+        std::uint32_t updates;
+    } rows[] = {{1, "7.25", "BSP", 2}, {32, "ABCDEFGHIJKLMNO", "", 1}, {2, "", "", 0},        {0, "", "", 0}, {-1, "", "", 0},
+                {33, "", "", 0},       {INT32_MAX, "", "", 0},         {INT32_MIN, "", "", 0}};
+    for (const auto& row : rows) {
+        if (row.updates == 0 && row.remote != 2) writer->ShowValue(row.remote, "X");
+        EXPECT_EQ(row.value, reader.Value(row.remote).text) << row.remote;
+        EXPECT_EQ(row.updates, reader.Value(row.remote).updates) << row.remote;
+        EXPECT_EQ(row.name, reader.Name(row.remote).text) << row.remote;
+    }
+    // A viewer keeps the block when the library goes and comes again.
+    writer.reset();
+    EXPECT_EQ("7.25", reader.Value(1).text);
+    writer.emplace(memory, kFolder);
+    EXPECT_EQ("", reader.Value(1).text + reader.Name(1).text);
+    // A writer that ended in the middle of a text leaves an odd sequence and words without an end.
+    const auto block = memory.OpenExisting(DisplayBlockName(kFolder), sizeof(DisplayBlock));
+    auto* bytes = static_cast<char*>(block->Data());
+    std::memset(bytes, 'Z', 40);
+    bytes[0] = 7;
+    EXPECT_EQ(std::string(15, 'Z'), reader.Value(1).text);
+    writer->ShowValue(1, "1");
+    EXPECT_EQ("1", reader.Value(1).text);
+    EXPECT_EQ(0, bytes[0] % 2) << "whole again";
+}
+
+TEST(Displays, AreNamedForTheFolderAndDoWithoutMemory) {
+    EXPECT_EQ(u"ShDfW2_089be207b544f1e4", DisplayBlockName(u"a"));
+    EXPECT_EQ(DisplayBlockName(kFolder), DisplayBlockName(u"/deckman/"));
+    EXPECT_NE(DisplayBlockName(u"\u0141"), DisplayBlockName(u"A"));
+    FakeMemory memory;
+    memory.failMap = true;
+    DisplayWriter(memory, u"/unmapped").ShowValue(1, "X");
+    memory.failCreate = true;
+    DisplayWriter(memory, u"/missing").ShowValue(1, "X");
+}
+
+TEST(BuiltLibrary, ReadsAndShowsUntilItIsFreed) {
+    const TempFolder folder;
+    const std::filesystem::path built(SIMULATOR_LIBRARY);
+    std::filesystem::copy_file(built, folder.Path() / built.filename());
+    folder.Write("recording.nmea", "$GPGLL,6005.071,N,02332.346,W,120000,A\n$IIVHW,,T,,M,6.5,N,,K\n");
+    const auto system = MakeSystem(UserRoots());
+    auto library = system->GetLibraries().Load(folder.File(built.filename().string()));
+    ASSERT_TRUE(library);
+    using TextFunction = void(TWR_EXPORT_CALL*)(std::uint32_t*, std::int32_t, const char*);
+    const auto read = reinterpret_cast<void(TWR_EXPORT_CALL*)(std::int32_t, float*)>(library->Find("Usr_Read"));
+    const auto position = reinterpret_cast<void(TWR_EXPORT_CALL*)(float*, float*)>(library->Find("Usr_GetPosition"));
+    const auto showData = reinterpret_cast<TextFunction>(library->Find("Usr_SetISData"));
+    const auto showName = reinterpret_cast<TextFunction>(library->Find("Usr_SetISName"));
+    ASSERT_TRUE(read && position && showData && showName);
+
+    float value = 0.0F, latitude = 0.0F, longitude = 0.0F;
+    read(1, &value);
+    EXPECT_EQ(6.5F, value);
+    read(-5, &value);
+    EXPECT_EQ(32767.0F, value);
+    position(&latitude, &longitude);
+    EXPECT_NEAR(60.08452, latitude, 1e-4);
+    EXPECT_NEAR(-23.5391, longitude, 1e-4);
+    showData(nullptr, 1, "7.25");
+    showName(nullptr, 1, "BSP");
+
+    // Odd arguments do no harm.
+    read(1, nullptr);
+    position(nullptr, nullptr);
+    for (const std::int32_t remote : {0, 1, -1, 33, INT32_MAX, INT32_MIN}) {
+        showData(nullptr, remote, nullptr);
+        showName(nullptr, remote, nullptr);
+        if (remote != 1) showData(nullptr, remote, "9");
+    }
+
+    const auto displays = [&] {
+        return DisplayReader(system->Core().memory, std::filesystem::canonical(folder.Path()).u16string());
+    };
+    EXPECT_EQ("7.25", displays().Value(1).text);
+    EXPECT_EQ("BSP", displays().Name(1).text);
+    library.reset();
+    EXPECT_FALSE(displays().Found());
 }
 
 }  // namespace
