@@ -34,7 +34,7 @@ bool BoundedLines::Next(std::string_view& line) {
                 length = 0;
             }
         }
-        // Whoever reads decides how much of an endless line is worth reading.
+        // The caller decides how much of an endless line is worth reading.
         if (tooLong_) {
             wasTooLong_ = true;
             return true;

@@ -20,8 +20,8 @@ RemoteDisplay* DisplayOf(const SharedBlock* block, std::int32_t remote) {
     return &static_cast<DisplayBlock*>(block->Data())->remotes[remote - 1];
 }
 
-// The sequence is odd before the first word changes and even after the last has, so that who reads the same even number before and
-// after has a whole text.
+// The sequence is odd before the first word changes and even after the last has, so that a reader that finds the same even number
+// before and after has a whole text.
 void Write(DisplayText& display, std::string_view text) {
     Words words{};
     text = text.substr(0, std::min(text.find('\0'), kDisplayTextRoom - 1));

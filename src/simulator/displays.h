@@ -31,7 +31,7 @@ struct DisplayBlock {
 static_assert(sizeof(DisplayBlock) == 1280 && offsetof(RemoteDisplay, name) == 20);
 
 // The block's name: "ShDfW2_" and 16 hexadecimal digits of the 64-bit FNV-1a of the library folder's path, taken over the UTF-16
-// units, low byte first. A separator at the end of the path plays no part.
+// units, low byte first. A separator at the end of the path is left out.
 std::u16string DisplayBlockName(std::u16string_view libraryFolder);
 
 // The one writer of a block, which shows nothing at first. Without a block it does nothing.

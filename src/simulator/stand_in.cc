@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kTicksPerSecond = 1e7;
 constexpr std::int64_t kOneMoment = 200000;       // 20 ms: what is read within it is of one moment
-constexpr std::int64_t kLongestStep = 100000000;  // 10 s; who slept longer goes on where he was
+constexpr std::int64_t kLongestStep = 100000000;  // 10 s; after a longer sleep it goes on where it was
 
 std::unique_ptr<InstrumentSource> MakeSource(Files& files, std::u16string_view folder, const StandInSettings& settings) {
     const std::u16string recording = JoinPath(folder, u"recording.nmea");
