@@ -32,8 +32,9 @@ protected:
 };
 
 TEST_F(ImportTest, YesReplacesTheMappingAndSavesIt) {
-    Legacy("13,5\n12,1,2\n", "0,5,0,1\n");
+    Legacy("13,5\n12,1,2\n14,6\n", "0,5,0,1\n");
     Run([&] {
+        Variables("12 BSP\n13 TWS\n14 TWD\n");
         host.Press(kImportButton);
         host.Tick();
         EXPECT_EQ(12.0, Own(kTws));
@@ -45,8 +46,8 @@ TEST_F(ImportTest, YesReplacesTheMappingAndSavesIt) {
     EXPECT_EQ(u"Halyrig32", host.boxes[0].caption);
     EXPECT_EQ(BoxButtons::kYesNo, host.boxes[0].buttons);
     EXPECT_EQ(BoxIcon::kQuestion, host.boxes[0].icon);
-    for (const char* line :
-         {R"(<var twr="5" dfw="13" />)", R"(<var twr="1" dfw="12" boat="2" />)", R"(<remote remote="1" twr="5" damp="true" />)"}) {
+    for (const char* line : {R"(<var twr="5" dfw="13" />)", R"(<var twr="1" dfw="12" boat="2" />)", R"(<var twr="6" dfw="14" />)",
+                             R"(<remote remote="1" twr="5" damp="true" />)"}) {
         EXPECT_TRUE(Holds(Saved(), line)) << line;
     }
     EXPECT_FALSE(Holds(Saved(), "remote=\"9\""));

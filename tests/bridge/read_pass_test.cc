@@ -104,7 +104,7 @@ TEST_F(ReadPassTest, PositionsComeFromDeckmanOnlyWhenChosen) {
 }
 
 TEST_F(ReadPassTest, TheTimerSetsTheGunWhileItFalls) {
-    Variables("9 TIMER\n10 X\n");
+    Variables("0 TIMER\n10 X\n");
     SaveSetting(u"DfwTimer", DwordValue(1));
     Run([&] {
         const auto gun = [&] { return record->F64(R::SysValue(36)); };
@@ -115,7 +115,7 @@ TEST_F(ReadPassTest, TheTimerSetsTheGunWhileItFalls) {
                     {1, true},    {0, false},  {300, false}, {299, true},  {-5, true}};
         for (const auto& row : rows) {
             SCOPED_TRACE(row.reading);
-            deckman.variables[9] = row.reading;
+            deckman.variables[0] = row.reading;
             record->Set(R::SysValue(36), 1.0);
             host.Tick();
             EXPECT_EQ(row.sets ? static_cast<double>(row.reading) / 60.0 / 60.0 / 24.0 + machine.clock.Days() : 1.0, gun());
@@ -125,7 +125,9 @@ TEST_F(ReadPassTest, TheTimerSetsTheGunWhileItFalls) {
         host.Tick();
         EXPECT_TRUE(deckman.reads.empty());
         host.SetChecked(kTimerCheck, true);
-        deckman.variables[9] = 100.0f;
+        deckman.variables[0] = 300.0f;
+        host.Tick();
+        deckman.variables[0] = 100.0f;
         host.PickFolder(machine.folder.File("Deckman"));
         record->Set(R::SysValue(36), 1.0);
         host.Tick();
@@ -134,15 +136,16 @@ TEST_F(ReadPassTest, TheTimerSetsTheGunWhileItFalls) {
 }
 
 TEST_F(ReadPassTest, TrueBearingsNeedTheVariationOfTheRecord) {
-    MapOne(kHdg);
+    Variables("12 HDG\n13 VARIATION\n");
+    MappingXml("<var twr='93' dfw='13'/><var twr='13' dfw='12'/>");
     SaveSetting(u"DfwTrue", DwordValue(1));
-    deckman.variables[12] = 185.0f;
+    deckman.variables = {{12, 185.0f}, {13, 32767.0f}};
     Run([&] {
         host.Tick();
         EXPECT_EQ(kNoValue, Own(kHdg));
-        other->SetChannel(kMagVar, 0, 10.0, 0.0);
+        deckman.variables[13] = 10.0f;
         host.Tick();
-        EXPECT_EQ(175.0, Own(kHdg));
+        EXPECT_EQ(175.0, Own(kHdg)) << "the row before has just published it";
         host.SetChecked(kTrueCheck, false);
         host.Tick();
         EXPECT_EQ(185.0, Own(kHdg)) << "a click takes effect on the next tick";

@@ -71,6 +71,9 @@ TEST_P(FailedAttachTest, LeavesEveryOperationHarmless) {
     core.CheckDatabasePath();
     EXPECT_TRUE(core.GetDataFolder(u"config").empty());
     EXPECT_TRUE(core.GetDatabasePath().empty());
+    core.LoadAlternatesFile();
+    EXPECT_FALSE(core.LoadBoatsFile());
+    EXPECT_FALSE(core.LoadChannelsFile());
     EXPECT_TRUE(machine.files.folders.empty());
 
     double value = 400.0;

@@ -22,7 +22,7 @@ TEST_F(PublishTest, WrapsOneTurnAndThenTestsTheRange) {
         {kLon, 270.0, 270.0},       {kLon, 361.0, kNoValue},  {kBsp, 1000.0, 1000.0},    {kBsp, -3.0, -3.0},
         {kAws, 150.0, 150.0},       {kAws, 150.1, kNoValue},  {kAws, -0.1, kNoValue},    {kRake, 200.0, -160.0},
         {kAwa, kNoValue, kNoValue}, {kMastAng, 190.0, 190.0}, {kMastAng, 361, kNoValue}, {kUser30, -10.0, 350.0},
-        {kUser31, -10.0, -10.0},    {kAwa, -540.0, -180.0},
+        {kUser31, -10.0, -10.0},    {kAwa, -540.0, -180.0},   {kTwd, 0.0, 0.0},
     };
     for (const ChannelId user : {kUser30, kUser31}) record.Set<std::int16_t>(R::Channel(user) + 10, kTypeBearing);
     for (const auto& row : rows) {

@@ -1,0 +1,56 @@
+// The two stores of a publication come in their order. A page that can't be written stops the process at one of them, and what the
+// other entry holds at that moment tells which came first.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mman.h>
+
+#include <new>
+
+#include "core/core_record.h"
+#include "core/store.h"
+
+namespace twr::testing {
+namespace {
+
+constexpr std::uintptr_t kPage = 4096;
+
+void* guarded = nullptr;          // the page that can't be written
+const double* watched = nullptr;  // the other entry
+double watchedThen = 0.0;         // what it held when the store was stopped
+
+void OnStoppedStore(int) {
+    watchedThen = *watched;
+    mprotect(guarded, kPage, PROT_READ | PROT_WRITE);  // and the store is tried again
+}
+
+TEST(StoreOrder, IsValueFirstForTheFirstTwoBoatsAndStampFirstForTheOthers) {
+    void* const memory = mmap(nullptr, sizeof(CoreRecord), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(MAP_FAILED, memory);
+    CoreRecord& record = *new (memory) CoreRecord;
+    struct sigaction former {};
+    struct sigaction stopped {};
+    stopped.sa_handler = OnStoppedStore;
+    sigaction(SIGSEGV, &stopped, &former);
+    const struct {
+        ChannelId channel;  // whose two entries stand on two pages
+        BoatSlot boat;
+        bool valueFirst;
+    } rows[] = {{kBsp, 0, true}, {kBsp, 1, true}, {kRudderS, 16, false}};
+    for (const auto& row : rows) {
+        const Entry entry = EntryOf(record, row.channel, row.boat);
+        const double* const first = row.valueFirst ? entry.value : entry.time;
+        watched = row.valueFirst ? entry.time : entry.value;
+        watchedThen = -1.0;
+        guarded = reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(first) / kPage * kPage);
+        mprotect(guarded, kPage, PROT_READ);
+        EXPECT_TRUE(Store(record, row.channel, row.boat, 7.5, 46000.25));
+        EXPECT_EQ(0.0, watchedThen) << "boat " << row.boat << ": the other entry was still to come";
+        EXPECT_EQ(7.5, *entry.value);
+        EXPECT_EQ(46000.25, *entry.time);
+    }
+    sigaction(SIGSEGV, &former, nullptr);
+    munmap(memory, sizeof(CoreRecord));
+}
+
+}  // namespace
+}  // namespace twr::testing
