@@ -39,10 +39,11 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
         window_->PostClose();
         return;
     }
-    if (id == timerId_ && library_ && core_.View()) {
-        ReadInstruments();
-        WriteRemotes();  // sees what has just been published
-    }
+    if (id != timerId_ || !core_.View()) return;
+    FollowDataFolder();
+    if (!library_) return;
+    ReadInstruments();
+    WriteRemotes();  // sees what has just been published
 }
 
 void CHalyrig32Dlg::OnTextChange(int control) {
@@ -83,7 +84,16 @@ void CHalyrig32Dlg::FindVariableFile() {
     lastTimerValue_ = -1.0;
 }
 
-void CHalyrig32Dlg::LoadMapping() { mapping_ = twr::LoadMapping(services_.xml, MappingPath(), catalogue_.rows); }
+void CHalyrig32Dlg::LoadMapping() {
+    mappingFolder_ = core_.GetDataFolder(u"");  // asked first: one that changes meanwhile shows on the next tick
+    mapping_ = twr::LoadMapping(services_.xml, MappingPath(), catalogue_.rows);
+}
+
+// A bridge that joins a record still being filled finds no data folder, or the default, and loads from there; its creator names the
+// right one a moment later. Nothing tells of that but the folder itself.
+void CHalyrig32Dlg::FollowDataFolder() {
+    if (!core_.DataFolderIs(mappingFolder_)) ReloadMapping();
+}
 
 std::u16string CHalyrig32Dlg::MappingPath() { return core_.GetDataFile(u"instruments", u"halyrig.xml"); }
 

@@ -38,6 +38,9 @@ private:
     void LoadMapping();
     std::u16string MappingPath();
 
+    // Reloads the mapping when the record names another data folder than the one that it was loaded from.
+    void FollowDataFolder();
+
     // Replaces the mapping by that of an older installation, after a question (import_legacy.cc).
     void OnImportLegacy();
     bool ImportLegacyVars();  // false when no line found its variable
@@ -66,6 +69,7 @@ private:
     std::u16string dfwFolder_;  // trimmed
     DeckmanCatalogue catalogue_;
     Mapping mapping_;
+    std::u16string mappingFolder_;                 // the data folder that mapping_ was loaded from
     std::array<double, kChannelCount> sentTime_;   // days, per channel: its last publication
     std::array<double, kChannelCount> sentValue_;  // per channel: the value last published
     double lastTimerValue_ = -1.0;                 // seconds

@@ -1,11 +1,15 @@
 // The folder that every file of the suite hangs off, and the paths that the suite's programs share.
+#include <cmath>
+
 #include "core/core.h"
+#include "core/days.h"
 #include "core/record_text.h"
 #include "platform/paths.h"
 
 namespace twr {
 namespace {
 
+constexpr double kTimeToFill = 1.0 / kSecondsPerDay;  // far more than a creator takes from the block to its data folder
 constexpr std::u16string_view kSuiteFolder = u"Tidewright";
 constexpr std::u16string_view kDatabaseName = u"Tidewright.db";
 constexpr std::u16string_view kDatabaseExtension = u".db";
@@ -33,12 +37,23 @@ std::u16string CCore::GetDataFolder(std::u16string_view subfolder) {
         folder = GetProgramDataFolder();
         if (folder.empty()) return {};
         make(folder = JoinPath(folder, kSuiteFolder));
-        if (services_.files.Exists(folder)) SetFieldText(view_->dataFolder, folder);
+        const bool exists = services_.files.Exists(folder);
+        if (exists && MayNameDataFolder()) {
+            SetFieldText(view_->dataFolder, folder);
+            folder = FieldText(view_->dataFolder);
+        }
+        if (subfolder.empty() && !exists) return {};
     }
-    if (subfolder.empty()) return FieldText(view_->dataFolder);
+    if (subfolder.empty()) return folder;
     const std::u16string path = JoinPath(folder, subfolder);
     make(path);
     return path;
+}
+
+bool CCore::DataFolderIs(std::u16string_view folder) const { return view_ && FieldView(view_->dataFolder) == folder; }
+
+bool CCore::MayNameDataFolder() const {
+    return !mapping_->Existed() || std::fabs(UtcNowDays(services_.clock) - attachedAt_) > kTimeToFill;
 }
 
 std::u16string CCore::GetDataFile(std::u16string_view subfolder, std::u16string_view name) {

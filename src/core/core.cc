@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "core/days.h"
 #include "core/initialise.h"
 #include "core/shared_field.h"
 #include "platform/wide_text.h"
@@ -26,7 +27,7 @@ bool IsFilled(const CoreRecord& record) {
 
 }  // namespace
 
-CCore::CCore(const CoreServices& services, Attachment attachment) : services_(services) {
+CCore::CCore(const CoreServices& services, Attachment attachment) : services_(services), attachedAt_(UtcNowDays(services.clock)) {
     if (attachment == Attachment::kOpenOnly) {
         AttachAsGuest();
     } else {

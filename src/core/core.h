@@ -113,8 +113,13 @@ public:
 
     // --- Data folders (config/data_folders.cc) ---
 
-    // The data folder, or a subfolder of it, created when missing. Empty without a record.
+    // The data folder, or a subfolder of it, created when missing. Empty without a record. While the record names none, it is the
+    // default. The record's creator stores that at once; who has joined stores it only when a second has gone by since, for the
+    // creator may be about to name another.
     std::u16string GetDataFolder(std::u16string_view subfolder);
+
+    // Whether this is the data folder that the record names. Takes no memory.
+    bool DataFolderIs(std::u16string_view folder) const;
 
     // The path of a file in a subfolder of the data folder; empty, which no file has, while there is no data folder.
     std::u16string GetDataFile(std::u16string_view subfolder, std::u16string_view name);
@@ -176,6 +181,8 @@ private:
     void LoadSavedPaths();
     void LoadSavedValues();
 
+    bool MayNameDataFolder() const;
+
     // The own boat's value of a channel, or of what it stands for; kNoValue when there is none.
     double LiveValue(ChannelId channel);
 
@@ -189,6 +196,7 @@ private:
     double gunMark_ = 0.0;
     std::unique_ptr<SharedBlock> mapping_;  // null when creation failed
     CoreRecord* view_ = nullptr;
+    const double attachedAt_;  // days
 };
 
 }  // namespace twr

@@ -17,8 +17,13 @@ void SetFieldText(char16_t (&field)[Units], std::u16string_view text) {
 
 // The text up to its zero, or the whole field when another program has left none.
 template <std::size_t Units>
+std::u16string_view FieldView(const char16_t (&field)[Units]) {
+    return {field, std::find(field, field + Units, u'\0')};
+}
+
+template <std::size_t Units>
 std::u16string FieldText(const char16_t (&field)[Units]) {
-    return std::u16string(field, std::find(field, field + Units, u'\0'));
+    return std::u16string(FieldView(field));
 }
 
 }  // namespace twr

@@ -152,6 +152,35 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
     EXPECT_EQ(0, deckman.loaded) << "freed at the end";
 }
 
+TEST_F(DialogTest, ItFollowsTheDataFolderOfTheRecord) {
+    Variables("12 X\n13 Y\n");
+    MappingXml("<var twr='1' dfw='12'/>");
+    machine.folder.Write("Ashore/instruments/halyrig.xml", "<halyrig><var twr='1' dfw='13'/></halyrig>");
+    const std::u16string usual = JoinPath(machine.folder.Text(), u"Tidewright"), ashore = machine.folder.File("Ashore");
+    const struct {
+        const char* why;
+        std::u16string named;  // by the record
+        int ticks, variable;
+        std::u16string namedThen;
+    } rows[] = {
+        {"the default", usual, 1, 12, usual},
+        {"not named yet", u"", 1, 12, u""},
+        {"named after the mapping was loaded", ashore, 1, 13, ashore},
+        {"not named for a second", u"", 10, 12, usual},
+    };
+    Run([&] {
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.why);
+            record->SetText(1068, row.named);
+            host.Tick(row.ticks);
+            deckman.reads.clear();
+            host.Tick();
+            EXPECT_EQ(std::vector<int>{row.variable}, deckman.reads);
+            EXPECT_EQ(row.namedThen, record->Text(1068));
+        }
+    });
+}
+
 TEST_F(DialogTest, TicksGoOnWhileItAsks) {
     MapOne(kBsp);
     host.answer = [&](const FakeDesktop::Box&) {

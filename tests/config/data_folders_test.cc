@@ -34,6 +34,25 @@ TEST_F(DataFoldersTest, ADefaultThatCantBeMadeIsTriedAgain) {
     EXPECT_EQ(suite, record.Text(1068));
 }
 
+TEST_F(DataFoldersTest, WhoHasJoinedLeavesItToTheCreatorForASecond) {
+    CCore second(machine.Services());
+    const struct {
+        int ms;  // since it has joined
+        std::u16string stored;
+    } rows[] = {{0, u""}, {1000, u""}, {1001, suite}, {-1001, suite}};
+    const std::int64_t joined = machine.clock.ticks;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.ms);
+        record.SetText(1068, u"");
+        machine.clock.ticks = joined;
+        machine.clock.AdvanceMs(row.ms);
+        EXPECT_EQ(suite, second.GetDataFolder(u""));
+        EXPECT_EQ(JoinPath(suite, u"config"), second.GetDataFolder(u"config"));
+        EXPECT_EQ(row.stored, record.Text(1068));
+        EXPECT_EQ(row.stored == suite, second.DataFolderIs(suite));
+    }
+}
+
 TEST_F(DataFoldersTest, OnlyADatabaseWithItsExtensionStays) {
     for (const std::u16string stored : {u"/x/race.db", u"/x/a.b.db", u"/x/a.db:stream", u"C:a.db"}) {
         record.SetText(548, stored);

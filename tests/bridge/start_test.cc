@@ -1,0 +1,95 @@
+// Programs of the suite that start at the same moment. One of them makes the record and fills it from the registry, and the others
+// read in it meanwhile. Nobody waits, and yet all must come to the data folder that the registry names.
+#include <iostream>
+
+#include "bridge/settings.h"
+#include "bridge_fixture.h"
+#include "support/child_process.h"
+#include "support/test_system.h"
+
+namespace twr::testing {
+namespace {
+
+// The real machine, with a Deckman and a host in the hand of the test, and as many instances as are started.
+class SharedMachine : public System {
+public:
+    explicit SharedMachine(const std::vector<std::string>& arguments) : real_(SystemOf(arguments)) {}
+
+    CoreServices Core() override {
+        const CoreServices real = real_->Core();
+        return {real.clock, real.zone, real.memory, real.registry, real.files, real.xml, host};
+    }
+    Libraries& GetLibraries() override { return deckman; }
+    Instance& GetInstance() override { return instance_; }
+    Executable& GetExecutable() override { return real_->GetExecutable(); }
+    Console& GetConsole() override { return real_->GetConsole(); }
+
+    ScriptedHost host;
+    StubDeckman deckman;
+
+private:
+    const std::unique_ptr<System> real_;
+    FakeInstance instance_;
+};
+
+std::u16string LibraryIn(const std::u16string& folder) {
+    return JoinPath(folder, std::u16string(u"ShDfW2").append(kLibrarySuffix));
+}
+
+// Runs the bridge again and again. It goes on from each line that it has written when it is sent one.
+const Role bridge("bridge among others", [](const std::vector<std::string>& arguments) {
+    SharedMachine machine(arguments);
+    machine.deckman.installed.insert(LibraryIn(ReadSettings(machine.Core().registry).dfwFolder));
+    std::string line;
+    const auto tell = [&](const std::string& told) {
+        std::cout << told << std::endl;
+        return static_cast<bool>(std::getline(std::cin, line));
+    };
+    machine.host.script = [&] {
+        machine.deckman.reads.clear();
+        tell("open");
+        machine.host.Tick();
+        tell(::testing::PrintToString(machine.deckman.reads));
+    };
+    while (tell("ready")) CHalyrig32App(machine).InitInstance();
+    return 0;
+});
+
+TEST(Start, AllComeToTheDataFolderOfTheRegistry) {
+    constexpr int kRounds = 20;
+    const TestSystem test;
+    test.folder.Write("Deckman/Data/J_vars06.d", "[variables]\n12 X u 1 1 1\n13 Y u 1 1 1\n");
+    test.folder.Write("ProgramData/Tidewright/instruments/halyrig.xml", "<halyrig><var twr='1' dfw='12'/></halyrig>");
+    test.folder.Write("Ashore/instruments/halyrig.xml", "<halyrig><var twr='1' dfw='13'/></halyrig>");
+    Registry& registry = test.system->Core().registry;
+    WriteSettings(registry, {.dfwFolder = test.folder.File("Deckman")});
+    registry.Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(test.folder.File("Ashore")));
+
+    std::vector<std::unique_ptr<ChildProcess>> programs;
+    for (int i = 0; i < 3; ++i) programs.push_back(StartRole("bridge among others", test.Arguments()));
+    const auto allSay = [&](const std::string& expected) {
+        bool right = true;
+        for (const auto& program : programs) right &= program->ReadLine() == expected;
+        return right;
+    };
+    const auto sendOn = [&] {
+        for (const auto& program : programs) program->WriteLine("");
+    };
+    int wrongMappings = 0, wrongFolders = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        ASSERT_TRUE(allSay("ready"));
+        sendOn();
+        ASSERT_TRUE(allSay("open"));
+        sendOn();
+        if (!allSay("{ 13 }")) ++wrongMappings;
+        const CCore guest(test.system->Core(), Attachment::kOpenOnly);
+        ASSERT_NE(nullptr, guest.View());
+        if (!guest.DataFolderIs(test.folder.File("Ashore"))) ++wrongFolders;
+        sendOn();
+    }
+    EXPECT_EQ(0, wrongMappings) << "of " << kRounds << " rounds";
+    EXPECT_EQ(0, wrongFolders) << "of " << kRounds << " rounds";
+}
+
+}  // namespace
+}  // namespace twr::testing
