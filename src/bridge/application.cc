@@ -4,15 +4,27 @@
 #include "bridge/main_dialog.h"
 
 namespace twr {
+namespace {
+
+// The request stays in the record for as long as a program holds it, and the dialog ends on its first tick.
+constexpr std::u16string_view kLate =
+    u"The suite has been asked to close (by halyrigctl quit or one of its programs), and a program still holds its record. Wait "
+    u"until "
+    u"all of them have ended, or end them, then start Halyrig again.";
+
+}  // namespace
 
 bool CHalyrig32App::InitInstance() {
     if (!system_.GetInstance().Claim(u"Halyrig")) {
         system_.GetInstance().RaiseOther(kProgramName);
         return false;
     }
-    system_.Core().desktop.ExpectDialog();
+    Desktop& desktop = system_.Core().desktop;
+    desktop.ExpectDialog();
     CHalyrig32Dlg dialog(system_);
-    system_.Core().desktop.RunDialog(kMainTemplate, dialog);
+    const bool lateForTheSuite = dialog.QuitRequested();
+    desktop.RunDialog(kMainTemplate, dialog);
+    if (lateForTheSuite && dialog.QuitRequested()) desktop.Remark(kLate, kProgramName);
     return false;
 }
 

@@ -18,6 +18,9 @@ public:
     // Attaches to the record.
     explicit CHalyrig32Dlg(System& system);
 
+    // The record asks all programs of the suite to close.
+    bool QuitRequested() const { return core_.QuitRequested(); }
+
     void OnInit(DialogWindow& window) override;
     void OnTimer(std::uintptr_t id) override;
     void OnTextChange(int control) override;

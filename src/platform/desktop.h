@@ -20,6 +20,10 @@ public:
     // Shows a box and waits for its answer, while the timer of an open dialog goes on. kNone where nobody can answer.
     virtual BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) = 0;
 
+    // Tells what a user at a command line wants to know and no window is worth: on standard error, while no dialog is open. Nothing
+    // on a desktop with windows.
+    virtual void Remark(std::u16string_view /*text*/, std::u16string_view /*caption*/) {}
+
     // Says that a dialog is about to run. From now on, where a program can be asked from outside to end without a window, that
     // waits for the dialog, which takes it for its closing.
     virtual void ExpectDialog() {}

@@ -91,6 +91,30 @@ TEST_F(DialogTest, AQuitRequestEndsItWithinATickAndNoPassRuns) {
     EXPECT_EQ(1, record->U8(R::SysFlag(35))) << "the flag is another program's";
 }
 
+TEST_F(DialogTest, ItRemarksOnARecordThatAskedToQuitBeforeItCame) {
+    const struct {
+        const char* when;
+        bool before, after;
+        std::size_t remarks;
+    } rows[] = {{"from the start", true, true, 1}, {"later", false, true, 0}, {"no more", true, false, 0}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.when);
+        host.remarks.clear();
+        other = std::make_unique<CCore>(machine.Core());
+        std::uint8_t& quitRequest = other->View()->sysFlag[kFlagQuitRequest];
+        quitRequest = row.before;
+        host.script = [&] {
+            quitRequest = row.after;
+            host.Tick();
+            EXPECT_EQ(row.after, host.result.has_value());
+        };
+        CHalyrig32App(machine).InitInstance();
+        EXPECT_EQ(row.remarks, host.remarks.size());
+        EXPECT_TRUE(host.boxes.empty());
+        other.reset();
+    }
+}
+
 TEST_F(DialogTest, SavesWhatItShows) {
     AnswerWith(BoxAnswer::kYes);
     const std::u16string somewhere(600, u'd');

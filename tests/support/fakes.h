@@ -66,11 +66,13 @@ public:
     };
 
     BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) override;
+    void Remark(std::u16string_view text, std::u16string_view) override { remarks.emplace_back(text); }
     void RunDialog(const DialogTemplate&, Dialog&) override {}
     void ShowAbout(const DialogTemplate&, std::u16string_view text) override { about = text; }
     void PostQuit() override { quit = true; }
 
     std::vector<Box> boxes;
+    std::vector<std::u16string> remarks;
     std::function<BoxAnswer(const Box&)> answer = [](const Box&) { return BoxAnswer::kNone; };
     std::u16string about;
     bool quit = false;

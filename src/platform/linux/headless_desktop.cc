@@ -20,6 +20,8 @@ class HeadlessDesktop final : public Desktop {
 public:
     void ExpectDialog() override { held_.emplace(kCloseSignals); }
 
+    void Remark(std::u16string_view text, std::u16string_view caption) override { ShowOnStandardError(text, caption); }
+
     BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon) override {
         ShowOnStandardError(text, caption);
         return closing_ && buttons == BoxButtons::kYesNo ? BoxAnswer::kYes : BoxAnswer::kNone;

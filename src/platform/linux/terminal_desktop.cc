@@ -30,6 +30,8 @@ class TerminalDesktop final : public Desktop {
 public:
     void ExpectDialog() override { held_.emplace(kCloseSignals); }
 
+    void Remark(std::u16string_view text, std::u16string_view caption) override { ShowOnStandardError(text, caption); }
+
     BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) override {
         if (open_) return open_->ShowBox(text, caption, buttons, icon);
         held_.reset();  // who is asked on a line may also press Ctrl-C

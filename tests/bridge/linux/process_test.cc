@@ -1,6 +1,7 @@
 // The whole program in processes of its own, without a terminal, under names of the test's own.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include "bridge/application.h"
 #include "bridge/settings.h"
@@ -11,8 +12,9 @@
 namespace twr::testing {
 namespace {
 
-// Runs the program. The line that it prints first says that it holds the record.
+// Runs the program. The line that it prints first says that it holds the record; what goes to standard error follows.
 const Role bridge("bridge", [](const std::vector<std::string>& arguments) {
+    dup2(STDOUT_FILENO, STDERR_FILENO);
     const auto system = SystemOf(arguments);
     const CCore core(system->Core());
     std::puts("attached");
@@ -70,6 +72,10 @@ TEST(Process, LeavesNothingWhenItIsKilledAndItsRecordToOthersWhenItIsAskedToQuit
     EXPECT_EQ(0, next->Wait());
     EXPECT_TRUE(ReadSettings(test.system->Core().registry).depthInFeet);
     EXPECT_EQ(5, join()->View()->sysInt[3]) << "the guest has kept it";
+    const auto late = StartRole("bridge", test.Arguments());
+    EXPECT_EQ("attached", late->ReadLine());
+    EXPECT_TRUE(late->ReadLine().starts_with("Halyrig32: The suite has been asked to close"));
+    EXPECT_EQ(0, late->Wait());
     guest.reset();
     EXPECT_EQ(nullptr, join()->View()) << "gone with its last holder";
 }

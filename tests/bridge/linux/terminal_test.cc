@@ -144,6 +144,14 @@ TEST_F(TerminalTest, EndsWhenItIsToldToBeforeThereIsAScreen) {
     EXPECT_EQ(128 + SIGINT, terminal->Wait());
 }
 
+TEST_F(TerminalTest, SaysWhyItEndsAtOnceInASuiteThatIsAskedToClose) {
+    const CCore other(test.system->Core());
+    other.View()->sysFlag[kFlagQuitRequest] = 1;
+    terminal = std::make_unique<PseudoTerminal>("bridge at a terminal", test.Arguments());
+    EXPECT_SHOWS("Halyrig32: The suite has been asked to close");
+    EXPECT_EQ(0, terminal->Wait());
+}
+
 TEST_F(TerminalTest, ATerminalThatVanishesEndsItWithTheSettingsLeft) {
     for (const std::string_view keys : {std::string_view(), kEsc, kF1}) {
         Open();
