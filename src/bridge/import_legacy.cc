@@ -13,7 +13,7 @@ void CHalyrig32Dlg::OnImportLegacy() {
     if (answer != BoxAnswer::kYes) return;
     if (ImportLegacyVars()) {
         ImportLegacyRemotes();
-        SaveMapping(services_.xml, MappingPath(), mapping_);
+        SaveMapping(services_.files, services_.xml, MappingPath(), mapping_);
         return;
     }
     services_.desktop.ShowBox(u"Unable to import legacy mappings.\n\nAttempting to load halyrig.xml.", kProgramName,

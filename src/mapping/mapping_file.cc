@@ -31,6 +31,16 @@ const MappingVar* FindVariable(const std::vector<MappingVar>& catalogue, const M
     return found == catalogue.end() ? nullptr : &*found;
 }
 
+// A mapping file that broke off, on a full disk for one, has no end tag. One byte in two is zero in some encodings.
+bool IsWhole(Files& files, std::u16string_view path) {
+    const auto source = files.Open(path);
+    std::string text;
+    char chunk[4096];
+    while (const std::size_t got = source ? source->Read(chunk, sizeof chunk) : 0) text.append(chunk, got);
+    std::erase(text, '\0');
+    return text.find('>', text.rfind("</")) != text.npos;
+}
+
 bool WriteNumber(XmlWriter& writer, std::u16string_view name, std::int32_t number) {
     return writer.Attribute(name, FromBytes(std::to_string(number)));
 }
@@ -92,8 +102,11 @@ bool WriteRemoteElement(XmlWriter& writer, const MappingRemote& row) {
            (row.boat == 0 || WriteNumber(writer, u"boat", row.boat)) && writer.EndElement();
 }
 
-bool SaveMapping(Xml& xml, std::u16string_view path, const Mapping& mapping) {
+bool SaveMapping(Files& files, Xml& xml, std::u16string_view path, const Mapping& mapping) {
+    const std::u16string kept = std::u16string(path) + u".bak";
+    const bool keeps = IsWhole(files, path) && files.Rename(path, kept);
     const auto writer = xml.OpenWriter(path);
+    if (!writer && keeps) files.Rename(kept, path);
     if (!writer || !writer->StartElement(u"halyrig") || !writer->Attribute(u"version", u"1.0") ||
         !writer->Attribute(u"creator", u"Tidewright - https://tidewright.example")) {
         return false;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "mapping/mapping_rows.h"
+#include "platform/files.h"
 #include "platform/xml.h"
 
 namespace twr {
@@ -12,8 +13,10 @@ namespace twr {
 // its name, and takes over that row. Reading ends at the first fault; what can't be read gives an empty mapping.
 Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<MappingVar>& catalogue);
 
-// Writes the whole mapping. False when the document could not be finished; a row that can't be written is left out.
-bool SaveMapping(Xml& xml, std::u16string_view path, const Mapping& mapping);
+// Writes the whole mapping. A former file is kept beside it as `path` and ".bak", unless that one had broken off itself. False when
+// the document could not be finished: a file that was begun stays as far as it was written, one that could not even be begun leaves
+// the former file in its place. A row that can't be written is left out.
+bool SaveMapping(Files& files, Xml& xml, std::u16string_view path, const Mapping& mapping);
 
 // Take the attributes of an element into a row. False when the row would not be valid.
 bool ParseVarElement(const XmlElement& element, MappingVar& row);

@@ -35,6 +35,9 @@ public:
     // Copies over an older file. False when it can't.
     virtual bool Copy(std::u16string_view from, std::u16string_view to) = 0;
 
+    // Gives a file another name in its folder, over an older file of that name. Takes no room on the disk. False when it can't.
+    virtual bool Rename(std::u16string_view from, std::u16string_view to) = 0;
+
     virtual void Remove(std::u16string_view path) = 0;
 
     // Full paths of the files, folders left out, in `folder` whose name fits `pattern` ("*" stands for any characters, "?" for one;

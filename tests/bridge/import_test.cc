@@ -24,6 +24,7 @@ protected:
     }
 
     std::string Saved() const { return machine.folder.Read(kMappingFile); }
+    std::string Kept() const { return machine.folder.Read(kMappingFile + std::string(".bak")); }
     static bool Holds(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
     std::string before;
@@ -51,6 +52,7 @@ TEST_F(ImportTest, YesReplacesTheMappingAndSavesIt) {
         EXPECT_TRUE(Holds(Saved(), line)) << line;
     }
     EXPECT_FALSE(Holds(Saved(), "remote=\"9\""));
+    EXPECT_EQ(before, Kept());
 }
 
 TEST_F(ImportTest, WithoutRemotesTheFormerOnesAreGone) {
@@ -95,6 +97,7 @@ TEST_F(ImportTest, AFailureSaysSoAndRestoresTheMappingFile) {
     EXPECT_EQ(BoxButtons::kOk, host.boxes[1].buttons);
     EXPECT_EQ(BoxIcon::kNone, host.boxes[1].icon);
     EXPECT_EQ(before, Saved());
+    EXPECT_EQ("", Kept());
 }
 
 TEST_F(ImportTest, AQuitRequestWhileItAsksIsHeeded) {

@@ -19,6 +19,7 @@ protected:
     TempFolder folder;
     std::unique_ptr<System> system = MakeSystem({});
     Xml& xml = system->Core().xml;
+    Files& files = system->Core().files;
     std::vector<MappingVar> catalogue{Variable(12, u"HDG"), Variable(17, u"BSP"), Variable(17, u"TWIN"), Variable(40, u"bsp2")};
 };
 
@@ -64,7 +65,7 @@ TEST_F(MappingFileTest, SavesTheSameBytesOnEverySystem) {
     mapping.varRows.push_back(catalogue[1]);  // no channel yet: left out
     mapping.remoteRows.push_back({});
     const std::u16string path = folder.Write("halyrig.xml", std::string(5000, 'x'));
-    EXPECT_TRUE(SaveMapping(xml, path, mapping));
+    EXPECT_TRUE(SaveMapping(files, xml, path, mapping));
     EXPECT_EQ(
         "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
         "<halyrig version=\"1.0\" creator=\"Tidewright - https://tidewright.example\">\r\n"
@@ -77,7 +78,61 @@ TEST_F(MappingFileTest, SavesTheSameBytesOnEverySystem) {
         "</halyrig>",
         folder.Read("halyrig.xml"));
     EXPECT_EQ("13=12HDG@0 13=12HDG@2 117>1@0 117>3d@2 ", Loaded(folder.Read("halyrig.xml")));
-    EXPECT_FALSE(SaveMapping(xml, folder.File("missing/halyrig.xml"), mapping));
+    EXPECT_FALSE(SaveMapping(files, xml, folder.File("missing/halyrig.xml"), mapping));
+}
+
+// A disk on which no file can be begun, or none be finished.
+class FullDisk : public Xml {
+public:
+    FullDisk(Xml& xml, const TempFolder& folder, bool begins) : xml_(xml), folder_(folder), begins_(begins) {}
+
+    std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) override { return xml_.OpenReader(path); }
+    std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view) override {
+        if (!begins_) return nullptr;
+        folder_.Write("halyrig.xml", "<halyrig");
+        return std::make_unique<Writer>();
+    }
+
+private:
+    class Writer : public XmlWriter {
+        bool StartElement(std::u16string_view) override { return true; }
+        bool Attribute(std::u16string_view, std::u16string_view) override { return true; }
+        bool Comment(std::u16string_view) override { return true; }
+        bool EndElement() override { return true; }
+        bool Finish() override { return false; }
+    };
+
+    Xml& xml_;
+    const TempFolder& folder_;
+    const bool begins_;
+};
+
+TEST_F(MappingFileTest, TheFormerFileIsKept) {
+    FullDisk beginsNone(xml, folder, false), endsNone(xml, folder, true);
+    const std::string whole = "<x></x>\r\n", wide("<\0/\0x\0>\0", 8);
+    const struct {
+        Xml& disk;
+        std::string former, bak;
+        std::string then, bakThen;  // an empty `then` is the new mapping
+    } rows[] = {
+        {xml, whole, "", "", whole},
+        {xml, whole, "older", "", whole},
+        {xml, wide, "older", "", wide},
+        {xml, "<x><var/></", "older", "", "older"},
+        {xml, "", "older", "", "older"},
+        {endsNone, whole, "older", "<halyrig", whole},
+        {endsNone, "<halyrig", whole, "<halyrig", whole},
+        {beginsNone, whole, "", whole, ""},
+        {beginsNone, "<halyrig", whole, "<halyrig", whole},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(::testing::Message() << row.former << " with " << row.bak);
+        folder.Write("halyrig.xml.bak", row.bak);
+        const bool saved = SaveMapping(files, row.disk, folder.Write("halyrig.xml", row.former), {});
+        EXPECT_EQ(row.then.empty(), saved);
+        EXPECT_TRUE(saved ? folder.Read("halyrig.xml").ends_with("</halyrig>") : folder.Read("halyrig.xml") == row.then);
+        EXPECT_EQ(row.bakThen, folder.Read("halyrig.xml.bak"));
+    }
 }
 
 }  // namespace

@@ -67,6 +67,17 @@ TEST_F(FilesTest, CopiesOverAnOlderFileButNotOverItself) {
     EXPECT_EQ(std::string(40000, 'x'), test_.folder.Read("from"));
 }
 
+TEST_F(FilesTest, RenamesOverAnOlderFile) {
+    const std::u16string from = test_.folder.Write("from", "new"), to = test_.folder.Write("to", "old");
+    const auto reader = files_.Open(from);
+    EXPECT_TRUE(files_.Rename(from, to));
+    EXPECT_EQ("new", test_.folder.Read("to"));
+    EXPECT_FALSE(files_.Exists(from));
+    EXPECT_FALSE(files_.Rename(from, to)) << "it is gone";
+    EXPECT_FALSE(files_.Rename(to, test_.folder.File("missing/to")));
+    EXPECT_EQ("new", test_.folder.Read("to"));
+}
+
 TEST_F(FilesTest, RemovesAFile) {
     const std::u16string path = test_.folder.Write("old", "x");
     files_.Remove(path);

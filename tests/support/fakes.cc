@@ -115,6 +115,12 @@ bool FakeFiles::Copy(std::u16string_view from, std::u16string_view to) {
     return Append(to, bytes);
 }
 
+bool FakeFiles::Rename(std::u16string_view from, std::u16string_view to) {
+    if (!Copy(from, to)) return false;
+    std::erase_if(files, [&](const File& file) { return file.path == from; });
+    return true;
+}
+
 void FakeFiles::Remove(std::u16string_view path) {
     removed.emplace_back(path);
     std::erase_if(files, [&](const File& file) { return file.path == path; });

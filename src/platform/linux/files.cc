@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
@@ -92,6 +93,10 @@ public:
             if (got < 0 || !WriteAll(target, {chunk, static_cast<std::size_t>(got)})) return false;
             if (got == 0) return target.Close();
         }
+    }
+
+    bool Rename(std::u16string_view from, std::u16string_view to) override {
+        return rename(NativePath(from).c_str(), NativePath(to).c_str()) == 0;
     }
 
     void Remove(std::u16string_view path) override { unlink(NativePath(path).c_str()); }

@@ -51,6 +51,10 @@ bool WindowsFiles::Copy(std::u16string_view from, std::u16string_view to) {
     return CopyFileW(ToWide(from).c_str(), ToWide(to).c_str(), FALSE);
 }
 
+bool WindowsFiles::Rename(std::u16string_view from, std::u16string_view to) {
+    return MoveFileExW(ToWide(from).c_str(), ToWide(to).c_str(), MOVEFILE_REPLACE_EXISTING);
+}
+
 void WindowsFiles::Remove(std::u16string_view path) { _wremove(ToWide(path).c_str()); }
 
 std::vector<std::u16string> WindowsFiles::List(std::u16string_view folder, std::u16string_view pattern) const {

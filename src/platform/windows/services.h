@@ -54,6 +54,7 @@ public:
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override;
     bool Append(std::u16string_view path, std::string_view bytes) override;
     bool Copy(std::u16string_view from, std::u16string_view to) override;
+    bool Rename(std::u16string_view from, std::u16string_view to) override;
     void Remove(std::u16string_view path) override;
     std::vector<std::u16string> List(std::u16string_view folder, std::u16string_view pattern) const override;
     std::u16string ProgramDataFolder() const override { return programData_; }
