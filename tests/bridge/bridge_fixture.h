@@ -36,7 +36,11 @@ class BridgeMachine : public System {
 public:
     BridgeMachine() : real(MakeSystem({.programData = folder.Text()})) {}
 
-    CoreServices Core() override { return {clock, zone, memory, registry, real->Core().files, real->Core().xml, host}; }
+    CoreServices Core() override {
+        // Without a record the log goes to the root of the drive.
+        Files& files = memory.failCreate ? rootFiles : real->Core().files;
+        return {clock, zone, memory, registry, files, real->Core().xml, host};
+    }
     Libraries& GetLibraries() override { return deckman; }
     Instance& GetInstance() override { return instance; }
     Executable& GetExecutable() override { return executable; }
@@ -47,6 +51,7 @@ public:
     FakeClock clock;
     FakeZone zone;
     FakeMemory memory;
+    FakeFiles rootFiles;
     FakeRegistry registry;
     ScriptedHost host;
     StubDeckman deckman;

@@ -145,6 +145,7 @@ TEST_F(DialogTest, AFailedAttachmentOpensAndEndsWithoutAQuestion) {
     host.script = [] { FAIL() << "the loop ends at once"; };
     EXPECT_FALSE(CHalyrig32App(machine).InitInstance());
     EXPECT_TRUE(host.quit);
+    EXPECT_EQ(1u, machine.rootFiles.files.size()) << "the log";
     EXPECT_FALSE(host.timerRuns);
     EXPECT_EQ(0, deckman.loaded);
 }
