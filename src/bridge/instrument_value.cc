@@ -1,5 +1,6 @@
 #include "bridge/instrument_value.h"
 
+#include "core/instrument_bearings.h"
 #include "core/no_value.h"
 
 namespace twr {
@@ -10,13 +11,8 @@ constexpr float kFeetPerMetre = 3.2808f;
 }  // namespace
 
 float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& units) {
+    if (IsInstrumentBearing(channel)) return units.degreesTrue ? MagneticBearing(reading, units.variation) : reading;
     switch (channel) {
-        case kTwd:
-        case kCourse:
-        case kSet:
-        case kHdg:
-        case kCog:
-            return units.degreesTrue ? MagneticBearing(reading, units.variation) : reading;
         case kLeeway:
         case kHeel:
             return reading * -1.0f;
