@@ -3,9 +3,8 @@
 #include <string>
 
 #include "core/channel_catalogue.h"
-#include "core/record_text.h"
+#include "halyrigctl/channel_names.h"
 #include "halyrigctl/commands.h"
-#include "platform/scan.h"
 #include "platform/wide_text.h"
 
 namespace twr {
@@ -28,9 +27,6 @@ std::string Print(const char* format, Arguments... arguments) {
     return line;
 }
 
-// The Time channel has no short name.
-std::u16string_view NameOf(const ChannelInfo& info) { return info.name.empty() ? info.longName : info.name; }
-
 std::string OrDash(bool told, int number) { return told ? std::to_string(number) : "-"; }
 
 constexpr const char* kTextRow = "%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n";
@@ -38,7 +34,7 @@ constexpr const char* kTextRow = "%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n
 // For people: a dash where there is nothing to tell.
 std::string TextRow(const ChannelInfo& info) {
     const bool ranged = info.min != info.max;
-    return Print(kTextRow, std::to_string(info.id).c_str(), ToUtf8(NameOf(info)).c_str(), ToUtf8(info.longName).c_str(),
+    return Print(kTextRow, std::to_string(info.id).c_str(), ToUtf8(CatalogueName(info.id)).c_str(), ToUtf8(info.longName).c_str(),
                  std::to_string(info.type).c_str(), OrDash(ranged, info.min).c_str(), OrDash(ranged, info.max).c_str(),
                  OrDash(info.staleSeconds != 0, info.staleSeconds).c_str(), OrDash(info.prec != 255, info.prec).c_str(),
                  OrDash(info.shortIndex < kShortChannelCount, info.shortIndex).c_str(), Flags(info).c_str());
@@ -74,28 +70,6 @@ int ListChannels(Console& console, TableForm form) {
         if (form == TableForm::kJson) table += info.id + 1u < kChannelCount ? ",\n" : "\n]\n";
     }
     return console.Write(table) ? 0 : 1;
-}
-
-std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text) {
-    const std::u16string wide = FromUtf8(text);
-    if (wide.empty()) return std::nullopt;
-    if (text.find_first_not_of("0123456789") == std::string::npos && text.size() < 4) {
-        const auto id = static_cast<ChannelId>(LeadingInt(wide));
-        return id < kChannelCount ? std::optional(id) : std::nullopt;
-    }
-    for (const ChannelInfo& info : ChannelCatalogue()) {
-        if (EqualsIgnoringCase(NameOf(info), wide)) return info.id;
-    }
-    for (ChannelId id = 0; id < kChannelCount; ++id) {
-        const ChannelRow& row = core.View()->channels[id];
-        if (EqualsIgnoringCase(FieldText(row.userName), wide) || EqualsIgnoringCase(FieldText(row.userShortName), wide)) return id;
-    }
-    return std::nullopt;
-}
-
-std::string NameForPeople(CCore& core, ChannelId channel) {
-    const std::u16string name = core.ChannelName(channel);
-    return ToUtf8(name.empty() ? NameOf(ChannelCatalogue()[channel]) : name);
 }
 
 }  // namespace twr

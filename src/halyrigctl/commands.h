@@ -33,11 +33,4 @@ int Watch(System& system, const WatchOptions& options);
 // Asks every program of the suite to close.
 int Quit(System& system);
 
-// The channel with this number, with this short name, or with this name in the user's own words (case of letters plays no part);
-// nothing when there is none. The core has a record.
-std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text);
-
-// The channel's name, as ChannelName gives it; the Time channel has one here too.
-std::string NameForPeople(CCore& core, ChannelId channel);
-
 }  // namespace twr

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "core/days.h"
+#include "halyrigctl/channel_names.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
@@ -20,7 +21,7 @@ int GetChannelValue(System& system, const std::string& wanted, BoatSlot boat) {
     }
     const ChannelReading reading = ReadChannel(guest.Core(), *channel, boat, UtcNowDays(system.Core().clock));
     guest.TellIfClosing();
-    const std::string name = NameForPeople(guest.Core(), *channel);
+    const std::string name = ToUtf8(NameForPeople(guest.Core(), *channel));
     if (!reading.missing.empty()) {
         console.WriteError("halyrigctl: " + name + " has no value: " + reading.missing + "\n");
         return 1;

@@ -2,6 +2,7 @@
 
 #include "core/core.h"
 #include "core/days.h"
+#include "halyrigctl/channel_names.h"
 #include "halyrigctl/commands.h"
 #include "simulator/displays.h"
 #include "support/record_bytes.h"
