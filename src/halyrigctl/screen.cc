@@ -14,6 +14,7 @@ constexpr const char* kClearLine = "\x1b[K";
 constexpr const char* kClearBelow = "\x1b[J";
 constexpr std::size_t kTableWidth = 56;
 constexpr std::size_t kGap = 2;
+constexpr int kMost = 1000;  // lines and columns: no screen has more, but a terminal may say so
 
 std::string Row(const std::string& id, const std::string& name, const std::string& text, const std::string& unit,
                 const std::string& age) {
@@ -64,8 +65,8 @@ std::string DrawScreen(const std::vector<ChannelLine>& channels, const std::vect
                        std::optional<ConsoleSize> size) {
     if (!size) return DrawPlain(channels, remotes);
     // The last line stays free for the cursor, and the last column since some terminals go to the next line once it is filled.
-    const auto height = static_cast<std::size_t>(std::max(3, size->rows - 1));
-    const auto width = static_cast<std::size_t>(std::max(1, size->columns - 1));
+    const auto height = static_cast<std::size_t>(std::clamp(size->rows - 1, 3, kMost));
+    const auto width = static_cast<std::size_t>(std::clamp(size->columns - 1, 1, kMost));
     const bool beside = width >= kTableWidth + kGap + kSmallDisplayWidth;
     const auto displays =
         beside ? DrawDisplays(remotes, width - kTableWidth - kGap, height) : DrawDisplays(remotes, width, height / 2);
