@@ -56,7 +56,7 @@ UninstPage instfiles
         Abort "Halyrig is running."
     ${EndIf}
     ${DoUntil} $0 == 0
-        nsExec::Exec '"$INSTDIR\halyrigctl.exe" quit'
+        nsExec::Exec '"$INSTDIR\halyrigctl.exe" quit --no-wait'
         Pop $1
         ${For} $2 1 100
             !insertmacro CountRunning

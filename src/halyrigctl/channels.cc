@@ -21,7 +21,7 @@ std::string Flags(const ChannelInfo& info) {
 }
 
 template <class... Arguments>
-std::string Print(const char* format, Arguments... arguments) {
+std::string Formatted(const char* format, Arguments... arguments) {
     char line[256];
     std::snprintf(line, sizeof line, format, arguments...);
     return line;
@@ -34,10 +34,11 @@ constexpr const char* kTextRow = "%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n
 // For people: a dash where there is nothing to tell.
 std::string TextRow(const ChannelInfo& info) {
     const bool ranged = info.min != info.max;
-    return Print(kTextRow, std::to_string(info.id).c_str(), ToUtf8(CatalogueName(info.id)).c_str(), ToUtf8(info.longName).c_str(),
-                 std::to_string(info.type).c_str(), OrDash(ranged, info.min).c_str(), OrDash(ranged, info.max).c_str(),
-                 OrDash(info.staleSeconds != 0, info.staleSeconds).c_str(), OrDash(info.prec != 255, info.prec).c_str(),
-                 OrDash(info.shortIndex < kShortChannelCount, info.shortIndex).c_str(), Flags(info).c_str());
+    return Formatted(kTextRow, std::to_string(info.id).c_str(), ToUtf8(CatalogueName(info.id)).c_str(),
+                     ToUtf8(info.longName).c_str(), std::to_string(info.type).c_str(), OrDash(ranged, info.min).c_str(),
+                     OrDash(ranged, info.max).c_str(), OrDash(info.staleSeconds != 0, info.staleSeconds).c_str(),
+                     OrDash(info.prec != 255, info.prec).c_str(),
+                     OrDash(info.shortIndex < kShortChannelCount, info.shortIndex).c_str(), Flags(info).c_str());
 }
 
 // For programs. Names hold no character that a format would have to escape: no quote, backslash, tab or control character.
@@ -46,8 +47,8 @@ std::string DataRow(const ChannelInfo& info, TableForm form) {
                                    ? "%d\t%s\t%s\t%d\t%d\t%d\t%d\t%d\t%d\t%s\n"
                                    : R"(  {"id": %d, "name": "%s", "longName": "%s", "type": %d, "min": %d, "max": %d, )"
                                      R"("staleSeconds": %d, "prec": %d, "shortIndex": %d, "flags": "%s"})";
-    return Print(format, info.id, ToUtf8(info.name).c_str(), ToUtf8(info.longName).c_str(), info.type, info.min, info.max,
-                 info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());
+    return Formatted(format, info.id, ToUtf8(info.name).c_str(), ToUtf8(info.longName).c_str(), info.type, info.min, info.max,
+                     info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());
 }
 
 std::string Heading(TableForm form) {
@@ -57,19 +58,19 @@ std::string Heading(TableForm form) {
         case TableForm::kJson:
             return "[\n";
         default:
-            return Print(kTextRow, "id", "name", "long name", "type", "min", "max", "stale", "prec", "short", "flags");
+            return Formatted(kTextRow, "id", "name", "long name", "type", "min", "max", "stale", "prec", "short", "flags");
     }
 }
 
 }  // namespace
 
-int ListChannels(Console& console, TableForm form) {
+Status ListChannels(Console& console, TableForm form) {
     std::string table = Heading(form);
     for (const ChannelInfo& info : ChannelCatalogue()) {
         table += form == TableForm::kText ? TextRow(info) : DataRow(info, form);
         if (form == TableForm::kJson) table += info.id + 1u < kChannelCount ? ",\n" : "\n]\n";
     }
-    return console.Write(table) ? 0 : 1;
+    return Print(console, table);
 }
 
 }  // namespace twr

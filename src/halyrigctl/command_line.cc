@@ -3,60 +3,86 @@
 #include <sstream>
 
 #include "halyrigctl/commands.h"
+#include "platform/wide_text.h"
 
 namespace twr {
 namespace {
 
+// The command line as it is understood: options are filled in while it is parsed, and the command is run at its end.
+struct Commands {
+    explicit Commands(System& ofUser) : system(ofUser) {}
+
+    System& system;
+    CLI::App app{"Looks at the data that the programs of the suite share, and asks them to close.", "halyrigctl"};
+    TableForm form = TableForm::kText;
+    GetOptions get;
+    WatchOptions watch;
+    QuitOptions quit;
+    Status status = kDone;
+};
+
+void AddChannels(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("channels", "List the channels that the suite knows");
+    const auto formFlag = [&](const char* name, const char* help, TableForm form) {
+        return command->add_flag_callback(
+            name, [&all, form] { all.form = form; }, help);
+    };
+    formFlag("--tsv", "As tab-separated values", TableForm::kTsv)->excludes(formFlag("--json", "As JSON", TableForm::kJson));
+    command->callback([&all] { all.status = ListChannels(all.system.GetConsole(), all.form); });
+}
+
+void AddGet(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("get", "Show one channel, or why it has no value");
+    command->add_option("ID", all.get.channel, "The channel's number, short name, or name of your own")->required();
+    command->add_option("--boat", all.get.boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
+    command->callback([&all] { all.status = GetChannelValue(all.system, all.get); });
+}
+
+void AddWatch(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("watch", "Show what is published, live, until Ctrl-C");
+    command->add_option("--interval", all.watch.intervalMs, "Milliseconds between two looks")->check(CLI::Range(50, 3600000));
+    command->add_option("--snapshots", all.watch.snapshots, "End after so many looks")->check(CLI::Range(1, 1000000));
+    command->callback([&all] { all.status = Watch(all.system, all.watch); });
+}
+
+void AddQuit(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("quit", "Ask every program of the suite to close, and wait until all have");
+    command->add_flag_callback(
+        "--no-wait", [&all] { all.quit.wait = false; }, "Only ask");
+    command->callback([&all] { all.status = Quit(all.system, all.quit); });
+}
+
 // The parser misses the command first, and only then minds the word that stands in its place.
-std::string Complaint(const CLI::App* app, const CLI::Error& error) {
-    const auto unknown = app->remaining();
-    if (unknown.empty() || !app->get_subcommands().empty()) return CLI::FailureMessage::simple(app, error);
-    return "halyrigctl: there is no command or option " + unknown.front() + "; 'halyrigctl --help' lists them\n";
+std::string Complaint(const CLI::App& app, const CLI::Error& error) {
+    const auto given = app.get_subcommands();
+    const std::string help = "; see 'halyrigctl " + (given.empty() ? "" : given.front()->get_name() + " ") + "--help'";
+    if (!given.empty()) return error.what() + help;
+    const auto unknown = app.remaining();
+    return (unknown.empty() ? "a command is missing" : "there is no command or option " + unknown.front()) + help;
 }
 
 }  // namespace
 
-int RunCommandLine(System& system, std::vector<std::string> arguments) {
-    CLI::App app("Looks at the data that the programs of the suite share, and asks them to close.", "halyrigctl");
-    app.set_version_flag("--version", "halyrigctl " HALYRIG_VERSION);
-    app.require_subcommand(1);
-    app.failure_message(Complaint);
-    int status = 0;
-
-    auto form = TableForm::kText;
-    CLI::App* channels = app.add_subcommand("channels", "List the channels that the suite knows");
-    const auto formFlag = [&](const char* name, const char* help, TableForm value) {
-        return channels->add_flag_callback(
-            name, [&form, value] { form = value; }, help);
-    };
-    formFlag("--tsv", "As tab-separated values", TableForm::kTsv)->excludes(formFlag("--json", "As JSON", TableForm::kJson));
-    channels->callback([&] { status = ListChannels(system.GetConsole(), form); });
-
-    std::string wanted;
-    unsigned boat = 0;
-    CLI::App* get = app.add_subcommand("get", "Show one channel, or why it has no value");
-    get->add_option("ID", wanted, "The channel's number, short name, or name of your own")->required();
-    get->add_option("--boat", boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
-    get->callback([&] { status = GetChannelValue(system, wanted, boat); });
-
-    WatchOptions watch;
-    CLI::App* watchCommand = app.add_subcommand("watch", "Show what is published, live, until Ctrl-C");
-    watchCommand->add_option("--interval", watch.intervalMs, "Milliseconds between two looks")->check(CLI::Range(50, 3600000));
-    watchCommand->add_option("--snapshots", watch.snapshots, "End after so many looks")->check(CLI::Range(1, 1000000));
-    watchCommand->callback([&] { status = Watch(system, watch); });
-
-    app.add_subcommand("quit", "Ask every program of the suite to close")->callback([&] { status = Quit(system); });
-
+Status RunCommandLine(System& system, std::vector<std::string> arguments) {
+    Commands all(system);
+    all.app.set_version_flag("--version", "halyrigctl " HALYRIG_VERSION);
+    all.app.require_subcommand(1);
+    AddChannels(all);
+    AddGet(all);
+    AddWatch(all);
+    AddQuit(all);
     try {
         std::ranges::reverse(arguments);  // the parser takes them from the back
-        app.parse(std::move(arguments));
+        all.app.parse(std::move(arguments));
+        return all.status;
+    } catch (const CLI::Success& asked) {
+        std::ostringstream text;
+        all.app.exit(asked, text);
+        return Print(system.GetConsole(), text.str());
     } catch (const CLI::ParseError& error) {
-        std::ostringstream out, complaint;
-        status = app.exit(error, out, complaint);
-        system.GetConsole().Write(out.str());
-        system.GetConsole().WriteError(complaint.str());
+        Complain(system.GetConsole(), Harmless(FromUtf8(Complaint(all.app, error))));
+        return kMisunderstood;
     }
-    return status;
 }
 
 }  // namespace twr

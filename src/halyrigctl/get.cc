@@ -10,29 +10,31 @@
 
 namespace twr {
 
-int GetChannelValue(System& system, const std::string& wanted, BoatSlot boat) {
+Status GetChannelValue(System& system, const GetOptions& options) {
     Guest guest(system);
-    if (!guest) return 1;
+    if (!guest) return kFailed;
     Console& console = system.GetConsole();
-    const auto channel = FindChannel(guest.Core(), wanted);
+    const auto channel = FindChannel(guest.Core(), options.channel);
     if (!channel) {
-        console.WriteError("halyrigctl: there is no channel " + wanted + "; 'halyrigctl channels' lists them\n");
-        return 2;
+        guest.Leave();
+        Complain(console, "there is no channel " + Harmless(FromUtf8(options.channel)) +
+                              "; 'halyrigctl channels' lists them, 'halyrigctl get --help' tells how to name one");
+        return kMisunderstood;
     }
-    const ChannelReading reading = ReadChannel(guest.Core(), *channel, boat, UtcNowDays(system.Core().clock));
-    guest.TellIfClosing();
-    const std::string name = ToUtf8(NameForPeople(guest.Core(), *channel));
+    const ChannelReading reading = ReadChannel(guest.Core(), *channel, options.boat, UtcNowDays(system.Core().clock));
+    const std::string name = Harmless(NameForPeople(guest.Core(), *channel));
+    guest.Leave();
     if (!reading.missing.empty()) {
-        console.WriteError("halyrigctl: " + name + " has no value: " + reading.missing + "\n");
-        return 1;
+        Complain(console, name + " has no value: " + reading.missing);
+        return kFailed;
     }
     char lines[512];
     std::snprintf(lines, sizeof lines,
                   "channel  %u %s\nboat     %u\nvalue    %.10g\ntext     %s\nunit     %s\nage      %.1f s\nlimit    %s\n",
-                  static_cast<unsigned>(*channel), name.c_str(), static_cast<unsigned>(boat), reading.value,
-                  ToUtf8(reading.text).substr(0, 128).c_str(), reading.unit.empty() ? "-" : ToUtf8(reading.unit).c_str(),
+                  static_cast<unsigned>(*channel), name.c_str(), static_cast<unsigned>(options.boat), reading.value,
+                  Harmless(reading.text).substr(0, 128).c_str(), reading.unit.empty() ? "-" : ToUtf8(reading.unit).c_str(),
                   reading.age.value_or(0.0), reading.limit > 0 ? (std::to_string(reading.limit) + " s").c_str() : "none");
-    return console.Write(lines) ? 0 : 1;
+    return Print(console, lines);
 }
 
 }  // namespace twr

@@ -1,17 +1,42 @@
-#include <cstdio>
-
 #include "core/shared_field.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 
 namespace twr {
+namespace {
 
-int Quit(System& system) {
-    Guest guest(system);
-    if (!guest) return 1;
-    Put(guest.Record().sysFlag[kFlagQuitRequest], std::uint8_t{1});
-    system.GetConsole().Write("Asked the programs of the suite to close.\n");
-    return 0;
+constexpr int kPatienceMs = 10000;
+constexpr int kBetweenLooksMs = 100;
+
+// The record with the request in it is still held. Between two looks it isn't held from here, or it would never go.
+bool StillHeld(System& system) { return CCore(system.Core(), Attachment::kOpenOnly).QuitRequested(); }
+
+// False when they have not all left in time, or the user does not want to wait. A program lets go of the record a moment before it
+// ends, and until then the bridge does not start again: one pause more.
+bool WaitUntilAllHaveLeft(System& system) {
+    bool held = true;
+    for (int waited = 0; waited < kPatienceMs; waited += kBetweenLooksMs) {
+        const bool heldBefore = held;
+        held = StillHeld(system);
+        if (!held && !heldBefore) return true;
+        if (!system.GetConsole().Wait(kBetweenLooksMs)) break;
+    }
+    return !held;
+}
+
+}  // namespace
+
+Status Quit(System& system, const QuitOptions& options) {
+    {
+        Guest guest(system);
+        if (!guest) return kFailed;
+        Put(guest.Record().sysFlag[kFlagQuitRequest], std::uint8_t{1});
+    }
+    Console& console = system.GetConsole();
+    const Status printed = Print(console, "Asked the programs of the suite to close.\n");
+    if (!options.wait || WaitUntilAllHaveLeft(system)) return printed;
+    Complain(console, "programs of the suite still hold the record; until all have ended, one that starts ends at once. End them.");
+    return kFailed;
 }
 
 }  // namespace twr

@@ -6,6 +6,7 @@
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/screen.h"
+#include "halyrigctl/screen_style.h"
 #include "platform/wide_text.h"
 #include "simulator/displays.h"
 
@@ -18,13 +19,13 @@ std::vector<ChannelLine> ReadChannels(CCore& core, double now) {
     for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
         if (Load(core.View()->fullBlocks[0].time[channel]) == 0.0) continue;
         const ChannelReading reading = ReadChannel(core, channel, 0, now);
-        lines.push_back({channel, ToUtf8(core.ChannelName(channel)), ToUtf8(reading.text), ToUtf8(reading.unit),
+        lines.push_back({channel, Harmless(core.ChannelName(channel)), Harmless(reading.text), ToUtf8(reading.unit),
                          reading.age.value_or(0.0), reading.missing.empty()});
     }
     return lines;
 }
 
-std::string Utf8OfBytes(const std::string& bytes) { return ToUtf8(FromBytes(bytes)); }
+std::string ShownBytes(const std::string& bytes) { return Harmless(FromBytes(bytes)); }
 
 // What the stand-in for Deckman has been told to show; nothing beside the real one, whose displays stand on the mast.
 std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
@@ -34,7 +35,7 @@ std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
     std::vector<RemoteLine> lines;
     for (int remote = 1; remote <= kRemoteCount; ++remote) {
         const DisplayedText value = displays.Value(remote);
-        if (value.updates > 0) lines.push_back({remote, Utf8OfBytes(value.text), Utf8OfBytes(displays.Name(remote).text)});
+        if (value.updates > 0) lines.push_back({remote, ShownBytes(value.text), ShownBytes(displays.Name(remote).text)});
     }
     return lines;
 }
@@ -52,19 +53,24 @@ bool WaitForNextLook(Console& console, const CCore& core, int milliseconds) {
 
 }  // namespace
 
-int Watch(System& system, const WatchOptions& options) {
+Status Watch(System& system, const WatchOptions& options) {
     Guest guest(system);
-    if (!guest) return 1;
+    if (!guest) return kFailed;
     const CoreServices services = system.Core();
     Console& console = system.GetConsole();
-    if (console.Size()) console.Write("\x1b[2J");
+    const auto goOn = [&] { return !guest.Core().QuitRequested() && console.Wait(0); };
+    std::string picture = console.Size() ? kClearScreen : "";
+    Output output;
     int shown = 0;
     do {
         const auto channels = ReadChannels(guest.Core(), UtcNowDays(services.clock));
-        if (!console.Write(DrawScreen(channels, ReadRemotes(services), console.Size()))) return 1;
-    } while (++shown != options.snapshots && WaitForNextLook(console, guest.Core(), options.intervalMs));
-    guest.TellIfClosing();
-    return 0;
+        picture += DrawScreen(channels, ReadRemotes(services), console.Size());
+        output = console.Write(picture, goOn);
+        picture.clear();
+    } while (output == Output::kWritten && ++shown != options.snapshots &&
+             WaitForNextLook(console, guest.Core(), options.intervalMs));
+    guest.Leave();
+    return StatusOf(console, output);
 }
 
 }  // namespace twr

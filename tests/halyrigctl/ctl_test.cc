@@ -15,12 +15,19 @@ namespace {
 class FakeConsole : public Console {
 public:
     std::optional<ConsoleSize> Size() const override { return size; }
-    bool Write(std::string_view utf8) override {
+    Output Write(std::string_view utf8, const std::function<bool()>& stillWanted) override {
+        int asked = 0;
+        while (held && asked < 1000 && stillWanted()) ++asked;
+        EXPECT_LT(asked, 1000) << "waits for ever";
+        if (held) return Output::kGivenUp;
         written += utf8;
         ++writes;
-        return !closed;
+        return closed ? Output::kRefused : Output::kWritten;
     }
-    void WriteError(std::string_view utf8) override { written += utf8; }
+    void WriteError(std::string_view utf8) override {
+        if (beforeError) beforeError();
+        written += utf8;
+    }
     bool Wait(int milliseconds) override {
         waited += milliseconds;
         EXPECT_LE(milliseconds, 100) << "the suite may ask to close at any time";
@@ -29,10 +36,12 @@ public:
 
     std::optional<ConsoleSize> size;
     std::string written;
-    bool closed = false;
+    bool closed = false;  // what is written is refused
+    bool held = false;    // it is taken by nobody
     int writes = 0;
     int waited = 0;  // milliseconds
     std::function<bool()> goOn = [] { return false; };
+    std::function<void()> beforeError;
 };
 
 class CtlTest : public ::testing::Test, public System {
@@ -57,8 +66,10 @@ protected:
         return console.written;
     }
     std::string Got(ChannelId channel, BoatSlot boat = 0, int status = 0) {
-        return Printed([&] { return GetChannelValue(*this, std::to_string(channel), boat); }, status);
+        return Printed([&] { return GetChannelValue(*this, {std::to_string(channel), boat}); }, status);
     }
+    // A guest would find the record.
+    bool Held() { return CCore(Core(), Attachment::kOpenOnly).View() != nullptr; }
     std::string Watched(std::optional<ConsoleSize> size = {}) {
         console.size = size;
         return Printed([&] { return Watch(*this, {.snapshots = 1}); });
@@ -69,15 +80,15 @@ protected:
     std::unique_ptr<CCore> suite;
 };
 
-void ExpectIn(const std::string& text, std::initializer_list<const char*> parts) {
+void ExpectIn(const std::string& text, const std::vector<const char*>& parts) {
     for (const char* part : parts) EXPECT_NE(std::string::npos, text.find(part)) << part << "\nis not in\n" << text;
 }
 
 TEST_F(CtlTest, WithoutARecordEveryCommandSaysWhatToStart) {
     ExpectIn(Got(kBsp, 0, 1), {"Start " HALYRIG_PROGRAM " first"});
     ExpectIn(Printed([&] { return Watch(*this, {}); }, 1), {"Start " HALYRIG_PROGRAM " first"});
-    ExpectIn(Printed([&] { return Quit(*this); }, 1), {"Start " HALYRIG_PROGRAM " first"});
-    EXPECT_EQ(nullptr, CCore(Core(), Attachment::kOpenOnly).View()) << "and none creates one";
+    ExpectIn(Printed([&] { return Quit(*this, {}); }, 1), {"Start " HALYRIG_PROGRAM " first"});
+    EXPECT_FALSE(Held()) << "and none creates one";
 }
 
 TEST_F(CtlTest, ListsTheCatalogueInThreeForms) {
@@ -118,7 +129,7 @@ TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
         {"Jib lead positi", 172},
     };
     for (const auto& [text, channel] : rows) EXPECT_EQ(channel, FindChannel(*suite, text)) << text;
-    ExpectIn(Printed([&] { return GetChannelValue(*this, "speed", 0); }, 2), {"there is no channel speed"});
+    ExpectIn(Printed([&] { return GetChannelValue(*this, {"speed\x1b"}); }, 2), {"there is no channel speed\u00B7;"});
 }
 
 TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
@@ -135,6 +146,17 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
     Publish(kMagVar, -3.0);
     ExpectIn(Got(kMagVar), {"text     3.00\u00B0w\nunit     -\n"});
     ExpectIn(Got(kTime), {"channel  0 Time\n"});
+}
+
+TEST_F(CtlTest, NoTextOfTheRecordCommandsTheTerminal) {
+    StartSuite();
+    Publish(kSail, 1.0);
+    Publish(172, 1.0);
+    Record().SetText(1780, u"A\x1b[31m\u0085\u007F\u202E2");
+    Record().SetText(RecordBytes::Channel(172) + 76, u"Lead\a\u009B");
+    ExpectIn(Got(kSail), {"text     A\u00B7[31m\u00B7\u00B7\u00B72\n"});
+    ExpectIn(Got(172), {"channel  172 Lead\u00B7\u00B7\n"});
+    ExpectIn(Watched(), {"A\u00B7[31m\u00B7\u00B7\u00B72", " 172  Lead\u00B7\u00B7 "});
 }
 
 TEST_F(CtlTest, TellsWhyThereIsNoValue) {
@@ -179,25 +201,36 @@ TEST_F(CtlTest, SaysWhatItDoesNotUnderstand) {
     const struct {
         std::vector<std::string> arguments;
         const char* said;
-        bool understood;
+        int status;
     } rows[] = {
-        {{"bogus"}, "no command or option bogus;", false},
-        {{"--bogus"}, "no command or option --bogus;", false},
-        {{}, "subcommand is required", false},
-        {{"get"}, "ID is required", false},
-        {{"quit", "now"}, "not expected: now", false},
-        {{"watch", "--snapshots", "0"}, "not in range 1 to 1000000\n", false},
-        {{"get", "0", "--boat", "100"}, "not in range 0 to 99\n", false},
-        {{"--version"}, "halyrigctl 1", true},
-        {{"get", "Time"}, "text ", true},
-        {{"watch", "--snapshots", "2"}, "channel", true},
+        {{"bogus\x1b"}, "halyrigctl: there is no command or option bogus\u00B7; see 'halyrigctl --help'\n", 2},
+        {{"--bogus"}, "halyrigctl: there is no command or option --bogus;", 2},
+        {{}, "halyrigctl: a command is missing; see 'halyrigctl --help'\n", 2},
+        {{"get"}, "halyrigctl: ID is required; see 'halyrigctl get --help'\n", 2},
+        {{"get", "speed"}, "halyrigctl: there is no channel speed;", 2},
+        {{"quit", "now"}, "not expected: now; see", 2},
+        {{"watch", "--snapshots", "0"}, "not in range 1 to 1000000; see", 2},
+        {{"get", "0", "--boat", "100"}, "not in range 0 to 99; see", 2},
+        {{"channels", "--tsv", "--json"}, "halyrigctl: --", 2},
+        {{"--version"}, "halyrigctl 1", 0},
+        {{"get", "Time"}, "text ", 0},
+        {{"watch", "--snapshots", "2"}, "channel", 0},
+        {{"quit", "--no-wait"}, "Asked", 0},
     };
     console.goOn = [] { return true; };
     for (const auto& row : rows) {
-        int status = 0;
-        const auto run = [&] { return status = RunCommandLine(*this, row.arguments), 0; };
-        ExpectIn(Printed(run), {row.said});
-        EXPECT_EQ(row.understood, status == 0) << row.said;
+        ExpectIn(Printed([&] { return RunCommandLine(*this, row.arguments); }, row.status), {row.said});
+    }
+    EXPECT_EQ(500, console.waited) << "between two looks alone";
+}
+
+TEST_F(CtlTest, SaysThatItsOutputIsLost) {
+    StartSuite();
+    Publish(kBsp, 6.0);
+    console.closed = true;
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"--help"}, {"channels"}, {"get", "BSP"}, {"watch"}, {"quit", "--no-wait"}}) {
+        ExpectIn(Printed([&] { return RunCommandLine(*this, arguments); }, 1), {"halyrigctl: standard output can't be written"});
     }
 }
 
@@ -216,9 +249,24 @@ TEST_F(CtlTest, WatchEndsWithTheUserOrTheSuite) {
     ExpectIn(Printed(watch), {"asked to close"});
     EXPECT_EQ(800, console.waited);
     ExpectIn(Got(kBsp, 0, 1), {"asked to close", "never published"});
+}
 
-    console.closed = true;
-    Printed(watch, 1);
+TEST_F(CtlTest, WatchEndsAndLetsGoOfTheRecordWhenNobodyTakesItsOutput) {
+    StartSuite();
+    console.held = true;
+    console.goOn = [&, asked = 0]() mutable { return ++asked < 3; };
+    Printed([&] { return Watch(*this, {}); });
+
+    console.goOn = [&] {
+        Record().SetFlag(35, true);
+        return true;
+    };
+    console.beforeError = [&] {
+        suite.reset();
+        EXPECT_FALSE(Held()) << "the request would stay with it";
+    };
+    ExpectIn(Printed([&] { return Watch(*this, {}); }), {"asked to close"});
+    EXPECT_EQ(0, console.waited);
 }
 
 TEST_F(CtlTest, WatchDimsAndDashesWhatIsStaleOnATerminal) {
@@ -247,10 +295,35 @@ TEST_F(CtlTest, WatchDrawsTheRemotesOfTheStandIn) {
     ExpectIn(Watched(ConsoleSize{100, 24}), {"\u256D 3 \u2500", "\u256D 12 \u2500", "   7.25    ", "  3.00\u00B0W   "});
 }
 
-TEST_F(CtlTest, QuitSetsTheFlagOfTheSuite) {
-    StartSuite();
-    Printed([&] { return Quit(*this); });
-    EXPECT_TRUE(suite->QuitRequested());
+TEST_F(CtlTest, QuitWaitsUntilAllHaveLeft) {
+    const struct {
+        const char* what;
+        bool wait;
+        int leaves;    // ms after which the suite lets go of the record
+        int patience;  // ms after which the user has enough
+        int waited, status;
+    } rows[] = {
+        {"all leave", true, 300, 20000, 400, 0},
+        {"one stays", true, 20000, 20000, 10000, 1},
+        {"the user does not wait", true, 20000, 500, 500, 1},
+        {"not to be waited for", false, 0, 20000, 0, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        StartSuite();
+        console.waited = 0;
+        console.goOn = [&] {
+            if (console.waited >= row.leaves) suite.reset();
+            return console.waited < row.patience;
+        };
+        const std::string said = Printed([&] { return Quit(*this, {.wait = row.wait}); }, row.status);
+        ExpectIn(said, {"Asked the programs of the suite to close.\n"});
+        EXPECT_EQ(row.status == 1, said.find("still hold the record") != std::string::npos) << said;
+        EXPECT_EQ(row.waited, console.waited);
+        EXPECT_TRUE(!suite || suite->QuitRequested());
+        suite.reset();
+        EXPECT_FALSE(Held());
+    }
 }
 
 }  // namespace

@@ -6,22 +6,35 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 
+#include "platform/held_output.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
 
 namespace twr {
 namespace {
 
+// Waits for as long as it takes. Another program may have left the terminal such that it refuses to.
 bool WriteAll(int to, std::string_view text) {
     signal(SIGPIPE, SIG_IGN);
     while (!text.empty()) {
         const ssize_t written = write(to, text.data(), text.size());
-        if (written <= 0) return false;
-        text.remove_prefix(static_cast<std::size_t>(written));
+        if (written > 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (written < 0 && errno == EAGAIN) {
+            pollfd room{to, POLLOUT, 0};
+            poll(&room, 1, -1);
+        } else {
+            return false;
+        }
     }
     return true;
+}
+
+std::function<bool()> Writer(int to, std::string_view text) {
+    return [to, owned = std::string(text)] { return WriteAll(to, owned); };
 }
 
 // An editor's shell window, for one, says of itself that it only prints.
@@ -39,8 +52,10 @@ public:
         return ConsoleSize{size.ws_col, size.ws_row};
     }
 
-    bool Write(std::string_view utf8) override { return WriteAll(STDOUT_FILENO, utf8); }
-    void WriteError(std::string_view utf8) override { WriteAll(STDERR_FILENO, utf8); }
+    Output Write(std::string_view utf8, const std::function<bool()>& goOn) override {
+        return RunWrite(Writer(STDOUT_FILENO, utf8), goOn);
+    }
+    void WriteError(std::string_view utf8) override { RunShortWrite(Writer(STDERR_FILENO, utf8)); }
 
     bool Wait(int milliseconds) override {
         if (!signals_) Listen();
@@ -49,7 +64,7 @@ public:
     }
 
 private:
-    // From the first wait on, so that a command that never waits is ended by a signal as any other.
+    // From the first wait or question on, so that a command that never waits is ended by a signal as any other.
     void Listen() {
         sigset_t signals;
         sigemptyset(&signals);

@@ -1,5 +1,6 @@
 #include "platform/console.h"
 
+#include "platform/held_output.h"
 #include "platform/windows/services.h"
 
 namespace twr {
@@ -20,6 +21,10 @@ bool WriteAll(HANDLE to, std::string_view text) {
         text.remove_prefix(written);
     }
     return true;
+}
+
+std::function<bool()> Writer(HANDLE to, std::string_view text) {
+    return [to, owned = std::string(text)] { return WriteAll(to, owned); };
 }
 
 }  // namespace
@@ -46,11 +51,13 @@ std::optional<ConsoleSize> WindowsConsole::Size() const {
     return ConsoleSize{info.srWindow.Right - info.srWindow.Left + 1, info.srWindow.Bottom - info.srWindow.Top + 1};
 }
 
-bool WindowsConsole::Write(std::string_view utf8) { return WriteAll(output_, utf8); }
+Output WindowsConsole::Write(std::string_view utf8, const std::function<bool()>& goOn) {
+    return RunWrite(Writer(output_, utf8), goOn);
+}
 
-void WindowsConsole::WriteError(std::string_view utf8) { WriteAll(error_, utf8); }
+void WindowsConsole::WriteError(std::string_view utf8) { RunShortWrite(Writer(error_, utf8)); }
 
-// From the first wait on, so that a command that never waits is ended by Ctrl-C as any other.
+// From the first wait or question on, so that a command that never waits is ended by Ctrl-C as any other.
 bool WindowsConsole::Wait(int milliseconds) {
     if (!listening_) listening_ = SetConsoleCtrlHandler(OnStop, TRUE);
     return WaitForSingleObject(StopEvent(), static_cast<DWORD>(milliseconds)) == WAIT_TIMEOUT;

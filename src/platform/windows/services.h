@@ -98,7 +98,7 @@ public:
     WindowsConsole(const WindowsConsole&) = delete;
     WindowsConsole& operator=(const WindowsConsole&) = delete;
     std::optional<ConsoleSize> Size() const override;
-    bool Write(std::string_view utf8) override;
+    Output Write(std::string_view utf8, const std::function<bool()>& goOn) override;
     void WriteError(std::string_view utf8) override;
     bool Wait(int milliseconds) override;
 
