@@ -8,15 +8,22 @@
 namespace twr {
 
 struct ChannelReading {
-    std::u16string text;        // in the user's units; "- -" without a fresh value
-    std::u16string_view unit;   // its short label; empty where there is none
-    double value = kNoValue;    // as stored, in internal units
-    std::optional<double> age;  // seconds since the last publication; nothing when it was never published
-    std::int32_t limit = 0;     // seconds after which a value counts as gone; 0 for never
-    std::string missing;        // why there is no fresh value; empty when there is one
+    std::optional<double> value;    // as stored, in the internal unit; nothing without a fresh value
+    std::u16string_view valueUnit;  // its label; empty where there is none
+    std::u16string text;            // in the user's units; "- -" without a fresh value
+    std::u16string_view textUnit;   // empty where there is none, or the text says it itself
+    std::optional<double> age;      // seconds since the last publication; nothing when it was never published
+    std::int32_t limit = 0;         // seconds after which a value counts as gone; 0 for never
+    std::string missing;            // why there is no fresh value; empty when there is one
 };
 
-// `now` in days. An alternating channel is read as the one that it stands for.
-ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, double now);
+// What a reading depends on beside the record.
+struct Circumstances {
+    double now;        // days
+    bool degreesTrue;  // Deckman's bearings come true, as far as is known
+};
+
+// An alternating channel is read as the one that it stands for.
+ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, const Circumstances& circumstances);
 
 }  // namespace twr

@@ -1,10 +1,10 @@
-#include <algorithm>
 #include <cstdio>
 #include <string>
 
 #include "core/channel_catalogue.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/commands.h"
+#include "halyrigctl/json.h"
 #include "platform/wide_text.h"
 
 namespace twr {
@@ -20,6 +20,11 @@ std::string Flags(const ChannelInfo& info) {
     return flags;
 }
 
+bool HasRange(const ChannelInfo& info) { return info.min != info.max; }
+bool GetsStale(const ChannelInfo& info) { return info.staleSeconds != 0; }
+bool HasPrec(const ChannelInfo& info) { return info.prec != 255; }
+bool HasShortIndex(const ChannelInfo& info) { return info.shortIndex < kShortChannelCount; }
+
 template <class... Arguments>
 std::string Formatted(const char* format, Arguments... arguments) {
     char line[256];
@@ -33,44 +38,63 @@ constexpr const char* kTextRow = "%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n
 
 // For people: a dash where there is nothing to tell.
 std::string TextRow(const ChannelInfo& info) {
-    const bool ranged = info.min != info.max;
     return Formatted(kTextRow, std::to_string(info.id).c_str(), ToUtf8(CatalogueName(info.id)).c_str(),
-                     ToUtf8(info.longName).c_str(), std::to_string(info.type).c_str(), OrDash(ranged, info.min).c_str(),
-                     OrDash(ranged, info.max).c_str(), OrDash(info.staleSeconds != 0, info.staleSeconds).c_str(),
-                     OrDash(info.prec != 255, info.prec).c_str(),
-                     OrDash(info.shortIndex < kShortChannelCount, info.shortIndex).c_str(), Flags(info).c_str());
+                     ToUtf8(info.longName).c_str(), std::to_string(info.type).c_str(), OrDash(HasRange(info), info.min).c_str(),
+                     OrDash(HasRange(info), info.max).c_str(), OrDash(GetsStale(info), info.staleSeconds).c_str(),
+                     OrDash(HasPrec(info), info.prec).c_str(), OrDash(HasShortIndex(info), info.shortIndex).c_str(),
+                     Flags(info).c_str());
 }
 
-// For programs. Names hold no character that a format would have to escape: no quote, backslash, tab or control character.
-std::string DataRow(const ChannelInfo& info, TableForm form) {
-    const char* const format = form == TableForm::kTsv
-                                   ? "%d\t%s\t%s\t%d\t%d\t%d\t%d\t%d\t%d\t%s\n"
-                                   : R"(  {"id": %d, "name": "%s", "longName": "%s", "type": %d, "min": %d, "max": %d, )"
-                                     R"("staleSeconds": %d, "prec": %d, "shortIndex": %d, "flags": "%s"})";
-    return Formatted(format, info.id, ToUtf8(info.name).c_str(), ToUtf8(info.longName).c_str(), info.type, info.min, info.max,
-                     info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());
+// The numbers that the suite keeps. No name holds a tab.
+std::string TsvRow(const ChannelInfo& info) {
+    return Formatted("%d\t%s\t%s\t%d\t%d\t%d\t%d\t%d\t%d\t%s\n", info.id, ToUtf8(info.name).c_str(), ToUtf8(info.longName).c_str(),
+                     info.type, info.min, info.max, info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());
 }
 
-std::string Heading(TableForm form) {
-    switch (form) {
-        case TableForm::kTsv:
-            return "id\tname\tlongName\ttype\tmin\tmax\tstaleSeconds\tprec\tshortIndex\tflags\n";
-        case TableForm::kJson:
-            return "[\n";
-        default:
-            return Formatted(kTextRow, "id", "name", "long name", "type", "min", "max", "stale", "prec", "short", "flags");
-    }
+std::string JsonRow(const ChannelInfo& info) {
+    const std::string flags = Flags(info);
+    return "  " + JsonLine({{"id", info.id},
+                            {"name", TextOrNull(info.name)},
+                            {"longName", TextOrNull(info.longName)},
+                            {"type", static_cast<int>(info.type)},
+                            {"min", Told(HasRange(info), info.min)},
+                            {"max", Told(HasRange(info), info.max)},
+                            {"staleSeconds", Told(GetsStale(info), info.staleSeconds)},
+                            {"prec", Told(HasPrec(info), info.prec)},
+                            {"shortIndex", Told(HasShortIndex(info), info.shortIndex)},
+                            {"flags", Told(!flags.empty(), flags)}});
+}
+
+std::string TextTable() {
+    std::string table = Formatted(kTextRow, "id", "name", "long name", "type", "min", "max", "stale", "prec", "short", "flags");
+    for (const ChannelInfo& info : ChannelCatalogue()) table += TextRow(info);
+    return table;
+}
+
+std::string TsvTable() {
+    std::string table = "id\tname\tlongName\ttype\tmin\tmax\tstaleSeconds\tprec\tshortIndex\tflags\n";
+    for (const ChannelInfo& info : ChannelCatalogue()) table += TsvRow(info);
+    return table;
+}
+
+// One channel on each line.
+std::string JsonTable() {
+    std::string table;
+    for (const ChannelInfo& info : ChannelCatalogue()) table += (table.empty() ? "[\n" : ",\n") + JsonRow(info);
+    return table + "\n]\n";
 }
 
 }  // namespace
 
 Status ListChannels(Console& console, TableForm form) {
-    std::string table = Heading(form);
-    for (const ChannelInfo& info : ChannelCatalogue()) {
-        table += form == TableForm::kText ? TextRow(info) : DataRow(info, form);
-        if (form == TableForm::kJson) table += info.id + 1u < kChannelCount ? ",\n" : "\n]\n";
+    switch (form) {
+        case TableForm::kTsv:
+            return Print(console, TsvTable());
+        case TableForm::kJson:
+            return Print(console, JsonTable());
+        default:
+            return Print(console, TextTable());
     }
-    return Print(console, table);
 }
 
 }  // namespace twr

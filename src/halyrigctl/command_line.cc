@@ -27,7 +27,8 @@ void AddChannels(Commands& all) {
         return command->add_flag_callback(
             name, [&all, form] { all.form = form; }, help);
     };
-    formFlag("--tsv", "As tab-separated values", TableForm::kTsv)->excludes(formFlag("--json", "As JSON", TableForm::kJson));
+    formFlag("--tsv", "As tab-separated values", TableForm::kTsv)
+        ->excludes(formFlag("--json", "As JSON, with null where there is nothing to tell", TableForm::kJson));
     command->callback([&all] { all.status = ListChannels(all.system.GetConsole(), all.form); });
 }
 
@@ -35,6 +36,7 @@ void AddGet(Commands& all) {
     CLI::App* command = all.app.add_subcommand("get", "Show one channel, or why it has no value");
     command->add_option("ID", all.get.channel, "The channel's number, short name, or name of your own")->required();
     command->add_option("--boat", all.get.boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
+    command->add_flag("--json", all.get.json, "As JSON, with the reason why there is no value as \"missing\"");
     command->callback([&all] { all.status = GetChannelValue(all.system, all.get); });
 }
 

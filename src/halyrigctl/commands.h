@@ -21,6 +21,7 @@ Status ListChannels(Console& console, TableForm form);
 struct GetOptions {
     std::string channel;  // as FindChannel takes it
     BoatSlot boat = 0;    // below kBoatCount
+    bool json = false;    // the reason for a missing value then goes to standard output too
 };
 
 // Prints one channel of one boat: value and age, or why there is none.

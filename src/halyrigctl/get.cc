@@ -1,14 +1,62 @@
+#include <cmath>
 #include <cstdio>
 #include <string>
 
 #include "core/days.h"
+#include "halyrigctl/bridge_settings.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
-#include "platform/wide_text.h"
+#include "halyrigctl/json.h"
+#include "halyrigctl/text_cells.h"
 
 namespace twr {
+namespace {
+
+constexpr std::size_t kLongestText = 128;  // decimals are another program's choice, up to 65535
+
+// A figure beside its own unit.
+std::string WithUnit(const std::string& figure, std::u16string_view unit) {
+    return unit.empty() ? figure : figure + " " + ToUtf8(unit);
+}
+
+// As exact as a time stamp sensibly is.
+double ToMilliseconds(double seconds) { return std::round(seconds * 1000) / 1000; }
+
+std::string Formatted(const char* format, double number) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, number);
+    return text;
+}
+
+std::string AsText(ChannelId channel, std::u16string_view name, BoatSlot boat, const ChannelReading& reading) {
+    std::string text = "channel  " + std::to_string(channel) + " " + Harmless(name);
+    const auto line = [&](const char* label, const std::string& what) { text += std::string("\n") + label + what; };
+    line("boat     ", std::to_string(boat));
+    line("value    ", WithUnit(Formatted("%.10g", reading.value.value_or(kNoValue)), reading.valueUnit));
+    line("text     ", WithUnit(Cut(Harmless(reading.text), kLongestText), reading.textUnit));
+    line("age      ", Formatted("%.1f s", reading.age.value_or(0.0)));
+    line("limit    ", reading.limit > 0 ? std::to_string(reading.limit) + " s" : "none");
+    return text + "\n";
+}
+
+std::string AsJson(ChannelId channel, std::u16string_view name, BoatSlot boat, const ChannelReading& reading) {
+    const bool there = reading.missing.empty();
+    return JsonLine({{"id", channel},
+                     {"name", TextOrNull(name)},
+                     {"boat", boat},
+                     {"value", Told(there, reading.value.value_or(kNoValue))},
+                     {"valueUnit", TextOrNull(reading.valueUnit)},
+                     {"text", there ? TextOrNull(reading.text) : Json()},
+                     {"textUnit", TextOrNull(reading.textUnit)},
+                     {"age", Told(reading.age.has_value(), ToMilliseconds(reading.age.value_or(0.0)))},
+                     {"limit", Told(reading.limit > 0, reading.limit)},
+                     {"missing", Told(!there, reading.missing)}}) +
+           "\n";
+}
+
+}  // namespace
 
 Status GetChannelValue(System& system, const GetOptions& options) {
     Guest guest(system);
@@ -21,20 +69,19 @@ Status GetChannelValue(System& system, const GetOptions& options) {
                               "; 'halyrigctl channels' lists them, 'halyrigctl get --help' tells how to name one");
         return kMisunderstood;
     }
-    const ChannelReading reading = ReadChannel(guest.Core(), *channel, options.boat, UtcNowDays(system.Core().clock));
-    const std::string name = Harmless(NameForPeople(guest.Core(), *channel));
+    const CoreServices services = system.Core();
+    const Circumstances circumstances{UtcNowDays(services.clock), SavedDegreesTrue(services.registry)};
+    const ChannelReading reading = ReadChannel(guest.Core(), *channel, options.boat, circumstances);
+    const std::u16string name = NameForPeople(guest.Core(), *channel);
     guest.Leave();
-    if (!reading.missing.empty()) {
-        Complain(console, name + " has no value: " + reading.missing);
-        return kFailed;
+    const bool there = reading.missing.empty();
+    if (options.json) {
+        const Status printed = Print(console, AsJson(*channel, name, options.boat, reading));
+        return there ? printed : kFailed;
     }
-    char lines[512];
-    std::snprintf(lines, sizeof lines,
-                  "channel  %u %s\nboat     %u\nvalue    %.10g\ntext     %s\nunit     %s\nage      %.1f s\nlimit    %s\n",
-                  static_cast<unsigned>(*channel), name.c_str(), static_cast<unsigned>(options.boat), reading.value,
-                  Harmless(reading.text).substr(0, 128).c_str(), reading.unit.empty() ? "-" : ToUtf8(reading.unit).c_str(),
-                  reading.age.value_or(0.0), reading.limit > 0 ? (std::to_string(reading.limit) + " s").c_str() : "none");
-    return Print(console, lines);
+    if (there) return Print(console, AsText(*channel, name, options.boat, reading));
+    Complain(console, Harmless(name) + " has no value: " + reading.missing);
+    return kFailed;
 }
 
 }  // namespace twr

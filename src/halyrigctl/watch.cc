@@ -2,6 +2,7 @@
 
 #include "core/days.h"
 #include "core/shared_field.h"
+#include "halyrigctl/bridge_settings.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
@@ -18,8 +19,8 @@ std::vector<ChannelLine> ReadChannels(CCore& core, double now) {
     std::vector<ChannelLine> lines;
     for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
         if (Load(core.View()->fullBlocks[0].time[channel]) == 0.0) continue;
-        const ChannelReading reading = ReadChannel(core, channel, 0, now);
-        lines.push_back({channel, Harmless(core.ChannelName(channel)), Harmless(reading.text), ToUtf8(reading.unit),
+        const ChannelReading reading = ReadChannel(core, channel, 0, {.now = now, .degreesTrue = false});
+        lines.push_back({channel, Harmless(core.ChannelName(channel)), Harmless(reading.text), ToUtf8(reading.textUnit),
                          reading.age.value_or(0.0), reading.missing.empty()});
     }
     return lines;
@@ -29,7 +30,7 @@ std::string ShownBytes(const std::string& bytes) { return Harmless(FromBytes(byt
 
 // What the stand-in for Deckman has been told to show; nothing beside the real one, whose displays stand on the mast.
 std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
-    const auto folder = TextOf(services.registry.Read(u"Software\\Tidewright\\Halyrig32\\settings", u"DfwFolder"));
+    const auto folder = SavedFolder(services.registry);
     if (!folder) return {};
     const DisplayReader displays(services.memory, Trimmed(std::u16string_view(*folder)));
     std::vector<RemoteLine> lines;

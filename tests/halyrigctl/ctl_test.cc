@@ -68,6 +68,9 @@ protected:
     std::string Got(ChannelId channel, BoatSlot boat = 0, int status = 0) {
         return Printed([&] { return GetChannelValue(*this, {std::to_string(channel), boat}); }, status);
     }
+    std::string GotJson(ChannelId channel, int status = 0) {
+        return Printed([&] { return GetChannelValue(*this, {.channel = std::to_string(channel), .json = true}); }, status);
+    }
     // A guest would find the record.
     bool Held() { return CCore(Core(), Attachment::kOpenOnly).View() != nullptr; }
     std::string Watched(std::optional<ConsoleSize> size = {}) {
@@ -102,9 +105,11 @@ TEST_F(CtlTest, ListsTheCatalogueInThreeForms) {
               "  34  Tm on S      Layline time on starb             2      -      -     10     -      -  \n",
               " 161  Mk Lat       Mark latitude                     8    -90     90      -     -      -  l\n"});
     const std::string json = list(TableForm::kJson);
-    ExpectIn(json, {R"({"id": 13, "name": "HDG", "longName": "Heading", "type": 6, "min": 0, "max": 360, "staleSeconds": 10, )"
-                    R"("prec": 0, "shortIndex": 11, "flags": "dl"},)"});
-    EXPECT_TRUE(json.starts_with("[\n") && json.ends_with("\"flags\": \"dl\"}\n]\n"));
+    ExpectIn(json, {R"({"id":13,"name":"HDG","longName":"Heading","type":6,"min":0,"max":360,"staleSeconds":10,)"
+                    R"("prec":0,"shortIndex":11,"flags":"dl"},)",
+                    R"({"id":0,"name":null,"longName":"Time")",
+                    R"("type":2,"min":null,"max":null,"staleSeconds":10,"prec":null,"shortIndex":null,"flags":null},)"});
+    EXPECT_TRUE(json.starts_with("[\n") && json.ends_with("\"flags\":\"dl\"}\n]\n"));
 }
 
 TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
@@ -136,16 +141,47 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
     StartSuite();
     Record().SetInt(2, 2);
     Publish(kBsp, 10.0);
-    ExpectIn(Got(kBsp),
-             {"channel  1 BSP\n", "boat     0\n", "value    10\n", "text     18.52\nunit     km/hr\n", "limit    10 s\n"});
+    const std::string bsp = Got(kBsp);
+    ExpectIn(bsp, {"channel  1 BSP\nboat     0\nvalue    10 kt\ntext     18.52 km/hr\nage      0.0 s\nlimit    10 s\n"});
+    EXPECT_TRUE(bsp.starts_with("channel")) << bsp;
     const std::pair<std::size_t, ChannelId> chain[] = {{0, kAlt1}, {1, kAlt2}, {2, kBsp}};
     for (const auto& [row, next] : chain) Record().SetSlot(row, 1, next);
-    ExpectIn(Got(kAlt0), {"value    10\n", "text     18.52\nunit     km/hr\n"});
+    ExpectIn(Got(kAlt0), {"value    10 kt\ntext     18.52 km/hr\n"});
     Publish(kMkLat, 45.2057);
-    ExpectIn(Got(kMkLat), {"text     45 12.3420n\nunit     -\n", "limit    none\n"});
+    ExpectIn(Got(kMkLat), {"value    45.2057 \u00B0\ntext     45 12.3420n\n", "limit    none\n"});
     Publish(kMagVar, -3.0);
-    ExpectIn(Got(kMagVar), {"text     3.00\u00B0w\nunit     -\n"});
+    ExpectIn(Got(kMagVar), {"value    -3 \u00B0\ntext     3.00\u00B0w\n"});
+    Publish(kTmOnS, 0.5);
+    ExpectIn(Got(kTmOnS), {"value    0.5 days\ntext     12h 00m\n"});
+    Record().SetFlag(3, false);
+    Publish(kHdg, 90.0);
+    ExpectIn(Got(kHdg), {"value    90 \u00B0M\ntext     087 \u00B0T\n"});
     ExpectIn(Got(kTime), {"channel  0 Time\n"});
+}
+
+TEST_F(CtlTest, GetsAValueAsJson) {
+    StartSuite();
+    Record().SetInt(2, 2);
+    Publish(kBsp, 10.0);
+    Publish(kMkLat, 45.0);
+    Publish(kSail, 1.0);
+    Publish(kAwa, 30.0, 20.0);
+    const struct {
+        ChannelId channel;
+        int status;
+        std::vector<const char*> parts;
+    } rows[] = {
+        {kBsp,
+         0,
+         {R"({"id":1,"name":"BSP","boat":0,"value":10.0,"valueUnit":"kt","text":"18.52","textUnit":"km/hr","age":)",
+          R"(,"limit":10,"missing":null})"}},
+        {kMkLat, 0, {R"("valueUnit":"\u00b0","text":"45 00.0000n","textUnit":null)", R"("limit":null)"}},
+        {kSail, 0, {R"("valueUnit":null,"text":null,)"}},
+        {kAwa, 1, {R"("value":null,"valueUnit":"\u00b0","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
+        {kHdg, 1, {R"("age":null,"limit":10,"missing":"it was never)"}},
+        {kAlt3, 1, {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}},
+    };
+    for (const auto& row : rows) ExpectIn(GotJson(row.channel, row.status), row.parts);
 }
 
 TEST_F(CtlTest, NoTextOfTheRecordCommandsTheTerminal) {
@@ -157,6 +193,7 @@ TEST_F(CtlTest, NoTextOfTheRecordCommandsTheTerminal) {
     ExpectIn(Got(kSail), {"text     A\u00B7[31m\u00B7\u00B7\u00B72\n"});
     ExpectIn(Got(172), {"channel  172 Lead\u00B7\u00B7\n"});
     ExpectIn(Watched(), {"A\u00B7[31m\u00B7\u00B7\u00B72", " 172  Lead\u00B7\u00B7 "});
+    ExpectIn(GotJson(kSail), {R"("text":"A\u001b[31m\u0085\u007f\u202e2")"});
 }
 
 TEST_F(CtlTest, TellsWhyThereIsNoValue) {
@@ -168,6 +205,11 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
     Record().SetFlag(3, false);  // bearings are shown true
     Record().SetInt(1, 7);       // the unit of depths
     Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
+    Record().Set<std::uint8_t>(RecordBytes::Channel(kAws) + 4, 1);
+    Record().SetFlag(52, true);
+    suite->SetChannel(kHdg, 2, 90.0, UtcNowDays(Core().clock) - 70.0 / 86400);
+    Record().Set<std::uint32_t>(51012 + 80 * 2 + 72, 211234560);
+    Record().Set<std::int32_t>(51012 + 80 * 2, 60);
     const struct {
         const char* reason;
         ChannelId channel;
@@ -178,12 +220,24 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
         {"no place", kRot, 5},
         {"gives no value", kTws},
         {"stale: last published 20.0 s ago, and the limit is 10 s", kAwa},
+        {"70.0 s ago, and the limit is 60 s", kHdg, 2},
         {"blocked", kHeel},
+        {"held: another program of the suite lets nothing new into it (system flag 52)", kAws},
         {"no variation", kHdg},
         {"unit chosen", kDepth},
         {"stands for no channel", kAlt3},
     };
     for (const auto& row : rows) ExpectIn(Got(row.channel, row.boat, 1), {row.reason});
+}
+
+TEST_F(CtlTest, ABearingThatCouldNotBeMadeMagneticLacksTheVariation) {
+    StartSuite();
+    Publish(kTwd, kNoValue);
+    ExpectIn(Got(kTwd, 0, 1), {"gives no value, or one outside the channel's range; or Deckman's bearings are taken as true, and"});
+    Core().registry.Write(u"Software\\Tidewright\\Halyrig32\\settings", u"DfwTrue", DwordValue(1));
+    ExpectIn(Got(kTwd, 0, 1), {"no value: Deckman's bearings are taken as true, and there is no variation (MagVar, channel 93)"});
+    Publish(kMagVar, 4.0);
+    ExpectIn(Got(kTwd, 0, 1), {"outside the channel's range\n"});
 }
 
 TEST_F(CtlTest, APositionIsMissedFromItsSource) {
@@ -228,8 +282,8 @@ TEST_F(CtlTest, SaysThatItsOutputIsLost) {
     StartSuite();
     Publish(kBsp, 6.0);
     console.closed = true;
-    for (const std::vector<std::string>& arguments :
-         std::vector<std::vector<std::string>>{{"--help"}, {"channels"}, {"get", "BSP"}, {"watch"}, {"quit", "--no-wait"}}) {
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"--help"}, {"channels"}, {"get", "BSP"}, {"get", "BSP", "--json"}, {"watch"}, {"quit", "--no-wait"}}) {
         ExpectIn(Printed([&] { return RunCommandLine(*this, arguments); }, 1), {"halyrigctl: standard output can't be written"});
     }
 }
