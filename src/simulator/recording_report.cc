@@ -18,5 +18,6 @@ int main(int argc, char** argv) {
         console.WriteError("the recording " + file + " can't be played: " + why + "\n");
         return 1;
     }
-    return console.Write(twr::Described(survey)) ? 0 : 1;
+    const auto notStopped = [&] { return console.Wait(0); };
+    return console.Write(twr::Described(survey), notStopped) == twr::Output::kWritten ? 0 : 1;
 }
