@@ -40,7 +40,7 @@ TEST_F(StandInTest, MovesWithTheClock) {
 }
 
 TEST_F(StandInTest, ReadsOneMomentWithinATickAndLosesNoTime) {
-    Write(u"simulation.txt", "speed=100\n");
+    files.files = {{JoinPath(kFolder, u"simulation.txt"), "speed=100\n"}};
     StandIn standIn = Load();
     const float before = standIn.Read(kBspNumber);
     for (int ms = 1; ms <= 1000; ++ms) {
