@@ -1,7 +1,7 @@
 #include <string_view>
 
 #include "core/core.h"
-#include "platform/linux/registry_text.h"
+#include "platform/linux/registry/registry_text.h"
 #include "support/fakes.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include <cmath>
 
-#include "simulator/recording_replay.h"
-#include "simulator/stand_in_settings.h"
+#include "stand_in/recording_replay.h"
+#include "stand_in/stand_in_settings.h"
 #include "support/fakes.h"
 
 // What the stand-in reads beside itself: its settings and a recording.

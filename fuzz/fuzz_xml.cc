@@ -4,10 +4,10 @@
 #include <iterator>
 #include <string>
 
+#include "base/wide_text.h"
 #include "core/core.h"
 #include "mapping/mapping_file.h"
 #include "platform/linux/services.h"
-#include "platform/wide_text.h"
 #include "support/fakes.h"
 
 namespace {

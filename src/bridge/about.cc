@@ -1,6 +1,6 @@
 #include "bridge/about.h"
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace twr {
 

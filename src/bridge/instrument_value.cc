@@ -1,7 +1,7 @@
 #include "bridge/instrument_value.h"
 
+#include "base/no_value.h"
 #include "core/instrument_bearings.h"
-#include "core/no_value.h"
 
 namespace twr {
 namespace {

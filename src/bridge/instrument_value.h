@@ -1,6 +1,6 @@
 // From a reading of Deckman to the value of a channel. Deckman gives 32-bit floats, and the conversions keep to them.
 #pragma once
-#include "core/user_channels.h"
+#include "base/channel_ids.h"
 
 namespace twr {
 

@@ -1,11 +1,11 @@
 #include "bridge/main_dialog.h"
 
+#include "base/wide_text.h"
 #include "bridge/about.h"
 #include "bridge/controls.h"
 #include "bridge/settings.h"
 #include "mapping/mapping_file.h"
 #include "platform/paths.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -1,6 +1,6 @@
 #include "bridge/remote_text.h"
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "text/duration_text.h"
 
 namespace twr {

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "calibration/no_value.h"
+#include "base/no_value.h"
 
 namespace twr {
 

@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <string>
 
+#include "base/text_lines.h"
 #include "core/core.h"
 #include "core/shared_field.h"
-#include "platform/text_lines.h"
 
 namespace twr {
 namespace {

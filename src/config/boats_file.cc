@@ -1,11 +1,11 @@
 // boats.xml: names, MMSIs and display colours of the boats.
+#include "base/scan.h"
+#include "base/wide_text.h"
 #include "config/xml_elements.h"
 #include "core/core.h"
 #include "core/initialise.h"
 #include "core/record_text.h"
 #include "core/shared_field.h"
-#include "platform/scan.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -1,10 +1,10 @@
 // channels.xml: log mark, damping and decimals of single channels, and the types and names of the user channels.
+#include "base/scan.h"
+#include "base/wide_text.h"
 #include "config/xml_elements.h"
 #include "core/core.h"
 #include "core/record_text.h"
 #include "core/shared_field.h"
-#include "platform/scan.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

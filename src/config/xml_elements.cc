@@ -1,6 +1,6 @@
 #include "config/xml_elements.h"
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace twr {
 

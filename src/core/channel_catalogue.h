@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "core/user_channels.h"
+#include "base/channel_ids.h"
 
 namespace twr {
 

@@ -3,10 +3,10 @@
 
 #include <cstdio>
 
+#include "base/wide_text.h"
 #include "core/days.h"
 #include "core/initialise.h"
 #include "core/shared_field.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 

@@ -10,11 +10,11 @@
 #include <string>
 #include <string_view>
 
+#include "base/no_value.h"
 #include "calibration/calibration_catalogue.h"
 #include "calibration/object.h"
 #include "core/channel_catalogue.h"
 #include "core/core_record.h"
-#include "core/no_value.h"
 #include "platform/system.h"
 
 namespace twr {

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "core/user_channels.h"
+#include "base/channel_ids.h"
 
 namespace twr {
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/no_value.h"
 #include "core/channel_catalogue.h"
-#include "core/no_value.h"
 #include "core/shared_field.h"
 
 namespace twr {

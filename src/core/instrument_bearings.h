@@ -1,6 +1,6 @@
 // The bearings that Deckman gives. Where they come true, the record's magnetic ones can't be made without the variation.
 #pragma once
-#include "core/user_channels.h"
+#include "base/channel_ids.h"
 
 namespace twr {
 

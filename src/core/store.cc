@@ -1,7 +1,7 @@
 #include "core/store.h"
 
+#include "base/no_value.h"
 #include "core/channel_catalogue.h"
-#include "core/no_value.h"
 #include "core/shared_field.h"
 
 namespace twr {

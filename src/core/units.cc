@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <span>
 
+#include "base/no_value.h"
 #include "core/channel_catalogue.h"
-#include "core/no_value.h"
 #include "core/shared_field.h"
 
 namespace twr {

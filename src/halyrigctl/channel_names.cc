@@ -1,9 +1,9 @@
 #include "halyrigctl/channel_names.h"
 
+#include "base/scan.h"
+#include "base/wide_text.h"
 #include "core/channel_catalogue.h"
 #include "core/record_text.h"
-#include "platform/scan.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 

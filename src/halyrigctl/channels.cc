@@ -1,11 +1,11 @@
 #include <cstdio>
 #include <string>
 
+#include "base/wide_text.h"
 #include "core/channel_catalogue.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/json.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

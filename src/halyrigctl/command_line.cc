@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <sstream>
 
+#include "base/wide_text.h"
 #include "halyrigctl/commands.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/user_channels.h"
+#include "base/channel_ids.h"
 #include "halyrigctl/say.h"
 #include "platform/system.h"
 

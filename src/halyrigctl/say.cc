@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace twr {
 namespace {

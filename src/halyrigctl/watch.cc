@@ -1,15 +1,15 @@
 #include <algorithm>
 
+#include "base/wide_text.h"
 #include "core/days.h"
 #include "core/shared_field.h"
+#include "displays/displays.h"
 #include "halyrigctl/bridge_settings.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/screen.h"
 #include "halyrigctl/screen_style.h"
-#include "platform/wide_text.h"
-#include "simulator/displays.h"
 
 namespace twr {
 namespace {

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <string>
 
-#include "core/user_channels.h"
-#include "platform/text_lines.h"
+#include "base/channel_ids.h"
+#include "base/text_lines.h"
 
 namespace twr {
 namespace {

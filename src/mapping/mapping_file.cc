@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string>
 
-#include "core/user_channels.h"
-#include "platform/scan.h"
-#include "platform/wide_text.h"
+#include "base/channel_ids.h"
+#include "base/scan.h"
+#include "base/wide_text.h"
 
 namespace twr {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/no_value.h"
+#include "base/no_value.h"
 
 namespace twr {
 

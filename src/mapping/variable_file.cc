@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "base/text_lines.h"
+#include "base/wide_text.h"
 #include "platform/paths.h"
-#include "platform/text_lines.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -6,16 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "base/byte_source.h"
+
 namespace twr {
-
-// The bytes of an open file, from its start.
-class ByteSource {
-public:
-    virtual ~ByteSource() = default;
-
-    // Fills up to `room` bytes and gives their number; 0 at the end or when reading fails.
-    virtual std::size_t Read(char* to, std::size_t room) = 0;
-};
 
 class Files {
 public:

@@ -3,14 +3,14 @@
 #include <cmath>
 #include <span>
 
+#include "base/printed.h"
+#include "base/whole_number.h"
+#include "base/wide_text.h"
 #include "core/core.h"
 #include "core/record_text.h"
 #include "core/shared_field.h"
-#include "platform/wide_text.h"
 #include "text/duration_text.h"
 #include "text/position_text.h"
-#include "text/printed.h"
-#include "text/whole_number.h"
 
 namespace twr {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "core/core.h"
 #include "core/shared_field.h"
-#include "text/calendar.h"
+#include "base/calendar.h"
 
 namespace twr {
 namespace {

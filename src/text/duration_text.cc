@@ -3,10 +3,10 @@
 #include <cinttypes>
 #include <cmath>
 
-#include "core/no_value.h"
-#include "platform/wide_text.h"
-#include "text/printed.h"
-#include "text/whole_number.h"
+#include "base/no_value.h"
+#include "base/printed.h"
+#include "base/whole_number.h"
+#include "base/wide_text.h"
 
 namespace twr {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "core/no_value.h"
-#include "platform/wide_text.h"
-#include "text/printed.h"
+#include "base/no_value.h"
+#include "base/printed.h"
+#include "base/wide_text.h"
 
 namespace twr {
 namespace {

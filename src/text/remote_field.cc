@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "base/wide_text.h"
 #include "platform/code_page.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 

@@ -3,9 +3,9 @@
 
 #include <cstddef>
 
+#include "base/wide_text.h"
 #include "core/core.h"
 #include "core/record_text.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/wide_text.h"
 #include "core/core.h"
-#include "platform/wide_text.h"
 #include "support/fakes.h"
 #include "support/record_bytes.h"
 #include "support/test_system.h"

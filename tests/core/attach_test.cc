@@ -1,7 +1,7 @@
 #include <utility>
 
+#include "base/wide_text.h"
 #include "platform/paths.h"
-#include "platform/wide_text.h"
 #include "support/core_fixture.h"
 
 namespace twr::testing {

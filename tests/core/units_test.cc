@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "support/core_fixture.h"
 
 namespace twr::testing {

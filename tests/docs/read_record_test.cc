@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "base/wide_text.h"
 #include "core/core.h"
 #include "core/days.h"
-#include "platform/wide_text.h"
 #include "support/child_process.h"
 #include "support/test_system.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "base/wide_text.h"
 #include "core/channel_catalogue.h"
-#include "platform/wide_text.h"
 
 namespace twr::testing {
 namespace {

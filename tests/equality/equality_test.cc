@@ -2,12 +2,12 @@
 #include <cmath>
 #include <cstdio>
 
+#include "base/scan.h"
+#include "base/wide_text.h"
 #include "bridge/instrument_value.h"
 #include "bridge/remote_text.h"
 #include "core/days.h"
 #include "platform/paths.h"
-#include "platform/scan.h"
-#include "platform/wide_text.h"
 #include "support/core_fixture.h"
 
 namespace twr::testing {

@@ -2,9 +2,9 @@
 
 #include "core/core.h"
 #include "core/days.h"
+#include "displays/displays.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/commands.h"
-#include "simulator/displays.h"
 #include "support/record_bytes.h"
 #include "support/test_system.h"
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "base/wide_text.h"
 #include "mapping/mapping_rows.h"
-#include "platform/wide_text.h"
 
 namespace twr::testing {
 

@@ -4,7 +4,7 @@
 
 #include <random>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "support/test_system.h"
 #include "support/wine.h"
 #include "support/xml_outline.h"

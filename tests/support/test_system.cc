@@ -1,7 +1,7 @@
 #include "support/test_system.h"
 
+#include "base/wide_text.h"
 #include "platform/paths.h"
-#include "platform/wide_text.h"
 
 namespace twr::testing {
 

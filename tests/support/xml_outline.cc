@@ -1,6 +1,6 @@
 #include "support/xml_outline.h"
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace twr::testing {
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "support/core_fixture.h"
 #include "text/duration_text.h"
 

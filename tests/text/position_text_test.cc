@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-#include "core/no_value.h"
-#include "platform/wide_text.h"
+#include "base/no_value.h"
+#include "base/wide_text.h"
 
 namespace twr {
 namespace {

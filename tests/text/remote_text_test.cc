@@ -1,5 +1,5 @@
 // What a remote of the instruments shows: labels of channels, and the fields in which all texts go there.
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "support/core_fixture.h"
 #include "text/remote_field.h"
 #include "text/remote_label.h"

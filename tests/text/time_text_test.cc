@@ -1,8 +1,8 @@
 #include <cmath>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "support/core_fixture.h"
-#include "text/calendar.h"
+#include "base/calendar.h"
 #include "text/duration_text.h"
 
 namespace twr::testing {

@@ -1,5 +1,5 @@
 // The window host, showing the dialogs among the product's resources.
-#include "platform/windows/desktop.h"
+#include "platform/windows/dialog/desktop.h"
 
 #include <gtest/gtest.h>
 

@@ -9,10 +9,10 @@
 #include <functional>
 #include <thread>
 
+#include "base/wide_text.h"
 #include "bridge/controls.h"
 #include "core/core.h"
 #include "core/shared_field.h"
-#include "platform/wide_text.h"
 #include "support/child_process.h"
 #include "support/temp_folder.h"
 #include "support/windows/window_probe.h"

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace twr {
 

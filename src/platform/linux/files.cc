@@ -8,10 +8,10 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
 #include "platform/paths.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace twr {
 namespace {

@@ -7,10 +7,10 @@
 #include <cstdio>
 #include <vector>
 
+#include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
 #include "platform/paths.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -10,9 +10,9 @@
 #include <cstring>
 #include <vector>
 
+#include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -19,9 +19,9 @@
 #include <string>
 #include <thread>
 
+#include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace twr {
 

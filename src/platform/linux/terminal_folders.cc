@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/wide_text.h"
 #include "platform/linux/folder_list.h"
 #include "platform/linux/terminal_text.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <cstdlib>
 
+#include "base/wide_text.h"
 #include "platform/system.h"
-#include "platform/wide_text.h"
 
 namespace twr {
 namespace {

@@ -1,6 +1,6 @@
 #include "platform/arguments.h"
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "platform/windows/wide.h"
 #include "platform/windows/win32.h"
 

@@ -1,6 +1,6 @@
 #include "platform/system.h"
 
-#include "platform/windows/desktop.h"
+#include "platform/windows/dialog/desktop.h"
 #include "platform/windows/services.h"
 #include "platform/windows/wide.h"
 

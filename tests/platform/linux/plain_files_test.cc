@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "support/test_system.h"
 
 namespace twr {

@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
+#include "base/wide_text.h"
 #include "platform/paths.h"
-#include "platform/wide_text.h"
 #include "support/test_system.h"
 
 namespace twr {

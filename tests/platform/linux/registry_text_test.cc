@@ -1,10 +1,10 @@
-#include "platform/linux/registry_text.h"
+#include "platform/linux/registry/registry_text.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "support/xml_outline.h"
 
 namespace twr {

@@ -12,8 +12,8 @@
 #include <cstdio>
 #include <thread>
 
+#include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
-#include "platform/wide_text.h"
 #include "support/child_process.h"
 #include "support/test_system.h"
 

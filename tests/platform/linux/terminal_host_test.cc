@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <map>
 
+#include "base/wide_text.h"
 #include "platform/linux/services.h"
-#include "platform/wide_text.h"
 #include "support/child_process.h"
 #include "support/linux/pseudo_terminal.h"
 #include "support/scripted_dialog.h"

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "support/linux/environment_variable.h"
 #include "support/test_system.h"
 

@@ -2,7 +2,7 @@
 
 #include <vterm.h>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 
 namespace twr::testing {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/wide_text.h"
+#include "base/wide_text.h"
 #include "platform/windows/module_path.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"

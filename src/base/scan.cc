@@ -1,0 +1,38 @@
+#include "base/scan.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <limits>
+
+#include "base/wide_text.h"
+
+namespace twr {
+namespace {
+
+// 64 bits are scanned whatever the width asked for: what the narrower formats do with a number too long differs between libraries.
+std::optional<std::int64_t> Scan64(std::u16string_view text) {
+    std::int64_t number = 0;
+    if (std::sscanf(ToBytes(text).c_str(), "%" SCNd64, &number) != 1) return std::nullopt;
+    return number;
+}
+
+}  // namespace
+
+std::optional<std::int32_t> ScanInt(std::u16string_view text) {
+    const auto number = Scan64(text);
+    return number ? std::optional(static_cast<std::int32_t>(*number)) : std::nullopt;
+}
+
+std::optional<std::uint32_t> ScanUnsigned(std::u16string_view text) {
+    std::uint64_t number = 0;
+    if (std::sscanf(ToBytes(text).c_str(), "%" SCNu64, &number) != 1) return std::nullopt;
+    return static_cast<std::uint32_t>(number);
+}
+
+std::int32_t LeadingInt(std::u16string_view text) {
+    using Bounds = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(Scan64(text).value_or(0), Bounds::min(), Bounds::max()));
+}
+
+}  // namespace twr

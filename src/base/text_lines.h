@@ -1,0 +1,29 @@
+// A file's bytes as the lines of a text file.
+#pragma once
+#include <array>
+#include <cstddef>
+#include <string>
+
+#include "base/byte_source.h"
+
+namespace twr {
+
+// Lines end at LF; a CR before it is dropped, and byte 0x1A ends the text, as in text mode on Windows. The last line needs no end.
+class TextLines {
+public:
+    explicit TextLines(ByteSource& source) : source_(source) {}
+
+    // False when there is no further line.
+    bool Next(std::string& line);
+
+private:
+    bool NextByte(char& byte);
+
+    ByteSource& source_;
+    std::array<char, 4096> buffer_{};
+    std::size_t filled_ = 0;
+    std::size_t used_ = 0;
+    bool ended_ = false;
+};
+
+}  // namespace twr

@@ -1,0 +1,123 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <thread>
+
+#include "platform/linux/descriptor.h"
+#include "platform/linux/registry/registry_text.h"
+#include "platform/linux/registry/replace_file.h"
+#include "platform/linux/services.h"
+
+namespace twr {
+namespace {
+
+constexpr std::u16string_view kUserRoot = u"HKEY_CURRENT_USER\\";
+constexpr off_t kLargestFile = 64 << 20;  // bytes; a larger one is no registry of ours
+
+std::u16string FullKey(std::u16string_view key) { return std::u16string(kUserRoot) += key; }
+
+bool ReadAll(const Descriptor& file, std::string& bytes) {
+    char chunk[16384];
+    for (;;) {
+        const ssize_t got = read(file.Get(), chunk, sizeof chunk);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return false;
+        if (got == 0) return true;
+        bytes.append(chunk, static_cast<std::size_t>(got));
+    }
+}
+
+// Keeps other programs of the suite from changing the file between our reading and our writing. A stopped one can't hold us up for
+// long: settings are then written without.
+class FolderLock {
+public:
+    explicit FolderLock(const std::string& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        for (int i = 0; i < 100 && folder_ && flock(folder_.Get(), LOCK_EX | LOCK_NB) != 0; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+
+private:
+    const Descriptor folder_;
+};
+
+class RegistryFile final : public Registry {
+public:
+    explicit RegistryFile(const std::u16string& path) : path_(NativePath(path)) {}
+
+    bool OpenOrCreate(std::u16string_view key) override {
+        const FolderLock lock = Lock();
+        RegistryText* text = Current();
+        if (!text) return false;
+        if (text->HasKey(FullKey(key))) return true;
+        text->AddKey(FullKey(key));
+        return Save();
+    }
+
+    std::optional<RegistryValue> Read(std::u16string_view key, std::u16string_view name) const override {
+        const RegistryText* text = Current();
+        if (!text) return std::nullopt;
+        return text->Find(FullKey(key), name);
+    }
+
+    bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) override {
+        const FolderLock lock = Lock();
+        RegistryText* text = Current();
+        if (!text) return false;
+        if (text->Find(FullKey(key), name) == value) return true;
+        text->Set(FullKey(key), name, value);
+        return Save();
+    }
+
+private:
+    // What tells one state of the file from another.
+    struct Stamp {
+        ino_t number = 0;
+        off_t size = 0;
+        std::int64_t seconds = 0, nanoseconds = 0;
+        bool operator==(const Stamp&) const = default;
+    };
+
+    FolderLock Lock() const {
+        const std::string folder = path_.substr(0, path_.rfind('/') + 1);
+        if (folder.starts_with('/')) MakeFolders(folder);
+        return FolderLock(folder);
+    }
+
+    // The text of the file as it is now, a new one where there is no file; nullptr when there is one that can't be read.
+    RegistryText* Current() const {
+        const Descriptor file = OpenPlainFile(path_, O_RDONLY);
+        if (!file) {
+            if (errno != ENOENT) return nullptr;
+            stamp_.reset();
+            return &text_.emplace(std::string_view());
+        }
+        struct stat status {};
+        if (fstat(file.Get(), &status) != 0 || status.st_size > kLargestFile) return nullptr;
+        const Stamp stamp{status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+        if (text_ && stamp_ == stamp) return &*text_;
+        std::string bytes;
+        if (!ReadAll(file, bytes)) return nullptr;
+        stamp_ = stamp;
+        return &text_.emplace(bytes);
+    }
+
+    bool Save() {
+        stamp_.reset();  // read anew next time, whether or not it could be written
+        return ReplaceFile(path_, text_->Bytes());
+    }
+
+    const std::string path_;
+    mutable std::optional<RegistryText> text_;
+    mutable std::optional<Stamp> stamp_;
+};
+
+}  // namespace
+
+std::unique_ptr<Registry> MakeRegistry(const std::u16string& file) { return std::make_unique<RegistryFile>(file); }
+
+}  // namespace twr

@@ -1,0 +1,214 @@
+#include "platform/linux/registry/registry_syntax.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <optional>
+
+#include "base/wide_text.h"
+
+namespace twr {
+namespace {
+
+constexpr std::size_t kLongestLine = 80;  // of the bytes of a binary value
+
+class Scanner {
+public:
+    explicit Scanner(std::string_view text) : rest_(text) {}
+
+    std::string_view Rest() const { return rest_; }
+
+    bool Take(std::string_view word) {
+        if (!rest_.starts_with(word)) return false;
+        rest_.remove_prefix(word.size());
+        return true;
+    }
+
+    void SkipBlanks() { rest_.remove_prefix(std::min(rest_.find_first_not_of(" \t"), rest_.size())); }
+
+    bool TakeLineEnd() { return Take("\n") || Take("\r\n"); }
+
+    // Up to `most` hexadecimal digits, at least one.
+    bool TakeNumber(std::size_t most, std::uint32_t& number) {
+        const auto* begin = rest_.data();
+        const auto [end, error] = std::from_chars(begin, begin + std::min(most, rest_.size()), number, 16);
+        if (error != std::errc()) return false;
+        rest_.remove_prefix(static_cast<std::size_t>(end - begin));
+        return true;
+    }
+
+    // A text in quotation marks, over several lines where it holds line ends.
+    bool TakeQuoted(std::u16string& text) {
+        if (!Take("\"")) return false;
+        std::string bytes;
+        for (std::size_t i = 0; i < rest_.size(); ++i) {
+            if (rest_[i] == '"') {
+                text = FromUtf8(bytes);
+                rest_.remove_prefix(i + 1);
+                return true;
+            }
+            if (rest_[i] == '\\' && i + 1 < rest_.size() && (rest_[i + 1] == '\\' || rest_[i + 1] == '"')) ++i;
+            bytes.push_back(rest_[i]);
+        }
+        return false;
+    }
+
+    bool TakeBytes(std::vector<std::uint8_t>& data) {
+        for (;;) {
+            SkipBlanks();
+            if (Take("\\")) {
+                SkipBlanks();
+                if (!TakeLineEnd()) return false;
+                continue;
+            }
+            std::uint32_t byte = 0;
+            if (!TakeNumber(2, byte)) return true;
+            data.push_back(static_cast<std::uint8_t>(byte));
+            SkipBlanks();
+            if (!Take(",")) return true;
+        }
+    }
+
+private:
+    std::string_view rest_;
+};
+
+std::optional<RegistryValue> TakeValue(Scanner& scanner) {
+    std::u16string text;
+    std::uint32_t number = 0;
+    if (scanner.TakeQuoted(text)) return StringValue(text);
+    if (scanner.Take("dword:")) {
+        scanner.SkipBlanks();
+        if (!scanner.TakeNumber(8, number)) return std::nullopt;
+        return DwordValue(number);
+    }
+    RegistryValue value{kRegistryBinary, {}};
+    if (scanner.Take("hex(")) {
+        if (!scanner.TakeNumber(8, value.type) || !scanner.Take("):")) return std::nullopt;
+    } else if (!scanner.Take("hex:")) {
+        return std::nullopt;
+    }
+    if (!scanner.TakeBytes(value.data)) return std::nullopt;
+    return value;
+}
+
+// Gives the text behind the entry; nothing when the text doesn't start with an entry of a value.
+std::optional<std::string_view> ReadValueEntry(std::string_view text, RegistryEntry& entry) {
+    Scanner scanner(text);
+    scanner.SkipBlanks();
+    if (!scanner.Take("@") && !scanner.TakeQuoted(entry.name)) return std::nullopt;
+    scanner.SkipBlanks();
+    if (!scanner.Take("=")) return std::nullopt;
+    scanner.SkipBlanks();
+    if (scanner.Take("-")) {
+        entry.kind = RegistryEntryKind::kValueDeletion;
+    } else if (auto value = TakeValue(scanner)) {
+        entry.kind = RegistryEntryKind::kValue;
+        entry.value = std::move(*value);
+    } else {
+        return std::nullopt;
+    }
+    scanner.SkipBlanks();
+    if (!scanner.Rest().empty() && !scanner.TakeLineEnd()) return std::nullopt;
+    return scanner.Rest();
+}
+
+// A key that can't be read still ends the key before it: what follows is none of that key's.
+void ReadKeyEntry(std::string_view line, RegistryEntry& entry) {
+    entry.kind = RegistryEntryKind::kKey;
+    line = Trimmed(line);
+    if (line.size() < 2 || line.back() != ']') return;
+    line = line.substr(1, line.size() - 2);
+    if (line.starts_with('-')) {
+        entry.kind = RegistryEntryKind::kKeyDeletion;
+        line.remove_prefix(1);
+    }
+    entry.name = FromUtf8(line);
+}
+
+void AppendEscaped(std::string& to, std::u16string_view text) {
+    to += '"';
+    for (const char c : ToUtf8(text)) {
+        if (c == '"' || c == '\\') to += '\\';
+        to += c;
+    }
+    to += '"';
+}
+
+// The text of a string that reads back from its quoted form as the same bytes.
+std::optional<std::u16string> QuotableText(const RegistryValue& value) {
+    if (value.type != kRegistryString || value.data.size() < 2 || value.data.size() % 2 != 0) return std::nullopt;
+    std::u16string text;
+    for (std::size_t i = 0; i < value.data.size(); i += 2) {
+        text.push_back(static_cast<char16_t>(value.data[i] | value.data[i + 1] << 8));
+    }
+    text.pop_back();
+    if (StringValue(FromUtf8(ToUtf8(text))) != value || text.find(u'\0') != text.npos) return std::nullopt;
+    return text;
+}
+
+void AppendBytes(std::string& to, const std::vector<std::uint8_t>& data, std::string_view lineEnd) {
+    std::size_t lineStart = 0;
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        char byte[3];
+        std::snprintf(byte, sizeof byte, "%02x", data[i]);
+        to += byte;
+        if (i + 1 == data.size()) break;
+        to += ',';
+        if (to.size() - lineStart + sizeof "00,\\" <= kLongestLine) continue;
+        to += '\\';
+        to += lineEnd;
+        lineStart = to.size();
+        to += "  ";
+    }
+}
+
+}  // namespace
+
+RegistryEntry TakeRegistryEntry(std::string_view& text) {
+    RegistryEntry entry;
+    const auto rest = ReadValueEntry(text, entry);
+    std::size_t length = text.size() - rest.value_or("").size();
+    if (!rest) {
+        length = std::min(text.find('\n'), text.size() - 1) + 1;
+        entry = {};
+        const std::string_view line = text.substr(0, length);
+        if (Trimmed(line).starts_with('[')) ReadKeyEntry(line, entry);
+    }
+    entry.raw = text.substr(0, length);
+    text.remove_prefix(length);
+    return entry;
+}
+
+std::string FormatRegistryKey(std::u16string_view key, std::string_view lineEnd) {
+    std::string text = "[";
+    text += ToUtf8(key);
+    text += ']';
+    text += lineEnd;
+    return text;
+}
+
+std::string FormatRegistryValue(std::u16string_view name, const RegistryValue& value, std::string_view lineEnd) {
+    std::string text;
+    if (name.empty()) {
+        text += '@';
+    } else {
+        AppendEscaped(text, name);
+    }
+    text += '=';
+    char type[16];
+    if (const auto string = QuotableText(value)) {
+        AppendEscaped(text, *string);
+    } else if (const auto number = DwordOf(value)) {
+        std::snprintf(type, sizeof type, "dword:%08x", static_cast<unsigned>(*number));
+        text += type;
+    } else {
+        std::snprintf(type, sizeof type, "hex(%x):", static_cast<unsigned>(value.type));
+        text += value.type == kRegistryBinary ? "hex:" : type;
+        AppendBytes(text, value.data, lineEnd);
+    }
+    text += lineEnd;
+    return text;
+}
+
+}  // namespace twr

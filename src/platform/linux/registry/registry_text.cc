@@ -1,0 +1,121 @@
+#include "platform/linux/registry/registry_text.h"
+
+#include "base/wide_text.h"
+
+namespace twr {
+namespace {
+
+using Kind = RegistryEntryKind;
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
+bool IsSameOrBelow(std::u16string_view key, std::u16string_view top) {
+    return EqualsIgnoringCase(key.substr(0, top.size()), top) && (key.size() == top.size() || key[top.size()] == u'\\');
+}
+
+// Nothing when the bytes don't start with a mark of UTF-16.
+std::optional<std::u16string> FromMarkedUtf16(std::string_view bytes) {
+    const bool little = bytes.starts_with("\xFF\xFE");
+    if (!little && !bytes.starts_with("\xFE\xFF")) return std::nullopt;
+    std::u16string text;
+    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+        const auto first = static_cast<unsigned char>(bytes[i]);
+        const auto second = static_cast<unsigned char>(bytes[i + 1]);
+        text.push_back(static_cast<char16_t>(little ? first | second << 8 : first << 8 | second));
+    }
+    return text;
+}
+
+}  // namespace
+
+RegistryText::RegistryText(std::string_view bytes) {
+    if (const auto wide = FromMarkedUtf16(bytes)) {
+        Read(ToUtf8(*wide));
+    } else {
+        Read(bytes);
+    }
+    if (entries_.empty()) Read("Windows Registry Editor Version 5.00" + lineEnd_);
+}
+
+void RegistryText::Read(std::string_view utf8) {
+    const std::size_t firstEnd = utf8.find('\n');
+    if (firstEnd != utf8.npos) lineEnd_ = firstEnd > 0 && utf8[firstEnd - 1] == '\r' ? "\r\n" : "\n";
+    if (utf8.starts_with(kUtf8Mark)) {
+        entries_.emplace_back().raw = kUtf8Mark;
+        utf8.remove_prefix(kUtf8Mark.size());
+    }
+    while (!utf8.empty()) entries_.push_back(TakeRegistryEntry(utf8));
+}
+
+std::string RegistryText::Bytes() const {
+    std::string bytes;
+    for (const RegistryEntry& entry : entries_) bytes += entry.raw;
+    return bytes;
+}
+
+RegistryText::Place RegistryText::Locate(std::u16string_view key, std::u16string_view name) const {
+    Place place;
+    bool inKey = false;
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        const RegistryEntry& entry = entries_[i];
+        switch (entry.kind) {
+            case Kind::kOther:
+                continue;
+            case Kind::kKey:
+                inKey = EqualsIgnoringCase(entry.name, key);
+                if (IsSameOrBelow(entry.name, key)) place.keyPresent = true;
+                break;
+            case Kind::kKeyDeletion:
+                inKey = false;
+                if (IsSameOrBelow(key, entry.name)) place = {};
+                break;
+            case Kind::kValue:
+            case Kind::kValueDeletion:
+                if (!inKey || !EqualsIgnoringCase(entry.name, name)) break;
+                place.valueAt.reset();
+                if (entry.kind == Kind::kValue) place.valueAt = i;
+                break;
+        }
+        if (inKey) place.keyEnd = i + 1;
+    }
+    return place;
+}
+
+bool RegistryText::HasKey(std::u16string_view key) const { return Locate(key, {}).keyPresent; }
+
+std::optional<RegistryValue> RegistryText::Find(std::u16string_view key, std::u16string_view name) const {
+    const auto at = Locate(key, name).valueAt;
+    if (!at) return std::nullopt;
+    return entries_[*at].value;
+}
+
+void RegistryText::AddKey(std::u16string_view key) {
+    if (!HasKey(key)) Append(FormatRegistryKey(key, lineEnd_));
+}
+
+void RegistryText::Set(std::u16string_view key, std::u16string_view name, const RegistryValue& value) {
+    const Place place = Locate(key, name);
+    const std::string entry = FormatRegistryValue(name, value, lineEnd_);
+    if (place.valueAt) {
+        std::string_view text = entry;
+        entries_[*place.valueAt] = TakeRegistryEntry(text);
+    } else if (place.keyEnd) {
+        Insert(*place.keyEnd, entry);
+    } else {
+        Append(FormatRegistryKey(key, lineEnd_) + entry);
+    }
+}
+
+void RegistryText::Insert(std::size_t at, std::string_view entries) {
+    if (at > 0 && !entries_[at - 1].raw.ends_with('\n')) entries_[at - 1].raw += lineEnd_;
+    for (; !entries.empty(); ++at) {
+        entries_.insert(entries_.begin() + static_cast<std::ptrdiff_t>(at), TakeRegistryEntry(entries));
+    }
+}
+
+void RegistryText::Append(std::string_view entries) {
+    const bool blank = Trimmed(entries_.back().raw).empty();
+    Insert(entries_.size(), blank ? std::string(entries) : lineEnd_ + std::string(entries));
+}
+
+}  // namespace twr

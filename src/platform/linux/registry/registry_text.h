@@ -1,0 +1,44 @@
+// A registry file's text, in the form that the Windows registry editor exports.
+#pragma once
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/linux/registry/registry_syntax.h"
+
+namespace twr {
+
+// Keeps everything that came with the text, byte for byte: comments, deletions, odd spellings and what is no registry text at all.
+// Only a value that is set anew is written anew. Entries count in the order of the text, as on import: later ones over earlier
+// ones.
+class RegistryText {
+public:
+    // Text is UTF-8, with or without its mark, or UTF-16 with its mark; it is kept as UTF-8. Empty text begins a new registry.
+    explicit RegistryText(std::string_view bytes);
+
+    std::string Bytes() const;
+
+    // Keys are full paths, their root included.
+    bool HasKey(std::u16string_view key) const;
+    std::optional<RegistryValue> Find(std::u16string_view key, std::u16string_view name) const;
+
+    void AddKey(std::u16string_view key);
+    void Set(std::u16string_view key, std::u16string_view name, const RegistryValue& value);
+
+private:
+    struct Place {
+        bool keyPresent = false;             // the key itself or one below it
+        std::optional<std::size_t> keyEnd;   // index behind the key's last value
+        std::optional<std::size_t> valueAt;  // index of the value that counts
+    };
+    Place Locate(std::u16string_view key, std::u16string_view name) const;
+    void Read(std::string_view utf8);
+    void Insert(std::size_t at, std::string_view entries);
+    void Append(std::string_view entries);
+
+    std::string lineEnd_ = "\r\n";
+    std::vector<RegistryEntry> entries_;
+};
+
+}  // namespace twr

@@ -1,0 +1,84 @@
+#include "platform/linux/xml/xml_reader.h"
+
+#include <expat.h>
+
+#include <deque>
+#include <string_view>
+
+#include "base/wide_text.h"
+#include "platform/linux/xml/xml_encoding.h"
+
+namespace twr {
+namespace {
+
+constexpr int kChunk = 8192;             // bytes
+constexpr XML_Char kSeparator = '\xFF';  // of name space and local name; no text in UTF-8 holds it
+
+// What the byte-order mark shows, which outweighs a declaration that says otherwise; nullptr without one.
+const XML_Char* MarkedEncoding(std::string_view document) {
+    if (document.starts_with("\xEF\xBB\xBF")) return "UTF-8";
+    if (document.starts_with("\xFF\xFE") || document.starts_with("\xFE\xFF")) return "UTF-16";
+    return nullptr;
+}
+
+std::u16string LocalName(std::string_view name) {
+    return FromUtf8(name.substr(name.rfind(kSeparator) + 1));  // without a separator from the start
+}
+
+class ExpatReader final : public XmlReader {
+public:
+    explicit ExpatReader(std::unique_ptr<ByteSource> source) : source_(std::move(source)) {}
+    ~ExpatReader() override { XML_ParserFree(parser_); }
+
+    bool Next(XmlElement& element) override {
+        while (elements_.empty()) {
+            if (ended_) return false;
+            ReadChunk();
+        }
+        element = std::move(elements_.front());
+        elements_.pop_front();
+        return true;
+    }
+
+private:
+    void Begin(std::string_view firstBytes) {
+        parser_ = XML_ParserCreateNS(MarkedEncoding(firstBytes), kSeparator);
+        if (!parser_) return;
+        XML_SetUserData(parser_, this);
+        XML_SetStartElementHandler(parser_, OnElement);
+        XML_SetStartDoctypeDeclHandler(parser_, OnDoctype);
+        XML_SetUnknownEncodingHandler(parser_, FindXmlEncoding, nullptr);
+    }
+
+    // Ends at the end of the file and at the first fault.
+    void ReadChunk() {
+        char chunk[kChunk];
+        std::size_t filled = 0;
+        std::size_t got = 0;
+        while (filled < sizeof chunk && (got = source_->Read(chunk + filled, sizeof chunk - filled)) > 0) filled += got;
+        if (!parser_) Begin({chunk, filled});
+        const bool last = filled < sizeof chunk;
+        ended_ = !parser_ || XML_Parse(parser_, chunk, static_cast<int>(filled), last) != XML_STATUS_OK || last;
+    }
+
+    static void XMLCALL OnElement(void* reader, const XML_Char* name, const XML_Char** attributes) {
+        XmlElement& element = static_cast<ExpatReader*>(reader)->elements_.emplace_back();
+        element.name = LocalName(name);
+        for (; *attributes; attributes += 2) element.attributes.push_back({LocalName(attributes[0]), FromUtf8(attributes[1])});
+    }
+
+    static void XMLCALL OnDoctype(void* reader, const XML_Char*, const XML_Char*, const XML_Char*, int) {
+        XML_StopParser(static_cast<ExpatReader*>(reader)->parser_, XML_FALSE);
+    }
+
+    const std::unique_ptr<ByteSource> source_;
+    XML_Parser parser_ = nullptr;
+    std::deque<XmlElement> elements_;
+    bool ended_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<XmlReader> ReadXml(std::unique_ptr<ByteSource> source) { return std::make_unique<ExpatReader>(std::move(source)); }
+
+}  // namespace twr

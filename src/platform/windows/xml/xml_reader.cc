@@ -1,0 +1,101 @@
+#include <xmllite.h>
+
+#include <algorithm>
+
+#include "base/wide_text.h"
+#include "platform/windows/services.h"
+#include "platform/windows/xml/com_ptr.h"
+#include "platform/windows/xml/xml_encoding.h"
+#include "platform/windows/xml/xml_sound.h"
+
+namespace twr {
+namespace {
+
+std::string Contents(ByteSource& source) {
+    std::string bytes;
+    char part[16384];
+    while (const std::size_t got = source.Read(part, sizeof part)) bytes.append(part, got);
+    return bytes;
+}
+
+constexpr LONG_PTR kMaxDepth = 1'000'000;  // in place of XmlLite's 256, which the other system doesn't have
+
+// Goes behind the document. Wine's reader runs for ever, or ends the program, where a document ends too early; this ends comments,
+// values and whatever else may be open in a fault, and no element comes of it.
+constexpr std::string_view kFault = "\"'-->]]>?></>                ";
+
+// XmlLite finds every fault by itself on Windows; Wine's passes over some.
+class LiteReader : public XmlReader {
+public:
+    explicit LiteReader(ComPtr<IXmlReader> reader) : reader_(std::move(reader)) {}
+
+    bool Next(XmlElement& element) override {
+        XmlNodeType node = XmlNodeType_None;
+        while (!ended_) {
+            ended_ = reader_->Read(&node) != S_OK || (node == XmlNodeType_Element && !TakeElement(element));
+            if (!ended_ && node == XmlNodeType_Element) return true;
+        }
+        return false;
+    }
+
+private:
+    // False when the element is at fault, by a prefix that stands for no name space or by an attribute given twice.
+    bool TakeElement(XmlElement& element) {
+        element.attributes.clear();
+        qualifiedNames_.clear();
+        if (!TakeName(element.name)) return false;
+        for (HRESULT more = reader_->MoveToFirstAttribute(); more == S_OK; more = reader_->MoveToNextAttribute()) {
+            if (!reader_->IsDefault() && !TakeAttribute(element)) return false;
+        }
+        return true;
+    }
+
+    bool TakeAttribute(XmlElement& element) {
+        const std::u16string qualified = Get(&IXmlReader::GetQualifiedName);
+        if (std::ranges::find(qualifiedNames_, qualified) != qualifiedNames_.end()) return false;
+        qualifiedNames_.push_back(qualified);
+        if (qualified == u"xmlns" || qualified.starts_with(u"xmlns:")) return true;
+        XmlAttribute& attribute = element.attributes.emplace_back();
+        attribute.value = Get(&IXmlReader::GetValue);
+        return TakeName(attribute.name);
+    }
+
+    bool TakeName(std::u16string& name) {
+        name = Get(&IXmlReader::GetLocalName);
+        const bool prefixed = name != Get(&IXmlReader::GetQualifiedName);
+        return !name.empty() && (!prefixed || !Get(&IXmlReader::GetNamespaceUri).empty());
+    }
+
+    std::u16string Get(HRESULT (WINAPI IXmlReader::*part)(const wchar_t**, UINT*)) {
+        const wchar_t* text = nullptr;
+        UINT length = 0;
+        if (FAILED((reader_.get()->*part)(&text, &length))) return {};
+        return {text, text + length};
+    }
+
+    ComPtr<IXmlReader> reader_;
+    std::vector<std::u16string> qualifiedNames_;  // of the attributes of the element at hand
+    bool ended_ = false;
+};
+
+}  // namespace
+
+// XmlLite knows other encodings than UTF-8 and UTF-16 on some machines only, and Wine's goes wrong in UTF-16 beyond some thousand
+// characters; so it always gets UTF-8. The mark is for Wine's, which without it takes blanks before the first element for a fault.
+std::unique_ptr<XmlReader> WindowsXml::OpenReader(std::u16string_view path) {
+    const auto source = WindowsFiles({}).Open(path);
+    if (!source) return nullptr;
+    const std::string document = "\xEF\xBB\xBF" + ToUtf8(SoundPart(DecodeXml(Contents(*source)))).append(kFault);
+    const ComPtr<IStream> stream(
+        SHCreateMemStream(reinterpret_cast<const BYTE*>(document.data()), static_cast<UINT>(document.size())));
+    ComPtr<IXmlReader> reader;
+    if (!stream || FAILED(CreateXmlReader(__uuidof(IXmlReader), reader.ReceiveVoid(), nullptr)) ||
+        FAILED(reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit)) ||
+        FAILED(reader->SetInput(stream.get()))) {
+        return nullptr;
+    }
+    reader->SetProperty(XmlReaderProperty_MaxElementDepth, kMaxDepth);
+    return std::make_unique<LiteReader>(std::move(reader));
+}
+
+}  // namespace twr

@@ -1,0 +1,22 @@
+// Which readings a sentence holds.
+#pragma once
+#include <optional>
+
+#include "stand_in/nmea_sentence.h"
+#include "stand_in/readings.h"
+
+namespace twr {
+
+// Receives what a sentence says, reading by reading.
+class ReadingSink {
+public:
+    virtual ~ReadingSink() = default;
+
+    // Nothing changes nothing.
+    virtual void Put(Reading reading, std::optional<double> value) = 0;
+};
+
+// Sentences of an unknown type hold nothing.
+void ReadSentence(const NmeaSentence& sentence, ReadingSink& sink);
+
+}  // namespace twr

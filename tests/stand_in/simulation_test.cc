@@ -1,0 +1,174 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <vector>
+
+#include "stand_in/sailing_simulation.h"
+#include "stand_in/variables.h"
+#include "stand_in/yacht_polar.h"
+
+namespace twr {
+namespace {
+
+using enum Quantity;
+
+constexpr std::size_t kDay = 86400;
+
+double AngleBetween(double a, double b) { return std::abs(WrappedAngle(a - b)); }
+
+TEST(YachtPolar, IsThatOfAYacht) {
+    const YachtPolar polar;
+    for (double tws = 4.0; tws <= 24.0; tws += 1.0) {
+        const auto [upwind, downwind] = polar.Best(tws);
+        EXPECT_TRUE(upwind >= 39.0 && upwind <= 46.0 && downwind >= 144.0 && downwind <= 156.0) << tws;
+        for (double twa = 0.0; twa <= 180.0; twa += 1.0) {
+            const double speed = polar.Speed(tws, twa);
+            EXPECT_TRUE(speed == polar.Speed(tws, -twa) && speed <= polar.Speed(tws + 1.0, twa) + 1e-9 &&
+                        std::abs(speed - polar.Speed(tws, twa + 1.0)) < 0.5)
+                << tws << " " << twa;
+        }
+    }
+    // Two boards to a point dead to windward take as long as its distance does at the best speed made good.
+    const double angle = polar.Best(12.0).upwind;
+    EXPECT_NEAR(3600.0 / (polar.Speed(12.0, angle) * CosDegrees(angle)), polar.SailingTime(12.0, 0.0, 1.0), 1e-6);
+    EXPECT_NEAR(3600.0 / polar.Speed(12.0, 100.0), polar.SailingTime(12.0, -100.0, 1.0), 1e-6);
+    EXPECT_TRUE(std::isfinite(polar.SailingTime(0.0, 0.0, 1.0)));
+}
+
+// One simulated day, a moment for each second.
+const std::vector<Moment>& DayOf(std::uint64_t seed) {
+    static std::map<std::uint64_t, std::vector<Moment>> days;
+    std::vector<Moment>& day = days[seed];
+    for (SailingSimulation simulation(seed, 300); day.size() < kDay; simulation.Advance(1.0)) day.push_back(simulation.Now());
+    return day;
+}
+
+class ADay : public ::testing::TestWithParam<std::uint64_t> {
+protected:
+    bool Next() { return ++second_ < kDay; }
+    float Now(Quantity quantity) const { return day_[second_][quantity]; }
+    float Before(Quantity quantity) const { return day_[second_ - 1][quantity]; }
+
+    const std::vector<Moment>& day_ = DayOf(GetParam());
+    std::size_t second_ = 0;
+};
+
+TEST_P(ADay, IsPlausibleAndAgreesWithItself) {
+    const struct {
+        Quantity quantity;
+        double least, most;
+    } bounds[] = {
+        {kBsp, 1.5, 20},       {kAwa, -180, 180},     {kAws, 0, 40},
+        {kTwa, -180, 180},     {kTws, 3, 26},         {kTwd, 0, 360},
+        {kHdg, 0, 360},        {kLeeway, -8, 8},      {kHeel, -28, 28},
+        {kTrim, -3, 4},        {kRudder, -25, 25},    {kRateOfTurn, -10, 10},
+        {kSog, 0.5, 21},       {kDrift, 0.2, 1},      {kTimer, 0, 300},
+        {kDepth, 230, 330},    {kSeaTemp, 13, 16},    {kAirTemp, 12, 20},
+        {kBaro, 1000, 1025},   {kVariation, -3, -3},  {kLat, 50.4, 50.6},
+        {kLon, -7.1, -6.9},    {kTargetBsp, 3, 20},   {kTargetTwa, -160, 160},
+        {kTargetVmg, -16, 8},  {kMarkDistance, 0, 3}, {kMarkTime, 0, 3600},
+        {kVolts, 24, 27},      {kForestay, 2, 15},    {kBackstay, 1, 8},
+        {kMastAngle, -13, 13}, {kPolarBsp, 0, 20},    {kGroundWindSpeed, 4, 25},
+        {kLog, 0, 300},
+    };
+    while (Next()) {
+        for (const auto& [quantity, least, most] : bounds)
+            ASSERT_TRUE(Now(quantity) >= least && Now(quantity) <= most)
+                << "quantity " << static_cast<int>(quantity) << " is " << Now(quantity) << " after " << second_ << " s";
+        const float percent = Now(kPolarPercent);
+        ASSERT_TRUE(percent == kAbsent || (percent > 10.0F && percent < 300.0F)) << percent << " after " << second_;
+        const Vector boat = Towards(Now(kCourse), Now(kBsp));
+        const Vector current = Towards(Now(kSet), Now(kDrift));
+        const Vector trueWind = VelocityOf({Now(kTwd), Now(kTws)});
+        ASSERT_LT(Length(Towards(Now(kCog), Now(kSog)) - boat - current), 1e-3) << second_;
+        ASSERT_LT(Length(VelocityOf({Now(kHdg) + Now(kAwa), Now(kAws)}) - (trueWind - boat)), 1e-3) << second_;
+        const Vector groundWind = VelocityOf({Now(kGroundWindDirection), Now(kGroundWindSpeed)});
+        ASSERT_LT(Length(groundWind - (trueWind + current)), 1e-3) << second_;
+        ASSERT_LT(AngleBetween(Now(kTwd), Now(kCourse) + Now(kTwa)), 1e-3) << second_;
+        ASSERT_LT(AngleBetween(Now(kCourse), Now(kHdg) - Now(kLeeway)), 1e-3) << second_;
+        ASSERT_NEAR(Now(kVmg), Now(kBsp) * CosDegrees(Now(kTwa)), 1e-3) << second_;
+        if (Now(kBsp) < 5.0F || std::abs(Now(kLeeway)) > 7.9F) continue;
+        ASSERT_NEAR(10.0F * Now(kHeel) / (Now(kBsp) * Now(kBsp)), Now(kLeeway), 1e-3) << second_;
+    }
+}
+
+// The wind heels her to leeward and pushes her there, the target lies on the side that she sails on, and a tack costs speed.
+TEST_P(ADay, HasItsSidesRightAndTurnsAsAYacht) {
+    int port = 0, starboard = 0, tacks = 0, gybes = 0;
+    float straightSpeed = 0.0F;  // of the last time that she sailed straight
+    while (Next()) {
+        const float awa = Now(kAwa);
+        const bool straight = std::abs(Now(kRateOfTurn)) < 1.0F;
+        ASSERT_LT(AngleBetween(Now(kHdg), Before(kHdg)), 10.0) << second_;
+        const bool across = Now(kTwa) * Before(kTwa) < 0.0F;
+        if (across && std::abs(Now(kTwa)) > 160.0F) ++gybes;
+        if (across && std::abs(Now(kTwa)) < 20.0F) {
+            ++tacks;
+            ASSERT_TRUE(straightSpeed <= 7.0F || Now(kBsp) < straightSpeed - 0.5F) << second_;
+            ASSERT_GT(std::abs(Now(kRateOfTurn)), 2.0F) << second_;
+            ASSERT_GT(Now(kRateOfTurn) * Now(kRudder), 0.0F) << second_;
+        }
+        if (straight) straightSpeed = Now(kBsp);
+        if (!straight || std::abs(awa) < 15.0F || std::abs(awa) > 165.0F) continue;
+        ++(awa > 0.0F ? starboard : port);
+        ASSERT_TRUE(awa * Now(kTwa) > 0.0F && std::abs(awa) < std::abs(Now(kTwa)) + 10.0F) << second_;
+        ASSERT_GT(awa * Now(kTargetTwa), 0.0F) << second_;
+        if (std::abs(awa) > 90.0F || Now(kBsp) < 6.0F) continue;
+        ASSERT_TRUE(awa * Now(kHeel) > 0.0F && awa * Now(kLeeway) > 0.0F) << second_;
+    }
+    EXPECT_TRUE(port > 21600 && starboard > 21600) << port << " " << starboard;
+    EXPECT_TRUE(tacks > 100 && gybes > 50) << tacks << " " << gybes;
+}
+
+TEST_P(ADay, RoundsItsMarksAndStartsAgain) {
+    int races = 0, windward = 0, leeward = 0;
+    while (Next()) {
+        const float timer = Now(kTimer);
+        const bool counts = timer == 300.0F && Before(kTimer) == 0.0F;
+        races += counts;
+        ASSERT_EQ(counts ? 300.0F : std::max(0.0F, Before(kTimer) - 1.0F), timer) << second_;
+        ASSERT_EQ(timer > 0.0F ? timer / 86400.0F : 32767.0F, Now(kTimeToGun)) << second_;
+        if (second_ < 295) {
+            ASSERT_GT(Now(kMarkDistance) * CosDegrees(Now(kMarkBearing) - Now(kGroundWindDirection)), -0.02) << "below the line";
+        } else if (second_ == 295) {
+            EXPECT_LT(Now(kMarkDistance), 0.06F) << "close to the line when the gun goes";
+        }
+        if (timer == 0.0F && std::abs(Now(kMarkDistance) - Before(kMarkDistance)) > 1.0F) {
+            ++(AngleBetween(Now(kTwd), Now(kMarkBearing)) < 90.0 ? leeward : windward);
+            ASSERT_LT(Before(kMarkDistance), 0.05F) << second_;
+        }
+    }
+    EXPECT_GE(races, 18);
+    EXPECT_NEAR(2 * races, windward, 2);
+    EXPECT_NEAR(2 * races, leeward, 3) << "the start and one leeward rounding in each race";
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, ADay, ::testing::Values(1, 2026));
+
+// As a reader of the file needs them: in ascending order, names that fit into it and that no other has.
+TEST(Variables, AreThoseOfTheFileAndCoverEveryQuantity) {
+    std::stringstream bytes;
+    bytes << std::ifstream(STAND_IN_VARIABLES, std::ios::binary).rdbuf();
+    EXPECT_EQ(VariableFileText(), bytes.str());
+    EXPECT_NE(std::string::npos, bytes.str().find("\n[variables]\n  1 BSP             kn      2 0 1\n"));
+    std::set<Quantity> quantities;
+    std::set<std::string> names;
+    std::int32_t before = 0;
+    for (const Variable& variable : Variables()) {
+        const std::string name = variable.name, unit = variable.unit;
+        EXPECT_GT(variable.number, std::exchange(before, variable.number)) << name;
+        EXPECT_EQ(variable.quantity, QuantityOf(variable.number)) << name;
+        quantities.insert(variable.quantity);
+        EXPECT_TRUE(names.insert(name).second) << name;
+        EXPECT_TRUE(name.size() <= 15 && unit.size() <= 7 && (name + unit).find_first_of(" \t") == std::string::npos) << name;
+    }
+    EXPECT_EQ(kQuantityCount, quantities.size());
+    for (const std::int32_t number : {-1, 0, 22, 64, 32767, INT32_MIN, INT32_MAX}) EXPECT_FALSE(QuantityOf(number)) << number;
+}
+
+}  // namespace
+}  // namespace twr
