@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "bridge/settings.h"
+#include "config/bridge_settings.h"
 
 namespace twr {
 namespace {

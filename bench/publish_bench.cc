@@ -3,7 +3,7 @@
 
 #include "core/core.h"
 #include "core/days.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 #include "support/test_system.h"
 
 namespace twr {

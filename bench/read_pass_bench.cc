@@ -3,7 +3,7 @@
 
 #include "bench_bridge.h"
 #include "bridge/controls.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {

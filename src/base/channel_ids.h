@@ -430,4 +430,7 @@ enum : ChannelId {
     kPredSeaTemp = 413,  // Sea temperature predicted
 };
 
+// Stands for another channel, by the state of the own boat.
+constexpr bool IsAlternating(ChannelId channel) { return channel >= kAlt0 && channel <= kAlt9; }
+
 }  // namespace twr

@@ -3,7 +3,6 @@
 #include "base/wide_text.h"
 #include "bridge/about.h"
 #include "bridge/controls.h"
-#include "bridge/settings.h"
 #include "mapping/mapping_file.h"
 #include "platform/paths.h"
 
@@ -13,24 +12,34 @@ namespace {
 constexpr std::uintptr_t kTimerId = 1;
 constexpr unsigned kTickMs = 100;
 
+struct BoxOfSetting {
+    int control;
+    bool Settings::*setting;
+};
+constexpr BoxOfSetting kBoxes[] = {
+    {kNamesCheck, &Settings::sendNames},
+    {kTrueCheck, &Settings::degreesTrue},
+    {kDepthCheck, &Settings::depthInFeet},
+    {kTimerCheck, &Settings::useTimer},
+};
+
 }  // namespace
 
 CHalyrig32Dlg::CHalyrig32Dlg(System& system)
-    : services_(system.Core()), executable_(system.GetExecutable()), library_(system.GetLibraries()), core_(services_) {
-    sentTime_.fill(0.0);
-    sentValue_.fill(kNoValue);
-}
+    : services_(system.Core()),
+      executable_(system.GetExecutable()),
+      library_(system.GetLibraries()),
+      core_(services_),
+      instruments_(core_, services_.clock),
+      remotes_(core_) {}
 
 void CHalyrig32Dlg::OnInit(DialogWindow& window) {
     window_ = &window;
     window.AddMenuItem(kAboutCommand, kAboutItem);
-    const Settings settings = ReadSettings(services_.registry);
-    window.SetChecked(kNamesCheck, settings.sendNames);
-    window.SetChecked(kTrueCheck, settings.degreesTrue);
-    window.SetChecked(kDepthCheck, settings.depthInFeet);
-    window.SetChecked(kTimerCheck, settings.useTimer);
-    dfwFolder_ = Trimmed(std::u16string_view(settings.dfwFolder));
-    window.SetText(kFolderField, dfwFolder_);  // raises OnFolderChange, which loads library and mapping
+    settings_ = ReadSettings(services_.registry);
+    for (const BoxOfSetting& box : kBoxes) window.SetChecked(box.control, settings_.*box.setting);
+    settings_.dfwFolder = Trimmed(std::u16string_view(settings_.dfwFolder));
+    window.SetText(kFolderField, settings_.dfwFolder);  // raises OnFolderChange, which loads library and mapping
     if (timerId_ == 0) timerId_ = window.StartTimer(kTimerId, kTickMs);
 }
 
@@ -42,6 +51,7 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
     if (id != timerId_ || !core_.View()) return;
     FollowDataFolder();
     if (!library_) return;
+    ReadBoxes();
     ReadInstruments();
     WriteRemotes();  // sees what has just been published
 }
@@ -59,14 +69,14 @@ void CHalyrig32Dlg::OnMenu(int command) {
 }
 
 void CHalyrig32Dlg::OnFolderChange() {
-    dfwFolder_ = Trimmed(std::u16string_view(window_->Text(kFolderField)));
+    settings_.dfwFolder = Trimmed(std::u16string_view(window_->Text(kFolderField)));
     LoadDfwLibrary();
     ReloadMapping();
 }
 
 void CHalyrig32Dlg::LoadDfwLibrary() {
     if (library_) UnloadDfwLibrary();
-    library_.Load(dfwFolder_);
+    library_.Load(settings_.dfwFolder);
 }
 
 void CHalyrig32Dlg::UnloadDfwLibrary() {
@@ -80,8 +90,8 @@ void CHalyrig32Dlg::ReloadMapping() {
 }
 
 void CHalyrig32Dlg::FindVariableFile() {
-    catalogue_ = twr::FindVariableFile(services_.files, dfwFolder_, JoinPath(core_.GetDataFolder(u""), u"jvars.twr"));
-    lastTimerValue_ = -1.0;
+    catalogue_ = twr::FindVariableFile(services_.files, settings_.dfwFolder, JoinPath(core_.GetDataFolder(u""), u"jvars.twr"));
+    instruments_.ForgetTimer();
 }
 
 void CHalyrig32Dlg::LoadMapping() {
@@ -116,12 +126,13 @@ bool CHalyrig32Dlg::ConfirmExit() {
     return services_.desktop.ShowBox(u"Exit Halyrig?", kProgramName, BoxButtons::kYesNo, BoxIcon::kQuestion) == BoxAnswer::kYes;
 }
 
+void CHalyrig32Dlg::ReadBoxes() {
+    for (const BoxOfSetting& box : kBoxes) settings_.*box.setting = window_->Checked(box.control);
+}
+
 void CHalyrig32Dlg::SaveSettings() {
-    WriteSettings(services_.registry, {.dfwFolder = dfwFolder_,
-                                       .sendNames = window_->Checked(kNamesCheck),
-                                       .degreesTrue = window_->Checked(kTrueCheck),
-                                       .depthInFeet = window_->Checked(kDepthCheck),
-                                       .useTimer = window_->Checked(kTimerCheck)});
+    ReadBoxes();
+    WriteSettings(services_.registry, settings_);
 }
 
 void CHalyrig32Dlg::OnDestroy() {

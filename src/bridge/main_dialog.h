@@ -1,11 +1,13 @@
 // The main dialog: the settings in view, the library and the mapping behind them, and the tick that carries values both ways.
 #pragma once
-#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "bridge/deckman_library.h"
+#include "bridge/instrument_pass.h"
+#include "bridge/remote_pass.h"
+#include "config/bridge_settings.h"
 #include "core/core.h"
 #include "mapping/mapping_rows.h"
 #include "mapping/variable_file.h"
@@ -49,16 +51,11 @@ private:
     bool ImportLegacyVars();  // false when no line found its variable
     void ImportLegacyRemotes();
 
-    // From Deckman to the record: every mapped variable that has changed or was last published more than a second ago, the
-    // position, and the start timer (read_instruments.cc).
-    void ReadInstruments();
-    void ReadRows(bool positionFromDeckman);
-    void ReadPosition();
-    void ReadTimer();
-    double Variation() const;
+    void ReadInstruments() { instruments_.Run(library_, mapping_.varRows, catalogue_.timerVariableId, settings_); }
+    void WriteRemotes() { remotes_.Run(library_, mapping_.remoteRows, settings_); }
 
-    // From the record to Deckman's remotes: every row whose value has changed, and its name when that is due (write_remotes.cc).
-    void WriteRemotes();
+    // The boxes as they are ticked at this moment, into settings_.
+    void ReadBoxes();
 
     bool ConfirmExit();
     void SaveSettings();
@@ -69,13 +66,12 @@ private:
     std::uintptr_t timerId_ = 0;      // 0: no timer was started
     DeckmanLibrary library_;
     CCore core_;
-    std::u16string dfwFolder_;  // trimmed
+    Settings settings_;  // the folder trimmed
     DeckmanCatalogue catalogue_;
     Mapping mapping_;
-    std::u16string mappingFolder_;                 // the data folder that mapping_ was loaded from
-    std::array<double, kChannelCount> sentTime_;   // days, per channel: its last publication
-    std::array<double, kChannelCount> sentValue_;  // per channel: the value last published
-    double lastTimerValue_ = -1.0;                 // seconds
+    std::u16string mappingFolder_;  // the data folder that mapping_ was loaded from
+    InstrumentPass instruments_;
+    RemotePass remotes_;
 };
 
 }  // namespace twr

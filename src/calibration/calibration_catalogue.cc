@@ -2,28 +2,12 @@
 
 #include <array>
 
+#include "base/channel_ids.h"
+
 namespace twr {
 namespace {
 
-// The ChannelIds of the rows, by their numbers, since the table of all channels belongs to the core above.
-enum : std::uint16_t {
-    kBsp = 1,
-    kAwa = 2,
-    kAws = 3,
-    kTwa = 4,
-    kTws = 5,
-    kTwd = 6,
-    kLeeway = 10,
-    kHdg = 13,
-    kSeaTemp = 15,
-    kBaro = 16,
-    kHeel = 18,
-    kTrim = 19,
-    kRudder = 20,
-    kMastAng = 24,
-    kRot = 32,
-    kNone = 32767,
-};
+constexpr std::uint16_t kNone = kNoChannel;
 
 // clang-format off
 constexpr std::array<CalibrationInfo, kCalibrationCount> kRows = {{

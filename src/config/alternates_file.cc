@@ -5,7 +5,7 @@
 
 #include "base/text_lines.h"
 #include "core/core.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {

@@ -4,8 +4,7 @@
 #include "config/xml_elements.h"
 #include "core/core.h"
 #include "core/initialise.h"
-#include "core/record_text.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {

@@ -3,15 +3,13 @@
 #include "base/wide_text.h"
 #include "config/xml_elements.h"
 #include "core/core.h"
-#include "core/record_text.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {
 
 constexpr std::int32_t kMostDecimals = 254;  // the number above it says that there is no fixed one
 
-bool IsAlternating(ChannelId channel) { return channel >= kAlt0 && channel <= kAlt9; }
 bool IsUser(ChannelId channel) { return channel >= kUser0 && channel <= kUser31; }
 
 // Times, positions and sails have texts of their own form.

@@ -3,7 +3,7 @@
 
 #include "core/core.h"
 #include "core/days.h"
-#include "core/record_text.h"
+#include "core/record_access.h"
 #include "platform/paths.h"
 
 namespace twr {

@@ -5,8 +5,7 @@
 
 #include "base/wide_text.h"
 #include "core/core.h"
-#include "core/record_text.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {

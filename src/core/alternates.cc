@@ -4,14 +4,12 @@
 #include <cmath>
 
 #include "core/core.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {
 
 enum Slot : std::size_t { kFirst, kSecond, kUpwind, kReaching, kDownwind, kBeforeStart, kPort, kStarboard, kLast };
-
-bool IsAlternating(ChannelId channel) { return channel >= kAlt0 && channel <= kAlt9; }
 
 }  // namespace
 
@@ -41,7 +39,7 @@ std::int32_t ChooseAlternate(std::span<const std::int32_t, kAlternateSlots> slot
     return kNoInt;
 }
 
-ChannelId CCore::ResolveAlternate(ChannelId channel, bool recurse) {
+ChannelId CCore::ResolveAlternate(ChannelId channel, bool recurse) const {
     if (!view_ || !IsAlternating(channel)) return channel < kChannelCount ? channel : kNoChannel;
     // None of the channels read here is an alternating one, so these reads resolve nothing further.
     const auto own = [&](ChannelId plain) {

@@ -1,24 +1,13 @@
 // Calibration: the correction of a raw value on its way into the record.
 #include <algorithm>
-#include <array>
 #include <cmath>
 
+#include "core/angles.h"
 #include "core/core.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {
-
-struct Correction {
-    ChannelId channel;
-    std::size_t calibration;  // index in the catalogue of calibrations
-};
-
-// In the order of application: the second correction of a channel sees what the first has made of the value.
-constexpr Correction kCorrections[] = {
-    {kBsp, 2}, {kAwa, 4},      {kAwa, 5},   {kAws, 3},   {kTwa, 7},   {kTws, 6},     {kTwd, 9},
-    {kHdg, 8}, {kSeaTemp, 17}, {kBaro, 19}, {kHeel, 11}, {kTrim, 12}, {kRudder, 14}, {kMastAng, 13},
-};
 
 // A positive correction of the true wind angle widens it on either side of the bow.
 double Corrected(ChannelId channel, double value, double correction) {
@@ -29,10 +18,10 @@ double Corrected(ChannelId channel, double value, double correction) {
 double InRange(std::int16_t type, double value) {
     switch (type) {
         case kTypeBearing:
-            return value >= 360.0 ? value - 360.0 : value < 0.0 ? value + 360.0 : value;
+            return TurnedBearing(value);
         case kTypeAngle:
         case kTypeWindAngle:
-            return value > 180.0 ? value - 360.0 : value < -180.0 ? value + 360.0 : value;
+            return TurnedAngle(value);
         case kTypeBoatSpeed:
         case kTypeWindSpeed:
             return value < 0.0 ? 0.0 : value;
@@ -46,9 +35,12 @@ double InRange(std::int16_t type, double value) {
 double CCore::ApplyCalibration(ChannelId channel, double raw) {
     if (!view_ || Load(view_->channels[channel].calibrated) == 0 || raw == kNoValue) return raw;
     double value = raw;
-    for (const Correction& row : kCorrections) {
+    // In the catalogue's order: the second correction of a channel sees what the first has made of the value. A calibration that is
+    // always in force gives a value of its own and corrects none.
+    for (std::size_t index = 0; index < kCalibrationCount; ++index) {
+        const CalibrationInfo& info = CalibrationCatalogue()[index];
         double correction = kNoValue;
-        if (row.channel == channel && CalibrationLookup(row.calibration, correction, value)) {
+        if (info.corrected == channel && info.always == 0 && CalibrationLookup(index, correction, value)) {
             value = Corrected(channel, value, correction);
         }
     }
@@ -74,7 +66,7 @@ bool CCore::CalibrationLookup(std::size_t index, double& out, double raw) {
     return object.Evaluate(out, input(object.inputX), input(object.inputY));
 }
 
-double CCore::LiveValue(ChannelId channel) {
+double CCore::LiveValue(ChannelId channel) const {
     if (channel >= kChannelCount || !view_) return kNoValue;
     const ChannelId resolved = ResolveAlternate(channel, true);
     if (resolved >= kChannelCount || Load(view_->boatCount) == 0) return kNoValue;

@@ -6,7 +6,7 @@
 #include "base/wide_text.h"
 #include "core/days.h"
 #include "core/initialise.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 
@@ -22,7 +22,7 @@ std::u16string RecordName() {
 // The initial values stand, which would overwrite whatever came before them. Only the creator writes the mark, behind the flags;
 // the first stamp of the Time channel comes last.
 bool IsFilled(const CoreRecord& record) {
-    return Load(record.reserved166624) == kFilledMark && Load(record.fullBlocks[0].time[kTime]) != 0.0;
+    return Load(record.filledMark) == kFilledMark && Load(record.fullBlocks[0].time[kTime]) != 0.0;
 }
 
 }  // namespace

@@ -87,29 +87,29 @@ public:
     // Reads a channel of a boat: the alternating channel resolved, the damped value if asked. A bearing becomes true when
     // `angleFlag` is false; any other value, and a bearing when it is true, goes to the user's units if `convert` is set and stays
     // in the internal unit if not. False when there is no value; `value` is kNoValue then.
-    bool GetChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, bool convert);
+    bool GetChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, bool convert) const;
 
     // The same in the user's units, and only a value that is not older than `maxAge` days; kNoValue asks for the channel's own
     // limit.
-    bool GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, double maxAge);
+    bool GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, double maxAge) const;
 
     // The age in seconds past which a channel of a boat counts as gone; 0 or less for never. A boat's own age limit counts by
     // its low 16 bits, signed, so one of 32768 to 65536 means never.
-    std::int16_t StaleSeconds(ChannelId channel, BoatSlot boat);
+    std::int16_t StaleSeconds(ChannelId channel, BoatSlot boat) const;
 
     // Makes a magnetic bearing true, by the boat's own variation or else that of the own boat; kNoValue without either.
-    double ApplyVariation(double value, BoatSlot boat);
+    double ApplyVariation(double value, BoatSlot boat) const;
 
     // Turns a value from the channel's internal unit into the user's. `variation` in degrees serves bearings that are shown true;
     // kNoValue asks for that of the own boat.
-    double ToDisplayUnits(ChannelId channel, double value, double variation);
+    double ToDisplayUnits(ChannelId channel, double value, double variation) const;
 
     // --- Alternating channels (alternates.cc) ---
 
     // The channel that an alternating one stands for at this moment, by the state of the own boat; any other channel is itself.
     // kNoChannel when there is none. An alternating channel that stands for another one is followed for one step if `recurse` is
     // set, so the answer can be an alternating channel still.
-    ChannelId ResolveAlternate(ChannelId channel, bool recurse);
+    ChannelId ResolveAlternate(ChannelId channel, bool recurse) const;
 
     // --- Data folders (config/data_folders.cc) ---
 
@@ -142,23 +142,23 @@ public:
     // --- Texts (text/) ---
 
     // The text of a value that stands in the user's units; "- -" for kNoValue, for no channel, and without a record.
-    std::u16string ChannelText(ChannelId channel, double value);
+    std::u16string ChannelText(ChannelId channel, double value) const;
 
     // The printf format of the channel's plain numbers; empty without such a channel or a record.
-    std::string ChannelFormat(ChannelId channel);
+    std::string ChannelFormat(ChannelId channel) const;
 
     // A channel's short name: the user's where there is one. Empty for no channel.
-    std::u16string ChannelName(ChannelId channel);
+    std::u16string ChannelName(ChannelId channel) const;
 
     // A channel's name for a remote: at most 8 characters in upper case.
-    std::u16string RemoteLabel(ChannelId channel);
+    std::u16string RemoteLabel(ChannelId channel) const;
 
     // A moment in UTC days as days in the zone that times of day are shown in: the machine's, or UTC by the user's choice, without
     // a record, or when the zone can't be told.
-    double ToDisplayTime(double day);
+    double ToDisplayTime(double day) const;
 
     // Date and time of day in the zone shown. Empty when the zone can't be told.
-    std::u16string TimeText(double day);
+    std::u16string TimeText(double day) const;
 
     // The report of last resort: shows the message, returns when the user has closed it, and appends it to the log of the day,
     // silently if that can't be written.
@@ -184,7 +184,7 @@ private:
     bool MayNameDataFolder() const;
 
     // The own boat's value of a channel, or of what it stands for; kNoValue when there is none.
-    double LiveValue(ChannelId channel);
+    double LiveValue(ChannelId channel) const;
 
     void StampTime(double now);
     void Derive(ChannelId channel, BoatSlot boat, double& value, double time, double now);

@@ -23,10 +23,12 @@ inline constexpr std::size_t kAlternateSlots = 9;
 // Indices into sysValue and sysInt that are read here.
 inline constexpr std::size_t kValueBoatLength = 0;    // metres
 inline constexpr std::size_t kValueTargetMargin = 7;  // degrees round the target TWA
+inline constexpr std::size_t kValueGun = 36;          // the moment at which the start count reaches zero, days
 inline constexpr std::size_t kIntDepthUnit = 1;
 inline constexpr std::size_t kIntSpeedUnit = 2;
 inline constexpr std::size_t kIntDistanceUnit = 3;
 inline constexpr std::size_t kIntShortDistanceUnit = 4;
+inline constexpr std::size_t kIntPositionSource = 6;  // see instrument_channels.h
 inline constexpr std::size_t kIntPressureUnit = 9;
 
 // Indices into sysFlag that have a name.
@@ -123,7 +125,7 @@ struct CoreRecord {
     std::uint8_t reserved166320;
     std::uint8_t padding166321;
     char16_t reserved166322[151];
-    std::uint8_t reserved166624;
+    std::uint8_t filledMark;
     std::uint8_t padding166625;
     std::uint8_t reserved166626[4];  // an i32 at an odd place
     std::uint8_t padding166630[62];
@@ -200,7 +202,7 @@ static_assert(offsetof(CoreRecord, reserved166312) == 166312);
 static_assert(offsetof(CoreRecord, reserved166320) == 166320);
 static_assert(offsetof(CoreRecord, padding166321) == 166321);
 static_assert(offsetof(CoreRecord, reserved166322) == 166322);
-static_assert(offsetof(CoreRecord, reserved166624) == 166624);
+static_assert(offsetof(CoreRecord, filledMark) == 166624);
 static_assert(offsetof(CoreRecord, padding166625) == 166625);
 static_assert(offsetof(CoreRecord, reserved166626) == 166626);
 static_assert(offsetof(CoreRecord, padding166630) == 166630);

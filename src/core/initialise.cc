@@ -7,7 +7,8 @@
 
 #include "base/no_value.h"
 #include "core/channel_catalogue.h"
-#include "core/shared_field.h"
+#include "core/instrument_channels.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {
@@ -17,9 +18,11 @@ constexpr std::string_view kSuiteTextInput = "{x%xljltyfeiT6l{o";
 
 constexpr double kInitialSysValues[] = {15.85, 15.8, 4.4, 0.0, 3.0, 1.0, 1.0, 10.0, 5.0, 5.0, 5.0, 3.0, 0.0, 0.0, 0.0, 0.0};
 constexpr std::size_t kInitialSysFlags[] = {1, 3, 7, 21, 40, 41, 42};
-constexpr ChannelId kLoggedByDefault[] = {0,   1,   2,   3,   4,   5,   6,   10,  11,  12,  13,  16,  17,  18,  19,
-                                          20,  22,  39,  41,  43,  47,  48,  49,  50,  51,  60,  146, 161, 162, 163,
-                                          164, 165, 166, 167, 204, 205, 206, 207, 208, 256, 282, 283, 284};
+// The marks of a record without channels.xml. Where the files are read, LoadChannelsFile puts the catalogue's `logDefault` in their
+// place at once; only a program that joins in between sees these.
+constexpr ChannelId kFirstLogMarks[] = {0,   1,   2,   3,   4,   5,   6,   10,  11,  12,  13,  16,  17,  18,  19,
+                                        20,  22,  39,  41,  43,  47,  48,  49,  50,  51,  60,  146, 161, 162, 163,
+                                        164, 165, 166, 167, 204, 205, 206, 207, 208, 256, 282, 283, 284};
 
 template <std::size_t Count>
 void Fill(double (&entries)[Count], double value) {
@@ -37,7 +40,7 @@ void InitialiseSettings(CoreRecord& record) {
         Put(record.sysValue[i], i < std::size(kInitialSysValues) ? kInitialSysValues[i] : kNoValue);
     }
     std::ranges::fill(record.sysInt, 0);
-    record.sysInt[6] = 7;
+    record.sysInt[kIntPositionSource] = kNoPositionSource;
     record.sysInt[10] = 60;
     std::ranges::fill(record.sysFlag, std::uint8_t{0});
     for (const std::size_t flag : kInitialSysFlags) record.sysFlag[flag] = 1;
@@ -57,7 +60,7 @@ void InitialiseTail(CoreRecord& record) {
     std::ranges::fill(record.reserved166312, 0);
     record.reserved166320 = 0;
     record.reserved166322[0] = 0;
-    record.reserved166624 = kFilledMark;
+    record.filledMark = kFilledMark;
     std::memcpy(record.reserved166626, &kNone, sizeof kNone);
     record.reserved166692[0] = 0;
     record.reserved166724[0] = 0;
@@ -97,7 +100,7 @@ void InitialiseChannels(CoreRecord& record) {
         row.userName[0] = 0;
         row.userShortName[0] = 0;
     }
-    for (const ChannelId channel : kLoggedByDefault) {
+    for (const ChannelId channel : kFirstLogMarks) {
         if (channel < kChannelCount) record.channels[channel].log = 1;
     }
 }

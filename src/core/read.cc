@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/angles.h"
 #include "core/core.h"
 #include "core/days.h"
-#include "core/shared_field.h"
-#include "core/store.h"
+#include "core/record_access.h"
 #include "core/units.h"
 
 namespace twr {
@@ -23,22 +23,9 @@ double EntryValue(CoreRecord& record, ChannelId channel, BoatSlot boat, bool dam
     return Load(damped ? *entry.damped : *entry.value);
 }
 
-// By one turn, as a bearing.
-double WithinTurn(double bearing) {
-    if (bearing >= 360.0) return bearing - 360.0;
-    if (bearing < 0.0) return bearing + 360.0;
-    return bearing;
-}
-
-double WithinHalfTurn(double angle) {
-    if (angle > 180.0) return angle - 360.0;
-    if (angle < -180.0) return angle + 360.0;
-    return angle;
-}
-
 }  // namespace
 
-bool CCore::GetChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, bool convert) {
+bool CCore::GetChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, bool convert) const {
     value = kNoValue;
     if (!view_ || channel >= kChannelCount || boat >= kBoatCount) return false;
     channel = ResolveAlternate(channel, true);
@@ -52,7 +39,7 @@ bool CCore::GetChannel(ChannelId channel, double& value, BoatSlot boat, bool dam
     return value != kNoValue;
 }
 
-bool CCore::GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, double maxAge) {
+bool CCore::GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, bool damped, bool angleFlag, double maxAge) const {
     value = kNoValue;
     if (!view_) return false;
     channel = ResolveAlternate(channel, true);
@@ -68,7 +55,7 @@ bool CCore::GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, boo
     return GetChannel(channel, value, boat, damped, angleFlag, true);
 }
 
-std::int16_t CCore::StaleSeconds(ChannelId channel, BoatSlot boat) {
+std::int16_t CCore::StaleSeconds(ChannelId channel, BoatSlot boat) const {
     if (!view_ || channel >= kChannelCount) return kDefaultStaleSeconds;
     std::uint32_t limit = ChannelCatalogue()[channel].staleSeconds;
     if (boat >= 1 && boat < kBoatCount) {
@@ -79,45 +66,23 @@ std::int16_t CCore::StaleSeconds(ChannelId channel, BoatSlot boat) {
     return static_cast<std::int16_t>(limit);
 }
 
-double CCore::ApplyVariation(double value, BoatSlot boat) {
+double CCore::ApplyVariation(double value, BoatSlot boat) const {
     if (!view_ || value == kNoValue) return kNoValue;
     double variation = EntryValue(*view_, kMagVar, boat, false);
-    if (variation == kNoValue) variation = EntryValue(*view_, kMagVar, 0, false);
+    if (variation == kNoValue) variation = OwnVariation(*view_);
     if (variation == kNoValue) return kNoValue;
     const double bearing = value + variation;
-    return bearing == kNoValue ? bearing : WithinTurn(bearing);
+    return bearing == kNoValue ? bearing : TurnedBearing(bearing);
 }
 
-double CCore::ToDisplayUnits(ChannelId channel, double value, double variation) {
+double CCore::ToDisplayUnits(ChannelId channel, double value, double variation) const {
     if (value == kNoValue || !view_ || channel >= kChannelCount) return value;
-    const auto selector = [&](std::size_t index) { return Load(view_->sysInt[index]); };
-    switch (ChannelTypeOf(channel)) {
-        case kTypeDepth:
-            return DepthInUserUnit(value, selector(kIntDepthUnit));
-        case kTypeDistance:
-            return DistanceInUserUnit(value, selector(kIntDistanceUnit), Load(view_->sysValue[kValueBoatLength]));
-        case kTypeShortDistance:
-            return DistanceInUserUnit(value, selector(kIntShortDistanceUnit), Load(view_->sysValue[kValueBoatLength]));
-        case kTypeBearing:
-            if (Load(view_->sysFlag[kFlagMagnetic]) == 0) {
-                if (variation == kNoValue) variation = EntryValue(*view_, kMagVar, 0, false);
-                if (variation == kNoValue) return kNoValue;
-                value += variation;
-            }
-            return WithinTurn(value);
-        case kTypeAngle:
-        case kTypeWindAngle:
-            return WithinHalfTurn(value);
-        case kTypeBoatSpeed:
-        case kTypeWindSpeed:
-            return SpeedInUserUnit(value, selector(kIntSpeedUnit));
-        case kTypeTemperature:
-            return TemperatureInUserUnit(value, Load(view_->sysFlag[kFlagFahrenheit]) != 0);
-        case kTypePressure:
-            return PressureInUserUnit(value, selector(kIntPressureUnit));
-        default:
-            return value;
-    }
+    return InUserUnit(*view_, ChannelTypeOf(channel), value, variation);
+}
+
+double CCore::ToDisplayTime(double day) const {
+    const bool local = view_ && Load(view_->sysFlag[kFlagLocalTime]) != 0;
+    return local ? LocalTime(services_.zone, day).value_or(day) : day;
 }
 
 }  // namespace twr

@@ -4,13 +4,10 @@
 
 #include "core/core.h"
 #include "core/days.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {
-
-constexpr std::uint32_t kBoatLength = 0;
-constexpr std::uint32_t kGun = 36;
 
 // The greatest value of sysInt[index]; none of these may be negative, and those without a bound have none above either.
 constexpr std::int32_t kUnbounded = 2147483647;
@@ -20,9 +17,9 @@ constexpr std::int32_t kSysIntMax[] = {kUnbounded, 2, 2, 5, 5, 1, 6, kUnbounded,
 
 bool CCore::SetSystemValue(std::uint32_t index, double value) {
     if (!view_ || index >= kSysValueCount) return false;
-    if (index == kBoatLength) value = std::max(1.0, value);
+    if (index == kValueBoatLength) value = std::max(1.0, value);
     if (index == 5) value = std::max(0.01, std::min(10.0, value));
-    if (index == kGun) {
+    if (index == kValueGun) {
         gunMark_ = 0.0;
         const double now = UtcNowDays(services_.clock);
         StampTime(now);

@@ -4,8 +4,9 @@
 #include <span>
 
 #include "base/no_value.h"
+#include "core/angles.h"
 #include "core/channel_catalogue.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {
@@ -48,6 +49,35 @@ double SpeedInUserUnit(double knots, std::int32_t selector) { return Converted(k
 double PressureInUserUnit(double pascals, std::int32_t selector) { return Converted(pascals, kPressureUnits, selector); }
 
 double TemperatureInUserUnit(double celsius, bool fahrenheit) { return fahrenheit ? celsius * 9 / 5 + 32 : celsius; }
+
+double InUserUnit(const CoreRecord& record, std::int16_t type, double value, double variation) {
+    const auto selector = [&](std::size_t index) { return Load(record.sysInt[index]); };
+    const auto flag = [&](std::size_t index) { return Load(record.sysFlag[index]) != 0; };
+    switch (type) {
+        case kTypeDepth:
+            return DepthInUserUnit(value, selector(kIntDepthUnit));
+        case kTypeDistance:
+            return DistanceInUserUnit(value, selector(kIntDistanceUnit), Load(record.sysValue[kValueBoatLength]));
+        case kTypeShortDistance:
+            return DistanceInUserUnit(value, selector(kIntShortDistanceUnit), Load(record.sysValue[kValueBoatLength]));
+        case kTypeBearing:
+            if (flag(kFlagMagnetic)) return TurnedBearing(value);
+            if (variation == kNoValue) variation = OwnVariation(record);
+            return variation == kNoValue ? kNoValue : TurnedBearing(value + variation);
+        case kTypeAngle:
+        case kTypeWindAngle:
+            return TurnedAngle(value);
+        case kTypeBoatSpeed:
+        case kTypeWindSpeed:
+            return SpeedInUserUnit(value, selector(kIntSpeedUnit));
+        case kTypeTemperature:
+            return TemperatureInUserUnit(value, flag(kFlagFahrenheit));
+        case kTypePressure:
+            return PressureInUserUnit(value, selector(kIntPressureUnit));
+        default:
+            return value;
+    }
+}
 
 UnitSettings UnitSettingsOf(const CoreRecord& record) {
     UnitSettings settings{};

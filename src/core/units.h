@@ -63,6 +63,10 @@ double SpeedInUserUnit(double knots, std::int32_t selector);
 double PressureInUserUnit(double pascals, std::int32_t selector);
 double TemperatureInUserUnit(double celsius, bool fahrenheit);
 
+// From the internal unit of a type to the user's, as the record has it. `variation` in degrees is for bearings that are shown true;
+// kNoValue asks for that of the own boat. Without any they are kNoValue.
+double InUserUnit(const CoreRecord& record, std::int16_t type, double value, double variation);
+
 // All that the user has chosen, in one reading of the record.
 struct UnitSettings {
     std::int32_t depth, speed, distance, shortDistance, pressure;

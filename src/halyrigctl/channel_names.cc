@@ -3,7 +3,7 @@
 #include "base/scan.h"
 #include "base/wide_text.h"
 #include "core/channel_catalogue.h"
-#include "core/record_text.h"
+#include "core/record_access.h"
 
 namespace twr {
 

@@ -3,8 +3,7 @@
 #include <cmath>
 
 #include "core/days.h"
-#include "core/shared_field.h"
-#include "core/store.h"
+#include "core/record_access.h"
 #include "core/units.h"
 #include "halyrigctl/why_missing.h"
 

@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <string>
 
+#include "config/bridge_settings.h"
 #include "core/days.h"
-#include "halyrigctl/bridge_settings.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
@@ -70,7 +70,7 @@ Status GetChannelValue(System& system, const GetOptions& options) {
         return kMisunderstood;
     }
     const CoreServices services = system.Core();
-    const Circumstances circumstances{UtcNowDays(services.clock), SavedDegreesTrue(services.registry)};
+    const Circumstances circumstances{UtcNowDays(services.clock), ReadSettings(services.registry).degreesTrue};
     const ChannelReading reading = ReadChannel(guest.Core(), *channel, options.boat, circumstances);
     const std::u16string name = NameForPeople(guest.Core(), *channel);
     guest.Leave();

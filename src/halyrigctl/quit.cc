@@ -1,4 +1,4 @@
-#include "core/shared_field.h"
+#include "core/record_access.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 

@@ -1,10 +1,10 @@
 #include <algorithm>
 
 #include "base/wide_text.h"
+#include "config/bridge_settings.h"
 #include "core/days.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 #include "displays/displays.h"
-#include "halyrigctl/bridge_settings.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
@@ -30,9 +30,8 @@ std::string ShownBytes(const std::string& bytes) { return Harmless(FromBytes(byt
 
 // What the stand-in for Deckman has been told to show; nothing beside the real one, whose displays stand on the mast.
 std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
-    const auto folder = SavedFolder(services.registry);
-    if (!folder) return {};
-    const DisplayReader displays(services.memory, Trimmed(std::u16string_view(*folder)));
+    const std::u16string folder = ReadSettings(services.registry).dfwFolder;
+    const DisplayReader displays(services.memory, Trimmed(std::u16string_view(folder)));
     std::vector<RemoteLine> lines;
     for (int remote = 1; remote <= kRemoteCount; ++remote) {
         const DisplayedText value = displays.Value(remote);

@@ -2,10 +2,8 @@
 
 #include <cstdio>
 
-#include "core/instrument_bearings.h"
-#include "core/position_source.h"
-#include "core/shared_field.h"
-#include "core/store.h"
+#include "core/instrument_channels.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {

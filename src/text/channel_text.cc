@@ -1,5 +1,4 @@
-#include "text/channel_text.h"
-
+// The text of a channel's value.
 #include <cmath>
 #include <span>
 
@@ -7,10 +6,9 @@
 #include "base/whole_number.h"
 #include "base/wide_text.h"
 #include "core/core.h"
-#include "core/record_text.h"
-#include "core/shared_field.h"
-#include "text/duration_text.h"
+#include "core/record_access.h"
 #include "text/position_text.h"
+#include "text/time_text.h"
 
 namespace twr {
 namespace {
@@ -47,9 +45,7 @@ std::u16string_view SideSuffix(ChannelId channel, double value) {
 
 }  // namespace
 
-std::u16string FormatDouble(std::u16string_view format, double value) { return FromBytes(Printed(ToBytes(format).c_str(), value)); }
-
-std::string CCore::ChannelFormat(ChannelId channel) {
+std::string CCore::ChannelFormat(ChannelId channel) const {
     channel = ResolveAlternate(channel, true);
     if (!view_ || channel >= kChannelCount) return {};
     const unsigned prec = Load(view_->channels[channel].prec);
@@ -57,7 +53,7 @@ std::string CCore::ChannelFormat(ChannelId channel) {
     return prec == kNoFixedPrec ? "%lf" : Printed("%%.%ulf", prec);
 }
 
-std::u16string CCore::ChannelText(ChannelId channel, double value) {
+std::u16string CCore::ChannelText(ChannelId channel, double value) const {
     channel = ResolveAlternate(channel, true);
     if (!view_ || value == kNoValue || channel >= kChannelCount) return u"- -";
     switch (channel) {
@@ -91,7 +87,7 @@ std::u16string CCore::ChannelText(ChannelId channel, double value) {
     const std::u16string_view suffix = SideSuffix(channel, value);
     std::u16string format = FromBytes(ChannelFormat(channel));
     format += suffix;
-    return FormatDouble(format, suffix.empty() ? value : std::fabs(value));
+    return FromBytes(Printed(ToBytes(format).c_str(), suffix.empty() ? value : std::fabs(value)));
 }
 
 }  // namespace twr

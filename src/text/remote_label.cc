@@ -5,7 +5,7 @@
 
 #include "base/wide_text.h"
 #include "core/core.h"
-#include "core/record_text.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {
@@ -34,7 +34,7 @@ std::u16string RemoteLabelOf(std::u16string_view name) {
     return UpperCase(label);
 }
 
-std::u16string CCore::ChannelName(ChannelId channel) {
+std::u16string CCore::ChannelName(ChannelId channel) const {
     if (channel >= kChannelCount) return {};
     if (view_) {
         if (const ChannelId resolved = ResolveAlternate(channel, true); resolved != kNoChannel) channel = resolved;
@@ -44,6 +44,6 @@ std::u16string CCore::ChannelName(ChannelId channel) {
     return std::u16string(ChannelCatalogue()[channel].name);
 }
 
-std::u16string CCore::RemoteLabel(ChannelId channel) { return RemoteLabelOf(ChannelName(channel)); }
+std::u16string CCore::RemoteLabel(ChannelId channel) const { return RemoteLabelOf(ChannelName(channel)); }
 
 }  // namespace twr

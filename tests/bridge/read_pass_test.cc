@@ -1,6 +1,6 @@
 #include <limits>
 
-#include "bridge/instrument_value.h"
+#include "bridge/instrument_pass.h"
 #include "bridge_fixture.h"
 
 namespace twr::testing {

@@ -2,8 +2,8 @@
 // read in it meanwhile. Nobody waits, and yet all must come to the data folder that the registry names.
 #include <iostream>
 
-#include "bridge/settings.h"
 #include "bridge_fixture.h"
+#include "config/bridge_settings.h"
 #include "support/child_process.h"
 #include "support/test_system.h"
 

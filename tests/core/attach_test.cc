@@ -24,9 +24,9 @@ TEST_F(AttachTest, AGuestWaitsForTheEndOfTheFilling) {
     const double filled = std::exchange(stamp, 0.0);
     EXPECT_EQ(nullptr, CCore(machine.Services(), Attachment::kOpenOnly).View());
     stamp = filled;
-    const std::uint8_t mark = std::exchange(core->View()->reserved166624, 0);
+    const std::uint8_t mark = std::exchange(core->View()->filledMark, 0);
     EXPECT_EQ(nullptr, CCore(machine.Services(), Attachment::kOpenOnly).View()) << "another has stamped it meanwhile";
-    core->View()->reserved166624 = mark;
+    core->View()->filledMark = mark;
     EXPECT_EQ(core->View(), CCore(machine.Services(), Attachment::kOpenOnly).View());
 }
 

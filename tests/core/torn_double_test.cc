@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "core/core.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 #include "support/child_process.h"
 #include "support/test_system.h"
 

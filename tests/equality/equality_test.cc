@@ -4,8 +4,8 @@
 
 #include "base/scan.h"
 #include "base/wide_text.h"
-#include "bridge/instrument_value.h"
-#include "bridge/remote_text.h"
+#include "bridge/instrument_pass.h"
+#include "bridge/remote_pass.h"
 #include "core/days.h"
 #include "platform/paths.h"
 #include "support/core_fixture.h"

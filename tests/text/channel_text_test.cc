@@ -1,10 +1,9 @@
-#include "text/channel_text.h"
 
 #include <cmath>
 
 #include "base/wide_text.h"
 #include "support/core_fixture.h"
-#include "text/duration_text.h"
+#include "text/time_text.h"
 
 namespace twr::testing {
 namespace {

@@ -1,9 +1,10 @@
+#include "text/time_text.h"
+
 #include <cmath>
 
+#include "base/calendar.h"
 #include "base/wide_text.h"
 #include "support/core_fixture.h"
-#include "base/calendar.h"
-#include "text/duration_text.h"
 
 namespace twr::testing {
 namespace {

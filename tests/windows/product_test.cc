@@ -12,7 +12,7 @@
 #include "base/wide_text.h"
 #include "bridge/controls.h"
 #include "core/core.h"
-#include "core/shared_field.h"
+#include "core/record_access.h"
 #include "support/child_process.h"
 #include "support/temp_folder.h"
 #include "support/windows/window_probe.h"

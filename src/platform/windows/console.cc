@@ -36,7 +36,7 @@ WindowsConsole::WindowsConsole()
     DWORD mode = 0;
     if (!GetConsoleMode(output_, &mode)) return;
     formerMode_ = mode;
-    drawsPictures_ = SetConsoleMode(output_, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    supportsEscapes_ = SetConsoleMode(output_, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
 // The console outlives the program, and belongs to the command prompt then.
@@ -47,7 +47,7 @@ WindowsConsole::~WindowsConsole() {
 
 std::optional<ConsoleSize> WindowsConsole::Size() const {
     CONSOLE_SCREEN_BUFFER_INFO info;
-    if (!drawsPictures_ || !GetConsoleScreenBufferInfo(output_, &info)) return std::nullopt;
+    if (!supportsEscapes_ || !GetConsoleScreenBufferInfo(output_, &info)) return std::nullopt;
     return ConsoleSize{info.srWindow.Right - info.srWindow.Left + 1, info.srWindow.Bottom - info.srWindow.Top + 1};
 }
 

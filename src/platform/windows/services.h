@@ -107,7 +107,7 @@ private:
     HANDLE error_;
     UINT formerCodePage_;              // 0 without a console
     std::optional<DWORD> formerMode_;  // nothing when standard output is no console
-    bool drawsPictures_ = false;
+    bool supportsEscapes_ = false;
     bool listening_ = false;
 };
 

@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include "bridge/application.h"
-#include "bridge/settings.h"
+#include "config/bridge_settings.h"
 #include "core/core.h"
 #include "support/child_process.h"
 #include "support/test_system.h"

@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "bridge/application.h"
-#include "bridge/settings.h"
+#include "config/bridge_settings.h"
 #include "core/core.h"
 #include "support/child_process.h"
 #include "support/linux/pseudo_terminal.h"

@@ -7,7 +7,7 @@
 #include <new>
 
 #include "core/core_record.h"
-#include "core/store.h"
+#include "core/record_access.h"
 
 namespace twr::testing {
 namespace {

@@ -5,8 +5,8 @@
 #include "base/wide_text.h"
 #include "platform/windows/services.h"
 #include "platform/windows/xml/com_ptr.h"
+#include "platform/windows/xml/well_formed.h"
 #include "platform/windows/xml/xml_encoding.h"
-#include "platform/windows/xml/xml_sound.h"
 
 namespace twr {
 namespace {
@@ -85,7 +85,7 @@ private:
 std::unique_ptr<XmlReader> WindowsXml::OpenReader(std::u16string_view path) {
     const auto source = WindowsFiles({}).Open(path);
     if (!source) return nullptr;
-    const std::string document = "\xEF\xBB\xBF" + ToUtf8(SoundPart(DecodeXml(Contents(*source)))).append(kFault);
+    const std::string document = "\xEF\xBB\xBF" + ToUtf8(WellFormedPrefix(DecodeXml(Contents(*source)))).append(kFault);
     const ComPtr<IStream> stream(
         SHCreateMemStream(reinterpret_cast<const BYTE*>(document.data()), static_cast<UINT>(document.size())));
     ComPtr<IXmlReader> reader;

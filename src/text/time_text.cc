@@ -1,12 +1,16 @@
-#include "text/duration_text.h"
+#include "text/time_text.h"
 
 #include <cinttypes>
 #include <cmath>
 
+#include "base/calendar.h"
 #include "base/no_value.h"
 #include "base/printed.h"
 #include "base/whole_number.h"
 #include "base/wide_text.h"
+#include "core/core.h"
+#include "core/days.h"
+#include "core/record_access.h"
 
 namespace twr {
 namespace {
@@ -64,5 +68,11 @@ TimeParts TimeValueParts(double days) {
 std::u16string DurationText(double days) { return days == kNoValue ? u"- -" : Signed(days, Unsigned); }
 
 std::u16string CompactDurationText(double days) { return days == kNoValue ? u"" : Signed(days, UnsignedCompact); }
+
+std::u16string CCore::TimeText(double day) const {
+    const bool local = view_ && Load(view_->sysFlag[kFlagLocalTime]) != 0;
+    const std::optional<double> shown = local ? LocalTime(services_.zone, day) : day;
+    return shown ? DateTimeFormat(*shown, u"%d-%b-%Y %H:%M:%S") : std::u16string();
+}
 
 }  // namespace twr

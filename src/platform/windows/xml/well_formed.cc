@@ -1,4 +1,4 @@
-#include "platform/windows/xml/xml_sound.h"
+#include "platform/windows/xml/well_formed.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -53,7 +53,7 @@ std::size_t PlainLength(std::u16string_view text) {
 
 }  // namespace
 
-std::u16string_view SoundPart(std::u16string_view document) {
+std::u16string_view WellFormedPrefix(std::u16string_view document) {
     std::size_t plainUntil = 0;
     for (std::size_t at = 0; at < document.size();) {
         const std::u16string_view rest = document.substr(at);

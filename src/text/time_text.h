@@ -1,4 +1,4 @@
-// Durations in days as text.
+// Durations in days as text. The text of a moment, CCore::TimeText, is defined beside them.
 #pragma once
 #include <cstdint>
 #include <string>

@@ -1,9 +1,8 @@
-#include "bridge/settings.h"
+#include "config/bridge_settings.h"
 
 namespace twr {
 namespace {
 
-constexpr std::u16string_view kKey = u"Software\\Tidewright\\Halyrig32\\settings";
 constexpr std::u16string_view kFolder = u"DfwFolder";
 
 struct Flag {
@@ -23,15 +22,15 @@ constexpr Flag kFlags[] = {
 Settings ReadSettings(const Registry& registry) {
     Settings settings;
     for (const Flag& flag : kFlags) {
-        if (const auto number = DwordOf(registry.Read(kKey, flag.name))) settings.*flag.field = *number != 0;
+        if (const auto number = DwordOf(registry.Read(kBridgeSettingsKey, flag.name))) settings.*flag.field = *number != 0;
     }
-    if (auto folder = TextOf(registry.Read(kKey, kFolder))) settings.dfwFolder = *folder;
+    if (auto folder = TextOf(registry.Read(kBridgeSettingsKey, kFolder))) settings.dfwFolder = *folder;
     return settings;
 }
 
 void WriteSettings(Registry& registry, const Settings& settings) {
-    registry.Write(kKey, kFolder, StringValue(settings.dfwFolder));
-    for (const Flag& flag : kFlags) registry.Write(kKey, flag.name, DwordValue(settings.*flag.field ? 1 : 0));
+    registry.Write(kBridgeSettingsKey, kFolder, StringValue(settings.dfwFolder));
+    for (const Flag& flag : kFlags) registry.Write(kBridgeSettingsKey, flag.name, DwordValue(settings.*flag.field ? 1 : 0));
 }
 
 }  // namespace twr

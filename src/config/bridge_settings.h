@@ -1,10 +1,13 @@
 // What the bridge remembers from run to run, in the user's registry.
 #pragma once
 #include <string>
+#include <string_view>
 
 #include "platform/registry.h"
 
 namespace twr {
+
+inline constexpr std::u16string_view kBridgeSettingsKey = u"Software\\Tidewright\\Halyrig32\\settings";
 
 struct Settings {
     std::u16string dfwFolder = u"C:\\Program Files (x86)\\BandG\\Deckman";

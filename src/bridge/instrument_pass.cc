@@ -1,0 +1,89 @@
+#include "bridge/instrument_pass.h"
+
+#include <cmath>
+
+#include "core/days.h"
+#include "core/instrument_channels.h"
+#include "core/record_access.h"
+
+namespace twr {
+namespace {
+
+constexpr float kFeetPerMetre = 3.2808f;
+constexpr double kRepeatAfter = 1.0 / kSecondsPerDay;
+
+}  // namespace
+
+float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& units) {
+    if (IsInstrumentBearing(channel)) return units.degreesTrue ? MagneticBearing(reading, units.variation) : reading;
+    switch (channel) {
+        case kLeeway:
+        case kHeel:
+            return reading * -1.0f;
+        case kDepth:
+            return units.depthInFeet ? reading / kFeetPerMetre : reading;
+        default:
+            return reading;
+    }
+}
+
+float MagneticBearing(float trueBearing, double variation) {
+    double bearing = trueBearing;
+    if (bearing == kNoValue || variation == kNoValue) return static_cast<float>(kNoValue);
+    bearing -= variation;
+    if (bearing != kNoValue) {
+        if (bearing >= 360.0) bearing -= 360.0;
+        if (bearing < 0.0) bearing += 360.0;
+    }
+    return static_cast<float>(bearing);
+}
+
+InstrumentPass::InstrumentPass(CCore& core, const Clock& clock) : core_(core), clock_(clock) {
+    sentTime_.fill(0.0);
+    sentValue_.fill(kNoValue);
+}
+
+void InstrumentPass::Run(const DeckmanLibrary& library, std::span<const MappingVar> rows, std::int32_t timer,
+                         const Settings& settings) {
+    CoreRecord& record = *core_.View();
+    const bool positionFromDeckman = PositionFromDeckman(record);
+    if (library.fnRead) ReadRows(library.fnRead, rows, settings, positionFromDeckman);
+    if (positionFromDeckman && library.fnGetPosition) ReadPosition(library.fnGetPosition);
+    if (settings.useTimer && timer >= 0 && library.fnRead) ReadTimer(library.fnRead, timer);
+    Put(record.sysFlag[kFlagDataPublished], std::uint8_t{1});
+}
+
+void InstrumentPass::ReadRows(UsrRead read, std::span<const MappingVar> rows, const Settings& settings, bool positionFromDeckman) {
+    ReadingUnits units = {.degreesTrue = settings.degreesTrue, .depthInFeet = settings.depthInFeet, .variation = kNoValue};
+    const double now = UtcNowDays(clock_);
+    for (const MappingVar& row : rows) {
+        const auto channel = static_cast<ChannelId>(row.channel);
+        if (row.dfwId == kNoInt || channel == kTime || channel >= kChannelCount) continue;
+        if (!positionFromDeckman && FollowsPositionSource(channel)) continue;
+        float reading = 0.0f;
+        read(row.dfwId, &reading);
+        units.variation = OwnVariation(*core_.View());  // an earlier row may have published it
+        const double value = InstrumentValue(channel, reading, units);
+        if (value == sentValue_[channel] && std::fabs(now - sentTime_[channel]) <= kRepeatAfter) continue;
+        sentTime_[channel] = now;
+        sentValue_[channel] = value;
+        core_.SetChannel(channel, static_cast<BoatSlot>(row.boat), value, 0.0);
+    }
+}
+
+void InstrumentPass::ReadPosition(UsrGetPosition getPosition) {
+    float latitude = 0.0f, longitude = 0.0f;
+    getPosition(&latitude, &longitude);
+    core_.SetChannel(kLat, 0, latitude, 0.0);
+    core_.SetChannel(kLon, 0, longitude, 0.0);
+}
+
+void InstrumentPass::ReadTimer(UsrRead read, std::int32_t timer) {
+    float reading = 0.0f;
+    read(timer, &reading);
+    const double seconds = reading;
+    if (seconds != 0.0 && lastTimer_ > seconds) core_.SetSystemValue(kValueGun, seconds / 60.0 / 60.0 / 24.0 + UtcNowDays(clock_));
+    lastTimer_ = seconds;
+}
+
+}  // namespace twr

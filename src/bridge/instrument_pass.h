@@ -1,0 +1,52 @@
+// The first half of a tick: from Deckman into the record.
+#pragma once
+#include <array>
+#include <span>
+
+#include "bridge/deckman_library.h"
+#include "config/bridge_settings.h"
+#include "core/core.h"
+#include "mapping/mapping_rows.h"
+
+namespace twr {
+
+struct ReadingUnits {
+    bool degreesTrue;  // headings and directions come true
+    bool depthInFeet;
+    double variation;  // degrees, east positive; kNoValue when unknown
+};
+
+// A reading of Deckman in the channel's internal unit, with its sign. Deckman gives 32-bit floats, and the conversions keep to
+// them.
+float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& units);
+
+// Takes the variation off a true bearing, with one turn of correction. kNoValue without a variation.
+float MagneticBearing(float trueBearing, double variation);
+
+class InstrumentPass {
+public:
+    InstrumentPass(CCore& core, const Clock& clock);
+
+    // Publishes every mapped variable that has changed or was last published more than a second ago, the position where Deckman is
+    // its source, and the moment of the gun while variable `timer` counts down (-1: there is no such variable). The record is
+    // attached. What the library lacks a function for is left out.
+    void Run(const DeckmanLibrary& library, std::span<const MappingVar> rows, std::int32_t timer, const Settings& settings);
+
+    // The timer's next value is taken as its first.
+    void ForgetTimer() { lastTimer_ = kNoTimer; }
+
+private:
+    static constexpr double kNoTimer = -1.0;
+
+    void ReadRows(UsrRead read, std::span<const MappingVar> rows, const Settings& settings, bool positionFromDeckman);
+    void ReadPosition(UsrGetPosition getPosition);
+    void ReadTimer(UsrRead read, std::int32_t timer);
+
+    CCore& core_;
+    const Clock& clock_;
+    std::array<double, kChannelCount> sentTime_;   // days, per channel: its last publication
+    std::array<double, kChannelCount> sentValue_;  // per channel: the value last published
+    double lastTimer_ = kNoTimer;                  // seconds to the gun
+};
+
+}  // namespace twr

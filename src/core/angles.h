@@ -1,0 +1,20 @@
+// Angles in degrees, turned into their range by one turn and no further.
+#pragma once
+
+namespace twr {
+
+// Towards 0 to 360.
+inline double TurnedBearing(double degrees) {
+    if (degrees >= 360.0) return degrees - 360.0;
+    if (degrees < 0.0) return degrees + 360.0;
+    return degrees;
+}
+
+// Towards -180 to 180.
+inline double TurnedAngle(double degrees) {
+    if (degrees > 180.0) return degrees - 360.0;
+    if (degrees < -180.0) return degrees + 360.0;
+    return degrees;
+}
+
+}  // namespace twr

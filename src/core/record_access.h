@@ -1,0 +1,105 @@
+// The record, which other processes read and write at the same time: its fields, its texts, its entries.
+#pragma once
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "base/no_value.h"
+#include "core/channel_catalogue.h"
+#include "core/core_record.h"
+
+namespace twr {
+
+// --- Fields ---
+// Each is one access of the field's own width. A plain access would not do: a 32-bit compiler may split a double into two moves,
+// and another process would see half of each value.
+
+template <class T>
+T Load(const T& field) {
+    return std::atomic_ref<T>(const_cast<T&>(field)).load(std::memory_order_relaxed);
+}
+
+template <class T>
+void Put(T& field, T value) {
+    std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
+}
+
+// Behind all stores that this thread has made before.
+template <class T>
+void PutInOrder(T& field, T value) {
+    std::atomic_ref<T>(field).store(value, std::memory_order_release);
+}
+
+// --- Texts: fixed fields of UTF-16, ended by a zero ---
+
+// Stores as much of the text as the field holds beside its zero.
+template <std::size_t Units>
+void SetFieldText(char16_t (&field)[Units], std::u16string_view text) {
+    const std::size_t length = std::min(text.size(), Units - 1);
+    std::copy_n(text.data(), length, field);
+    field[length] = 0;
+}
+
+// The text up to its zero, or the whole field when another program has left none.
+template <std::size_t Units>
+std::u16string_view FieldView(const char16_t (&field)[Units]) {
+    return {field, std::find(field, field + Units, u'\0')};
+}
+
+template <std::size_t Units>
+std::u16string FieldText(const char16_t (&field)[Units]) {
+    return std::u16string(FieldView(field));
+}
+
+// --- Entries: a channel's value for a boat, with its time stamp ---
+
+// The places of one channel of one boat; all null when the boat has no entry for the channel.
+struct Entry {
+    double* time = nullptr;
+    double* value = nullptr;
+    double* damped = nullptr;
+
+    explicit operator bool() const { return value != nullptr; }
+};
+
+// Boats 0 and 1 hold every channel, the others those with a short index.
+inline Entry EntryOf(CoreRecord& record, ChannelId channel, BoatSlot boat) {
+    if (channel >= kChannelCount || boat >= kBoatCount) return {};
+    if (boat < kFullBoatCount) {
+        BoatBlock& block = record.fullBlocks[boat];
+        return {&block.time[channel], &block.value[channel], &block.damped[channel]};
+    }
+    const std::uint16_t index = ChannelCatalogue()[channel].shortIndex;
+    if (index >= kShortChannelCount) return {};
+    ShortBoatBlock& block = record.shortBlocks[boat - kFullBoatCount];
+    return {&block.time[index], &block.value[index], &block.damped[index]};
+}
+
+// The own boat's variation in degrees, east positive; kNoValue when unknown.
+inline double OwnVariation(const CoreRecord& record) {
+    return Load(record.boatCount) == 0 ? kNoValue : Load(record.fullBlocks[0].value[kMagVar]);
+}
+
+// Writes an entry. A real value also marks the boat as active and raises boatCount over it; the Time channel doesn't. False when
+// there is no entry.
+inline bool Store(CoreRecord& record, ChannelId channel, BoatSlot boat, double value, double time) {
+    const Entry entry = EntryOf(record, channel, boat);
+    if (!entry) return false;
+    // Readers rely on this order: the value first for boats 0 and 1, the time stamp first for the others.
+    if (boat < kFullBoatCount) {
+        PutInOrder(*entry.value, value);
+        PutInOrder(*entry.time, time);
+    } else {
+        PutInOrder(*entry.time, time);
+        PutInOrder(*entry.value, value);
+    }
+    if (channel != kTime && value != kNoValue) {
+        Put(record.boats[boat].active, std::uint8_t{1});
+        if (Load(record.boatCount) < boat + 1) Put(record.boatCount, boat + 1);
+    }
+    return true;
+}
+
+}  // namespace twr
