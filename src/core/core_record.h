@@ -1,7 +1,7 @@
 // The CoreRecord: the block of named shared memory through which the programs of the suite exchange all live data. A wire format:
 // every program that maps it must agree with every offset, so each gap is a member and each offset is asserted below.
 //
-// No lock protects it. Fields are read and written one by one through shared_field.h; a value and its time stamp are two stores.
+// No lock protects it. Fields are read and written one by one through record_access.h; a value and its time stamp are two stores.
 // Texts end with a zero within their field. Values from other processes are never trusted as an index.
 #pragma once
 #include <cstddef>
