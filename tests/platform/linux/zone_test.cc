@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <filesystem>
 #include <string>
 
 #include "support/linux/environment_variable.h"
@@ -49,13 +50,14 @@ TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
 }
 
 TEST(Zone, AgreesWithTheSystemsLocalTime) {
+    if (!std::filesystem::exists("/usr/share/zoneinfo")) GTEST_SKIP() << "no zone data on this machine";
     const testing::TestSystem test;
     for (const char* name :
          {"Europe/Dublin", "Australia/Lord_Howe", "Asia/Kolkata", "America/St_Johns", "Africa/Casablanca", ":Europe/Paris"}) {
         SCOPED_TRACE(name);
         const testing::EnvironmentVariable zone("TZ", name);
         const auto state = test.system->Core().zone.Now();
-        if (!state) GTEST_SKIP() << "no zone data on this machine";
+        ASSERT_TRUE(state);
         const std::time_t now = std::time(nullptr);
         std::tm local{};
         localtime_r(&now, &local);
