@@ -12,6 +12,7 @@
 #include "platform/held_output.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
+#include "platform/linux/signal_queue.h"
 
 namespace twr {
 namespace {
@@ -68,7 +69,7 @@ private:
     void Listen() {
         sigset_t signals;
         sigemptyset(&signals);
-        for (const int number : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, number);
+        for (const int number : kCloseSignals) sigaddset(&signals, number);
         sigprocmask(SIG_BLOCK, &signals, nullptr);
         signals_ = Descriptor(signalfd(-1, &signals, SFD_CLOEXEC));
     }

@@ -18,7 +18,7 @@ public:
 
 class HeadlessDesktop final : public Desktop {
 public:
-    void ExpectDialog() override { held_.emplace(kCloseSignals); }
+    void ExpectDialog() override { held_.emplace(); }
 
     void Remark(std::u16string_view text, std::u16string_view caption) override { ShowOnStandardError(text, caption); }
 
@@ -28,8 +28,7 @@ public:
     }
 
     void RunDialog(const DialogTemplate&, Dialog& dialog) override {
-        IgnoreBrokenPipes();
-        SignalQueue signals(kCloseSignals);
+        SignalQueue signals;
         HeadlessWindow window(dialog);
         dialog.OnInit(window);
         while (!window.Ended() && !quit_) {

@@ -11,10 +11,18 @@ namespace twr {
 
 using Steady = std::chrono::steady_clock;
 
-SignalQueue::SignalQueue(std::initializer_list<int> signals) {
+bool CloseSignalWaits() {
+    sigset_t waiting;
+    return sigpending(&waiting) == 0 &&
+           std::ranges::any_of(kCloseSignals, [&](int number) { return sigismember(&waiting, number); });
+}
+
+SignalQueue::SignalQueue(std::initializer_list<int> others) {
     sigset_t set;
     sigemptyset(&set);
-    for (const int number : signals) sigaddset(&set, number);
+    for (const auto& signals : {kCloseSignals, others}) {
+        for (const int number : signals) sigaddset(&set, number);
+    }
     sigprocmask(SIG_BLOCK, &set, &before_);
     queue_ = Descriptor(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
 }

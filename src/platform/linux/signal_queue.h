@@ -9,12 +9,17 @@
 
 namespace twr {
 
-// Those that end a program, which stand for the closing of its window.
-inline constexpr std::initializer_list<int> kCloseSignals = {SIGTERM, SIGINT, SIGHUP};
+// Those that end a program unless it says otherwise, and that a user or his limits send: they stand for the closing of its window.
+inline constexpr std::initializer_list<int> kCloseSignals = {SIGTERM, SIGINT,  SIGHUP,    SIGQUIT, SIGALRM,
+                                                             SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU};
+
+// One of them waits to be taken from a queue.
+bool CloseSignalWaits();
 
 class SignalQueue {
 public:
-    explicit SignalQueue(std::initializer_list<int> signals);
+    // Those that close, and others.
+    explicit SignalQueue(std::initializer_list<int> others = {});
     ~SignalQueue();
     SignalQueue(const SignalQueue&) = delete;
     SignalQueue& operator=(const SignalQueue&) = delete;

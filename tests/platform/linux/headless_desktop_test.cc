@@ -41,7 +41,7 @@ TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEnds) {
 }
 
 TEST_F(HeadlessDesktopTest, TakesSignalsForAClosingThatIsMeant) {
-    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU}) {
         SCOPED_TRACE(number);
         dialog_.onInit = [number] { raise(number); };
         EXPECT_EQ("init cancel yes destroy ", Run());
