@@ -4,6 +4,10 @@
 
 namespace twr {
 
+// Beyond these a file of settings or lists is damaged, or meant to do harm, and is read no further. Recordings may be larger.
+inline constexpr std::size_t kLongestLine = 1 << 20;   // bytes
+inline constexpr std::size_t kLargestFile = 64 << 20;  // bytes
+
 // The bytes of an open file, from its start.
 class ByteSource {
 public:

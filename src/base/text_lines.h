@@ -9,6 +9,7 @@
 namespace twr {
 
 // Lines end at LF; a CR before it is dropped, and byte 0x1A ends the text, as in text mode on Windows. The last line needs no end.
+// A line longer than kLongestLine ends the text too, and so does byte kLargestFile.
 class TextLines {
 public:
     explicit TextLines(ByteSource& source) : source_(source) {}
@@ -23,6 +24,7 @@ private:
     std::array<char, 4096> buffer_{};
     std::size_t filled_ = 0;
     std::size_t used_ = 0;
+    std::size_t read_ = 0;  // bytes, those in the buffer among them
     bool ended_ = false;
 };
 

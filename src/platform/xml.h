@@ -17,13 +17,16 @@ struct XmlElement {
     std::vector<XmlAttribute> attributes;  // in the order of the file, declarations of name spaces left out
 };
 
+// No honest file nests its elements deeper. What is open takes memory.
+inline constexpr int kDeepestElement = 100'000;
+
 // Gives the elements of a file one by one, in the order of their start tags, whatever their depth.
 class XmlReader {
 public:
     virtual ~XmlReader() = default;
 
-    // False at the end of the document and at its first fault, a document type declaration included; all elements before it have
-    // been given by then, and none follows.
+    // False at the end of the document, at byte kLargestFile, below kDeepestElement and at its first fault, a document type
+    // declaration included; all elements before it have been given by then, and none follows.
     virtual bool Next(XmlElement& element) = 0;
 };
 

@@ -27,6 +27,7 @@ private:
 TEST(TextLines, ReadsAsInTextMode) {
     using namespace std::string_literals;
     const std::string longLine(10000, 'x');  // than the buffer
+    const std::string longest(kLongestLine, 'x');
     const struct {
         std::string bytes;
         std::vector<std::string> lines;
@@ -42,6 +43,7 @@ TEST(TextLines, ReadsAsInTextMode) {
         {"a\0b\n"s, {"a\0b"s}},
         {"\xEF\xBB\xBF[x]\n", {"\xEF\xBB\xBF[x]"}},
         {longLine + "\r\nshort", {longLine, "short"}},
+        {"one\n" + longest + "\n" + longest + "x\nthree\n", {"one", longest}},
     };
     for (const auto& row : rows) {
         for (const std::size_t step : {1u, 2u, 3u, 4096u}) {
@@ -53,6 +55,23 @@ TEST(TextLines, ReadsAsInTextMode) {
             EXPECT_EQ(row.lines, lines);
         }
     }
+}
+
+TEST(TextLines, ReadsNoFurtherThanAnyHonestFile) {
+    // Endless.
+    class Line final : public ByteSource {
+    public:
+        std::size_t Read(char* to, std::size_t room) override {
+            std::fill_n(to, room, 'x');
+            to[room - 1] = '\n';
+            read += room;
+            return room;
+        }
+        std::size_t read = 0;
+    } source;
+    TextLines text(source);
+    for (std::string line; text.Next(line);) continue;
+    EXPECT_EQ(kLargestFile, source.read);
 }
 
 }  // namespace

@@ -155,6 +155,17 @@ TEST_F(XmlTest, ReadsLongAndDeepFilesUpToAFaultFarBehind) {
     EXPECT_EQ("a(b=" + value + ")", Read("<a b='" + value + "'/>"));
 }
 
+TEST_F(XmlTest, ReadsNoDeeperThanAnyHonestFile) {
+    std::string bytes;
+    for (int i = 0; i < 2 * kDeepestElement; ++i) bytes += "<d>";
+    test_.folder.Write("file.xml", bytes);
+    const auto reader = xml_.OpenReader(path_);
+    ASSERT_NE(nullptr, reader);
+    int elements = 0;
+    for (XmlElement element; reader->Next(element);) ++elements;
+    EXPECT_NEAR(kDeepestElement, elements, 1) << "the systems differ by one";
+}
+
 TEST_F(XmlTest, GivesTheBeginningOfAFileThatIsCutShort) {
     const std::string whole = Mapping(3);
     const std::string outline = Read(whole);

@@ -37,6 +37,12 @@ Descriptor OpenPlainFile(const std::string& path, int flags, unsigned mode) {
     return file;
 }
 
+bool SameFile(const Descriptor& left, const Descriptor& right) {
+    struct stat a {};
+    struct stat b {};
+    return fstat(left.Get(), &a) == 0 && fstat(right.Get(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
 bool WriteAll(const Descriptor& file, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = write(file.Get(), bytes.data(), bytes.size());

@@ -30,6 +30,9 @@ std::string NativePath(std::u16string_view path);
 // Opens a plain file with the flags of open(2), without ever waiting for a pipe or a device; those and folders are refused.
 Descriptor OpenPlainFile(const std::string& path, int flags, unsigned mode = 0666);
 
+// Both lead to one file, whatever its names.
+bool SameFile(const Descriptor& left, const Descriptor& right);
+
 bool WriteAll(const Descriptor& file, std::string_view bytes);
 
 // Makes every missing level of a folder for its owner alone.

@@ -11,6 +11,7 @@
 #include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
+#include "platform/linux/signal_queue.h"
 #include "platform/paths.h"
 
 namespace twr {
@@ -21,15 +22,22 @@ public:
     explicit FileSource(Descriptor file) : file_(std::move(file)) {}
 
     std::size_t Read(char* to, std::size_t room) override {
+        if (read_ > kUninterrupted && CloseSignalWaits()) return 0;
         ssize_t got = 0;
         do {
             got = read(file_.Get(), to, room);
         } while (got < 0 && errno == EINTR);
-        return got > 0 ? static_cast<std::size_t>(got) : 0;
+        if (got <= 0) return 0;
+        read_ += static_cast<std::size_t>(got);
+        return static_cast<std::size_t>(got);
     }
 
 private:
+    // No honest file is larger, and those that are must not keep a program that has been told to end.
+    static constexpr std::size_t kUninterrupted = 1 << 20;  // bytes
+
     const Descriptor file_;
+    std::size_t read_ = 0;  // bytes
 };
 
 // Whether a name fits a pattern of "*" and "?". fnmatch knows more signs than these, and a "?" for one byte only.
@@ -56,19 +64,13 @@ bool IsPlainFile(const std::u16string& path) {
     return stat(NativePath(path).c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-bool SameFile(const Descriptor& left, const Descriptor& right) {
-    struct stat a {};
-    struct stat b {};
-    return fstat(left.Get(), &a) == 0 && fstat(right.Get(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
 class PosixFiles final : public Files {
 public:
     explicit PosixFiles(const std::u16string& programData) : programData_(programData) {}
 
     bool Exists(std::u16string_view path) const override { return access(NativePath(path).c_str(), F_OK) == 0; }
 
-    void MakeFolder(std::u16string_view path) override { mkdir(NativePath(path).c_str(), 0777); }
+    void MakeFolder(std::u16string_view path) override { mkdir(NativePath(path).c_str(), 0700); }
 
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override {
         Descriptor file = OpenPlainFile(NativePath(path), O_RDONLY);

@@ -16,7 +16,6 @@ namespace twr {
 namespace {
 
 constexpr std::u16string_view kUserRoot = u"HKEY_CURRENT_USER\\";
-constexpr off_t kLargestFile = 64 << 20;  // bytes; a larger one is no registry of ours
 
 std::u16string FullKey(std::u16string_view key) { return std::u16string(kUserRoot) += key; }
 
@@ -97,7 +96,7 @@ private:
             return &text_.emplace(std::string_view());
         }
         struct stat status {};
-        if (fstat(file.Get(), &status) != 0 || status.st_size > kLargestFile) return nullptr;
+        if (fstat(file.Get(), &status) != 0 || status.st_size > static_cast<off_t>(kLargestFile)) return nullptr;
         const Stamp stamp{status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
         if (text_ && stamp_ == stamp) return &*text_;
         std::string bytes;

@@ -2,6 +2,7 @@
 
 #include <expat.h>
 
+#include <algorithm>
 #include <deque>
 #include <string_view>
 
@@ -45,7 +46,7 @@ private:
         parser_ = XML_ParserCreateNS(MarkedEncoding(firstBytes), kSeparator);
         if (!parser_) return;
         XML_SetUserData(parser_, this);
-        XML_SetStartElementHandler(parser_, OnElement);
+        XML_SetElementHandler(parser_, OnElement, OnElementEnd);
         XML_SetStartDoctypeDeclHandler(parser_, OnDoctype);
         XML_SetUnknownEncodingHandler(parser_, FindXmlEncoding, nullptr);
     }
@@ -57,15 +58,26 @@ private:
         std::size_t got = 0;
         while (filled < sizeof chunk && (got = source_->Read(chunk + filled, sizeof chunk - filled)) > 0) filled += got;
         if (!parser_) Begin({chunk, filled});
+        read_ += filled;
         const bool last = filled < sizeof chunk;
-        ended_ = !parser_ || XML_Parse(parser_, chunk, static_cast<int>(filled), last) != XML_STATUS_OK || last;
+        ended_ = !parser_ || XML_Parse(parser_, chunk, static_cast<int>(filled), last) != XML_STATUS_OK || last || IsBeyondReason();
+    }
+
+    // The parser keeps in memory what it can't make an end of yet.
+    bool IsBeyondReason() const {
+        const auto done = static_cast<std::size_t>(std::max<XML_Index>(0, XML_GetCurrentByteIndex(parser_)));
+        return read_ >= kLargestFile || read_ - std::min(done, read_) > kLongestLine;
     }
 
     static void XMLCALL OnElement(void* reader, const XML_Char* name, const XML_Char** attributes) {
-        XmlElement& element = static_cast<ExpatReader*>(reader)->elements_.emplace_back();
+        auto* const self = static_cast<ExpatReader*>(reader);
+        if (++self->depth_ > kDeepestElement) return static_cast<void>(XML_StopParser(self->parser_, XML_FALSE));
+        XmlElement& element = self->elements_.emplace_back();
         element.name = LocalName(name);
         for (; *attributes; attributes += 2) element.attributes.push_back({LocalName(attributes[0]), FromUtf8(attributes[1])});
     }
+
+    static void XMLCALL OnElementEnd(void* reader, const XML_Char*) { --static_cast<ExpatReader*>(reader)->depth_; }
 
     static void XMLCALL OnDoctype(void* reader, const XML_Char*, const XML_Char*, const XML_Char*, int) {
         XML_StopParser(static_cast<ExpatReader*>(reader)->parser_, XML_FALSE);
@@ -74,6 +86,8 @@ private:
     const std::unique_ptr<ByteSource> source_;
     XML_Parser parser_ = nullptr;
     std::deque<XmlElement> elements_;
+    std::size_t read_ = 0;  // bytes
+    int depth_ = 0;
     bool ended_ = false;
 };
 

@@ -14,11 +14,13 @@ namespace {
 std::string Contents(ByteSource& source) {
     std::string bytes;
     char part[16384];
-    while (const std::size_t got = source.Read(part, sizeof part)) bytes.append(part, got);
+    while (bytes.size() < kLargestFile) {
+        const std::size_t got = source.Read(part, sizeof part);
+        if (got == 0) break;
+        bytes.append(part, got);
+    }
     return bytes;
 }
-
-constexpr LONG_PTR kMaxDepth = 1'000'000;  // in place of XmlLite's 256, which the other system doesn't have
 
 // Goes behind the document. Wine's reader runs for ever, or ends the program, where a document ends too early; this ends comments,
 // values and whatever else may be open in a fault, and no element comes of it.
@@ -94,7 +96,7 @@ std::unique_ptr<XmlReader> WindowsXml::OpenReader(std::u16string_view path) {
         FAILED(reader->SetInput(stream.get()))) {
         return nullptr;
     }
-    reader->SetProperty(XmlReaderProperty_MaxElementDepth, kMaxDepth);
+    reader->SetProperty(XmlReaderProperty_MaxElementDepth, kDeepestElement);  // in place of its 256
     return std::make_unique<LiteReader>(std::move(reader));
 }
 
