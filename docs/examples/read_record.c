@@ -66,13 +66,18 @@ static void leave(int object, const char* name) {
 /* Gives the object with a lock that keeps the record alive. */
 static int try_to_join(const char* name) {
     const int object = shm_open(name, O_RDWR, 0); /* a write lock needs a writable descriptor */
+    struct stat status;
     if (object < 0) return NO_RECORD;
+    /* Another user could write into it or cut it short. */
+    if (fstat(object, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != geteuid() || (status.st_mode & 077) != 0) {
+        close(object);
+        return NO_RECORD;
+    }
     if (lock(object, F_WRLCK, 0, 0)) { /* nobody holds it: what a killed program has left */
         leave(object, name);
         return NO_RECORD;
     }
     /* A look first, which leaves the last byte out, lest two guests take each other for holders. */
-    struct stat status;
     if (held_by_others(object) && lock(object, F_RDLCK, 0, LAST_BYTE) && is_named(object, name) && held_by_others(object) &&
         lock(object, F_RDLCK, 0, 0)) {
         if (fstat(object, &status) == 0 && status.st_size == RECORD_SIZE) return object;

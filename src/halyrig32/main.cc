@@ -4,5 +4,5 @@
 int main() {
     const auto system = twr::MakeSystem(twr::UserRoots());
     twr::CHalyrig32App(*system).InitInstance();
-    return 0;
+    return system->ExitStatus();
 }

@@ -46,6 +46,9 @@ public:
     virtual Instance& GetInstance() = 0;
     virtual Executable& GetExecutable() = 0;
     virtual Console& GetConsole() = 0;
+
+    // What the program is to end with. Not 0 on Linux once shared memory could not be had, so that a service is started again.
+    virtual int ExitStatus() const { return 0; }
 };
 
 std::unique_ptr<System> MakeSystem(const Roots& roots);

@@ -1,5 +1,6 @@
 // The makers of this system's services.
 #pragma once
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -9,7 +10,10 @@ namespace twr {
 
 std::unique_ptr<Clock> MakeClock();
 std::unique_ptr<Zone> MakeZone();
-std::unique_ptr<SharedMemory> MakeSharedMemory(const std::u16string& namePrefix);
+
+// `tell` hears why a block can't be had or mapped. That there is none to open is no fault.
+std::unique_ptr<SharedMemory> MakeSharedMemory(const std::u16string& namePrefix, std::function<void(const std::string&)> tell);
+
 std::unique_ptr<Registry> MakeRegistry(const std::u16string& file);
 std::unique_ptr<Files> MakeFiles(const std::u16string& programData);
 std::unique_ptr<Xml> MakeXml();

@@ -1,18 +1,44 @@
 #include "platform/linux/standard_error.h"
 
+#include <errno.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <utility>
 
 #include "base/wide_text.h"
 
 namespace twr {
+namespace {
+
+bool waits = false;
+std::string waiting;
+
+}  // namespace
 
 void IgnoreBrokenPipes() { signal(SIGPIPE, SIG_IGN); }
 
 void ShowOnStandardError(std::u16string_view text, std::u16string_view caption) {
     IgnoreBrokenPipes();
     std::fprintf(stderr, "%s: %s\n", ToUtf8(caption).c_str(), ToUtf8(text).c_str());
+}
+
+void TellUser(const std::string& text) {
+    const std::string line = std::string(program_invocation_short_name) + ": " + text + '\n';
+    if (waits) {
+        waiting += line;
+    } else {
+        IgnoreBrokenPipes();
+        std::fputs(line.c_str(), stderr);
+    }
+}
+
+ToldLater::ToldLater() { waits = isatty(STDERR_FILENO); }
+
+ToldLater::~ToldLater() {
+    waits = false;
+    std::fputs(std::exchange(waiting, {}).c_str(), stderr);
 }
 
 }  // namespace twr

@@ -1,5 +1,6 @@
 // Messages to a user who has no window.
 #pragma once
+#include <string>
 #include <string_view>
 
 namespace twr {
@@ -8,5 +9,17 @@ namespace twr {
 void IgnoreBrokenPipes();
 
 void ShowOnStandardError(std::u16string_view text, std::u16string_view caption);
+
+// Writes a line, the program's name before it.
+void TellUser(const std::string& text);
+
+// While one lives, a screen stands where the lines would be written to a terminal: they wait until it has gone.
+class ToldLater {
+public:
+    ToldLater();
+    ~ToldLater();
+    ToldLater(const ToldLater&) = delete;
+    ToldLater& operator=(const ToldLater&) = delete;
+};
 
 }  // namespace twr

@@ -40,6 +40,7 @@ public:
 
     void RunDialog(const DialogTemplate& layout, Dialog& dialog) override {
         IgnoreBrokenPipes();
+        const ToldLater later;
         TerminalHost host(layout, dialog);
         if (quit_) host.Quit();
         open_ = &host;

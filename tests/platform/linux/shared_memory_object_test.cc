@@ -9,7 +9,10 @@
 #include <unistd.h>
 
 #include <barrier>
+#include <cerrno>
 #include <cstdio>
+#include <functional>
+#include <limits>
 #include <thread>
 
 #include "base/wide_text.h"
@@ -22,9 +25,14 @@ namespace {
 
 constexpr std::size_t kSize = 166784;
 
-// Leaves itself no room to map the block.
+// The tests' hand in each opening of an object by name.
+std::function<void(int)> afterOpening;  // with the number of the opening, counted from 1
+int openings = 0;
+
+// Leaves itself room on the heap for a message, and none to map the block.
 const testing::Role unmapped("hold unmapped", [](const std::vector<std::string>& arguments) {
     const auto system = testing::SystemOf(arguments);
+    std::make_unique<volatile char[]>(100000)[0] = 1;
     const rlimit room{1, 1};
     setrlimit(RLIMIT_AS, &room);
     const auto block = system->Core().memory.CreateOrOpen(u"Block", kSize);
@@ -49,6 +57,22 @@ protected:
     testing::TestSystem test_;
     SharedMemory& memory_ = test_.system->Core().memory;
 };
+
+bool SetLock(const Descriptor& object, short type, off_t start, off_t length) {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_start = start;
+    lock.l_len = length;
+    return fcntl(object.Get(), F_OFD_SETLK, &lock) == 0;
+}
+
+// What another than the owner of this descriptor has locked from `start` on.
+bool IsLockedByOthers(const Descriptor& object, off_t start) {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_start = start;
+    return fcntl(object.Get(), F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+}
 
 bool IsReadLockedAsAWhole(const Descriptor& object) {
     struct flock lock {};
@@ -84,11 +108,97 @@ TEST_F(SharedMemoryObjectTest, WhatAKilledHolderLeavesIsTakenAway) {
     EXPECT_FALSE(Object());
 }
 
-TEST_F(SharedMemoryObjectTest, AnObjectOfAnotherSizeThatNobodyHoldsIsNoObstacle) {
-    ASSERT_EQ(0, ftruncate(Object(O_RDWR | O_CREAT).Get(), 12));
-    const auto block = memory_.CreateOrOpen(u"Block", kSize);
-    ASSERT_NE(nullptr, block);
-    EXPECT_FALSE(block->Existed());
+// Others come, go and are killed between any two of its steps: here between its first opening of the object and its second look
+// for the name.
+TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
+    constexpr off_t kLast = std::numeric_limits<off_t>::max();
+    Descriptor other;
+    const auto lock = [&](short type, off_t start, off_t length) { EXPECT_TRUE(SetLock(other, type, start, length)); };
+    bool ownLook = false, ownHold = false;  // locked by it at the second look
+    const struct {
+        const char* what;
+        std::function<void()> before, first, second;
+        bool existed, looks;
+    } rows[] = {
+        {"left in another size", [&] { EXPECT_EQ(0, ftruncate(other.Get(), 12)); }, [] {}, [] {}, false, true},
+        {"the name is taken away", [] {}, [&] { shm_unlink(ObjectName().c_str()); }, [] {}, false, true},
+        {"held", [&] { lock(F_RDLCK, 0, 0); }, [] {}, [] {}, true, true},
+        {"held, and left", [&] { lock(F_RDLCK, 0, 0); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, true},
+        {"looked at", [&] { lock(F_RDLCK, 0, kLast); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, false},
+        {"written", [&] { lock(F_WRLCK, kLast, 0); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        other = Object(O_RDWR | O_CREAT);
+        ASSERT_EQ(0, ftruncate(other.Get(), kSize));
+        row.before();
+        openings = 0;
+        afterOpening = [&](int opening) {
+            if (opening == 1) row.first();
+            if (opening != 2) return;
+            ownLook = IsLockedByOthers(other, 0);
+            ownHold = row.existed && IsLockedByOthers(other, kLast);
+            row.second();
+        };
+        const auto block = memory_.CreateOrOpen(u"Block", kSize);
+        afterOpening = nullptr;
+        ASSERT_TRUE(block && block->Data());
+        EXPECT_EQ(row.existed, block->Existed());
+        EXPECT_EQ(row.looks, ownLook) << "it locks nothing before it has seen a holder";
+        EXPECT_FALSE(ownHold) << "who only looks is no holder";
+        EXPECT_NE(nullptr, memory_.OpenExisting(u"Block", kSize)) << "its name leads to it";
+        other.Close();
+    }
+}
+
+TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
+    const std::string full = "there is no room for it: ";
+    const struct {
+        const char* what;
+        std::function<void()> plant;
+        std::string told;
+        std::size_t size = kSize;
+    } rows[] = {
+        {"too large", [] {}, full, std::size_t{1} << 62},
+        {"open to others", [&] { fchmod(Object(O_RDWR | O_CREAT).Get(), 0666); },
+         "other users may use it too, by its mode 0666; remove it"},
+        {"another user's", [&] { EXPECT_TRUE(geteuid() != 0 || fchown(Object(O_RDWR | O_CREAT).Get(), 12345, 12345) == 0); },
+         geteuid() == 0 ? "it belongs to another user, of number 12345; remove it" : ""},
+        {"a link", [&] { EXPECT_EQ(0, symlink("/dev/null", ("/dev/shm" + ObjectName()).c_str())); }, "it can't be opened: "},
+        {"a pipe", [&] { EXPECT_EQ(0, mkfifo(("/dev/shm" + ObjectName()).c_str(), 0600)); }, "it is no shared memory; remove it"},
+    };
+    for (const auto& row : rows) {
+        if (row.told.empty()) continue;  // only root can plant it
+        SCOPED_TRACE(row.what);
+        shm_unlink(ObjectName().c_str());
+        row.plant();
+        const auto system = testing::SystemOf(test_.Arguments());
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(0, system->ExitStatus());
+        EXPECT_EQ(nullptr, system->Core().memory.CreateOrOpen(u"Block", row.size));
+        EXPECT_NE(0, system->ExitStatus());
+        const std::string told = ::testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(told.find("/dev/shm" + ObjectName() + ": " + row.told) != told.npos) << told;
+    }
+}
+
+// Of the descriptors that it may have there is none left, or but one for the object itself.
+TEST_F(SharedMemoryObjectTest, TooFewDescriptorsAreTold) {
+    for (const int left : {0, 1}) {
+        ::testing::internal::CaptureStderr();
+        rlimit before{};
+        ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));
+        const rlimit few{64, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &few);
+        std::vector<Descriptor> taken;
+        while (taken.empty() || taken.back()) taken.emplace_back(dup(STDIN_FILENO));
+        taken.resize(taken.size() - 1 - static_cast<std::size_t>(left));
+        EXPECT_EQ(nullptr, memory_.CreateOrOpen(u"Block", kSize));
+        taken.clear();
+        setrlimit(RLIMIT_NOFILE, &before);
+        const std::string told = ::testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(told.find("it can't be opened: Too many open files") != told.npos) << told;
+    }
 }
 
 TEST_F(SharedMemoryObjectTest, ABlockOfAnotherSizeThatIsHeldIsRefusedAtTheFirstTry) {
@@ -128,10 +238,14 @@ TEST_F(SharedMemoryObjectTest, ABlockThatCantBeMappedIsStillHeld) {
     EXPECT_NE(nullptr, block->Data());
 }
 
-TEST_F(SharedMemoryObjectTest, ABlockWithoutMemoryBehindItIsNoBlock) {
-    EXPECT_EQ(nullptr, memory_.CreateOrOpen(u"Block", std::size_t{1} << 62));
-    EXPECT_FALSE(Object());
-}
-
 }  // namespace
 }  // namespace twr
+
+// In place of the C library's, for this program.
+extern "C" int shm_open(const char* name, int flags, mode_t mode) {
+    const int object = open(("/dev/shm" + std::string(name)).c_str(), flags | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, mode);
+    const int error = errno;
+    if (twr::afterOpening) twr::afterOpening(++twr::openings);
+    errno = error;
+    return object;
+}
