@@ -2,6 +2,7 @@
 #pragma once
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/clock.h"
 #include "platform/console.h"
@@ -25,13 +26,18 @@ struct CoreServices {
     Desktop& desktop;
 };
 
+// A folder of lock files.
+struct LockPlace {
+    std::u16string folder;
+    std::u16string tag = {};  // put behind the files' names, where several users share the folder
+};
+
 // Where a system keeps what outlives a process. Tests pass their own, so that they never meet a running suite.
 struct Roots {
     std::u16string namePrefix = {};  // put before the names of shared memory and locks
     std::u16string registry = {};    // Linux: the registry's file; Windows: a key under the user's root, empty for that root itself
-    std::u16string programData = {};  // the folder for data that all users share
-    std::u16string runtime = {};      // Linux: the folder of the lock file
-    std::u16string lockTag = {};      // Linux: put behind the names of lock files, where several users share `runtime`
+    std::u16string programData = {};    // the folder for data that all users share
+    std::vector<LockPlace> locks = {};  // Linux: a program locks a file in each of them
 };
 
 // The running user's own. Parts that can't be told are empty.

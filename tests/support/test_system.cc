@@ -12,7 +12,7 @@ Roots TestRoots(const std::string& name, const std::u16string& folder) {
     roots.registry =
         kPathSeparator == u'/' ? JoinPath(folder, u"config/registry.reg") : u"Software\\HalyrigTest\\" + FromBytes(name);
     roots.programData = JoinPath(folder, u"ProgramData");
-    roots.runtime = folder;
+    roots.locks = {{folder}};
     return roots;
 }
 

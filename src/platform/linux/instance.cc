@@ -5,29 +5,53 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <iterator>
 #include <vector>
 
 #include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
+#include "platform/linux/standard_error.h"
 #include "platform/paths.h"
 
 namespace twr {
 namespace {
 
-class LockFile final : public Instance {
-public:
-    explicit LockFile(const Roots& roots) : roots_(roots) {}
+// Opens a lock file of this user's; gives what is wrong with one that can't be used.
+std::string Open(const std::string& path, Descriptor& file) {
+    file = OpenPlainFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    struct stat status {};
+    if (!file && errno == ELOOP) return "it is a link";
+    if (!file || fstat(file.Get(), &status) != 0) return std::strerror(errno);
+    return status.st_uid == geteuid() ? "" : "it belongs to another user";
+}
 
+class LockFiles final : public Instance {
+public:
+    explicit LockFiles(const Roots& roots) : roots_(roots) {}
+
+    // A file that can't be locked says nothing of other programs of this user, and must not keep him from starting.
     bool Claim(std::u16string_view name) override {
-        Descriptor file = OpenPlainFile(PathOf(name), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
-        struct stat status {};
-        // In a folder for all users somebody else's file says nothing about this user's programs.
-        if (!file || fstat(file.Get(), &status) != 0 || status.st_uid != geteuid()) return true;
-        struct flock whole {};
-        whole.l_type = F_WRLCK;
-        if (fcntl(file.Get(), F_OFD_SETLK, &whole) != 0) return errno != EAGAIN && errno != EACCES;
-        held_.push_back(std::move(file));
+        std::vector<Descriptor> locked;
+        for (const LockPlace& place : roots_.locks) {
+            const std::string path = PathOf(place, name);
+            Descriptor file;
+            std::string fault = Open(path, file);
+            if (fault.empty()) {
+                if (std::ranges::any_of(locked, [&](const Descriptor& other) { return SameFile(file, other); })) continue;
+                struct flock whole {};
+                whole.l_type = F_WRLCK;
+                if (fcntl(file.Get(), F_OFD_SETLK, &whole) == 0) {
+                    locked.push_back(std::move(file));
+                    continue;
+                }
+                if (errno == EAGAIN || errno == EACCES) return false;
+                fault = std::strerror(errno);
+            }
+            TellUser(path + " can't be locked: " + fault + ". A second start may not be noticed; remove the file.");
+        }
+        std::ranges::move(locked, std::back_inserter(held_));
         return true;
     }
 
@@ -36,10 +60,10 @@ public:
     }
 
 private:
-    std::string PathOf(std::u16string_view name) const {
+    std::string PathOf(const LockPlace& place, std::u16string_view name) const {
         std::u16string file(name);
         std::ranges::transform(file, file.begin(), [](char16_t c) { return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c; });
-        return NativePath(JoinPath(roots_.runtime, roots_.namePrefix + file + roots_.lockTag + u".lock"));
+        return NativePath(JoinPath(place.folder, roots_.namePrefix + file + place.tag + u".lock"));
     }
 
     const Roots roots_;
@@ -48,6 +72,6 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Instance> MakeInstance(const Roots& roots) { return std::make_unique<LockFile>(roots); }
+std::unique_ptr<Instance> MakeInstance(const Roots& roots) { return std::make_unique<LockFiles>(roots); }
 
 }  // namespace twr

@@ -37,6 +37,22 @@ bool IsFolder(const std::string& path) {
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool IsOwnFolder(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid();
+}
+
+// The environment names the first of them. Those behind it are the same for all of a user's programs, whatever their environments,
+// and the last is there when no session of the user is.
+std::vector<LockPlace> LockPlaces() {
+    const std::string user = std::to_string(geteuid());
+    std::vector<LockPlace> places;
+    if (const std::string runtime = FolderOf("XDG_RUNTIME_DIR"); IsFolder(runtime)) places.push_back({FromUtf8(runtime)});
+    if (const std::string session = "/run/user/" + user; IsOwnFolder(session)) places.push_back({FromUtf8(session)});
+    places.push_back({u"/tmp", FromUtf8("-" + user)});
+    return places;
+}
+
 }  // namespace
 
 Roots UserRoots() {
@@ -44,13 +60,7 @@ Roots UserRoots() {
     const std::string config = FolderOr("XDG_CONFIG_HOME", "/.config");
     if (!config.empty()) roots.registry = FromUtf8(config + "/tidewright/registry.reg");
     roots.programData = FromUtf8(FolderOr("XDG_DATA_HOME", "/.local/share"));
-    const std::string runtime = FolderOf("XDG_RUNTIME_DIR");
-    if (IsFolder(runtime)) {
-        roots.runtime = FromUtf8(runtime);
-    } else {
-        roots.runtime = u"/tmp";
-        roots.lockTag = FromUtf8("-" + std::to_string(getuid()));
-    }
+    roots.locks = LockPlaces();
     return roots;
 }
 
