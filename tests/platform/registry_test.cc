@@ -20,6 +20,8 @@ TEST_F(RegistryTest, GivesBackValuesOfEveryType) {
         RegistryValue value;
     } rows[] = {
         {u"text", StringValue(u"C:\\Deckman \"quoted\" \u00E4\u20AC\xD83D\xDE00")},
+        {u"ends in a backslash", StringValue(u"C:\\Deckman\\")},
+        {u"of another machine", StringValue(u"\\\\chart\\Deckman")},
         {u"empty text", StringValue(u"")},
         {u"two lines", StringValue(u"one\r\n\"two\"=\\\n")},
         {u"no end", {kRegistryString, {'a', 0}}},

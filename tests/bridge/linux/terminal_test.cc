@@ -27,7 +27,7 @@ const Role bridge("bridge at a terminal", [](const std::vector<std::string>& arg
 const Role recordless("bridge without a record", [](const std::vector<std::string>& arguments) {
     const auto system = SystemOf({"no/" + arguments[0], arguments[1]});
     CHalyrig32App(*system).InitInstance();
-    return 0;
+    return system->ExitStatus();
 });
 
 class TerminalTest : public ::testing::Test {
@@ -122,6 +122,7 @@ TEST_F(TerminalTest, EachWayOutSavesOrLeavesTheSettings) {
         {"SIGTERM", [&] { terminal->Signal(SIGTERM); }, false},
         {"SIGINT", [&] { terminal->Signal(SIGINT); }, false},
         {"SIGHUP", [&] { terminal->Signal(SIGHUP); }, false},
+        {"SIGQUIT", [&] { terminal->Signal(SIGQUIT); }, false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -136,12 +137,31 @@ TEST_F(TerminalTest, EachWayOutSavesOrLeavesTheSettings) {
     }
 }
 
+TEST_F(TerminalTest, ThatSettingsAreLostStandsInTheTerminalWhenTheScreenHasGone) {
+    Open();
+    const auto file = test.folder.Path() / "config/registry.reg";
+    std::filesystem::remove(file);
+    std::filesystem::create_directory(file);
+    terminal->Press("[  Close");
+    EXPECT_SHOWS("Exit Halyrig?");
+    terminal->Type("y");
+    EXPECT_EQ(0, terminal->Wait());
+    std::string shown = terminal->Picture().All();
+    std::erase(shown, '\n');  // the path may be longer than a row
+    EXPECT_NE(shown.npos, shown.find("registry.reg: the settings can't be read: it is no plain file")) << shown;
+}
+
 TEST_F(TerminalTest, EndsWhenItIsToldToBeforeThereIsAScreen) {
     EXPECT_EQ(0, PseudoTerminal("bridge stopped at its start", test.Arguments()).Wait());
     terminal = std::make_unique<PseudoTerminal>("bridge without a record", test.Arguments());
     EXPECT_SHOWS("Press Enter to go on.");
     terminal->Type("\003");
     EXPECT_EQ(128 + SIGINT, terminal->Wait());
+    terminal = std::make_unique<PseudoTerminal>("bridge without a record", test.Arguments());
+    EXPECT_SHOWS("it can't be opened: ");
+    EXPECT_SHOWS("Press Enter to go on.");
+    terminal->Type("\r");
+    EXPECT_NE(0, terminal->Wait());
 }
 
 TEST_F(TerminalTest, SaysWhyItEndsAtOnceInASuiteThatIsAskedToClose) {

@@ -33,6 +33,10 @@ TEST(RegistryText, ReadsEveryFormOfAValue) {
         {"\"a\"=hex(2):25,00,\\\r\n  00,00\r\n", {kRegistryExpandString, {0x25, 0, 0, 0}}},
         {"\"a\"=hex(1):61,00,\\ \n\t\\\n62\n", {kRegistryString, {0x61, 0, 0x62}}},
         {"\"a\"=hex(ffff0012):01\n", {0xFFFF0012, {1}}},
+        {"\"a\"=dword:1 ; a remark\r\n", DwordValue(1)},
+        {"\"a\"=\"x;y\";z", StringValue(u"x;y")},
+        {"\"a\"=hex:01,02\t; [x]\n", {kRegistryBinary, {1, 2}}},
+        {"[x] ; another key\n" + kSection.substr(0, kSection.size() - 1) + " ; see [x]\n\"a\"=dword:2", DwordValue(2)},
         {"\"a\"=dword:1\n\"a\"=dword:2\n", DwordValue(2)},
         {"\"a\"=dword:1\n\"b\"=\"open\n\"c\"=dword:3\n", DwordValue(1)},
     };
@@ -44,8 +48,8 @@ TEST(RegistryText, HasNoValueWhereNoneCanBeRead) {
                                     "hex:100", "hex:01 02", "hex:01,\\x", "hex():01", "hex(100000000):01"}) {
         EXPECT_EQ(std::nullopt, ValueOfA("\"a\"=" + value + "\n")) << value;
     }
-    for (const char* lines : {"", "\"a\"", "a=\"x\"\n", ";\"a\"=\"x\"\n", "\"a\"=dword:1\n\"a\"=-\n",
-                              "\"a\"=dword:1\n[-HKEY_CURRENT_USER\\software]\n"}) {
+    for (const char* lines : {"", "\"a\"", "\"a\"=dword:1\n\"a\"=- ; gone\n", "a=\"x\"\n", ";\"a\"=\"x\"\n",
+                              "\"a\"=dword:1\n\"a\"=-\n", "\"a\"=dword:1\n[-HKEY_CURRENT_USER\\software]\n"}) {
         EXPECT_EQ(std::nullopt, ValueOfA(lines)) << lines;
     }
     for (const std::string key :
@@ -73,13 +77,14 @@ TEST(RegistryText, KnowsWhichKeysAreThere) {
 TEST(RegistryText, SetsAValueAndKeepsAllElse) {
     const std::string before = "Windows Registry Editor Version 5.00\n\n; a comment\n" + kSection +
                                "\"other\"=hex(7):61,00,\\\n  00,00\nnonsense \xFF\n\"a\"=\"old\"\n\n";
-    const std::string behind = "[U\\Gone]\n[-U\\Gone]\n[U\\Other]\n\"a\"=dword:00000007\n\"gone\"=-";
+    const std::string behind = "[U\\Gone]\n[-U\\Gone]\n[U\\Other]\n\"a\"=dword:00000007 ; it\n\"gone\"=-";
     const struct {
         std::u16string key, name;
         std::string expected;
     } rows[] = {
         {kKey, u"A", before.substr(0, before.find("\"a\"=")) + "\"A\"=dword:00000002\n\n" + behind},
         {kKey, u"b", before.substr(0, before.size() - 1) + "\"b\"=dword:00000002\n\n" + behind},
+        {u"U\\other", u"a", before + behind.substr(0, behind.find("dword:00000007")) + "dword:00000002 ; it\n\"gone\"=-"},
         {u"U\\other", u"gone", before + behind + "\n\"gone\"=dword:00000002\n"},
         {u"U\\New", u"", before + behind + "\n\n[U\\New]\n@=dword:00000002\n"},
         {u"U\\Gone", u"", before + behind + "\n\n[U\\Gone]\n@=dword:00000002\n"},
@@ -91,6 +96,25 @@ TEST(RegistryText, SetsAValueAndKeepsAllElse) {
         EXPECT_EQ(row.expected, text.Bytes());
         EXPECT_EQ(DwordValue(2), text.Find(row.key, row.name));
     }
+}
+
+TEST(RegistryText, TellsTheLineOfAValueThatCantBeRead) {
+    const struct {
+        std::string lines;  // the section is line 1
+        std::size_t line;   // 0: none
+    } rows[] = {
+        {"\"a\"=dword:x\n", 2},
+        {"\n\"b\"=\"x\ny\"\n\n \"A\"=dword:1x\n", 6},
+        {"\"a\"=\"open\n", 2},
+        {"\"a\" dword:1\n", 2},
+        {" a = dword:1\n", 2},
+        {"\"a\"=dword:1\n\"a\"=x", 3},
+        {"\"a\"=x\n\"a\"=dword:1\n", 0},
+        {"\"b\"=x\n;a=x\n[x]\n\"a\"=x\n", 0},
+        {"\"a\"=x\n[-HKEY_CURRENT_USER\\Software]\n", 0},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(row.line, RegistryText(kSection + row.lines).DamagedLine(kKey, u"a").value_or(0)) << row.lines;
 }
 
 TEST(RegistryText, WrapsLongBytesAsTheRegistryEditorDoes) {

@@ -5,12 +5,17 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstring>
+#include <set>
 #include <thread>
 
 #include "platform/linux/descriptor.h"
 #include "platform/linux/registry/registry_text.h"
 #include "platform/linux/registry/replace_file.h"
 #include "platform/linux/services.h"
+#include "platform/linux/signal_queue.h"
+#include "platform/linux/standard_error.h"
+#include "base/wide_text.h"
 
 namespace twr {
 namespace {
@@ -18,6 +23,9 @@ namespace {
 constexpr std::u16string_view kUserRoot = u"HKEY_CURRENT_USER\\";
 
 std::u16string FullKey(std::u16string_view key) { return std::u16string(kUserRoot) += key; }
+
+// A larger file is no registry of ours, and must not keep a program that has been told to end.
+constexpr off_t kUninterrupted = 1 << 20;  // bytes
 
 bool ReadAll(const Descriptor& file, std::string& bytes) {
     char chunk[16384];
@@ -28,6 +36,15 @@ bool ReadAll(const Descriptor& file, std::string& bytes) {
         if (got == 0) return true;
         bytes.append(chunk, static_cast<std::size_t>(got));
     }
+}
+
+bool HasTooLongLine(std::string_view bytes) {
+    while (bytes.size() > kLongestLine) {
+        const std::size_t end = bytes.substr(0, kLongestLine + 1).rfind('\n');
+        if (end == bytes.npos) return true;
+        bytes.remove_prefix(end + 1);
+    }
+    return false;
 }
 
 // Keeps other programs of the suite from changing the file between our reading and our writing. A stopped one can't hold us up for
@@ -54,12 +71,15 @@ public:
         if (!text) return false;
         if (text->HasKey(FullKey(key))) return true;
         text->AddKey(FullKey(key));
-        return Save();
+        return Save("a new key");
     }
 
     std::optional<RegistryValue> Read(std::u16string_view key, std::u16string_view name) const override {
         const RegistryText* text = Current();
         if (!text) return std::nullopt;
+        if (const auto line = text->DamagedLine(FullKey(key), name)) {
+            Tell(":" + std::to_string(*line) + ": the value of " + ToUtf8(name) + " can't be read and does not count");
+        }
         return text->Find(FullKey(key), name);
     }
 
@@ -69,7 +89,7 @@ public:
         if (!text) return false;
         if (text->Find(FullKey(key), name) == value) return true;
         text->Set(FullKey(key), name, value);
-        return Save();
+        return Save("the settings");
     }
 
 private:
@@ -91,28 +111,55 @@ private:
     RegistryText* Current() const {
         const Descriptor file = OpenPlainFile(path_, O_RDONLY);
         if (!file) {
-            if (errno != ENOENT) return nullptr;
+            if (errno != ENOENT) return Refuse(errno == EINVAL ? "it is no plain file" : std::strerror(errno));
             stamp_.reset();
             return &text_.emplace(std::string_view());
         }
         struct stat status {};
-        if (fstat(file.Get(), &status) != 0 || status.st_size > static_cast<off_t>(kLargestFile)) return nullptr;
+        if (fstat(file.Get(), &status) != 0) return Refuse(std::strerror(errno));
+        if (status.st_size > static_cast<off_t>(kLargestFile)) return Refuse("it is larger than 64 MiB");
+        if (status.st_size > kUninterrupted && CloseSignalWaits()) return nullptr;
         const Stamp stamp{status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
         if (text_ && stamp_ == stamp) return &*text_;
         std::string bytes;
-        if (!ReadAll(file, bytes)) return nullptr;
+        bytes.reserve(static_cast<std::size_t>(status.st_size));
+        if (!ReadAll(file, bytes)) return Refuse(std::strerror(errno));
+        if (HasTooLongLine(bytes)) return Refuse("it has a line longer than 1 MiB");
+        if (text_.emplace(bytes, CloseSignalWaits).Stopped()) {
+            text_.reset();
+            return nullptr;
+        }
         stamp_ = stamp;
-        return &text_.emplace(bytes);
+        return &*text_;
     }
 
-    bool Save() {
+    RegistryText* Refuse(const std::string& cause) const {
+        Tell(": the settings can't be read: " + cause);
+        return nullptr;
+    }
+
+    bool Save(const std::string& what) {
         stamp_.reset();  // read anew next time, whether or not it could be written
-        return ReplaceFile(path_, text_->Bytes());
+        if (ReplaceFile(path_, text_->Bytes())) {
+            told_.clear();
+            return true;
+        }
+        const int error = errno;
+        Tell(": " + what + " can't be saved: " + (error == EINVAL ? "it is no plain file" : std::strerror(error)));
+        return false;
+    }
+
+    // Once, however many values it befalls. Where there is no folder for settings there is no file to name either.
+    void Tell(const std::string& text) const {
+        const bool named = path_.starts_with('/');
+        const std::string line = named ? path_ + text : "there is no folder for the settings: set HOME or XDG_CONFIG_HOME";
+        if (told_.insert(line).second) TellUser(line);
     }
 
     const std::string path_;
     mutable std::optional<RegistryText> text_;
     mutable std::optional<Stamp> stamp_;
+    mutable std::set<std::string> told_;
 };
 
 }  // namespace

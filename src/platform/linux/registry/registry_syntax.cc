@@ -28,6 +28,14 @@ public:
 
     bool TakeLineEnd() { return Take("\n") || Take("\r\n"); }
 
+    // Blanks, and behind a semicolon the rest of the line.
+    std::string_view TakeRemark() {
+        const std::string_view from = rest_;
+        SkipBlanks();
+        if (rest_.starts_with(';')) rest_.remove_prefix(std::min(rest_.find_first_of("\r\n"), rest_.size()));
+        return from.substr(0, from.size() - rest_.size());
+    }
+
     // Up to `most` hexadecimal digits, at least one.
     bool TakeNumber(std::size_t most, std::uint32_t& number) {
         const auto* begin = rest_.data();
@@ -92,8 +100,12 @@ std::optional<RegistryValue> TakeValue(Scanner& scanner) {
     return value;
 }
 
-// Gives the text behind the entry; nothing when the text doesn't start with an entry of a value.
-std::optional<std::string_view> ReadValueEntry(std::string_view text, RegistryEntry& entry) {
+struct Behind {
+    std::string_view remark, rest;
+};
+
+// Gives what stands behind the entry; nothing when the text doesn't start with an entry of a value.
+std::optional<Behind> ReadValueEntry(std::string_view text, RegistryEntry& entry) {
     Scanner scanner(text);
     scanner.SkipBlanks();
     if (!scanner.Take("@") && !scanner.TakeQuoted(entry.name)) return std::nullopt;
@@ -108,15 +120,32 @@ std::optional<std::string_view> ReadValueEntry(std::string_view text, RegistryEn
     } else {
         return std::nullopt;
     }
-    scanner.SkipBlanks();
+    const std::string_view remark = scanner.TakeRemark();
     if (!scanner.Rest().empty() && !scanner.TakeLineEnd()) return std::nullopt;
-    return scanner.Rest();
+    return Behind{remark, scanner.Rest()};
+}
+
+// The value that a line which can't be read is meant for: the name in quotation marks at its start, else what stands before a "=".
+std::optional<std::u16string> ValueMeant(std::string_view line) {
+    std::u16string name;
+    if (Scanner(line).TakeQuoted(name)) return name;
+    const std::size_t equals = line.find('=');
+    if (line.starts_with(';') || equals == line.npos) return std::nullopt;
+    return FromUtf8(Trimmed(line.substr(0, equals)));
+}
+
+// A key's line without a remark: up to the first bracket that nothing else follows.
+std::string_view WithoutRemark(std::string_view line) {
+    for (std::size_t at = line.find(']'); at != line.npos; at = line.find(']', at + 1)) {
+        if (Trimmed(line.substr(at + 1)).starts_with(';')) return line.substr(0, at + 1);
+    }
+    return line;
 }
 
 // A key that can't be read still ends the key before it: what follows is none of that key's.
 void ReadKeyEntry(std::string_view line, RegistryEntry& entry) {
     entry.kind = RegistryEntryKind::kKey;
-    line = Trimmed(line);
+    line = WithoutRemark(line);
     if (line.size() < 2 || line.back() != ']') return;
     line = line.substr(1, line.size() - 2);
     if (line.starts_with('-')) {
@@ -167,17 +196,29 @@ void AppendBytes(std::string& to, const std::vector<std::uint8_t>& data, std::st
 
 RegistryEntry TakeRegistryEntry(std::string_view& text) {
     RegistryEntry entry;
-    const auto rest = ReadValueEntry(text, entry);
-    std::size_t length = text.size() - rest.value_or("").size();
-    if (!rest) {
+    std::size_t length = 0;
+    if (const auto behind = ReadValueEntry(text, entry)) {
+        length = text.size() - behind->rest.size();
+    } else {
         length = std::min(text.find('\n'), text.size() - 1) + 1;
         entry = {};
-        const std::string_view line = text.substr(0, length);
-        if (Trimmed(line).starts_with('[')) ReadKeyEntry(line, entry);
+        const std::string_view line = Trimmed(text.substr(0, length));
+        if (line.starts_with('[')) {
+            ReadKeyEntry(line, entry);
+        } else if (auto name = ValueMeant(line)) {
+            entry.kind = RegistryEntryKind::kDamagedValue;
+            entry.name = std::move(*name);
+        }
     }
     entry.raw = text.substr(0, length);
     text.remove_prefix(length);
     return entry;
+}
+
+std::string_view RemarkOf(const RegistryEntry& entry) {
+    RegistryEntry same;
+    const auto behind = ReadValueEntry(entry.raw, same);
+    return behind && behind->remark.find(';') != std::string_view::npos ? behind->remark : std::string_view();
 }
 
 std::string FormatRegistryKey(std::u16string_view key, std::string_view lineEnd) {

@@ -7,7 +7,7 @@
 
 namespace twr {
 
-enum class RegistryEntryKind { kOther, kKey, kKeyDeletion, kValue, kValueDeletion };
+enum class RegistryEntryKind { kOther, kKey, kKeyDeletion, kValue, kValueDeletion, kDamagedValue };
 
 // A stretch of the text: as a rule one line, its end included; several lines for values that need them.
 struct RegistryEntry {
@@ -18,8 +18,12 @@ struct RegistryEntry {
     RegistryValue value;
 };
 
-// Takes the next entry off the front of a text that is not empty. A line that can't be read is an entry of kind kOther.
+// Takes the next entry off the front of a text that is not empty. A remark may stand behind an entry, after a semicolon. A line
+// that can't be read is an entry of kind kOther, or kDamagedValue when it tells which value it is meant for.
 RegistryEntry TakeRegistryEntry(std::string_view& text);
+
+// The remark behind a value, with the blanks before it; empty without one.
+std::string_view RemarkOf(const RegistryEntry& entry);
 
 std::string FormatRegistryKey(std::u16string_view key, std::string_view lineEnd);
 std::string FormatRegistryValue(std::u16string_view name, const RegistryValue& value, std::string_view lineEnd);

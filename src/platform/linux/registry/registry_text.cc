@@ -1,5 +1,7 @@
 #include "platform/linux/registry/registry_text.h"
 
+#include <algorithm>
+
 #include "base/wide_text.h"
 
 namespace twr {
@@ -7,6 +9,7 @@ namespace {
 
 using Kind = RegistryEntryKind;
 
+constexpr std::size_t kBetweenStops = 1 << 20;  // bytes
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 bool IsSameOrBelow(std::u16string_view key, std::u16string_view top) {
@@ -26,25 +29,41 @@ std::optional<std::u16string> FromMarkedUtf16(std::string_view bytes) {
     return text;
 }
 
-}  // namespace
-
-RegistryText::RegistryText(std::string_view bytes) {
-    if (const auto wide = FromMarkedUtf16(bytes)) {
-        Read(ToUtf8(*wide));
-    } else {
-        Read(bytes);
-    }
-    if (entries_.empty()) Read("Windows Registry Editor Version 5.00" + lineEnd_);
+bool EndsWithBlankLine(std::string_view text) {
+    if (text.ends_with('\n')) text.remove_suffix(1);
+    return Trimmed(text.substr(text.rfind('\n') + 1)).empty();
 }
 
-void RegistryText::Read(std::string_view utf8) {
+}  // namespace
+
+RegistryText::RegistryText(std::string_view bytes, bool (*stop)()) {
+    if (const auto wide = FromMarkedUtf16(bytes)) {
+        Read(ToUtf8(*wide), stop);
+    } else {
+        Read(bytes, stop);
+    }
+    if (entries_.empty()) Read("Windows Registry Editor Version 5.00" + lineEnd_, nullptr);
+}
+
+void RegistryText::Read(std::string_view utf8, bool (*stop)()) {
     const std::size_t firstEnd = utf8.find('\n');
     if (firstEnd != utf8.npos) lineEnd_ = firstEnd > 0 && utf8[firstEnd - 1] == '\r' ? "\r\n" : "\n";
     if (utf8.starts_with(kUtf8Mark)) {
         entries_.emplace_back().raw = kUtf8Mark;
         utf8.remove_prefix(kUtf8Mark.size());
     }
-    while (!utf8.empty()) entries_.push_back(TakeRegistryEntry(utf8));
+    for (std::size_t left = utf8.size(); !utf8.empty();) {
+        if (stop && left - utf8.size() > kBetweenStops) {
+            if (stop()) return static_cast<void>(stopped_ = true);
+            left = utf8.size();
+        }
+        RegistryEntry entry = TakeRegistryEntry(utf8);
+        if (entry.kind == Kind::kOther && !entries_.empty() && entries_.back().kind == Kind::kOther) {
+            entries_.back().raw += entry.raw;
+        } else {
+            entries_.push_back(std::move(entry));
+        }
+    }
 }
 
 std::string RegistryText::Bytes() const {
@@ -73,7 +92,11 @@ RegistryText::Place RegistryText::Locate(std::u16string_view key, std::u16string
             case Kind::kValueDeletion:
                 if (!inKey || !EqualsIgnoringCase(entry.name, name)) break;
                 place.valueAt.reset();
+                place.damagedAt.reset();
                 if (entry.kind == Kind::kValue) place.valueAt = i;
+                break;
+            case Kind::kDamagedValue:
+                if (inKey && EqualsIgnoringCase(entry.name, name)) place.damagedAt = i;
                 break;
         }
         if (inKey) place.keyEnd = i + 1;
@@ -89,14 +112,23 @@ std::optional<RegistryValue> RegistryText::Find(std::u16string_view key, std::u1
     return entries_[*at].value;
 }
 
+std::optional<std::size_t> RegistryText::DamagedLine(std::u16string_view key, std::u16string_view name) const {
+    const auto at = Locate(key, name).damagedAt;
+    if (!at) return std::nullopt;
+    std::size_t line = 1;
+    for (std::size_t i = 0; i < *at; ++i) line += static_cast<std::size_t>(std::ranges::count(entries_[i].raw, '\n'));
+    return line;
+}
+
 void RegistryText::AddKey(std::u16string_view key) {
     if (!HasKey(key)) Append(FormatRegistryKey(key, lineEnd_));
 }
 
 void RegistryText::Set(std::u16string_view key, std::u16string_view name, const RegistryValue& value) {
     const Place place = Locate(key, name);
-    const std::string entry = FormatRegistryValue(name, value, lineEnd_);
+    std::string entry = FormatRegistryValue(name, value, lineEnd_);
     if (place.valueAt) {
+        entry.insert(entry.size() - lineEnd_.size(), RemarkOf(entries_[*place.valueAt]));
         std::string_view text = entry;
         entries_[*place.valueAt] = TakeRegistryEntry(text);
     } else if (place.keyEnd) {
@@ -114,7 +146,7 @@ void RegistryText::Insert(std::size_t at, std::string_view entries) {
 }
 
 void RegistryText::Append(std::string_view entries) {
-    const bool blank = Trimmed(entries_.back().raw).empty();
+    const bool blank = EndsWithBlankLine(entries_.back().raw);
     Insert(entries_.size(), blank ? std::string(entries) : lineEnd_ + std::string(entries));
 }
 

@@ -15,7 +15,9 @@ namespace twr {
 class RegistryText {
 public:
     // Text is UTF-8, with or without its mark, or UTF-16 with its mark; it is kept as UTF-8. Empty text begins a new registry.
-    explicit RegistryText(std::string_view bytes);
+    // `stop` is asked at each MiB of the text, and ends its reading when it is true; there is then no registry.
+    explicit RegistryText(std::string_view bytes, bool (*stop)() = nullptr);
+    bool Stopped() const { return stopped_; }
 
     std::string Bytes() const;
 
@@ -23,22 +25,27 @@ public:
     bool HasKey(std::u16string_view key) const;
     std::optional<RegistryValue> Find(std::u16string_view key, std::u16string_view name) const;
 
+    // The line, counted from 1, of an entry that is meant for the value but can't be read, unless a later one can.
+    std::optional<std::size_t> DamagedLine(std::u16string_view key, std::u16string_view name) const;
+
     void AddKey(std::u16string_view key);
     void Set(std::u16string_view key, std::u16string_view name, const RegistryValue& value);
 
 private:
     struct Place {
-        bool keyPresent = false;             // the key itself or one below it
-        std::optional<std::size_t> keyEnd;   // index behind the key's last value
-        std::optional<std::size_t> valueAt;  // index of the value that counts
+        bool keyPresent = false;               // the key itself or one below it
+        std::optional<std::size_t> keyEnd;     // index behind the key's last value
+        std::optional<std::size_t> valueAt;    // index of the value that counts
+        std::optional<std::size_t> damagedAt;  // index of an entry behind it that can't be read
     };
     Place Locate(std::u16string_view key, std::u16string_view name) const;
-    void Read(std::string_view utf8);
+    void Read(std::string_view utf8, bool (*stop)());
     void Insert(std::size_t at, std::string_view entries);
     void Append(std::string_view entries);
 
     std::string lineEnd_ = "\r\n";
     std::vector<RegistryEntry> entries_;
+    bool stopped_ = false;
 };
 
 }  // namespace twr
