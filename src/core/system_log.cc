@@ -1,9 +1,9 @@
 // The report of last resort, for failures after which the program can't go on.
+#include "base/calendar.h"
 #include "base/wide_text.h"
 #include "core/core.h"
 #include "core/days.h"
 #include "platform/paths.h"
-#include "base/calendar.h"
 
 namespace twr {
 

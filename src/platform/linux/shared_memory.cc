@@ -17,9 +17,9 @@
 #include <optional>
 #include <thread>
 
+#include "base/wide_text.h"
 #include "platform/linux/services.h"
 #include "platform/linux/shared_object.h"
-#include "base/wide_text.h"
 
 namespace twr {
 namespace {

@@ -9,13 +9,13 @@
 #include <set>
 #include <thread>
 
+#include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/registry/registry_text.h"
 #include "platform/linux/registry/replace_file.h"
 #include "platform/linux/services.h"
 #include "platform/linux/signal_queue.h"
 #include "platform/linux/standard_error.h"
-#include "base/wide_text.h"
 
 namespace twr {
 namespace {
