@@ -69,6 +69,8 @@ TEST_P(FailedAttachTest, LeavesEveryOperationHarmless) {
     core.StampTime();
     core.SetMarksPath(u"x");
     core.CheckDatabasePath();
+    core.LoadAlternatesFile();
+    EXPECT_FALSE(core.LoadBoatsFile() || core.LoadChannelsFile());
     EXPECT_TRUE(core.GetDataFolder(u"config").empty());
     EXPECT_TRUE(core.GetDatabasePath().empty());
     core.LoadAlternatesFile();
