@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <span>
 
+#include "base/wide_text.h"
 #include "platform/paths.h"
-#include "platform/wide_text.h"
 #include "support/core_fixture.h"
 #include "support/test_system.h"
 

@@ -1,8 +1,8 @@
 // The texts of the record's channels, and the system log.
 #include <cmath>
 
-#include "platform/paths.h"
 #include "base/wide_text.h"
+#include "platform/paths.h"
 #include "support/core_fixture.h"
 #include "text/time_text.h"
 

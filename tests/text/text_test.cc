@@ -3,13 +3,12 @@
 
 #include <cmath>
 
-#include "core/no_value.h"
-#include "platform/wide_text.h"
-#include "text/calendar.h"
-#include "text/duration_text.h"
+#include "base/calendar.h"
+#include "base/no_value.h"
+#include "base/wide_text.h"
 #include "text/position_text.h"
-#include "text/remote_field.h"
 #include "text/remote_label.h"
+#include "text/time_text.h"
 
 namespace twr {
 namespace {
@@ -74,23 +73,6 @@ TEST(PositionText, DegreesAndMinutes) {
     EXPECT_EQ(u"", LatitudeText(90.0001));
     for (const double none : {541.0, -541.0, kNoValue, -double{INFINITY}, double{NAN}}) {
         EXPECT_EQ(u"", LatitudeText(none) + LongitudeText(none)) << none;
-    }
-}
-
-TEST(RemoteField, HoldsFifteenBytes) {
-    const std::pair<std::u16string, std::string> rows[] = {
-        {u"", ""},
-        {u"1234567890123456", "123456789012345"},
-        {u"2.50\u00B0w", "2.50\xB0w"},
-        {u"\u0080\u0099\u00FF", "\x80\x99\xFF"},
-        {u"\u20AC\u0080\u0099\u0081", "\x80??\x81"},  // the bytes of another character and of none
-        {u"1\U0001F30A2", "1??2"},
-        {u"123456789012345\u0100", "123456789012345"},
-        {std::u16string(u"ab\0cd", 5), "ab"}};
-    for (auto [text, bytes] : rows) {
-        bytes.resize(16);
-        const RemoteField field = ToRemoteField(text);
-        EXPECT_EQ(bytes, std::string(field.data(), field.size())) << ToUtf8(text);
     }
 }
 
