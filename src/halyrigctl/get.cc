@@ -9,7 +9,7 @@
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/json.h"
-#include "halyrigctl/text_cells.h"
+#include "halyrigctl/screen.h"
 
 namespace twr {
 namespace {

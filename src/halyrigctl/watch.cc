@@ -9,7 +9,6 @@
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/screen.h"
-#include "halyrigctl/screen_style.h"
 
 namespace twr {
 namespace {

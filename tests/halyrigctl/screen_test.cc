@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-#include "halyrigctl/text_cells.h"
-
 namespace twr::testing {
 namespace {
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/windows/services.h"
+#include "platform/windows/unique_handle.h"
 #include "support/child_process.h"
 
 namespace twr::testing {
@@ -21,7 +22,7 @@ const Role kConsole("console", [](const std::vector<std::string>&) {
     GetConsoleMode(screen.get(), &before);
     UINT codePage = 0;
     {
-        const WindowsConsole console;
+        const std::unique_ptr<Console> console = MakeConsole();
         codePage = GetConsoleOutputCP();
         GetConsoleMode(screen.get(), &during);
     }

@@ -1,5 +1,4 @@
 // The window host, showing the dialogs among the product's resources.
-#include "platform/windows/dialog/desktop.h"
 
 #include <gtest/gtest.h>
 
@@ -7,6 +6,7 @@
 #include <type_traits>
 
 #include "bridge/controls.h"
+#include "platform/windows/services.h"
 #include "platform/windows/wide.h"
 #include "support/scripted_dialog.h"
 #include "support/windows/window_probe.h"
@@ -59,7 +59,8 @@ protected:
     void End() const { dialog_.window->End(DialogResult::kOk); }
     BoxAnswer Ask() { return desktop_.ShowBox(u"Exit Halyrig?", u"Question", BoxButtons::kYesNo, BoxIcon::kQuestion); }
 
-    WindowsDesktop desktop_;
+    const std::unique_ptr<Desktop> owned_ = MakeDesktop();
+    Desktop& desktop_ = *owned_;
     ScriptedDialog dialog_;
 };
 

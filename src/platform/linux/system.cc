@@ -3,9 +3,13 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cstdio>
+
+#include "platform/arguments.h"
 #include "platform/linux/services.h"
 #include "platform/linux/standard_error.h"
 #include "platform/linux/terminal_screen.h"
+#include "platform/paths.h"
 
 namespace twr {
 namespace {
@@ -14,6 +18,16 @@ std::unique_ptr<Desktop> MakeDesktop() {
     const bool atTerminal = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO);
     return atTerminal && TerminalCanShowScreens() ? MakeTerminalDesktop() : MakeHeadlessDesktop();
 }
+
+class BuiltExecutable final : public Executable {
+public:
+    std::optional<std::array<std::uint16_t, 4>> FileVersion() const override {
+        unsigned major = 0, minor = 0, patch = 0;
+        if (std::sscanf(HALYRIG_VERSION, "%u.%u.%u", &major, &minor, &patch) != 3) return std::nullopt;
+        return std::array<std::uint16_t, 4>{static_cast<std::uint16_t>(major), static_cast<std::uint16_t>(minor),
+                                            static_cast<std::uint16_t>(patch), 0};
+    }
+};
 
 class LinuxSystem final : public System {
 public:
@@ -54,6 +68,16 @@ private:
 };
 
 }  // namespace
+
+const char16_t kPathSeparator = u'/';
+const std::u16string_view kLibrarySuffix = u".so";
+const std::string_view kLineEnd = "\n";
+
+std::vector<std::string> Arguments(int argc, char** argv) {
+    return argc > 0 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
+std::unique_ptr<Executable> MakeExecutable() { return std::make_unique<BuiltExecutable>(); }
 
 std::unique_ptr<System> MakeSystem(const Roots& roots) { return std::make_unique<LinuxSystem>(roots); }
 

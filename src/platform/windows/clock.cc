@@ -1,9 +1,24 @@
 #include "platform/clock.h"
 
 #include "platform/windows/services.h"
+#include "platform/windows/win32.h"
 
 namespace twr {
 namespace {
+
+class WindowsZone final : public Zone {
+public:
+    std::optional<ZoneState> Now() const override;
+};
+
+class WindowsClock final : public Clock {
+public:
+    WindowsClock();
+    std::int64_t Ticks() const override;
+
+private:
+    void(WINAPI* now_)(FILETIME*);
+};
 
 constexpr std::int64_t kTicksFrom1601To1970 = 116444736000000000;
 
@@ -27,5 +42,9 @@ std::optional<ZoneState> WindowsZone::Now() const {
     if (season == TIME_ZONE_ID_INVALID) return std::nullopt;
     return ZoneState{zone.Bias, zone.DaylightBias, season == TIME_ZONE_ID_DAYLIGHT};
 }
+
+std::unique_ptr<Clock> MakeClock() { return std::make_unique<WindowsClock>(); }
+
+std::unique_ptr<Zone> MakeZone() { return std::make_unique<WindowsZone>(); }
 
 }  // namespace twr

@@ -2,9 +2,31 @@
 
 #include "platform/held_output.h"
 #include "platform/windows/services.h"
+#include "platform/windows/unique_handle.h"
 
 namespace twr {
 namespace {
+
+// Changes what the process's console understands, for as long as it lives.
+class WindowsConsole final : public Console {
+public:
+    WindowsConsole();
+    ~WindowsConsole() override;
+    WindowsConsole(const WindowsConsole&) = delete;
+    WindowsConsole& operator=(const WindowsConsole&) = delete;
+    std::optional<ConsoleSize> Size() const override;
+    Output Write(std::string_view utf8, const std::function<bool()>& goOn) override;
+    void WriteError(std::string_view utf8) override;
+    bool Wait(int milliseconds) override;
+
+private:
+    HANDLE output_;
+    HANDLE error_;
+    UINT formerCodePage_;              // 0 without a console
+    std::optional<DWORD> formerMode_;  // nothing when standard output is no console
+    bool supportsEscapes_ = false;
+    bool listening_ = false;
+};
 
 // Set by the system's own thread, which runs the handler below.
 HANDLE StopEvent() {
@@ -62,5 +84,7 @@ bool WindowsConsole::Wait(int milliseconds) {
     if (!listening_) listening_ = SetConsoleCtrlHandler(OnStop, TRUE);
     return WaitForSingleObject(StopEvent(), static_cast<DWORD>(milliseconds)) == WAIT_TIMEOUT;
 }
+
+std::unique_ptr<Console> MakeConsole() { return std::make_unique<WindowsConsole>(); }
 
 }  // namespace twr

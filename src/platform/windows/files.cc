@@ -5,10 +5,28 @@
 
 #include "platform/paths.h"
 #include "platform/windows/services.h"
+#include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
 
 namespace twr {
 namespace {
+
+class WindowsFiles final : public Files {
+public:
+    explicit WindowsFiles(std::u16string programData) : programData_(std::move(programData)) {}
+    bool Exists(std::u16string_view path) const override;
+    void MakeFolder(std::u16string_view path) override;
+    std::unique_ptr<ByteSource> Open(std::u16string_view path) override;
+    bool Append(std::u16string_view path, std::string_view bytes) override;
+    bool Copy(std::u16string_view from, std::u16string_view to) override;
+    bool Rename(std::u16string_view from, std::u16string_view to) override;
+    void Remove(std::u16string_view path) override;
+    std::vector<std::u16string> List(std::u16string_view folder, std::u16string_view pattern) const override;
+    std::u16string ProgramDataFolder() const override { return programData_; }
+
+private:
+    std::u16string programData_;
+};
 
 constexpr DWORD kSharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
@@ -67,5 +85,7 @@ std::vector<std::u16string> WindowsFiles::List(std::u16string_view folder, std::
     } while (FindNextFileW(search.get(), &found));
     return paths;
 }
+
+std::unique_ptr<Files> MakeFiles(const std::u16string& programData) { return std::make_unique<WindowsFiles>(programData); }
 
 }  // namespace twr

@@ -1,7 +1,22 @@
 #include "platform/windows/services.h"
+#include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
 
 namespace twr {
+namespace {
+
+class WindowsInstance final : public Instance {
+public:
+    explicit WindowsInstance(std::u16string prefix) : prefix_(std::move(prefix)) {}
+    bool Claim(std::u16string_view name) override;
+    void RaiseOther(std::u16string_view caption) override;
+
+private:
+    std::u16string prefix_;
+    UniqueHandle mutex_;
+};
+
+}  // namespace
 
 bool WindowsInstance::Claim(std::u16string_view name) {
     const std::wstring fullName = ToWide(prefix_ + std::u16string(name));
@@ -18,5 +33,7 @@ void WindowsInstance::RaiseOther(std::u16string_view caption) {
     if (IsIconic(window)) ShowWindow(window, SW_RESTORE);
     SetForegroundWindow(popup);
 }
+
+std::unique_ptr<Instance> MakeInstance(const std::u16string& namePrefix) { return std::make_unique<WindowsInstance>(namePrefix); }
 
 }  // namespace twr

@@ -2,10 +2,16 @@
 
 #include "platform/windows/module_path.h"
 #include "platform/windows/services.h"
+#include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
 
 namespace twr {
 namespace {
+
+class WindowsLibraries final : public Libraries {
+public:
+    std::unique_ptr<Library> Load(std::u16string_view path) override;
+};
 
 class LoadedLibrary : public Library {
 public:
@@ -33,5 +39,7 @@ std::u16string ModuleFolder(const void* address) {
     const std::size_t end = path.rfind(L'\\');
     return end == std::wstring::npos ? std::u16string() : FromWide(path.substr(0, end));
 }
+
+std::unique_ptr<Libraries> MakeLibraries() { return std::make_unique<WindowsLibraries>(); }
 
 }  // namespace twr

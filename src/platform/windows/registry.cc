@@ -1,10 +1,25 @@
 #include "platform/registry.h"
 
 #include "platform/windows/services.h"
+#include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
 
 namespace twr {
 namespace {
+
+class WindowsRegistry final : public Registry {
+public:
+    explicit WindowsRegistry(std::u16string root) : root_(std::move(root)) {}
+    bool OpenOrCreate(std::u16string_view key) override;
+    std::optional<RegistryValue> Read(std::u16string_view key, std::u16string_view name) const override;
+    bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) override;
+
+private:
+    std::wstring Path(std::u16string_view key) const;
+    UniqueKey Opened(std::u16string_view key);
+
+    std::u16string root_;
+};
 
 constexpr REGSAM kReadAndWrite = 0x2001F;  // KEY_READ and KEY_WRITE, without the right to link
 
@@ -50,5 +65,7 @@ bool WindowsRegistry::Write(std::u16string_view key, std::u16string_view name, c
     return opened && RegSetValueExW(opened.get(), ToWide(name).c_str(), 0, value.type, value.data.data(),
                                     static_cast<DWORD>(value.data.size())) == ERROR_SUCCESS;
 }
+
+std::unique_ptr<Registry> MakeRegistry(const std::u16string& root) { return std::make_unique<WindowsRegistry>(root); }
 
 }  // namespace twr

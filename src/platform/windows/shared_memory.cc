@@ -1,10 +1,21 @@
 #include "platform/shared_memory.h"
 
 #include "platform/windows/services.h"
+#include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
 
 namespace twr {
 namespace {
+
+class WindowsSharedMemory final : public SharedMemory {
+public:
+    explicit WindowsSharedMemory(std::u16string prefix) : prefix_(std::move(prefix)) {}
+    std::unique_ptr<SharedBlock> CreateOrOpen(std::u16string_view name, std::size_t size) override;
+    std::unique_ptr<SharedBlock> OpenExisting(std::u16string_view name, std::size_t size) override;
+
+private:
+    std::u16string prefix_;
+};
 
 class Block : public SharedBlock {
 public:
@@ -52,6 +63,10 @@ std::unique_ptr<SharedBlock> WindowsSharedMemory::OpenExisting(std::u16string_vi
     auto view = Mapped(mapping.get(), size);
     if (!view) return nullptr;
     return std::make_unique<Block>(std::move(mapping), std::move(view), true);
+}
+
+std::unique_ptr<SharedMemory> MakeSharedMemory(const std::u16string& namePrefix) {
+    return std::make_unique<WindowsSharedMemory>(namePrefix);
 }
 
 }  // namespace twr

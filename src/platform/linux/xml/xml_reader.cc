@@ -1,5 +1,3 @@
-#include "platform/linux/xml/xml_reader.h"
-
 #include <expat.h>
 
 #include <algorithm>
@@ -7,7 +5,9 @@
 #include <string_view>
 
 #include "base/wide_text.h"
+#include "platform/linux/services.h"
 #include "platform/linux/xml/xml_encoding.h"
+#include "platform/linux/xml/xml_writer.h"
 
 namespace twr {
 namespace {
@@ -91,8 +91,18 @@ private:
     bool ended_ = false;
 };
 
+class XmlFiles final : public Xml {
+public:
+    std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) override {
+        auto source = MakeFiles({})->Open(path);
+        return source ? std::make_unique<ExpatReader>(std::move(source)) : nullptr;
+    }
+
+    std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view path) override { return OpenXmlWriter(path); }
+};
+
 }  // namespace
 
-std::unique_ptr<XmlReader> ReadXml(std::unique_ptr<ByteSource> source) { return std::make_unique<ExpatReader>(std::move(source)); }
+std::unique_ptr<Xml> MakeXml() { return std::make_unique<XmlFiles>(); }
 
 }  // namespace twr

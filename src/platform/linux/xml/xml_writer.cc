@@ -1,6 +1,10 @@
 #include "platform/linux/xml/xml_writer.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "base/wide_text.h"
+#include "platform/linux/descriptor.h"
 
 namespace twr {
 namespace {
@@ -126,6 +130,10 @@ private:
 
 }  // namespace
 
-std::unique_ptr<XmlWriter> WriteXml(Descriptor file) { return std::make_unique<FileWriter>(std::move(file)); }
+std::unique_ptr<XmlWriter> OpenXmlWriter(std::u16string_view path) {
+    Descriptor file = OpenPlainFile(NativePath(path), O_WRONLY | O_CREAT);
+    if (!file || ftruncate(file.Get(), 0) != 0) return nullptr;
+    return std::make_unique<FileWriter>(std::move(file));
+}
 
 }  // namespace twr

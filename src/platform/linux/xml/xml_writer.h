@@ -1,12 +1,13 @@
-// The writer of XML into an open file.
+// The writer of XML files, beside the reader and whoever makes both.
 #pragma once
 #include <memory>
+#include <string_view>
 
-#include "platform/linux/descriptor.h"
 #include "platform/xml.h"
 
 namespace twr {
 
-std::unique_ptr<XmlWriter> WriteXml(Descriptor file);
+// As Xml::OpenWriter.
+std::unique_ptr<XmlWriter> OpenXmlWriter(std::u16string_view path);
 
 }  // namespace twr

@@ -1,11 +1,23 @@
-#include "platform/windows/dialog/desktop.h"
-
+// The desktop of Windows: message boxes, and dialogs from the executable's resources.
 #include "platform/windows/dialog/dialog_host.h"
+#include "platform/windows/services.h"
 #include "platform/windows/wide.h"
 #include "platform/windows/win32.h"
 
 namespace twr {
 namespace {
+
+class WindowsDesktop final : public Desktop {
+public:
+    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) override;
+    void RunDialog(const DialogTemplate& layout, Dialog& dialog) override;
+    void ShowAbout(const DialogTemplate& layout, std::u16string_view text) override;
+    void PostQuit() override;
+
+private:
+    DialogHost* open_ = nullptr;
+    bool quit_ = false;
+};
 
 constexpr DWORD kAllControls = 255;
 
@@ -66,5 +78,7 @@ void WindowsDesktop::PostQuit() {
     quit_ = true;
     if (open_) open_->End(DialogResult::kCancel);
 }
+
+std::unique_ptr<Desktop> MakeDesktop() { return std::make_unique<WindowsDesktop>(); }
 
 }  // namespace twr

@@ -7,6 +7,7 @@
 #include "platform/windows/xml/com_ptr.h"
 #include "platform/windows/xml/well_formed.h"
 #include "platform/windows/xml/xml_encoding.h"
+#include "platform/windows/xml/xml_writer.h"
 
 namespace twr {
 namespace {
@@ -80,12 +81,10 @@ private:
     bool ended_ = false;
 };
 
-}  // namespace
-
 // XmlLite knows other encodings than UTF-8 and UTF-16 on some machines only, and Wine's goes wrong in UTF-16 beyond some thousand
 // characters; so it always gets UTF-8. The mark is for Wine's, which without it takes blanks before the first element for a fault.
-std::unique_ptr<XmlReader> WindowsXml::OpenReader(std::u16string_view path) {
-    const auto source = WindowsFiles({}).Open(path);
+std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
+    const auto source = MakeFiles({})->Open(path);
     if (!source) return nullptr;
     const std::string document = "\xEF\xBB\xBF" + ToUtf8(WellFormedPrefix(DecodeXml(Contents(*source)))).append(kFault);
     const ComPtr<IStream> stream(
@@ -99,5 +98,15 @@ std::unique_ptr<XmlReader> WindowsXml::OpenReader(std::u16string_view path) {
     reader->SetProperty(XmlReaderProperty_MaxElementDepth, kDeepestElement);  // in place of its 256
     return std::make_unique<LiteReader>(std::move(reader));
 }
+
+class WindowsXml final : public Xml {
+public:
+    std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) override { return OpenXmlReader(path); }
+    std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view path) override { return OpenXmlWriter(path); }
+};
+
+}  // namespace
+
+std::unique_ptr<Xml> MakeXml() { return std::make_unique<WindowsXml>(); }
 
 }  // namespace twr

@@ -1,6 +1,7 @@
+#include "platform/windows/xml/xml_writer.h"
+
 #include <xmllite.h>
 
-#include "platform/windows/services.h"
 #include "platform/windows/wide.h"
 #include "platform/windows/xml/com_ptr.h"
 
@@ -36,7 +37,7 @@ bool WriteMark(IStream& stream) {
 
 }  // namespace
 
-std::unique_ptr<XmlWriter> WindowsXml::OpenWriter(std::u16string_view path) {
+std::unique_ptr<XmlWriter> OpenXmlWriter(std::u16string_view path) {
     ComPtr<IStream> stream;
     ComPtr<IXmlWriter> writer;
     // Not every XmlLite puts a mark before UTF-8, so its own is off.
