@@ -25,14 +25,14 @@ void WindowState::SetText(int control, std::u16string_view text) {
 }
 
 std::uintptr_t WindowState::StartTimer(std::uintptr_t id, unsigned milliseconds) {
-    timers_.Start(id, milliseconds);
+    timers_.Start(id, milliseconds, Steady::now());
     return id;
 }
 
 bool WindowState::TakePostedClose() { return std::exchange(closePosted_, false); }
 
 void WindowState::RaiseTimers() {
-    timers_.RaiseDue([this](std::uintptr_t id) {
+    timers_.RaiseDue(Steady::now(), [this](std::uintptr_t id) {
         if (!ended_) dialog_.OnTimer(id);
     });
 }

@@ -23,7 +23,7 @@ public:
 
     bool Ended() const { return ended_; }
     bool TakePostedClose();
-    Steady::time_point NextDue() const { return timers_.NextDue(); }
+    Steady::time_point NextDue() const { return timers_.NextDue(Steady::now()); }
     void RaiseTimers();
 
 protected:

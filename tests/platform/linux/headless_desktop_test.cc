@@ -3,6 +3,7 @@
 
 #include "platform/linux/services.h"
 #include "platform/linux/signal_queue.h"
+#include "platform/linux/timers.h"
 #include "support/scripted_dialog.h"
 
 namespace twr {
@@ -105,6 +106,23 @@ TEST_F(HeadlessDesktopTest, NobodyAnswersAClosingWithoutASignalAndAStoppedTimerR
     };
     EXPECT_EQ("init cancel no cancel yes destroy ", Run());
     EXPECT_EQ(1, dialog_.ticks);
+}
+
+TEST(TimersTest, KeepTheBeatAndLeaveOutWhatWasMissed) {
+    using namespace std::chrono_literals;
+    const Steady::time_point begin{};
+    Timers timers;
+    timers.Start(1, 100, begin);
+    const struct {
+        std::chrono::milliseconds now, next;
+        int raised;
+    } rows[] = {{0ms, 100ms, 0}, {99ms, 100ms, 0}, {100ms, 200ms, 1}, {230ms, 300ms, 1}, {299ms, 300ms, 0}, {1000ms, 1100ms, 1}};
+    for (const auto& row : rows) {
+        int raised = 0;
+        timers.RaiseDue(begin + row.now, [&](std::uintptr_t) { ++raised; });
+        EXPECT_EQ(row.raised, raised) << row.now.count();
+        EXPECT_EQ(begin + row.next, timers.NextDue(begin + row.now)) << row.now.count();
+    }
 }
 
 }  // namespace
