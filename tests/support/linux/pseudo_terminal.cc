@@ -24,6 +24,8 @@ constexpr int kPatienceMs = 20000;  // without any output: only a fault takes th
     setenv("TERM", "xterm-256color", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
     for (const char* variable : {"LINES", "COLUMNS", "ESCDELAY"}) unsetenv(variable);
+    for (const int number : {SIGINT, SIGQUIT, SIGHUP})
+        signal(number, SIG_DFL);  // a script's background job starts with them ignored
     for (const std::string& setting : environment) putenv(const_cast<char*>(setting.c_str()));
     const std::string program = OwnProgram();
     std::vector<const char*> argv{program.c_str(), "--run-role", role.c_str()};
