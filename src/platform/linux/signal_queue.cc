@@ -1,6 +1,5 @@
 #include "platform/linux/signal_queue.h"
 
-#include <poll.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -37,12 +36,15 @@ int SignalQueue::Take() {
     return read(queue_.Get(), &info, sizeof info) == sizeof info ? static_cast<int>(info.ssi_signo) : 0;
 }
 
-short SignalQueue::WaitUntil(Steady::time_point end, int input) const {
+void SignalQueue::WaitUntil(Steady::time_point end, std::span<pollfd> others) const {
     const auto left = std::max(Steady::duration::zero(), end - Steady::now());
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
     const timespec time{static_cast<time_t>(seconds.count()), static_cast<long>((left - seconds) / std::chrono::nanoseconds(1))};
-    std::array<pollfd, 2> events{{{queue_.Get(), POLLIN, 0}, {input, POLLIN, 0}}};
-    return ppoll(events.data(), events.size(), &time, nullptr) > 0 ? events[1].revents : short{0};
+    std::array<pollfd, 3> events{};
+    events[0] = {queue_.Get(), POLLIN, 0};
+    std::ranges::copy(others, events.begin() + 1);
+    if (ppoll(events.data(), others.size() + 1, &time, nullptr) <= 0) return;
+    std::ranges::copy_n(events.begin() + 1, static_cast<std::ptrdiff_t>(others.size()), others.begin());
 }
 
 }  // namespace twr

@@ -1,9 +1,11 @@
 // Signals as events in their order, in place of what they would do to the process.
 #pragma once
+#include <poll.h>
 #include <signal.h>
 
 #include <chrono>
 #include <initializer_list>
+#include <span>
 
 #include "platform/linux/descriptor.h"
 
@@ -27,8 +29,8 @@ public:
     // The next signal that has come; 0 when there is none.
     int Take();
 
-    // Waits for a signal, until `end`, or for something to read from `input` (none below 0). Gives what poll says about `input`.
-    short WaitUntil(std::chrono::steady_clock::time_point end, int input = -1) const;
+    // Waits for a signal, until `end`, or for one of up to two other events (none below descriptor 0), whose `revents` it sets.
+    void WaitUntil(std::chrono::steady_clock::time_point end, std::span<pollfd> others = {}) const;
 
 private:
     sigset_t before_{};

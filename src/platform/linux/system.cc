@@ -8,7 +8,7 @@
 #include "platform/arguments.h"
 #include "platform/linux/services.h"
 #include "platform/linux/standard_error.h"
-#include "platform/linux/terminal_screen.h"
+#include "platform/linux/terminal/screen.h"
 #include "platform/paths.h"
 
 namespace twr {

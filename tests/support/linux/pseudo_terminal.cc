@@ -6,8 +6,10 @@
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "support/child_process.h"
@@ -57,6 +59,7 @@ bool PseudoTerminal::ReadMore() {
     char chunk[64];  // small, so that a half drawn picture is looked at as well and no test takes it for the whole
     const ssize_t got = read(terminal_, chunk, sizeof chunk);  // fails when nobody holds the other end any more
     if (got <= 0) return false;
+    taken_ += static_cast<std::size_t>(got);
     picture_.Write({chunk, static_cast<std::size_t>(got)});
     return true;
 }
@@ -80,23 +83,12 @@ bool PseudoTerminal::Focuses(std::string_view text) {
     return WaitUntil([&] { return picture_.Reversed().find(text) != std::string::npos; });
 }
 
-bool PseudoTerminal::OnOwnScreen(bool own) {
-    return WaitUntil([&] { return picture_.OnOwnScreen() == own; });
-}
-
 void PseudoTerminal::Type(std::string_view keys) {
     [[maybe_unused]] const ssize_t written = write(terminal_, keys.data(), keys.size());
 }
 
-std::string PseudoTerminal::Click(std::string_view text) {
-    if (!Shows(text)) return {};
-    const auto place = picture_.Find(text);
-    const std::string at = "\033[<0;" + std::to_string(place->column + 1) + ';' + std::to_string(place->row + 1);
-    return at + 'M' + at + 'm';
-}
-
 void PseudoTerminal::Resize(int rows, int columns) {
-    picture_.Resize(rows, columns);
+    picture_.Resize(std::clamp(rows, 1, 200), std::clamp(columns, 1, 200));
     const winsize size{static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
     ioctl(terminal_, TIOCSWINSZ, &size);
 }
@@ -112,6 +104,10 @@ void PseudoTerminal::HangUp() {
 int PseudoTerminal::Wait() {
     if (process_ <= 0) return -1;
     while (terminal_ >= 0 && ReadMore()) continue;
+    return WaitBlindly();
+}
+
+int PseudoTerminal::WaitBlindly() {
     int status = 0;
     // One that is silent but does not end is at fault, and is killed.
     for (int waited = 0; waitpid(process_, &status, WNOHANG) == 0; waited += kPauseMs) {
@@ -120,6 +116,13 @@ int PseudoTerminal::Wait() {
     }
     process_ = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+bool PseudoTerminal::GivenBack() const {
+    termios modes{};
+    tcgetattr(terminal_, &modes);
+    constexpr tcflag_t kLocal = ICANON | ECHO | ISIG | IEXTEN;
+    return !picture_.OnOwnScreen() && (modes.c_lflag & kLocal) == kLocal && modes.c_oflag & OPOST && modes.c_iflag & IXON;
 }
 
 }  // namespace twr::testing

@@ -24,26 +24,34 @@ public:
     bool Shows(std::string_view text);
     bool ShowsNo(std::string_view text);
     bool Focuses(std::string_view text);
-    bool OnOwnScreen(bool own);
 
     void Type(std::string_view keys);
-    void Press(std::string_view text) { Type(Click(text)); }
-    std::string Click(std::string_view text);  // what the left mouse button sends on the first cell of a text, once that is shown
-    void Resize(int rows, int columns);
+    void Resize(int rows, int columns);          // the picture follows up to 200 by 200
+    void Spoil() { picture_.Write("\033[2J"); }  // as another program would that writes there too
     void Signal(int number);
     void HangUp();  // takes the terminal away
 
-    int Wait();  // for the end; the exit status, or 128 and the signal
+    int Wait();         // for the end; the exit status, or 128 and the signal
+    int WaitBlindly();  // the same, without taking what the role writes
+
+    // It is on the shell's screen, waits for lines and shows what is typed.
+    bool GivenBack() const;
 
     const TerminalPicture& Picture() const { return picture_; }
+    std::size_t Taken() const { return taken_; }  // bytes that the role has written and the picture shows
 
 private:
     bool WaitUntil(const std::function<bool()>& holds);
     bool ReadMore();
 
     TerminalPicture picture_;
+    std::size_t taken_ = 0;
     pid_t process_ = -1;
     int terminal_ = -1;
 };
+
+// Of a `terminal` that is a pointer to one.
+#define EXPECT_SHOWS(text) EXPECT_TRUE(terminal->Shows(text)) << (text) << " is not in\n" << terminal->Picture().All()
+#define EXPECT_SHOWS_NO(text) EXPECT_TRUE(terminal->ShowsNo(text)) << (text) << " is in\n" << terminal->Picture().All()
 
 }  // namespace twr::testing

@@ -1,4 +1,4 @@
-// The desktop of a user at a terminal. Before the dialog is open there is no screen: a box then is a question on a plain line.
+// The desktop of a user at a terminal. Before the dialog is open there is no screen: a box then is a plain line.
 
 #include <array>
 #include <cstdio>
@@ -7,35 +7,29 @@
 #include "platform/linux/services.h"
 #include "platform/linux/signal_queue.h"
 #include "platform/linux/standard_error.h"
-#include "platform/linux/terminal_host.h"
+#include "platform/linux/terminal/host.h"
 
 namespace twr {
 namespace {
 
-// A message stays readable where it stands when the program has ended.
-BoxAnswer AskOnALine(std::u16string_view text, std::u16string_view caption, BoxButtons buttons) {
+// A message stays readable where it stands when the program has ended. There is no question to answer there.
+BoxAnswer TellOnALine(std::u16string_view text, std::u16string_view caption) {
     ShowOnStandardError(text, caption);
-    const bool yesNo = buttons == BoxButtons::kYesNo;
+    std::fputs("Press Enter to go on. ", stderr);
     std::array<char, 256> line{};
-    for (;;) {
-        std::fputs(yesNo ? "[y/n] " : "Press Enter to go on. ", stderr);
-        if (!std::fgets(line.data(), line.size(), stdin)) return BoxAnswer::kNone;
-        if (!yesNo) return BoxAnswer::kOk;
-        if (line[0] == 'y' || line[0] == 'Y') return BoxAnswer::kYes;
-        if (line[0] == 'n' || line[0] == 'N') return BoxAnswer::kNo;
-    }
+    return std::fgets(line.data(), line.size(), stdin) ? BoxAnswer::kOk : BoxAnswer::kNone;
 }
 
 class TerminalDesktop final : public Desktop {
 public:
-    void ExpectDialog() override { held_.emplace(kCloseSignals); }
+    void ExpectDialog() override { held_.emplace(); }
 
     void Remark(std::u16string_view text, std::u16string_view caption) override { ShowOnStandardError(text, caption); }
 
-    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) override {
-        if (open_) return open_->ShowBox(text, caption, buttons, icon);
-        held_.reset();  // who is asked on a line may also press Ctrl-C
-        return AskOnALine(text, caption, buttons);
+    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon) override {
+        if (open_) return open_->ShowBox(text, caption, buttons);
+        held_.reset();  // who is told on a line may also press Ctrl-C
+        return TellOnALine(text, caption);
     }
 
     void RunDialog(const DialogTemplate& layout, Dialog& dialog) override {

@@ -4,15 +4,13 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/desktop.h"
 #include "platform/linux/signal_queue.h"
-#include "platform/linux/terminal_form.h"
-#include "platform/linux/terminal_layer.h"
+#include "platform/linux/terminal/layers.h"
 #include "platform/linux/window_state.h"
 
 namespace twr {
 
-class TerminalHost final : public WindowState, private LayerRunner {
+class TerminalHost final : public WindowState {
 public:
     TerminalHost(const DialogTemplate& layout, Dialog& dialog);
 
@@ -20,25 +18,21 @@ public:
     void Run();
     void Quit() { quit_ = true; }
 
-    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon);
+    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons);
 
     void AddMenuItem(int command, std::u16string_view text) override { form_.AddMenuItem(command, text); }
 
 private:
-    struct HintSpan {
-        Cell at;
-        int width;
-        Input input;
-    };
-
-    void Run(Layer& layer) override;
     void OnChanged() override { dirty_ = true; }
     bool Over() const { return Ended() || quit_; }
+
+    // Runs until the layer has closed or the dialog has ended.
+    void Run(Layer& layer);
 
     // One round of the loop. Whatever it raises can run further rounds, below a box.
     void Step();
     void OnSignal(int signal);
-    void OnInput(const Input& input);
+    void OnKey(char32_t key);
     void Wait();
 
     // The window is closed from outside by somebody who means it: a question whether to leave is answered with yes.
@@ -46,22 +40,20 @@ private:
     void OnTerminalGone();
     void Suspend();
 
-    void Draw();
     bool TakeScreen();  // false while there is none to draw on
-    void DrawHints(Frame& frame);
-    bool Reads() const { return screen_ && !stale_ && !gone_; }
+    void Draw();
+    bool HasScreen() const { return screen_ && !stale_ && !gone_; }
+    bool Busy() const { return HasScreen() && screen_->Device().Busy(); }
 
     Dialog& dialog_;
     SignalQueue signals_;
     FormLayer form_;
     std::vector<Layer*> layers_;
     std::unique_ptr<TerminalScreen> screen_;
-    std::vector<HintSpan> hints_;
     bool dirty_ = true;      // what is shown is no longer true
     bool stale_ = false;     // somebody else may have drawn on the screen
     bool tooSmall_ = false;  // nothing but a notice is shown
-    bool inputReady_ = false;
-    bool gone_ = false;  // the terminal has vanished
+    bool gone_ = false;      // the terminal has vanished
     bool closing_ = false;
     bool quit_ = false;
 };

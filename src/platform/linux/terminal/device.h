@@ -1,0 +1,45 @@
+// The terminal of standard input and output, taken over for the life of the object. Nothing here waits for a terminal that takes no
+// output, and the terminal is given back on every way out, a crash included.
+#pragma once
+#include <string>
+#include <string_view>
+
+#include "platform/linux/descriptor.h"
+
+namespace twr {
+
+struct CellSize {
+    int rows, columns;
+};
+
+// False while the program runs in its shell's background, where it must leave the terminal alone.
+bool TerminalIsOurs();
+
+class TerminalDevice {
+public:
+    TerminalDevice();
+    ~TerminalDevice();
+
+    // False when the terminal can't be opened.
+    explicit operator bool() const { return bool(output_); }
+
+    // As far as a screen can be used; 24 by 80 where the terminal doesn't know.
+    CellSize Size() const;
+
+    // Writes what the terminal takes now and keeps the rest for Push.
+    void Write(std::string_view bytes);
+    void Push();
+
+    // True while something is kept; Output can then be polled for the terminal's readiness.
+    bool Busy() const { return !kept_.empty(); }
+    int Output() const { return output_.Get(); }
+
+    // Notes what is to be written at the end, whatever brings it. Up to 255 bytes.
+    void WriteAtEnd(std::string_view bytes);
+
+private:
+    const Descriptor output_;
+    std::string kept_;
+};
+
+}  // namespace twr
