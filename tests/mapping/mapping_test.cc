@@ -1,0 +1,245 @@
+// The files that map Deckman's variables and remotes: its own list of variables, the mapping, and the two files of old.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "base/wide_text.h"
+#include "mapping/legacy_import.h"
+#include "mapping/mapping_file.h"
+#include "mapping/variable_file.h"
+#include "platform/paths.h"
+#include "support/fakes.h"
+#include "support/temp_folder.h"
+
+namespace twr::testing {
+namespace {
+
+using namespace std::string_literals;
+
+MappingVar Variable(std::int32_t id, std::u16string name) {
+    return {.dfwId = id, .dfwColumn4 = 4, .dfwColumn6 = 6, .dfwName = std::move(name), .dfwColumn3 = u"u"};
+}
+
+// Each row as "channel=numberNAME@boat ", and as "channel>remote@boat ", a damped one with a d.
+std::string Told(const Mapping& mapping) {
+    std::ostringstream told;
+    for (const MappingVar& row : mapping.varRows) {
+        told << row.channel << "=" << row.dfwId << ToBytes(row.dfwName) << "@" << row.boat << " ";
+        EXPECT_TRUE(row.dfwColumn3 == u"u" && row.dfwColumn4 == 4 && row.dfwColumn6 == 6) << "columns of " << ToBytes(row.dfwName);
+    }
+    for (const MappingRemote& row : mapping.remoteRows) {
+        told << row.channel << ">" << row.remote << (row.damp ? "d" : "") << "@" << row.boat << " ";
+        EXPECT_TRUE(row.lastChannel == kNoInt && row.lastValue == kNoValue) << "nothing has been sent to " << row.remote;
+    }
+    return told.str();
+}
+
+class MappingTest : public ::testing::Test {
+protected:
+    Mapping Load(const std::string& document) { return LoadMapping(xml, folder.Write("halyrig.xml", document), catalogue); }
+
+    // Puts a file into Deckman's folder, in the order in which the file system gives them.
+    void Put(std::u16string_view name, std::string bytes, bool locked = false) {
+        fakes.files.push_back({JoinPath(JoinPath(u"/dfw", u"Data"), name), std::move(bytes), locked});
+    }
+    // The rows found, each as the file gives it but for column 5, and then TIMER's number if it has one.
+    std::string Found() {
+        const DeckmanCatalogue found = FindVariableFile(fakes, u"/dfw", copy);
+        std::ostringstream told;
+        for (const MappingVar& row : found.rows) {
+            told << row.dfwId << " " << ToBytes(row.dfwName) << " " << ToBytes(row.dfwColumn3) << " " << row.dfwColumn4 << " "
+                 << row.dfwColumn6 << ", ";
+        }
+        if (found.timerVariableId != -1) told << "timer " << found.timerVariableId;
+        return told.str();
+    }
+    std::string FoundIn(std::string bytes) {
+        fakes.files.clear();
+        Put(u"J_vars06.d", std::move(bytes));
+        return Found();
+    }
+
+    const std::u16string copy = u"/data/jvars.twr";
+    FakeFiles fakes;
+    TempFolder folder;
+    std::unique_ptr<System> system = MakeSystem({});
+    Xml& xml = system->Core().xml;
+    std::vector<MappingVar> catalogue{Variable(0, u"ZERO"), Variable(12, u"HDG"), Variable(17, u"BSP"), Variable(17, u"TWIN"),
+                                      Variable(40, u"bsp2")};
+};
+
+TEST_F(MappingTest, ElementsBecomeRows) {
+    const std::pair<std::string, std::string> rows[] = {
+        {R"(<var twr="1" dfw="17"/><var twr="1" dfw="17"/>)", "1=17BSP@0 1=17BSP@0 "},
+        {R"(<var dfw="BSP" boat="3" twr="1"/><var twr="1" dfw="TWIN"/>)", "1=17BSP@3 1=17TWIN@0 "},
+        {R"(<var twr="1" dfw="12abc" boat="abc"/>)", "1=12HDG@0 "},
+        {R"(<var twr="0" dfw="17"/><var twr="413" dfw="17" boat="99"/>)", "0=17BSP@0 413=17BSP@99 "},
+        {R"(<VAR TWR=" 1" Dfw="17" colour="red"/><p:var xmlns:p="urn:x" twr="2" p:dfw="12"/>)", "1=17BSP@0 2=12HDG@0 "},
+        {R"(<a><b><var twr="1" dfw="17"><var twr="2" dfw="12"/></var></b></a>)", "1=17BSP@0 2=12HDG@0 "},
+        {R"(<var twr="1" dfw="17"/><oops <var twr="2" dfw="12"/>)", "1=17BSP@0 "},
+        {R"(<remote remote="1" twr="13"/><remote twr="117" remote="0" damp="true" boat="7"/>)", "13>1@0 117>0d@7 "},
+        {R"(<remote remote="2" twr="13" damp="FALSE"/><remote remote="3" twr="13" damp=""/>)", "13>2@0 13>3d@0 "},
+        {R"(<var twr="1" dfw="bsp"/><var twr="1" dfw="99"/><var twr="1" dfw=""/><var twr="1"/><var dfw="17"/>)", ""},
+        {R"(<var twr="x" dfw="17"/><var twr="414" dfw="17"/><var twr="-1" dfw="17"/><variable twr="1" dfw="17"/>)", ""},
+        {R"(<var twr="1" dfw="17" boat="100"/><var twr="1" dfw="17" boat="-1"/><remote remote="-2" twr="13"/>)", ""},
+        {R"(<remote remote="32767" twr="13"/><remote twr="13"/><remote remote="2"/><remote remote="2" twr="13" boat="100"/>)", ""},
+    };
+    for (const auto& [elements, told] : rows) EXPECT_EQ(told, Told(Load("<x>" + elements + "</x>"))) << elements;
+    catalogue.clear();
+    EXPECT_EQ("13>1@0 ", Told(Load(R"(<x><var twr="1" dfw="17"/><remote remote="1" twr="13"/></x>)")));
+    EXPECT_EQ("", Told(LoadMapping(xml, folder.File("missing.xml"), catalogue)));
+}
+
+TEST_F(MappingTest, SavesTheSameBytesOnEverySystem) {
+    Mapping mapping = Load(R"(<x><var twr="13" dfw="HDG"/><var twr="13" dfw="12" boat="2"/>)"
+                           R"(<remote twr="117" remote="1"/><remote twr="117" remote="3" damp="true" boat="2"/></x>)");
+    mapping.varRows.push_back(catalogue[1]);  // no channel yet: left out
+    mapping.remoteRows.push_back({});
+    Files& files = system->Core().files;
+    EXPECT_TRUE(SaveMapping(files, xml, folder.Write("halyrig.xml", std::string(5000, 'x')), mapping));
+    EXPECT_EQ(
+        "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+        "<halyrig version=\"1.0\" creator=\"Tidewright - https://tidewright.example\">\r\n"
+        "  <!--See user_channels.h for Tidewright var ids-->\r\n"
+        "  <var twr=\"13\" dfw=\"12\" />\r\n"
+        "  <var twr=\"13\" dfw=\"12\" boat=\"2\" />\r\n"
+        "  <!--B&G remote ids are 1-n-->\r\n"
+        "  <remote remote=\"1\" twr=\"117\" damp=\"false\" />\r\n"
+        "  <remote remote=\"3\" twr=\"117\" damp=\"true\" boat=\"2\" />\r\n"
+        "</halyrig>",
+        folder.Read("halyrig.xml"));
+    EXPECT_FALSE(SaveMapping(files, xml, folder.File("missing/halyrig.xml"), mapping));
+}
+
+// A disk on which no file can be begun, or none be finished.
+struct FullDisk : Xml {
+    struct Writer : XmlWriter {
+        bool StartElement(std::u16string_view) override { return true; }
+        bool Attribute(std::u16string_view, std::u16string_view) override { return true; }
+        bool Comment(std::u16string_view) override { return true; }
+        bool EndElement() override { return true; }
+        bool Finish() override { return false; }
+    };
+    FullDisk(Xml& whole, const TempFolder& in, bool can) : xml(whole), folder(in), begins(can) {}
+    std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) override { return xml.OpenReader(path); }
+    std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view) override {
+        if (!begins) return nullptr;
+        folder.Write("halyrig.xml", "<halyrig");
+        return std::make_unique<Writer>();
+    }
+    Xml& xml;
+    const TempFolder& folder;
+    const bool begins;
+};
+
+TEST_F(MappingTest, TheFormerFileIsKept) {
+    FullDisk beginsNone(xml, folder, false), endsNone(xml, folder, true);
+    const std::string whole = "<x></x>\r\n", wide("<\0/\0x\0>\0", 8);
+    const struct {
+        Xml& disk;
+        std::string former, bak;
+        std::string then, bakThen;  // an empty `then` is the new mapping
+    } rows[] = {
+        {xml, whole, "older", "", whole},
+        {xml, wide, "older", "", wide},
+        {xml, "<x><var/></", "older", "", "older"},
+        {xml, "", "older", "", "older"},
+        {endsNone, whole, "older", "<halyrig", whole},
+        {beginsNone, whole, "", whole, ""},
+        {beginsNone, "<halyrig", whole, "<halyrig", whole},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(::testing::Message() << row.former << " with " << row.bak);
+        folder.Write("halyrig.xml.bak", row.bak);
+        EXPECT_EQ(row.then.empty(), SaveMapping(system->Core().files, row.disk, folder.Write("halyrig.xml", row.former), {}));
+        const std::string then = folder.Read("halyrig.xml");
+        EXPECT_TRUE(row.then.empty() ? then.ends_with("</halyrig>") : then == row.then) << then;
+        EXPECT_EQ(row.bakThen, folder.Read("halyrig.xml.bak"));
+    }
+}
+
+TEST_F(MappingTest, LinesOfTheOldFilesBecomeRows) {
+    EXPECT_FALSE(ImportLegacyVars(fakes, u"/old.csv", catalogue)) << "there is no file";
+    EXPECT_TRUE(ImportLegacyRemotes(fakes, u"/old.csv").empty());
+    const std::pair<std::string, std::string> vars[] = {
+        {"12,5,7\r\n17,1,0\r\n12,5\n12,5,\n", "5=12HDG@7 1=17BSP@0 5=12HDG@0 5=12HDG@0 "},
+        {" 12, 5, 7 and more\n12,5,7,8,9\n0,413,99", "5=12HDG@7 5=12HDG@7 413=0ZERO@99 "},
+        {"\n\nchannel,variable\n99,5\n12,5\n;12,6\n", "5=12HDG@0 "},
+        {"\uFEFF12,5\n17,1\n", "1=17BSP@0 "},
+        {"4294967308,5", "5=12HDG@0 "},
+        {"12 ,5\n12;5\n12", "failed"},
+        {"12,0\n12,414\n12,-1\n12,5,100\n12,5,-1\n13,5", "failed"},
+    };
+    for (const auto& [bytes, told] : vars) {
+        fakes.files = {{u"/old.csv", bytes}};
+        const auto rows = ImportLegacyVars(fakes, u"/old.csv", catalogue);
+        EXPECT_EQ(told, rows ? Told({*rows, {}}) : "failed") << bytes;
+    }
+    const std::pair<std::string, std::string> remotes[] = {
+        {"0,0,0,1\n4,13,2,0,9\r\n1,117,0,-3\r\n", "0>1d@0 13>5@2 117>2d@0 "},
+        {"0,13,0\n0,414,0,1\n0,-1,0,1\n0,13,100,1\n0,13,-1,1\nx,13,0,1\n", ""},
+        {"2147483647,13,0,0\n", "13>-2147483648@0 "},
+    };
+    for (const auto& [bytes, told] : remotes) {
+        fakes.files = {{u"/old.csv", bytes}};
+        EXPECT_EQ(told, Told({{}, ImportLegacyRemotes(fakes, u"/old.csv")})) << bytes;
+    }
+}
+
+TEST_F(MappingTest, TheSectionOfTheVariableFileIsReadUpToItsEnd) {
+    const std::string row1 = "1 BSP kt 1 2 3\n", row2 = "2 AWA d 4 5 6\n", one = "1 BSP kt 1 3, ";
+    const std::pair<std::string, std::string> rows[] = {
+        {"\r\n1 BSP kt 1 2 3\r\n\r\n  2 AWA d 4 5 6\t\r\n", one + "2 AWA d 4 6, "},
+        {row2 + row2 + row1, "2 AWA d 4 6, 2 AWA d 4 6, "},
+        {"-1 BSP kt 1 2 3\n" + row1, ""},
+        {"0 BSP kt 1 2 3 7 8 junk\n90 AWA deg 1 2 3", "0 BSP kt 1 3, 90 AWA deg 1 3, "},
+        {"5 TIMER s 1 2 3\n6 AWA d 1 2 3\n7 TIMER s 1 2 3\n", "6 AWA d 1 3, timer 7"},
+        {"5 timer s 1 2 3\n", "5 timer s 1 3, "},
+        {"7 D\xE9pth m 40000 5 -3 9\n", "7 D\xE9pth m -25536 -3, "},  // 16 bits with their sign
+        {"5 ABCDEFGHIJKLMNO 1234567 1 2 3\n6 ABCDEFGHIJKLMNOP x 1 2 3\n", "5 ABCDEFGHIJKLMNO 1234567 1 3, "},
+        {"5 ABCDEFGHIJKLMNOPQ 1 2 3 4\n", "5 ABCDEFGHIJKLMNO PQ 1 3, "},  // the rest of a name is column 3
+        {"5 A 12345678 2 3 4\n", "5 A 1234567 8 3, "},
+        {std::string("1 B\0SP kt 1 2 3\n", 16) + row2, ""},
+    };
+    for (const auto& [bytes, told] : rows) EXPECT_EQ(told, FoundIn("[variables]\n" + bytes)) << bytes;
+    for (const std::string& end : {"[other]"s, "# a comment"s, "2 AWA deg 4 5"s, "\x1A"s, std::string(5000, '7')}) {
+        EXPECT_EQ(one, FoundIn("[variables]\n" + row1 + end + "\n" + row2)) << end;
+    }
+    for (const std::string before : {"; notes\n[units]\n9 X y 1 1 1\n\n[variables]\n", " \t[variables]\v\f\r\n"}) {
+        EXPECT_EQ(one, FoundIn(before + row1)) << before;
+    }
+    for (const std::string before : {"", "[Variables]\n", "[variables] \x01\n", "\uFEFF[variables]\n"}) {
+        EXPECT_EQ("", FoundIn(before + row1)) << before;
+    }
+}
+
+TEST_F(MappingTest, TheFirstVariableFileWithRowsCountsIfNeedBeFromACopy) {
+    const std::string empty = "[variables]\n", good = empty + "1 BSP kt 1 2 3\n", other = empty + "2 AWA kt 1 2 3\n";
+    const std::string timerOnly = empty + "3 TIMER s 1 2 3\n", goodFound = "1 BSP kt 1 3, ";
+    const std::pair<std::vector<std::pair<std::u16string, std::string>>, std::string> rows[] = {
+        {{{u"J_vars05.d", other}, {u"J_vars06.d", good}}, goodFound},
+        {{{u"J_vars07.d", good}, {u"J_vars05.d", other}}, goodFound},
+        {{{u"J_vars07.d", empty}, {u"J_vars06.d", empty}, {u"J_vars01.d", good}, {u"J_vars02.d", other}}, goodFound},
+        {{{u"J_vars.d", good}}, goodFound},
+        {{{u"J_var06.d", good}, {u"J_vars06.dat", good}}, ""},
+        {{{u"J_vars06.d", timerOnly}, {u"J_vars08.d", good}}, goodFound},
+        {{{u"J_vars06.d", timerOnly}}, "timer 3"},
+    };
+    for (const auto& [files, found] : rows) {
+        fakes.files.clear();
+        for (const auto& [name, bytes] : files) Put(name, bytes);
+        EXPECT_EQ(found, Found()) << ToUtf8(files[0].first) << " of " << files.size();
+    }
+    fakes.files.clear();
+    Put(u"J_vars06.d", good, true);
+    fakes.files.push_back({copy, "an older copy"});
+    EXPECT_EQ(goodFound, Found());
+    EXPECT_FALSE(fakes.Exists(copy));
+    fakes.copiesFail = true;
+    fakes.removed.clear();
+    EXPECT_EQ("", Found());
+    EXPECT_FALSE(fakes.removed.empty()) << "removed even when the copying failed";
+}
+
+}  // namespace
+}  // namespace twr::testing
