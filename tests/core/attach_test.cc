@@ -1,13 +1,35 @@
+// The record's life: created, filled by what the machine has saved, joined, and left alone where there is none.
 #include <utility>
+#include <vector>
 
 #include "base/wide_text.h"
+#include "core/initialise.h"
 #include "platform/paths.h"
 #include "support/core_fixture.h"
 
 namespace twr::testing {
 namespace {
 
-class AttachTest : public CoreTest {};
+using R = RecordBytes;
+
+class AttachTest : public CoreTest {
+protected:
+    // A new record, after the registry has been given this value alone.
+    void Start(std::u16string_view name, const RegistryValue& value) {
+        core.reset();
+        machine.registry.keys.clear();
+        machine.registry.Write(u"Software\\Tidewright\\core", name, value);
+        Restart();
+    }
+    void Restart() {
+        core.reset();
+        core = std::make_unique<CCore>(machine.Services());
+        record = R(core->View());
+    }
+    CoreRecord* Guest() { return CCore(machine.Services(), Attachment::kOpenOnly).View(); }
+
+    const std::u16string suite = JoinPath(u"/data", u"Tidewright");
+};
 
 TEST_F(AttachTest, ALaterProcessTakesTheRecordAsItFindsItAndTheLastHolderEndsIt) {
     Publish(kBsp, 7.5);
@@ -15,93 +37,146 @@ TEST_F(AttachTest, ALaterProcessTakesTheRecordAsItFindsItAndTheLastHolderEndsIt)
     core.reset();
     EXPECT_EQ(7.5, second->View()->fullBlocks[0].value[kBsp]);
     second.reset();
-    core = std::make_unique<CCore>(machine.Services());
-    EXPECT_EQ(kNoValue, core->View()->fullBlocks[0].value[kBsp]) << "created anew";
+    Restart();
+    EXPECT_EQ(kNoValue, Own(kBsp)) << "created anew";
 }
 
 TEST_F(AttachTest, AGuestWaitsForTheEndOfTheFilling) {
     double& stamp = core->View()->fullBlocks[0].time[kTime];
     const double filled = std::exchange(stamp, 0.0);
-    EXPECT_EQ(nullptr, CCore(machine.Services(), Attachment::kOpenOnly).View());
+    EXPECT_EQ(nullptr, Guest());
     stamp = filled;
     const std::uint8_t mark = std::exchange(core->View()->filledMark, 0);
-    EXPECT_EQ(nullptr, CCore(machine.Services(), Attachment::kOpenOnly).View()) << "another has stamped it meanwhile";
+    EXPECT_EQ(nullptr, Guest()) << "another has stamped it meanwhile";
     core->View()->filledMark = mark;
-    EXPECT_EQ(core->View(), CCore(machine.Services(), Attachment::kOpenOnly).View());
+    EXPECT_EQ(core->View(), Guest());
 }
 
-// A machine whose shared memory fails.
-class FailedAttachTest : public ::testing::TestWithParam<bool> {
-protected:
-    FailedAttachTest() { (GetParam() ? machine.memory.failCreate : machine.memory.failMap) = true; }
+TEST_F(AttachTest, WithoutSharedMemoryTheUserIsToldAndEveryOperationIsHarmless) {
+    for (const bool create : {true, false}) {
+        FakeMachine broken;
+        (create ? broken.memory.failCreate : broken.memory.failMap) = true;
+        bool quitAtTheBox = true;
+        broken.desktop.answer = [&](const auto&) { return quitAtTheBox = broken.desktop.quit, BoxAnswer::kOk; };
+        CCore none(broken.Services());
+        const std::string message = create ? "Unable to create shared memory map" : "Unable to map shared memory";
+        ASSERT_EQ(1u, broken.desktop.boxes.size());
+        EXPECT_EQ(message, ToUtf8(broken.desktop.boxes[0].text));
+        EXPECT_TRUE(!quitAtTheBox && broken.desktop.quit);
+        EXPECT_TRUE(broken.files.Exists(JoinPath(u"", u"log_system_19Nov2026.log"))) << "the log of the day";
 
-    FakeMachine machine;
-};
+        double value = 1.0;
+        EXPECT_FALSE(none.View() || none.QuitRequested() || none.SetChannel(kBsp, 0, 1.0, 0.0) ||
+                     none.SetOwnChannel(kBsp, 1.0, 0.0));
+        EXPECT_FALSE(none.SetSystemValue(36, 1.0) || none.LoadBoatsFile() || none.LoadChannelsFile());
+        EXPECT_FALSE(none.GetChannel(kBsp, value, 0, false, true, true) || none.CalibrationLookup(2, value, 5.0));
+        EXPECT_FALSE(none.GetFreshChannel(kBsp, value = 1.0, 0, false, true, kNoValue) || value != kNoValue);
+        none.NormaliseValue(kTwd, value = 400.0);
+        EXPECT_EQ(kNoValue, value) << "no wrap without a record, but the range holds";
+        none.SetSystemInt(1, 1), none.StampTime(), none.SetMarksPath(u"x"), none.CheckDatabasePath(), none.LoadAlternatesFile();
+        EXPECT_TRUE(none.GetDataFolder(u"config").empty() && none.GetDatabasePath().empty() && broken.files.folders.empty());
+        for (const double angle : {none.ToDisplayUnits(kTwd, 10.0, 5.0), none.ApplyCalibration(kBsp, 10.0)}) EXPECT_EQ(10.0, angle);
+        EXPECT_EQ(kNoValue, none.ApplyVariation(10.0, 0));
+        EXPECT_EQ(kBsp, none.ResolveAlternate(kBsp, true));
+        EXPECT_EQ(u"- -ALT 019-Nov-2026 12:00:00", none.ChannelText(kBsp, 7.0) + FromBytes(none.ChannelFormat(kBsp)) +
+                                                       none.RemoteLabel(kAlt0) + none.TimeText(46345.5));
+    }
+}
 
-INSTANTIATE_TEST_SUITE_P(CreateOrMap, FailedAttachTest, ::testing::Bool());
-
-TEST_P(FailedAttachTest, IsReportedBeforeTheEnd) {
-    bool quitAtTheBox = true;
-    machine.desktop.answer = [&](const auto&) {
-        quitAtTheBox = machine.desktop.quit;
-        return BoxAnswer::kOk;
+// As a reader sees it that knows nothing but offsets; whatever is not named here is 0.
+TEST(InitialRecord, IsTheSameByteForByte) {
+    std::vector<double> memory(R::kSize / sizeof(double)), expected(memory);
+    InitialiseRecord(*reinterpret_cast<CoreRecord*>(memory.data()));
+    R actual(memory.data()), bytes(expected.data());
+    const auto fill = [&](std::size_t at, std::size_t count, std::size_t step, auto value) {
+        for (; count > 0; --count, at += step) bytes.Set(at, value);
     };
-    const CCore core(machine.Services());
-    const std::string message = GetParam() ? "Unable to create shared memory map" : "Unable to map shared memory";
-    ASSERT_EQ(1u, machine.desktop.boxes.size());
-    EXPECT_EQ(message, ToUtf8(machine.desktop.boxes[0].text));
-    EXPECT_FALSE(quitAtTheBox);
-    EXPECT_TRUE(machine.desktop.quit);
-    ASSERT_EQ(1u, machine.files.files.size());
-    EXPECT_EQ(JoinPath(u"", u"log_system_19Nov2026.log"), machine.files.files[0].path);
-    EXPECT_EQ("00:00:00 : " + message + std::string(kLineEnd), machine.files.files[0].bytes);
+    for (const std::size_t gps : {2000, 2008, 2016}) fill(gps, 64, 48, kNoValue);
+    for (std::size_t at = 5048; const char c : std::string("Tidewright suite.")) bytes.Set(at++, c);
+    fill(5080, 90, 4, 32767);
+    for (std::size_t i = 0; const double value : {15.85, 15.8, 4.4, 0.0, 3.0, 1.0, 1.0, 10.0, 5.0, 5.0, 5.0, 3.0})
+        bytes.SetValue(i++, value);
+    fill(5568, 77, 8, kNoValue);
+    bytes.SetInt(6, 7), bytes.SetInt(10, 60);
+    for (const std::size_t flag : {1, 3, 7, 21, 40, 41, 42}) bytes.SetFlag(flag, true);
+    for (const std::size_t logged :
+         {0,  1,  2,  3,  4,   5,   6,   10,  11,  12,  13,  16,  17,  18,  19,  20,  22,  39,  41,  43,  47, 48,
+          49, 50, 51, 60, 146, 161, 162, 163, 164, 165, 166, 167, 204, 205, 206, 207, 208, 256, 282, 283, 284}) {
+        bytes.Set<std::uint8_t>(R::Channel(logged) + 3, 1);
+    }
+    for (const ChannelInfo& info : ChannelCatalogue()) bytes.Set<std::uint16_t>(R::Channel(info.id) + 6, info.prec);
+    fill(51012, 100, 80, 32767), fill(51088, 100, 80, 0x90EE90);
+    for (const std::size_t values : {62328, 75992}) fill(values, 3 * 414, 8, kNoValue);
+    for (std::size_t boat = 2; boat < 100; ++boat) fill(R::FarValue(boat, 0), 2 * 34, 8, kNoValue);
+    bytes.Set<std::uint8_t>(166624, 8), bytes.Set(166626, 32767), fill(166760, 2, 8, kNoValue);
+    for (std::size_t at = 0; at < R::kSize && !HasFailure(); ++at) EXPECT_EQ(bytes.U8(at), actual.U8(at)) << "byte " << at;
 }
 
-TEST_P(FailedAttachTest, LeavesEveryOperationHarmless) {
-    machine.zone.state = ZoneState{-60, 0, false};
-    CCore core(machine.Services());
-    EXPECT_EQ(nullptr, core.View());
-    EXPECT_FALSE(core.QuitRequested());
-    EXPECT_FALSE(core.SetChannel(kBsp, 0, 1.0, 0.0));
-    EXPECT_FALSE(core.SetOwnChannel(kBsp, 1.0, 0.0));
-    EXPECT_FALSE(core.SetSystemValue(36, 1.0));
-    core.SetSystemInt(1, 1);
-    core.StampTime();
-    core.SetMarksPath(u"x");
-    core.CheckDatabasePath();
-    core.LoadAlternatesFile();
-    EXPECT_FALSE(core.LoadBoatsFile() || core.LoadChannelsFile());
-    EXPECT_TRUE(core.GetDataFolder(u"config").empty());
-    EXPECT_TRUE(core.GetDatabasePath().empty());
-    core.LoadAlternatesFile();
-    EXPECT_FALSE(core.LoadBoatsFile());
-    EXPECT_FALSE(core.LoadChannelsFile());
-    EXPECT_TRUE(machine.files.folders.empty());
+TEST_F(AttachTest, WithoutSavedSettingsTheDefaultsHold) {
+    EXPECT_TRUE(machine.registry.keys.contains(u"software\\tidewright\\core"));
+    EXPECT_TRUE(record.I32(R::SysInt(6)) == 6 && record.I32(R::SysInt(4)) == 1) << "the initial 7 is above its bound";
+    EXPECT_EQ(suite, record.Text(1068));
+    EXPECT_EQ(JoinPath(JoinPath(suite, u"database"), u"Tidewright.db"), record.Text(548));
+    EXPECT_EQ(JoinPath(suite, u"marks.xml"), record.Text(28));
+    EXPECT_TRUE(machine.files.Exists(JoinPath(suite, u"database")));
+    machine.registry.unavailable = true;
+    Restart();
+    EXPECT_TRUE(record.I32(R::SysInt(6)) == 7 && record.Text(548).empty() && OwnTime(kLogBsp) == 0.0) << "nothing is loaded";
+    EXPECT_EQ(suite, record.Text(1068)) << "the configuration files have asked for it";
+}
 
-    double value = 400.0;
-    core.NormaliseValue(kTwd, value);
-    EXPECT_EQ(kNoValue, value) << "no wrap without a record, but the range holds";
-    EXPECT_FALSE(core.GetChannel(kBsp, value = 1.0, 0, false, true, true));
-    EXPECT_EQ(kNoValue, value);
-    EXPECT_FALSE(core.GetFreshChannel(kBsp, value = 1.0, 0, false, true, kNoValue));
-    EXPECT_EQ(kNoValue, value);
-    EXPECT_EQ(kNoValue, core.ApplyVariation(10.0, 0));
-    EXPECT_EQ(10.0, core.ToDisplayUnits(kTwd, 10.0, 5.0));
-    EXPECT_EQ(kBsp, core.ResolveAlternate(kBsp, true));
-    EXPECT_EQ(kNoChannel, core.ResolveAlternate(kChannelCount, true));
+TEST_F(AttachTest, SavedNumbersCountByTypeFormAndBound) {
+    const struct {
+        std::u16string_view name;
+        RegistryValue value;
+        std::size_t offset;
+        double stored;
+    } rows[] = {
+        {u"Sys_v0", StringValue(u" 12.25 m"), R::SysValue(0), 12.25},
+        {u"Sys_v1", StringValue(u"abc"), R::SysValue(1), 15.8},
+        {u"Sys_v1", {kRegistryString, {'5', 0}}, R::SysValue(1), 15.8},  // not terminated
+        {u"Sys_v1", {kRegistryExpandString, {'5', 0, 0, 0}}, R::SysValue(1), 5.0},
+        {u"Sys_v1", StringValue(std::u16string(512, u'1')), R::SysValue(1), 15.8},
+        {u"Sys_v15", StringValue(u"-1e3"), R::SysValue(15), -1000.0},
+        {u"Sys_b3", StringValue(u"0"), R::SysFlag(3), 1.0},
+        {u"Sys_b3", DwordValue(0), R::SysFlag(3), 0.0},
+        {u"Sys_b33", DwordValue(0x80000000), R::SysFlag(33), 1.0},
+        {u"Sys_b34", DwordValue(1), R::SysFlag(34), 0.0},
+        {u"Sys_i1", DwordValue(9), R::SysInt(1), 2.0},
+        {u"Sys_i10", DwordValue(0xFFFFFFFF), R::SysInt(10), -1.0},
+        {u"LogBsp", StringValue(u"1234.5"), R::Value(0, kLogBsp), 1234.5},
+        {u"LogBsp", StringValue(u"1234.5"), R::Value(0, kLogSog), kNoValue},
+        {u"LogBsp", StringValue(u"1234.5"), R::Time(0, kLogSog), machine.clock.Days()},  // though without a value
+    };
+    for (const auto& row : rows) {
+        Start(row.name, row.value);
+        const bool isInt = row.name.starts_with(u"Sys_i"), isFlag = row.name.starts_with(u"Sys_b");
+        EXPECT_EQ(row.stored, isInt    ? record.I32(row.offset)
+                              : isFlag ? record.U8(row.offset)
+                                       : record.F64(row.offset))
+            << ToUtf8(row.name) << " at " << row.offset;
+    }
+}
 
-    core.Calibrations()[2].active = true;
-    core.Calibrations()[2].inputX = kHeel;
-    core.Calibrations()[2].curves = {{0.0, true, {{0, 1}, {1, 2}}}};
-    EXPECT_FALSE(core.CalibrationLookup(2, value = 1.0, 5.0));
-    EXPECT_EQ(kNoValue, value);
-    EXPECT_EQ(-5.0, core.ApplyCalibration(kBsp, -5.0));
-
-    EXPECT_EQ("- -", ToUtf8(core.ChannelText(kBsp, 7.0)));
-    EXPECT_EQ("", core.ChannelFormat(kBsp));
-    EXPECT_EQ("VMG PC", ToUtf8(core.RemoteLabel(kVmgPct)));
-    EXPECT_EQ("ALT 0", ToUtf8(core.RemoteLabel(kAlt0)));
-    EXPECT_EQ("19-Nov-2026 12:00:00", ToUtf8(core.TimeText(46345.5))) << "no record says that local time is wanted";
+TEST_F(AttachTest, SavedPathsCountByExistenceAndLength) {
+    const std::u16string longFolder(300, u'x');
+    const struct {
+        std::u16string_view name, saved;
+        std::size_t offset;
+        std::u16string stored;
+    } rows[] = {
+        {u"DataFolder", u"/elsewhere", 1068, u"/elsewhere"},
+        {u"DataFolder", u"/missing", 1068, suite},
+        {u"DataFolder", longFolder, 1068, std::u16string(259, u'x')},
+        {u"Database2", u"/no/such.file", 548, u"/no/such.file"},
+        {u"MarksXml", u"/m.xml", 28, u"/m.xml"},
+        {u"MarksXml", u"", 28, u""},
+    };
+    machine.files.folders = {u"/elsewhere", longFolder};
+    for (const auto& row : rows) {
+        Start(row.name, StringValue(row.saved));
+        EXPECT_EQ(row.stored, record.Text(row.offset)) << ToUtf8(row.name) << " of " << row.saved.size();
+    }
 }
 
 }  // namespace

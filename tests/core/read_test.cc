@@ -1,3 +1,11 @@
+// What comes out of the record: a channel's value, the channel that an alternating one stands for, and the user's units.
+#include <array>
+#include <utility>
+#include <vector>
+
+#include "base/wide_text.h"
+#include "core/alternates.h"
+#include "core/units.h"
 #include "support/core_fixture.h"
 
 namespace twr::testing {
@@ -26,6 +34,7 @@ protected:
         EXPECT_EQ(value != X, found);
         return value;
     }
+    std::string Label(ChannelId channel) { return ToUtf8(UnitLabel(core->ChannelTypeOf(channel), UnitSettingsOf(*core->View()))); }
 };
 
 TEST_F(ReadTest, FindsNothingBeyondTheBoatsInUse) {
@@ -36,14 +45,10 @@ TEST_F(ReadTest, FindsNothingBeyondTheBoatsInUse) {
     record.SetBoatCount(1);
     EXPECT_EQ(X, Read(kBsp, 1));
     record.SetBoatCount(0);
-    EXPECT_EQ(X, Read(kBsp));
-    EXPECT_EQ(X, Fresh(kBsp));
+    EXPECT_TRUE(Read(kBsp) == X && Fresh(kBsp) == X);
     record.SetBoatCount(4000000000u);  // by another program
-    for (const BoatSlot boat : {100u, 101u, ~0u}) {
-        EXPECT_EQ(X, Read(kBsp, boat)) << boat;
-        EXPECT_EQ(X, Fresh(kBsp, boat)) << boat;
-    }
-    for (const ChannelId channel : {414u, 32767u, ~0u}) EXPECT_EQ(X, Fresh(channel)) << channel;
+    for (const std::uint32_t none : {414u, 32767u, ~0u})
+        EXPECT_TRUE(Read(kBsp, none) == X && Fresh(kBsp, none) == X && Fresh(none) == X);
     Fresh(kBsp, 1);
     EXPECT_EQ(100u, Boats());
 }
@@ -56,88 +61,184 @@ TEST_F(ReadTest, FarBoatsHoldTheChannelsOfTheShortStore) {
     EXPECT_EQ(0.5, Read(kAhead, 3));
     EXPECT_EQ(X, Read(kAhead, 3, true, true)) << "damped, above channel 33";
     EXPECT_EQ(30.0, Fresh(kAwa, 3));
-    EXPECT_EQ(31.0, Read(kAwa, 3, true, true));
-    EXPECT_EQ(11.0, Read(kAwa, 1, true, true));
-    EXPECT_EQ(X, Read(kCourse, 3)) << "no short index";
-    EXPECT_EQ(X, Fresh(kCourse, 3));
+    for (const BoatSlot boat : {1u, 3u}) EXPECT_EQ(10.0 * boat + 1.0, Read(kAwa, boat, true, true));
+    EXPECT_TRUE(Read(kCourse, 3) == X && Fresh(kCourse, 3) == X) << "no short index";
 }
 
 TEST_F(ReadTest, MakesBearingsTrue) {
-    enum By { kAngleFlag, kSysFlag };
     const struct {
         double own, far, bearing;  // variation of boats 0 and 3, bearing of boat 3
-        By by;
+        bool bySetting;            // the user's, rather than the caller's
         double expected;
     } rows[] = {
-        {10.0, X, 355.0, kAngleFlag, 5.0},     {-5.0, X, 3.0, kAngleFlag, 358.0},  {X, X, 3.0, kAngleFlag, X},
-        {10.0, 2.0, 355.0, kAngleFlag, 357.0}, {X, 2.0, 355.0, kAngleFlag, 357.0}, {10.0, 2.0, 355.0, kSysFlag, 5.0},
-        {X, 2.0, 355.0, kSysFlag, X},          {0.0, X, 360.0, kAngleFlag, 0.0},
+        {10.0, X, 355.0, false, 5.0},  {-5.0, X, 3.0, false, 358.0},  {X, X, 3.0, false, X},    {10.0, 2.0, 355.0, false, 357.0},
+        {X, 2.0, 355.0, false, 357.0}, {10.0, 2.0, 355.0, true, 5.0}, {X, 2.0, 355.0, true, X}, {0.0, X, 360.0, false, 0.0},
     };
     for (const auto& row : rows) {
         record.SetEntry(0, 93, row.own, 0.0, X);
         record.SetFarEntry(3, 1, row.far, 0.0, X);
         record.SetFarEntry(3, 5, row.bearing, 0.0, X);  // TWD
-        SetFlag(kFlagMagnetic, row.by == kAngleFlag);
-        EXPECT_DOUBLE_EQ(row.expected, Read(kTwd, 3, row.by == kSysFlag)) << row.own << ", " << row.far << ", " << row.bearing;
+        SetFlag(kFlagMagnetic, !row.bySetting);
+        EXPECT_DOUBLE_EQ(row.expected, Read(kTwd, 3, row.bySetting)) << row.own << ", " << row.far << ", " << row.bearing;
     }
 }
 
-TEST_F(ReadTest, ConvertsWhenAskedAndAlwaysWhenFresh) {
-    record.SetInt(2, 2);
-    Hold(0, kBsp, 10.0);
-    EXPECT_DOUBLE_EQ(18.52, Read(kBsp));
-    EXPECT_DOUBLE_EQ(18.52, Fresh(kBsp));
-    double value = 0.0;
-    EXPECT_TRUE(core->GetChannel(kBsp, value, 0, false, true, false));
-    EXPECT_EQ(10.0, value);
-}
-
-// Limits are 10 s for BSP, 60 s for AirTemp and none for Mk Lat.
+// Limits are 10 s for BSP, 60 s for AirTemp and none for Mk Lat; another boat with an MMSI lives by its own limit if that is
+// longer.
 TEST_F(ReadTest, AValueCountsUntilItsLimitOfAge) {
-    const struct {
-        ChannelId channel;
-        double age, maxAge;  // seconds, days
-        bool fresh;
-    } rows[] = {
-        {kBsp, 9.99, X, true},     {kBsp, 10.01, X, false},      {kBsp, -9.99, X, true},    {kBsp, -10.01, X, false},
-        {kBsp, 10.0, 0.001, true}, {kBsp, 10.0, kSecond, false}, {kAirTemp, 59.9, X, true}, {kAirTemp, 61.0, X, false},
-        {kMkLat, 1e9, X, true},    {kMkLat, 1e9, kSecond, true},
-    };
-    for (const auto& row : rows) {
-        Hold(0, row.channel, 7.0, row.age);
-        EXPECT_EQ(row.fresh, Fresh(row.channel, 0, row.maxAge) != X) << row.channel << " of " << row.age << " s";
-    }
-    for (const ChannelId channel : {kBsp, kMkLat}) record.SetEntry(0, channel, 7.0, 0.0, X);
-    EXPECT_EQ(X, Fresh(kBsp, 0, 1e6)) << "never written";
-    EXPECT_EQ(7.0, Fresh(kMkLat)) << "its time is not looked at";
-}
-
-TEST_F(ReadTest, ABoatWithAnMmsiLivesByItsOwnLimit) {
     const struct {
         BoatSlot boat;
         std::uint32_t mmsi;
         std::int32_t ageLimit;
-        double age;
+        ChannelId channel;
+        double age, maxAge;  // seconds, days
         bool fresh;
     } rows[] = {
-        {1, 0, 32767, 11.0, false}, {1, 5, 32767, 32760.0, true}, {1, 5, 32767, 32770.0, false},  {1, 5, 3, 9.0, true},
-        {1, 5, -1, 1e6, true},      {1, 5, 40000, 1e6, true},     {1, 5, 65536 + 20, 19.0, true}, {1, 5, 65536 + 20, 21.0, false},
-        {0, 5, 32767, 11.0, false}, {1, 5, 65536, 1e6, true},
+        {0, 0, 0, kBsp, 9.99, X, true},      {0, 0, 0, kBsp, 10.01, X, false},      {0, 0, 0, kBsp, -9.99, X, true},
+        {0, 0, 0, kBsp, -10.01, X, false},   {0, 0, 0, kBsp, 10.0, 0.001, true},    {0, 0, 0, kBsp, 10.0, kSecond, false},
+        {0, 0, 0, kAirTemp, 59.9, X, true},  {0, 0, 0, kAirTemp, 61.0, X, false},   {0, 0, 0, kMkLat, 1e9, kSecond, true},
+        {1, 0, 32767, kBsp, 11.0, X, false}, {1, 5, 32767, kBsp, 32760.0, X, true}, {1, 5, 32767, kBsp, 32770.0, X, false},
+        {1, 5, 3, kBsp, 9.0, X, true},       {1, 5, -1, kBsp, 1e6, X, true},        {1, 5, 65556, kBsp, 19.0, X, true},
+        {1, 5, 65556, kBsp, 21.0, X, false}, {0, 5, 32767, kBsp, 11.0, X, false},   {1, 5, 65536, kBsp, 1e6, X, true},
     };
     for (const auto& row : rows) {
         record.Set(R::Boat(row.boat), row.ageLimit), record.Set(R::Boat(row.boat) + 72, row.mmsi);
-        Hold(row.boat, kBsp, 7.0, row.age);
-        EXPECT_EQ(row.fresh, Fresh(kBsp, row.boat) != X)
-            << "boat " << row.boat << ", limit " << row.ageLimit << ", age " << row.age;
+        Hold(row.boat, row.channel, 7.0, row.age);
+        EXPECT_EQ(row.fresh, Fresh(row.channel, row.boat, row.maxAge) != X)
+            << row.channel << " of boat " << row.boat << ", " << row.age << " s old, by " << row.ageLimit;
+    }
+    for (const ChannelId channel : {kBsp, kMkLat}) record.SetEntry(0, channel, 7.0, 0.0, X);
+    EXPECT_EQ(X, Fresh(kBsp, 0, 1e6)) << "never written";
+    EXPECT_EQ(7.0, Fresh(kMkLat)) << "its time is not looked at";
+    record.SetSlot(0, 2, kBsp);
+    machine.clock.readings = 0;
+    Fresh(kAlt0);
+    EXPECT_EQ(1, machine.clock.readings);
+}
+
+TEST_F(ReadTest, AnAlternatingChannelGoesByTheStateOfTheBoat) {
+    const struct {
+        const char* filled;
+        double toGun, twa, target, margin;
+        int flags;  // 1: slot 0 rather than 1, 2: slot 8
+        int slot;   // -1 for none
+    } rows[] = {
+        {"", 1, 40, 42, 10, 3, -1},     {"3", X, 30, 42, 10, 0, 3},     {"01258", 1, 40, 42, 10, 3, 8},
+        {"0125", 1, 40, 42, 10, 3, 5},  {"01258", 0, 40, 42, 10, 0, 5}, {"01258", -1, 40, 42, 10, 0, 1},
+        {"01258", X, 40, 42, 10, 1, 0}, {"1246", X, 40, 42, 10, 1, 2},  {"23467", X, 60, 42, 10, 0, 3},
+        {"2467", X, 60, 42, 10, 0, 7},  {"2467", X, -60, 42, 10, 0, 6}, {"234", X, -51, -42, -10, 0, 2},
+        {"234", X, 52, 42, 10, 0, 3},   {"234", X, 130, 140, 10, 0, 3}, {"234", X, -131, 140, 10, 0, 4},
+        {"24", X, 90, 90, 10, 0, 4},    {"234", X, -89, X, 10, 0, 2},   {"26", X, -30, X, 10, 0, 6},
+        {"67", X, 0, X, 10, 0, 7},      {"678", X, X, 42, 10, 0, 6},
+    };
+    for (const auto& row : rows) {
+        std::array<std::int32_t, 9> slots;
+        slots.fill(kNoInt);
+        for (const char* digit = row.filled; *digit; ++digit) slots[static_cast<std::size_t>(*digit - '0')] = *digit - '0';
+        const SailingState state = {row.toGun, row.twa, row.target, row.margin, row.flags % 2 != 0, row.flags > 1};
+        const std::int32_t chosen = ChooseAlternate(slots, state);
+        EXPECT_EQ(row.slot, chosen == kNoInt ? -1 : chosen) << row.filled << ", gun " << row.toGun << ", TWA " << row.twa;
     }
 }
 
-TEST_F(ReadTest, OneReadingOfTheClockServesARead) {
-    Hold(0, kBsp, 7.0);
-    record.SetSlot(0, 2, kBsp);
-    const int before = machine.clock.readings;
-    Fresh(kAlt0);
-    EXPECT_EQ(before + 1, machine.clock.readings);
+TEST_F(ReadTest, AChainOfAlternatesIsFollowedForOneStepWhereverItLeads) {
+    const std::int32_t slots[][2] = {{0, 118}, {1, 119}, {2, 117}, {3, 120}, {5, -1}, {6, 414}, {7, 40000}};  // row, channel
+    for (const auto& [row, channel] : slots) record.SetSlot(static_cast<std::size_t>(row), 1, channel);
+    const ChannelId rows[][3] = {
+        {0, 0, 0},       {116, 116, 116}, {127, 127, 127},     {413, 413, 413},     {414, 32767, 32767}, {~0u, 32767, 32767},
+        {117, 118, 119}, {120, 120, 120}, {121, 32767, 32767}, {122, 32767, 32767}, {123, 32767, 32767}, {124, 32767, 32767},
+    };
+    for (const auto& [channel, without, with] : rows) {
+        EXPECT_EQ(without, core->ResolveAlternate(channel, false)) << channel;
+        EXPECT_EQ(with, core->ResolveAlternate(channel, true)) << channel;
+    }
+    for (const ChannelId channel : {117, 120, 122}) EXPECT_TRUE(Read(channel) == X && Fresh(channel) == X) << channel;
+}
+
+TEST_F(ReadTest, AnAlternatingChannelGoesByTheOwnBoatWhicheverIsRead) {
+    record.SetSlot(0, 2, kBsp), record.SetSlot(0, 4, kSog), record.SetSlot(0, 5, kBurn);  // upwind, downwind, before the start
+    record.SetValue(7, 20.0);                                                             // degrees round the target
+    const struct {
+        ChannelId published;
+        double value;
+        BoatSlot boat;
+        ChannelId chosen;
+    } steps[] = {{kTwa, -40.0, 0, kBsp},
+                 {kTwa, 150.0, 1, kBsp},
+                 {kTargTwa, 30.0, 0, kBsp},
+                 {kTwa, 170.0, 0, kSog},
+                 {kTmToGun, 0.0, 0, kBurn}};
+    for (const auto& step : steps) {
+        Publish(step.published, step.value, step.boat);
+        EXPECT_EQ(step.chosen, core->ResolveAlternate(kAlt0, true)) << step.published << " of " << step.value;
+    }
+    Publish(kBurn, 9.0, 1);
+    EXPECT_EQ(9.0, Read(kAlt0, 1));
+}
+
+// The label names the unit that the value was converted to, also where the conversion leaves the value alone.
+TEST_F(ReadTest, ValueAndLabelFollowTheSelector) {
+    using Shown = std::vector<std::pair<double, const char*>>;  // by selector, from -1
+    const Shown depths = {{X, ""}, {10, "m"}, {5.468, "fth"}, {32.808, "ft"}, {X, ""}};
+    const Shown speeds = {{10, "kt"}, {10, "kt"}, {5.144444704055786, "m/s"}, {18.52, "km/hr"}, {10, "kt"}};
+    const Shown distances = {
+        {10, "nm"}, {10, "nm"}, {1000, "bl"}, {18520, "m"}, {18.52, "km"}, {20253.718285214347, "yd"}, {60761.15485564304, "ft"},
+        {10, "nm"}};
+    const Shown pressures = {
+        {10, "Pa"}, {10, "Pa"}, {0.01, "kPa"}, {0.0014504, "psi"}, {0.0001, "bar"}, {0.0029529983071445, "InHg"}, {10, "Pa"}};
+    const struct {
+        ChannelId channel;
+        std::size_t setting;
+        const Shown& shown;  // for a value of 10
+    } rows[] = {{kDepth, 1, depths},    {kBsp, 2, speeds},      {kTws, 2, speeds},          {kUser30, 2, speeds},
+                {kMkRng, 3, distances}, {kBiasL, 4, distances}, {kEngOilPres, 9, pressures}};
+    record.SetValue(0, 18.52);  // 100 boats to the nautical mile
+    record.Set<std::int16_t>(R::Channel(kUser30) + 10, kTypeBoatSpeed);
+    for (const auto& row : rows) {
+        for (const std::size_t setting : {1, 2, 3, 4, 9}) record.SetInt(setting, 0);
+        Hold(0, row.channel, 10.0);
+        for (std::int32_t selector = -1; const auto& [value, label] : row.shown) {
+            SCOPED_TRACE(::testing::Message() << "channel " << row.channel << " by " << selector);
+            record.SetInt(row.setting, selector++);
+            EXPECT_DOUBLE_EQ(value, Read(row.channel));
+            EXPECT_DOUBLE_EQ(value, Fresh(row.channel));
+            EXPECT_EQ(label, Label(row.channel));
+        }
+    }
+    double value = 0.0;
+    EXPECT_TRUE(core->GetChannel(kEngOilPres, value, 0, false, true, false));
+    EXPECT_EQ(10.0, value) << "not asked to convert";
+    record.SetInt(3, 1);
+    for (const double length : {0.0, X}) {
+        record.SetValue(0, length);
+        EXPECT_TRUE(core->ToDisplayUnits(kMkRng, 2.0, X) == 2.0 && Label(kMkRng) == "nm") << length;
+    }
+}
+
+TEST_F(ReadTest, OtherTypesHaveOneUnitOrGoByAFlag) {
+    const struct {
+        ChannelId channel;
+        bool flags;  // degrees Fahrenheit, magnetic
+        double value, shown;
+        const char* label;
+    } rows[] = {
+        {kMkTwa, false, 350.0, -10.0, "°"},   {kHeel, false, -190.0, 170.0, "°"},
+        {kHeel, false, -180.0, -180.0, "°"},  {kHeel, false, 180.0, 180.0, "°"},
+        {kVmcPct, false, 50.0, 50.0, "%"},    {kHpe, false, 50.0, 50.0, "m"},
+        {kRot, false, 50.0, 50.0, "°/s"},     {kRpm1, false, 50.0, 50.0, ""},
+        {kUser31, false, 10.0, 10.0, ""},     {kAirTemp, false, 100.0, 100.0, "°C"},
+        {kAirTemp, true, 100.0, 212.0, "°F"}, {kHdg, false, 30.0, 35.0, "°T"},
+        {kHdg, true, 30.0, 30.0, "°M"},       {kTwd, true, 360.0, 0.0, "°M"},
+        {kTwd, true, -1.0, 359.0, "°M"},      {kTwd, true, X, X, "°M"},
+    };
+    record.Set<std::int16_t>(R::Channel(kUser31) + 10, kTypeBoatSpeed);  // has the catalogue's type all the same
+    record.SetInt(2, 2);
+    for (const auto& row : rows) {
+        for (const std::size_t flag : {kFlagFahrenheit, kFlagMagnetic}) SetFlag(flag, row.flags);
+        EXPECT_EQ(row.shown, core->ToDisplayUnits(row.channel, row.value, 5.0)) << row.channel << ": " << row.value;
+        EXPECT_EQ(row.label, Label(row.channel)) << row.channel;
+    }
+    EXPECT_EQ(7.0, core->ToDisplayUnits(kChannelCount, 7.0, X));
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 
 #include <new>
 
-#include "core/core_record.h"
 #include "core/record_access.h"
 
 namespace twr::testing {
@@ -27,28 +26,20 @@ TEST(StoreOrder, IsValueFirstForTheFirstTwoBoatsAndStampFirstForTheOthers) {
     void* const memory = mmap(nullptr, sizeof(CoreRecord), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(MAP_FAILED, memory);
     CoreRecord& record = *new (memory) CoreRecord;
-    struct sigaction former {};
-    struct sigaction stopped {};
-    stopped.sa_handler = OnStoppedStore;
-    sigaction(SIGSEGV, &stopped, &former);
-    const struct {
-        ChannelId channel;  // whose two entries stand on two pages
-        BoatSlot boat;
-        bool valueFirst;
-    } rows[] = {{kBsp, 0, true}, {kBsp, 1, true}, {kRudderS, 16, false}};
-    for (const auto& row : rows) {
-        const Entry entry = EntryOf(record, row.channel, row.boat);
-        const double* const first = row.valueFirst ? entry.value : entry.time;
-        watched = row.valueFirst ? entry.time : entry.value;
+    const auto former = signal(SIGSEGV, OnStoppedStore);
+    const std::pair<ChannelId, BoatSlot> rows[] = {{kBsp, 0}, {kBsp, 1}, {kRudderS, 16}};  // whose entries stand on two pages
+    for (const auto& [channel, boat] : rows) {
+        const Entry entry = EntryOf(record, channel, boat);
+        const double* const first = boat < 2 ? entry.value : entry.time;
+        watched = boat < 2 ? entry.time : entry.value;
         watchedThen = -1.0;
         guarded = reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(first) / kPage * kPage);
         mprotect(guarded, kPage, PROT_READ);
-        EXPECT_TRUE(Store(record, row.channel, row.boat, 7.5, 46000.25));
-        EXPECT_EQ(0.0, watchedThen) << "boat " << row.boat << ": the other entry was still to come";
-        EXPECT_EQ(7.5, *entry.value);
-        EXPECT_EQ(46000.25, *entry.time);
+        EXPECT_TRUE(Store(record, channel, boat, 7.5, 46000.25));
+        EXPECT_EQ(0.0, watchedThen) << "boat " << boat << ": the other entry was still to come";
+        EXPECT_TRUE(*entry.value == 7.5 && *entry.time == 46000.25) << boat;
     }
-    sigaction(SIGSEGV, &former, nullptr);
+    signal(SIGSEGV, former);
     munmap(memory, sizeof(CoreRecord));
 }
 
