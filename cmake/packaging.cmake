@@ -36,7 +36,7 @@ install_packed(CHANGELOG.md changelog share/doc/halyrig)
 install_packed(packaging/man/halyrig32.1 halyrig32.1 ${CMAKE_INSTALL_MANDIR}/man1)
 install_packed(packaging/man/halyrigctl.1 halyrigctl.1 ${CMAKE_INSTALL_MANDIR}/man1)
 get_property(package_files GLOBAL PROPERTY package_files)
-add_custom_target(package_files ALL DEPENDS ${package_files})
+add_custom_target(package_files DEPENDS ${package_files})
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME halyrig)

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "base/version.h"
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
 

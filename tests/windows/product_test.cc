@@ -9,6 +9,7 @@
 #include <functional>
 #include <thread>
 
+#include "base/version.h"
 #include "base/wide_text.h"
 #include "bridge/controls.h"
 #include "core/core.h"

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 
+#include "base/version.h"
 #include "platform/arguments.h"
 #include "platform/linux/services.h"
 #include "platform/linux/standard_error.h"

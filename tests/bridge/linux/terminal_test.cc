@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "base/version.h"
 #include "bridge/application.h"
 #include "config/bridge_settings.h"
 #include "core/core.h"

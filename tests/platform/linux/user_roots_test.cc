@@ -5,6 +5,7 @@
 #include <fstream>
 #include <functional>
 
+#include "base/version.h"
 #include "base/wide_text.h"
 #include "support/linux/environment_variable.h"
 #include "support/test_system.h"
