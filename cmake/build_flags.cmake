@@ -32,6 +32,12 @@ else()
     endif()
 endif()
 
+# What is shipped is optimised as a whole. Objects carry their own code beside what that needs, by which the tests are linked.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(halyrig_flags INTERFACE -flto=auto -ffat-lto-objects)
+    target_link_options(halyrig_flags INTERFACE $<IF:$<BOOL:$<TARGET_PROPERTY:HALYRIG_SHIPPED>>,-flto=auto,-fno-lto>)
+endif()
+
 if(HALYRIG_SANITIZE)
     add_compile_options(-fsanitize=${HALYRIG_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${HALYRIG_SANITIZE})
