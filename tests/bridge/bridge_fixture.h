@@ -1,25 +1,22 @@
-// The whole bridge over a scripted host, a Deckman of the test's own, and real files in a temporary folder.
+// The whole bridge over a scripted host and a Deckman of the test's own; the rest of the machine is real, under the test's own
+// roots.
 #pragma once
 #include <gtest/gtest.h>
 
 #include "bridge/application.h"
 #include "bridge/controls.h"
+#include "config/bridge_settings.h"
 #include "core/core.h"
-#include "platform/paths.h"
-#include "support/fakes.h"
 #include "support/record_bytes.h"
 #include "support/scripted_host.h"
 #include "support/stub_deckman.h"
-#include "support/temp_folder.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 
 class FakeInstance : public Instance {
 public:
-    bool Claim(std::u16string_view name) override {
-        claimed = name;
-        return !otherRuns;
-    }
+    bool Claim(std::u16string_view name) override { return claimed = name, !otherRuns; }
     void RaiseOther(std::u16string_view caption) override { raised = caption; }
 
     bool otherRuns = false;
@@ -34,85 +31,79 @@ public:
 
 class BridgeMachine : public System {
 public:
-    BridgeMachine() : real(MakeSystem({.programData = folder.Text()})) {}
+    explicit BridgeMachine(System& real) : real_(real) {
+        host.beforeTick = [this] { clock.AdvanceMs(100); };
+    }
 
     CoreServices Core() override {
+        const CoreServices real = real_.Core();
         // Without a record the log goes to the root of the drive.
-        Files& files = memory.failCreate ? rootFiles : real->Core().files;
-        return {clock, zone, memory, registry, files, real->Core().xml, host};
+        SharedMemory& memory = full.memory.failCreate ? full.memory : real.memory;
+        Files& files = full.memory.failCreate ? full.files : real.files;
+        return {clock, real.zone, memory, real.registry, files, real.xml, host};
     }
     Libraries& GetLibraries() override { return deckman; }
     Instance& GetInstance() override { return instance; }
     Executable& GetExecutable() override { return executable; }
-    Console& GetConsole() override { return real->GetConsole(); }
+    Console& GetConsole() override { return real_.GetConsole(); }
 
-    TempFolder folder;
-    std::unique_ptr<System> real;
     FakeClock clock;
-    FakeZone zone;
-    FakeMemory memory;
-    FakeFiles rootFiles;
-    FakeRegistry registry;
+    FakeMachine full;  // used instead of the real one once its memory fails
     ScriptedHost host;
     StubDeckman deckman;
     FakeInstance instance;
     FakeExecutable executable;
+
+private:
+    System& real_;
 };
 
 class BridgeTest : public ::testing::Test {
 protected:
-    BridgeTest() {
-        machine.host.beforeTick = [this] { machine.clock.AdvanceMs(100); };
-        Install("Deckman");
-        SaveSetting(u"DfwFolder", StringValue(machine.folder.File("Deckman")));
-        SaveSetting(u"DfwDepth", DwordValue(0));
-    }
+    static constexpr const char* kMappingFile = "ProgramData/Tidewright/instruments/halyrig.xml";
 
-    // Puts a library into a folder of the machine.
-    void Install(const std::string& folder) {
-        machine.deckman.installed.insert(JoinPath(machine.folder.File(folder), std::u16string(u"ShDfW2").append(kLibrarySuffix)));
-    }
-
-    void SaveSetting(std::u16string_view name, const RegistryValue& value) {
-        machine.registry.Write(u"Software\\Tidewright\\Halyrig32\\settings", name, value);
-    }
-    std::optional<RegistryValue> Setting(std::u16string_view name) const {
-        return machine.registry.Read(u"Software\\Tidewright\\Halyrig32\\settings", name);
-    }
+    BridgeTest() { deckman.Install(stored->dfwFolder); }
 
     // Variables as "12 HDG\n", each completed to a whole row.
-    void Variables(const std::string& list, const std::string& folder = "Deckman") {
+    void Variables(const std::string& list, const std::string& deckmanFolder = "Deckman") {
         std::string bytes = "[variables]\n";
         for (const char c : list) bytes += c == '\n' ? std::string(" u 1 1 1\n") : std::string(1, c);
-        machine.folder.Write(folder + "/Data/J_vars06.d", bytes);
+        test.folder.Write(deckmanFolder + "/Data/J_vars06.d", bytes);
     }
 
-    void MappingXml(const std::string& elements) {
-        machine.folder.Write("Tidewright/instruments/halyrig.xml", "<halyrig>" + elements + "</halyrig>");
+    void MappingXml(const std::string& elements, const char* file = kMappingFile) {
+        test.folder.Write(file, "<halyrig>" + elements + "</halyrig>");
     }
 
-    // One variable 12 called X, mapped to a channel.
-    void MapOne(ChannelId channel) {
-        Variables("12 X\n");
-        MappingXml("<var twr='" + std::to_string(channel) + "' dfw='12'/>");
-    }
-
-    // Runs the program while the script plays, beside another holder of the record.
+    // Runs the program with what is stored while the script plays, beside another holder of a new record.
     void Run(std::function<void()> script) {
+        other.reset();
         other = std::make_unique<CCore>(machine.Core());
-        record = std::make_unique<RecordBytes>(other->View());
-        machine.host.script = std::move(script);
+        record = RecordBytes(other->View());
+        beforeStart();
+        if (stored) WriteSettings(Stored(), *stored);
+        host.boxes.clear();
+        host.remarks.clear();
+        host.script = std::move(script);
         EXPECT_FALSE(CHalyrig32App(machine).InitInstance());
     }
 
-    double Own(ChannelId channel) const { return record->F64(RecordBytes::Value(0, channel)); }
-    double OwnTime(ChannelId channel) const { return record->F64(RecordBytes::Time(0, channel)); }
+    Registry& Stored() { return machine.Core().registry; }
+    double Own(ChannelId channel) const { return record.F64(RecordBytes::Value(0, channel)); }
+    std::vector<int> TickReads() {
+        deckman.reads.clear();
+        host.Tick();
+        return deckman.reads;
+    }
 
-    BridgeMachine machine;
+    TestSystem test;
+    BridgeMachine machine{*test.system};
     ScriptedHost& host = machine.host;
     StubDeckman& deckman = machine.deckman;
+    std::optional<Settings> stored = Settings{.dfwFolder = test.folder.File("Deckman"), .depthInFeet = false};
+    std::function<void()> beforeStart = [] {};
     std::unique_ptr<CCore> other;
-    std::unique_ptr<RecordBytes> record;
+    RecordBytes record{nullptr};
 };
 
 }  // namespace twr::testing

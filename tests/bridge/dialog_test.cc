@@ -1,94 +1,105 @@
+// What every host of the dialog can rely on. The tests of a host show that it passes on what its user does.
+#include "bridge/about.h"
 #include "bridge_fixture.h"
 
 namespace twr::testing {
 namespace {
 
 using R = RecordBytes;
+using Reads = std::vector<int>;
 
-class DialogTest : public BridgeTest {
-protected:
-    void AnswerWith(BoxAnswer answer) {
-        host.answer = [answer](const FakeDesktop::Box&) { return answer; };
-    }
-};
+class DialogTest : public BridgeTest {};
 
-TEST_F(DialogTest, OpensWithTheStoredSettings) {
-    machine.registry.keys.clear();
+TEST_F(DialogTest, OpensWithTheStoredSettingsAndSavesWhatItShows) {
+    const struct {
+        std::u16string_view name;
+        int control;
+        bool Settings::*setting;
+    } boxes[] = {{u"DfwTags", kNamesCheck, &Settings::sendNames},
+                 {u"DfwTrue", kTrueCheck, &Settings::degreesTrue},
+                 {u"DfwDepth", kDepthCheck, &Settings::depthInFeet},
+                 {u"DfwTimer", kTimerCheck, &Settings::useTimer}};
+    stored.reset();
     Run([&] {
-        EXPECT_TRUE(host.Checked(kDepthCheck)) << "on by default";
-        for (const int off : {kNamesCheck, kTrueCheck, kTimerCheck}) EXPECT_FALSE(host.Checked(off)) << off;
+        for (const auto& box : boxes) EXPECT_EQ(box.control == kDepthCheck, host.Checked(box.control)) << "the default";
         EXPECT_EQ(u"C:\\Program Files (x86)\\BandG\\Deckman", host.Text(kFolderField));
-        EXPECT_TRUE(host.timerRuns);
         EXPECT_EQ(100u, host.timerPeriod);
     });
     EXPECT_EQ(u"Halyrig", machine.instance.claimed);
     EXPECT_FALSE(host.timerRuns);
 
-    const struct {
-        std::u16string_view name;
-        int control;
-    } rows[] = {{u"DfwTags", kNamesCheck}, {u"DfwTrue", kTrueCheck}, {u"DfwDepth", kDepthCheck}, {u"DfwTimer", kTimerCheck}};
-    for (const auto& row : rows) {
-        for (const std::uint32_t number : {0u, 1u, 2u}) {
-            SaveSetting(row.name, DwordValue(number));
-            Run([&] { EXPECT_EQ(number != 0, host.Checked(row.control)) << "control " << row.control; });
-        }
+    const std::u16string folder(600, u'd');
+    host.answer = [](const auto&) { return BoxAnswer::kYes; };
+    for (const auto& on : boxes) {
+        WriteSettings(Stored(), {.dfwFolder = u"  " + folder + u"\t", .depthInFeet = false});
+        Stored().Write(kBridgeSettingsKey, on.name, DwordValue(2));
+        Run([&] {
+            EXPECT_EQ(folder, host.Text(kFolderField)) << "trimmed";
+            for (const auto& box : boxes) {
+                EXPECT_EQ(box.control == on.control, host.Checked(box.control)) << box.control << " with " << on.control;
+                host.SetChecked(box.control, box.control != on.control);
+            }
+            host.PressClose();
+        });
+        const Settings saved = ReadSettings(Stored());
+        EXPECT_EQ(folder, saved.dfwFolder);
+        for (const auto& box : boxes) EXPECT_EQ(box.control != on.control, saved.*box.setting) << box.control;
+        EXPECT_EQ(0u, DwordOf(Stored().Read(kBridgeSettingsKey, on.name)));
     }
 }
 
 TEST_F(DialogTest, EachWayOutAsksAndSavesAsItShould) {
+    enum class Quit { kNo, kAsked, kWhileItAsks };
+    using enum BoxAnswer;
+    const auto close = [&] { host.PressClose(); };
+    const auto esc = [&] { host.PressEsc(); };
+    const auto startImport = [&] { host.Press(kImportButton); };
+    const auto tick = [&] { EXPECT_EQ(Reads{}, TickReads()) << "no pass runs"; };
     const struct {
         const char* name;
-        bool close, quitRequest;
+        std::function<void()> leave;
+        Quit quit;
         BoxAnswer answer;
-        bool ends, saves;
+        std::optional<DialogResult> ends;
+        bool saves;
+        bool isImport = false;
     } rows[] = {
-        {"close, yes", true, false, BoxAnswer::kYes, true, true},
-        {"close, no", true, false, BoxAnswer::kNo, false, false},
-        {"close, no answer", true, false, BoxAnswer::kNone, false, false},
-        {"esc, yes", false, false, BoxAnswer::kYes, true, false},
-        {"esc, no", false, false, BoxAnswer::kNo, false, false},
-        {"close, asked to quit", true, true, BoxAnswer::kNo, true, true},
-        {"esc, asked to quit", false, true, BoxAnswer::kNo, true, true},
+        {"close, yes", close, Quit::kNo, kYes, DialogResult::kOk, true},
+        {"close, no", close, Quit::kNo, kNo, {}, false},
+        {"close, no answer", close, Quit::kNo, kNone, {}, false},
+        {"esc or the window closed, yes", esc, Quit::kNo, kYes, DialogResult::kCancel, false},
+        {"esc, no", esc, Quit::kNo, kNo, {}, false},
+        {"asked to quit, close", close, Quit::kAsked, kNo, DialogResult::kOk, true},
+        {"asked to quit, esc", esc, Quit::kAsked, kNo, DialogResult::kOk, true},
+        {"asked to quit, a tick", tick, Quit::kAsked, kNo, DialogResult::kOk, true},
+        {"asked to quit while it asks", esc, Quit::kWhileItAsks, kNone, DialogResult::kOk, true},
+        {"asked to quit while the import asks", startImport, Quit::kWhileItAsks, kNone, DialogResult::kOk, true, true},
     };
+    Variables("12 X\n");
+    MappingXml("<var twr='1' dfw='12'/>");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        SaveSetting(u"DfwTags", DwordValue(0));
-        AnswerWith(row.answer);
-        host.boxes.clear();
+        host.answer = [&](const FakeDesktop::Box&) {
+            if (row.quit == Quit::kWhileItAsks) record.SetFlag(35, true);
+            EXPECT_EQ(row.quit == Quit::kNo, TickReads() == Reads{12}) << "ticks go on";
+            return row.answer;
+        };
         Run([&] {
             host.SetChecked(kNamesCheck, true);
-            if (row.quitRequest) record->Set<std::uint8_t>(R::SysFlag(35), 1);
-            row.close ? host.PressClose() : host.PressEsc();
-            EXPECT_EQ(row.ends, host.result.has_value());
+            if (row.quit == Quit::kAsked) record.SetFlag(35, true);
+            row.leave();
+            EXPECT_EQ(row.ends, host.result);
         });
-        EXPECT_EQ(row.saves ? 1u : 0u, DwordOf(Setting(u"DfwTags")));
-        EXPECT_EQ(row.quitRequest, host.boxes.empty());
-        other.reset();
+        EXPECT_EQ(row.saves, ReadSettings(Stored()).sendNames);
+        EXPECT_EQ(row.quit == Quit::kAsked ? 0u : 1u, host.boxes.size());
+        EXPECT_EQ(row.quit != Quit::kNo, record.U8(R::SysFlag(35)) != 0) << "the flag is another program's";
+        for (const FakeDesktop::Box& box : host.boxes) {
+            EXPECT_EQ(row.isImport ? u"Import legacy Halyrig mappings?" : u"Exit Halyrig?", box.text);
+            EXPECT_EQ(u"Halyrig32", box.caption);
+            EXPECT_EQ(BoxButtons::kYesNo, box.buttons);
+            EXPECT_EQ(BoxIcon::kQuestion, box.icon);
+        }
     }
-    AnswerWith(BoxAnswer::kNo);
-    Run([&] { host.PressEsc(); });
-    ASSERT_FALSE(host.boxes.empty());
-    EXPECT_EQ(u"Exit Halyrig?", host.boxes.back().text);
-    EXPECT_EQ(u"Halyrig32", host.boxes.back().caption);
-    EXPECT_EQ(BoxButtons::kYesNo, host.boxes.back().buttons);
-    EXPECT_EQ(BoxIcon::kQuestion, host.boxes.back().icon);
-}
-
-TEST_F(DialogTest, AQuitRequestEndsItWithinATickAndNoPassRuns) {
-    MapOne(kBsp);
-    Run([&] {
-        host.Tick();
-        deckman.reads.clear();
-        record->Set<std::uint8_t>(R::SysFlag(35), 1);
-        host.SetChecked(kTimerCheck, true);
-        host.Tick();
-        EXPECT_EQ(DialogResult::kOk, host.result);
-        EXPECT_TRUE(deckman.reads.empty());
-    });
-    EXPECT_TRUE(host.boxes.empty());
-    EXPECT_EQ(1u, DwordOf(Setting(u"DfwTimer")));
-    EXPECT_EQ(1, record->U8(R::SysFlag(35))) << "the flag is another program's";
 }
 
 TEST_F(DialogTest, ItRemarksOnARecordThatAskedToQuitBeforeItCame) {
@@ -99,80 +110,141 @@ TEST_F(DialogTest, ItRemarksOnARecordThatAskedToQuitBeforeItCame) {
     } rows[] = {{"from the start", true, true, 1}, {"later", false, true, 0}, {"no more", true, false, 0}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.when);
-        host.remarks.clear();
-        other = std::make_unique<CCore>(machine.Core());
-        std::uint8_t& quitRequest = other->View()->sysFlag[kFlagQuitRequest];
-        quitRequest = row.before;
-        host.script = [&] {
-            quitRequest = row.after;
+        beforeStart = [&] { record.SetFlag(35, row.before); };
+        Run([&] {
+            record.SetFlag(35, row.after);
             host.Tick();
             EXPECT_EQ(row.after, host.result.has_value());
-        };
-        CHalyrig32App(machine).InitInstance();
+        });
         EXPECT_EQ(row.remarks, host.remarks.size());
         EXPECT_TRUE(host.boxes.empty());
-        other.reset();
     }
 }
 
-TEST_F(DialogTest, SavesWhatItShows) {
-    AnswerWith(BoxAnswer::kYes);
-    const std::u16string somewhere(600, u'd');
-    SaveSetting(u"DfwFolder", StringValue(u"  " + somewhere + u"\t"));
-    Run([&] {
-        host.SetChecked(kDepthCheck, true);
-        host.SetChecked(kTrueCheck, true);
-        host.PressClose();
-    });
-    EXPECT_EQ(somewhere, TextOf(Setting(u"DfwFolder"))) << "trimmed";
-    EXPECT_EQ(1u, DwordOf(Setting(u"DfwDepth")));
-    EXPECT_EQ(1u, DwordOf(Setting(u"DfwTrue")));
-    EXPECT_EQ(0u, DwordOf(Setting(u"DfwTimer")));
+TEST_F(DialogTest, AnImportReplacesTheMappingOrLeavesIt) {
+    constexpr const char* kFormer = "<var twr='1' dfw='12'/><remote remote='9' twr='1'/>";
+    constexpr const char* kOther = R"(<var twr="5" dfw="13" />)";
+    const struct {
+        const char *vars, *remotes;
+        BoxAnswer answer;
+        std::vector<std::string> saved;  // lines of the new file; none: the former one stays
+        std::size_t boxes;
+        Reads reads;
+    } rows[] = {
+        {"13,5\n12,1,2\n14,6\n",
+         "0,5,0,1\n",
+         BoxAnswer::kYes,
+         {kOther, R"(<var twr="1" dfw="12" boat="2" />)", R"(<var twr="6" dfw="14" />)",
+          R"(<remote remote="1" twr="5" damp="true" />)"},
+         1,
+         {13, 12, 14}},
+        {"13,5\n", "", BoxAnswer::kYes, {kOther}, 1, {13}},
+        {"13,5\n", "0,5,0,1\n", BoxAnswer::kNo, {}, 1, {12}},
+        {"13,5\n", "0,5,0,1\n", BoxAnswer::kNone, {}, 1, {12}},
+        {"99,5\n", "0,5,0,1\n", BoxAnswer::kYes, {}, 2, {12}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.vars);
+        Variables("12 BSP\n");
+        MappingXml(kFormer);
+        const std::string former = test.folder.Read(kMappingFile);
+        test.folder.Write("ProgramData/Tidewright/halyrig/halyrig.csv", row.vars);
+        test.folder.Write("ProgramData/Tidewright/halyrig/halyrigremotes.csv", row.remotes);
+        test.folder.Write(std::string(kMappingFile) + ".bak", "");
+        host.answer = [&](const FakeDesktop::Box& box) {
+            if (box.buttons == BoxButtons::kYesNo) return row.answer;
+            other->SetChannel(kBsp, 0, 7.0, 0.0);
+            EXPECT_EQ(Reads{}, TickReads()) << "no variables while the box is open";
+            EXPECT_EQ(std::vector<std::string>{"9=7.00"}, deckman.sent) << "but the former remotes";
+            return BoxAnswer::kNone;
+        };
+        deckman.sent.clear();
+        Run([&] {
+            Variables("12 BSP\n13 TWS\n14 TWD\n");  // the import goes by Deckman's files of its moment
+            host.Press(kImportButton);
+            EXPECT_EQ(row.reads, TickReads());
+        });
+        const std::string saved = test.folder.Read(kMappingFile);
+        for (const std::string& line : row.saved) EXPECT_NE(saved.npos, saved.find(line)) << line << "\nis not in\n" << saved;
+        EXPECT_EQ(row.saved.empty(), saved == former);
+        EXPECT_EQ(row.saved.empty(), saved.find("'9'") != saved.npos) << saved;
+        EXPECT_EQ(row.saved.empty() ? "" : former, test.folder.Read(std::string(kMappingFile) + ".bak"));
+        ASSERT_EQ(row.boxes, host.boxes.size());
+        if (row.boxes == 1) continue;
+        EXPECT_EQ(u"Unable to import legacy mappings.\n\nAttempting to load halyrig.xml.", host.boxes[1].text);
+        EXPECT_EQ(BoxButtons::kOk, host.boxes[1].buttons);
+        EXPECT_EQ(BoxIcon::kNone, host.boxes[1].icon);
+    }
+}
+
+TEST_F(DialogTest, AboutTellsTheVersionAndAFourthNumberOnlyWhenThereIsOne) {
+    const std::pair<std::optional<std::array<std::uint16_t, 4>>, std::u16string> rows[] = {
+        {{{2, 5, 1, 0}}, u"2.5.1"}, {{{2, 5, 1, 7}}, u"2.5.1.7"}, {{{65535, 0, 0, 65535}}, u"65535.0.0.65535"}, {{}, u""}};
+    for (const auto& [version, text] : rows) {
+        machine.executable.version = version;
+        host.about.clear();
+        Run([&] {
+            host.Choose(kAboutCommand + 1);
+            EXPECT_EQ(u"", host.about);
+            host.Choose(kAboutCommand);
+            EXPECT_TRUE(host.about.starts_with(u"Halyrig32 v" + text + u"\n\n"));
+        });
+    }
+    EXPECT_EQ(u"&About Halyrig32...", host.menuItems.at(0));
 }
 
 TEST_F(DialogTest, ASecondInstanceRaisesTheFirstAndTouchesNothing) {
     machine.instance.otherRuns = true;
-    machine.registry.keys.clear();
     host.script = [] { FAIL() << "no dialog may open"; };
     EXPECT_FALSE(CHalyrig32App(machine).InitInstance());
     EXPECT_EQ(u"Halyrig32", machine.instance.raised);
-    EXPECT_TRUE(machine.registry.keys.empty()) << "it never attaches to the record";
+    EXPECT_FALSE(std::filesystem::exists(test.folder.Path() / "ProgramData")) << "it never attaches to the record";
 }
 
 TEST_F(DialogTest, AFailedAttachmentOpensAndEndsWithoutAQuestion) {
-    machine.memory.failCreate = true;
-    SaveSetting(u"DfwTags", DwordValue(0));
+    machine.full.memory.failCreate = true;
     host.script = [] { FAIL() << "the loop ends at once"; };
     EXPECT_FALSE(CHalyrig32App(machine).InitInstance());
     EXPECT_TRUE(host.quit);
-    EXPECT_EQ(1u, machine.rootFiles.files.size()) << "the log";
     EXPECT_FALSE(host.timerRuns);
-    EXPECT_EQ(0, deckman.loaded);
+}
+
+TEST_F(DialogTest, ATickFirstReadsThenSendsWithTheBoxesAsTheyAre) {
+    Variables("12 X\n");
+    MappingXml("<var twr='17' dfw='12'/><remote remote='3' twr='17'/>");
+    deckman.variables[12] = 32.808f;
+    Run([&] {
+        host.Tick();
+        host.SetChecked(kDepthCheck, true);
+        host.SetChecked(kNamesCheck, true);
+        host.Tick();
+        EXPECT_EQ((std::vector<std::string>{"3=32.8", "3=10.0", "3#DEPTH"}), deckman.sent);
+    });
 }
 
 TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
-    Install("Second");
-    Variables("12 BSP\n");
-    Variables("20 BSP\n", "Second");
-    MappingXml("<var twr='1' dfw='BSP'/>");
-    deckman.variables = {{12, 6.0f}, {20, 7.0f}};
+    const std::u16string second = test.folder.File("Second");
+    deckman.Install(second);
+    Variables("12 BSP\n50 TIMER\n");
+    Variables("20 BSP\n50 TIMER\n", "Second");
+    MappingXml("<var twr='1' dfw='BSP'/><remote remote='3' twr='1'/>");
+    stored->useTimer = true;
+    deckman.variables = {{12, 6.0f}, {20, 6.0f}, {50, 300.0f}};
     Run([&] {
-        host.Tick();
-        EXPECT_EQ(6.0, Own(kBsp));
-        host.PickFolder(u"  " + machine.folder.File("Second") + u"\r\n");
+        EXPECT_EQ((Reads{12, 50}), TickReads());
+        deckman.variables[50] = 100.0f;
+        record.SetValue(36, 1.0);
+        host.PickFolder(u"  " + second + u"\r\n");
         EXPECT_EQ(1, deckman.loaded);
-        host.Tick();
-        EXPECT_EQ(7.0, Own(kBsp)) << "the name has found its new number";
-        host.PickFolder(machine.folder.File("nowhere"));
+        EXPECT_EQ((Reads{20, 50}), TickReads()) << "the name has found its new number";
+        EXPECT_EQ((std::vector<std::string>{"3=6.00", "3=6.00"}), deckman.sent) << "all is sent once more";
+        EXPECT_EQ(1.0, record.F64(R::SysValue(36))) << "the first reading of the timer sets no gun";
+        host.PickFolder(test.folder.File("nowhere"));
         EXPECT_EQ(0, deckman.loaded);
-        deckman.reads.clear();
-        host.Tick(3);
-        EXPECT_TRUE(deckman.reads.empty()) << "idle without a library";
+        EXPECT_EQ(Reads{}, TickReads()) << "idle without a library";
         EXPECT_TRUE(host.boxes.empty()) << "and silent";
-        host.PickFolder(machine.folder.File("Deckman"));
-        deckman.variables[12] = 8.0f;
-        host.Tick();
-        EXPECT_EQ(8.0, Own(kBsp));
+        host.PickFolder(test.folder.File("Deckman"));
+        EXPECT_EQ((Reads{12, 50}), TickReads());
     });
     EXPECT_EQ(0, deckman.loaded) << "freed at the end";
 }
@@ -180,8 +252,8 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
 TEST_F(DialogTest, ItFollowsTheDataFolderOfTheRecord) {
     Variables("12 X\n13 Y\n");
     MappingXml("<var twr='1' dfw='12'/>");
-    machine.folder.Write("Ashore/instruments/halyrig.xml", "<halyrig><var twr='1' dfw='13'/></halyrig>");
-    const std::u16string usual = JoinPath(machine.folder.Text(), u"Tidewright"), ashore = machine.folder.File("Ashore");
+    MappingXml("<var twr='1' dfw='13'/>", "Ashore/instruments/halyrig.xml");
+    const std::u16string usual = test.folder.File("ProgramData/Tidewright"), ashore = test.folder.File("Ashore");
     const struct {
         const char* why;
         std::u16string named;  // by the record
@@ -196,26 +268,12 @@ TEST_F(DialogTest, ItFollowsTheDataFolderOfTheRecord) {
     Run([&] {
         for (const auto& row : rows) {
             SCOPED_TRACE(row.why);
-            record->SetText(1068, row.named);
+            record.SetText(1068, row.named);
             host.Tick(row.ticks);
-            deckman.reads.clear();
-            host.Tick();
-            EXPECT_EQ(std::vector<int>{row.variable}, deckman.reads);
-            EXPECT_EQ(row.namedThen, record->Text(1068));
+            EXPECT_EQ(Reads{row.variable}, TickReads());
+            EXPECT_EQ(row.namedThen, record.Text(1068));
         }
     });
-}
-
-TEST_F(DialogTest, TicksGoOnWhileItAsks) {
-    MapOne(kBsp);
-    host.answer = [&](const FakeDesktop::Box&) {
-        deckman.variables[12] = 9.0f;
-        host.Tick();
-        EXPECT_EQ(9.0, Own(kBsp));
-        return BoxAnswer::kNo;
-    };
-    Run([&] { host.PressClose(); });
-    EXPECT_EQ(1u, host.boxes.size());
 }
 
 }  // namespace

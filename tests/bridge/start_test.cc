@@ -3,43 +3,16 @@
 #include <iostream>
 
 #include "bridge_fixture.h"
-#include "config/bridge_settings.h"
 #include "support/child_process.h"
-#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
 
-// The real machine, with a Deckman and a host in the hand of the test, and as many instances as are started.
-class SharedMachine : public System {
-public:
-    explicit SharedMachine(const std::vector<std::string>& arguments) : real_(SystemOf(arguments)) {}
-
-    CoreServices Core() override {
-        const CoreServices real = real_->Core();
-        return {real.clock, real.zone, real.memory, real.registry, real.files, real.xml, host};
-    }
-    Libraries& GetLibraries() override { return deckman; }
-    Instance& GetInstance() override { return instance_; }
-    Executable& GetExecutable() override { return real_->GetExecutable(); }
-    Console& GetConsole() override { return real_->GetConsole(); }
-
-    ScriptedHost host;
-    StubDeckman deckman;
-
-private:
-    const std::unique_ptr<System> real_;
-    FakeInstance instance_;
-};
-
-std::u16string LibraryIn(const std::u16string& folder) {
-    return JoinPath(folder, std::u16string(u"ShDfW2").append(kLibrarySuffix));
-}
-
 // Runs the bridge again and again. It goes on from each line that it has written when it is sent one.
 const Role bridge("bridge among others", [](const std::vector<std::string>& arguments) {
-    SharedMachine machine(arguments);
-    machine.deckman.installed.insert(LibraryIn(ReadSettings(machine.Core().registry).dfwFolder));
+    const auto system = SystemOf(arguments);
+    BridgeMachine machine(*system);
+    machine.deckman.Install(ReadSettings(machine.Core().registry).dfwFolder);
     std::string line;
     const auto tell = [&](const std::string& told) {
         std::cout << told << std::endl;

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "platform/paths.h"
+
 namespace twr::testing {
 namespace {
 
@@ -32,12 +34,11 @@ public:
     ~StubLibrary() override { --stub->loaded; }
 
     void* Find(const char* name) const override {
-        if (stub->missing.contains(name)) return nullptr;
-        if (std::string(name) == "Usr_Read") return reinterpret_cast<void*>(&Read);
-        if (std::string(name) == "Usr_GetPosition") return reinterpret_cast<void*>(&GetPosition);
-        if (std::string(name) == "Usr_SetISData") return reinterpret_cast<void*>(&SetData);
-        if (std::string(name) == "Usr_SetISName") return reinterpret_cast<void*>(&SetName);
-        return nullptr;
+        static const std::map<std::string, void*> functions = {{"Usr_Read", reinterpret_cast<void*>(&Read)},
+                                                               {"Usr_GetPosition", reinterpret_cast<void*>(&GetPosition)},
+                                                               {"Usr_SetISData", reinterpret_cast<void*>(&SetData)},
+                                                               {"Usr_SetISName", reinterpret_cast<void*>(&SetName)}};
+        return stub->missing.contains(name) ? nullptr : functions.at(name);
     }
 };
 
@@ -46,8 +47,12 @@ public:
 StubDeckman::StubDeckman() { stub = this; }
 StubDeckman::~StubDeckman() { stub = nullptr; }
 
+void StubDeckman::Install(std::u16string_view folder) {
+    installed_.insert(JoinPath(folder, std::u16string(u"ShDfW2").append(kLibrarySuffix)));
+}
+
 std::unique_ptr<Library> StubDeckman::Load(std::u16string_view path) {
-    return installed.contains(std::u16string(path)) ? std::make_unique<StubLibrary>() : nullptr;
+    return installed_.contains(std::u16string(path)) ? std::make_unique<StubLibrary>() : nullptr;
 }
 
 }  // namespace twr::testing

@@ -17,8 +17,9 @@ public:
 
     std::unique_ptr<Library> Load(std::u16string_view path) override;
 
-    std::set<std::u16string> installed;  // paths at which a library is found
-    std::set<std::string> missing;       // exports that it lacks
+    void Install(std::u16string_view folder);  // puts a library there
+
+    std::set<std::string> missing;  // exports that it lacks
     std::map<int, float> variables;
     float latitude = 0.0f, longitude = 0.0f;
 
@@ -26,6 +27,9 @@ public:
     int positions = 0;              // calls for the position
     std::vector<std::string> sent;  // texts to remotes: "number=text", names as "number#text"
     int loaded = 0;                 // libraries now loaded
+
+private:
+    std::set<std::u16string> installed_;  // paths at which a library is found
 };
 
 }  // namespace twr::testing
