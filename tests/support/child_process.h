@@ -2,7 +2,6 @@
 #pragma once
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,9 +31,6 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
 struct Role {
     Role(const char* name, std::function<int(const std::vector<std::string>&)> body);
 };
-
-// Of a program that StartRole has started: runs its role and gives the exit status. Nothing for any other.
-std::optional<int> RunRole(int argc, char** argv);
 
 // The path of the running program.
 std::string OwnProgram();

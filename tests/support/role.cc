@@ -1,5 +1,7 @@
+// The roles of a test program, and the main of every one.
+#include <gtest/gtest.h>
+
 #include <map>
-#include <string_view>
 #include <utility>
 
 #include "platform/arguments.h"
@@ -27,10 +29,13 @@ std::unique_ptr<ChildProcess> StartRole(const std::string& role, const std::vect
     return StartProgram(OwnProgram(), all);
 }
 
-std::optional<int> RunRole(int argc, char** argv) {
-    if (argc < 3 || std::string_view(argv[1]) != kRoleOption) return std::nullopt;
-    const auto arguments = Arguments(argc, argv);
-    return Roles().at(arguments[1])({arguments.begin() + 2, arguments.end()});
-}
-
 }  // namespace twr::testing
+
+int main(int argc, char** argv) {
+    const auto arguments = twr::Arguments(argc, argv);
+    if (argc > 2 && arguments[0] == twr::testing::kRoleOption) {
+        return twr::testing::Roles().at(arguments[1])({arguments.begin() + 2, arguments.end()});
+    }
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

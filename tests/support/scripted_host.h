@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/fakes.h"
@@ -18,12 +19,18 @@ public:
     // Moves time between two ticks.
     std::function<void()> beforeTick = [] {};
 
-    void Tick(int count = 1);
-    void PressClose();
-    void PressEsc();
-    void Press(int control);
-    void Choose(int menuCommand);
-    void PickFolder(std::u16string_view folder);
+    void Tick(int count = 1) {
+        for (; count > 0 && timerRuns && !result; --count) {
+            beforeTick();
+            dialog_->OnTimer(timer_);
+            while (std::exchange(closePosted_, false) && !result) dialog_->OnCancel();
+        }
+    }
+    void PressClose() { dialog_->OnOk(); }
+    void PressEsc() { dialog_->OnCancel(); }
+    void Press(int control) { dialog_->OnButton(control); }
+    void Choose(int menuCommand) { dialog_->OnMenu(menuCommand); }
+    void PickFolder(std::u16string_view folder) { SetText(1000, folder); }
 
     std::optional<DialogResult> result;  // once it has ended by itself
     std::vector<std::u16string> menuItems;
@@ -31,22 +38,33 @@ public:
     unsigned timerPeriod = 0;
 
     // Desktop
-    void RunDialog(const DialogTemplate& layout, Dialog& dialog) override;
+    void RunDialog(const DialogTemplate&, Dialog& dialog) override {
+        dialog_ = &dialog;
+        result.reset();
+        dialog.OnInit(*this);
+        if (!quit) script();
+        dialog.OnDestroy();
+    }
 
     // DialogWindow
-    bool Checked(int control) const override;
-    void SetChecked(int control, bool checked) override;
-    std::u16string Text(int control) const override;
-    void SetText(int control, std::u16string_view text) override;
-    void AddMenuItem(int command, std::u16string_view text) override;
-    std::uintptr_t StartTimer(std::uintptr_t id, unsigned milliseconds) override;
-    void StopTimer(std::uintptr_t id) override;
-    void PostClose() override;
-    void End(DialogResult ended) override;
+    bool Checked(int control) const override { return checked_.contains(control) && checked_.at(control); }
+    void SetChecked(int control, bool checked) override { checked_[control] = checked; }
+    std::u16string Text(int control) const override { return texts_.contains(control) ? texts_.at(control) : std::u16string(); }
+    void SetText(int control, std::u16string_view text) override {
+        texts_[control] = text;
+        dialog_->OnTextChange(control);
+    }
+    void AddMenuItem(int, std::u16string_view text) override { menuItems.emplace_back(text); }
+    std::uintptr_t StartTimer(std::uintptr_t id, unsigned milliseconds) override {
+        timerRuns = true;
+        timerPeriod = milliseconds;
+        return timer_ = id;
+    }
+    void StopTimer(std::uintptr_t id) override { timerRuns = timerRuns && id != timer_; }
+    void PostClose() override { closePosted_ = true; }
+    void End(DialogResult ended) override { result = ended; }
 
 private:
-    void Pump();  // posted closes
-
     Dialog* dialog_ = nullptr;
     std::uintptr_t timer_ = 0;
     bool closePosted_ = false;
