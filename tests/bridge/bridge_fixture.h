@@ -14,22 +14,7 @@
 
 namespace twr::testing {
 
-class FakeInstance : public Instance {
-public:
-    bool Claim(std::u16string_view name) override { return claimed = name, !otherRuns; }
-    void RaiseOther(std::u16string_view caption) override { raised = caption; }
-
-    bool otherRuns = false;
-    std::u16string claimed, raised;
-};
-
-class FakeExecutable : public Executable {
-public:
-    std::optional<std::array<std::uint16_t, 4>> FileVersion() const override { return version; }
-    std::optional<std::array<std::uint16_t, 4>> version = {{2, 5, 1, 0}};
-};
-
-class BridgeMachine : public System {
+class BridgeMachine : public System, public Instance, public Executable {
 public:
     explicit BridgeMachine(System& real) : real_(real) {
         host.beforeTick = [this] { clock.AdvanceMs(100); };
@@ -43,16 +28,21 @@ public:
         return {clock, real.zone, memory, real.registry, files, real.xml, host};
     }
     Libraries& GetLibraries() override { return deckman; }
-    Instance& GetInstance() override { return instance; }
-    Executable& GetExecutable() override { return executable; }
+    Instance& GetInstance() override { return *this; }
+    Executable& GetExecutable() override { return *this; }
     Console& GetConsole() override { return real_.GetConsole(); }
+
+    bool Claim(std::u16string_view name) override { return claimed = name, !otherRuns; }
+    void RaiseOther(std::u16string_view caption) override { raised = caption; }
+    std::optional<std::array<std::uint16_t, 4>> FileVersion() const override { return version; }
 
     FakeClock clock;
     FakeMachine full;  // used instead of the real one once its memory fails
     ScriptedHost host;
     StubDeckman deckman;
-    FakeInstance instance;
-    FakeExecutable executable;
+    bool otherRuns = false;
+    std::u16string claimed, raised;
+    std::optional<std::array<std::uint16_t, 4>> version = {{2, 5, 1, 0}};
 
 private:
     System& real_;

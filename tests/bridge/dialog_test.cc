@@ -25,7 +25,7 @@ TEST_F(DialogTest, OpensWithTheStoredSettingsAndSavesWhatItShows) {
         EXPECT_EQ(u"C:\\Program Files (x86)\\BandG\\Deckman", host.Text(kFolderField));
         EXPECT_EQ(100u, host.timerPeriod);
     });
-    EXPECT_EQ(u"Halyrig", machine.instance.claimed);
+    EXPECT_EQ(u"Halyrig", machine.claimed);
     EXPECT_FALSE(host.timerRuns);
 
     const std::u16string folder(600, u'd');
@@ -49,11 +49,12 @@ TEST_F(DialogTest, OpensWithTheStoredSettingsAndSavesWhatItShows) {
 }
 
 TEST_F(DialogTest, EachWayOutAsksAndSavesAsItShould) {
-    enum class Quit { kNo, kAsked, kWhileItAsks };
+    enum class Quit { kNo, kBeforeItCame, kAsked, kWhileItAsks };
     using enum BoxAnswer;
     const auto close = [&] { host.PressClose(); };
     const auto esc = [&] { host.PressEsc(); };
     const auto startImport = [&] { host.Press(kImportButton); };
+    const auto calm = [&] { record.SetFlag(35, false), host.Tick(); };
     const auto tick = [&] { EXPECT_EQ(Reads{}, TickReads()) << "no pass runs"; };
     const struct {
         const char* name;
@@ -62,23 +63,26 @@ TEST_F(DialogTest, EachWayOutAsksAndSavesAsItShould) {
         BoxAnswer answer;
         std::optional<DialogResult> ends;
         bool saves;
-        bool isImport = false;
+        std::size_t boxes, remarks = 0;
     } rows[] = {
-        {"close, yes", close, Quit::kNo, kYes, DialogResult::kOk, true},
-        {"close, no", close, Quit::kNo, kNo, {}, false},
-        {"close, no answer", close, Quit::kNo, kNone, {}, false},
-        {"esc or the window closed, yes", esc, Quit::kNo, kYes, DialogResult::kCancel, false},
-        {"esc, no", esc, Quit::kNo, kNo, {}, false},
-        {"asked to quit, close", close, Quit::kAsked, kNo, DialogResult::kOk, true},
-        {"asked to quit, esc", esc, Quit::kAsked, kNo, DialogResult::kOk, true},
-        {"asked to quit, a tick", tick, Quit::kAsked, kNo, DialogResult::kOk, true},
-        {"asked to quit while it asks", esc, Quit::kWhileItAsks, kNone, DialogResult::kOk, true},
-        {"asked to quit while the import asks", startImport, Quit::kWhileItAsks, kNone, DialogResult::kOk, true, true},
+        {"close, yes", close, Quit::kNo, kYes, DialogResult::kOk, true, 1},
+        {"close, no", close, Quit::kNo, kNo, {}, false, 1},
+        {"close, no answer", close, Quit::kNo, kNone, {}, false, 1},
+        {"esc or the window closed, yes", esc, Quit::kNo, kYes, DialogResult::kCancel, false, 1},
+        {"esc, no", esc, Quit::kNo, kNo, {}, false, 1},
+        {"asked to quit, close", close, Quit::kAsked, kNo, DialogResult::kOk, true, 0},
+        {"asked to quit, esc", esc, Quit::kAsked, kNo, DialogResult::kOk, true, 0},
+        {"asked to quit, a tick", tick, Quit::kAsked, kNo, DialogResult::kOk, true, 0},
+        {"asked to quit before it came", tick, Quit::kBeforeItCame, kNo, DialogResult::kOk, true, 0, 1},
+        {"asked to quit before it came, but no more", calm, Quit::kBeforeItCame, kNo, {}, false, 0},
+        {"asked to quit while it asks", esc, Quit::kWhileItAsks, kNone, DialogResult::kOk, true, 1},
+        {"asked to quit while the import asks", startImport, Quit::kWhileItAsks, kNone, DialogResult::kOk, true, 1},
     };
     Variables("12 X\n");
     MappingXml("<var twr='1' dfw='12'/>");
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
+        beforeStart = [&] { record.SetFlag(35, row.quit == Quit::kBeforeItCame); };
         host.answer = [&](const FakeDesktop::Box&) {
             if (row.quit == Quit::kWhileItAsks) record.SetFlag(35, true);
             EXPECT_EQ(row.quit == Quit::kNo, TickReads() == Reads{12}) << "ticks go on";
@@ -91,33 +95,15 @@ TEST_F(DialogTest, EachWayOutAsksAndSavesAsItShould) {
             EXPECT_EQ(row.ends, host.result);
         });
         EXPECT_EQ(row.saves, ReadSettings(Stored()).sendNames);
-        EXPECT_EQ(row.quit == Quit::kAsked ? 0u : 1u, host.boxes.size());
-        EXPECT_EQ(row.quit != Quit::kNo, record.U8(R::SysFlag(35)) != 0) << "the flag is another program's";
+        EXPECT_EQ(row.quit != Quit::kNo && row.ends, record.U8(R::SysFlag(35)) != 0) << "the flag is another program's";
+        EXPECT_EQ(row.remarks, host.remarks.size());
+        EXPECT_EQ(row.boxes, host.boxes.size());
         for (const FakeDesktop::Box& box : host.boxes) {
-            EXPECT_EQ(row.isImport ? u"Import legacy Halyrig mappings?" : u"Exit Halyrig?", box.text);
+            EXPECT_EQ(&row == std::end(rows) - 1 ? u"Import legacy Halyrig mappings?" : u"Exit Halyrig?", box.text);
             EXPECT_EQ(u"Halyrig32", box.caption);
             EXPECT_EQ(BoxButtons::kYesNo, box.buttons);
             EXPECT_EQ(BoxIcon::kQuestion, box.icon);
         }
-    }
-}
-
-TEST_F(DialogTest, ItRemarksOnARecordThatAskedToQuitBeforeItCame) {
-    const struct {
-        const char* when;
-        bool before, after;
-        std::size_t remarks;
-    } rows[] = {{"from the start", true, true, 1}, {"later", false, true, 0}, {"no more", true, false, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.when);
-        beforeStart = [&] { record.SetFlag(35, row.before); };
-        Run([&] {
-            record.SetFlag(35, row.after);
-            host.Tick();
-            EXPECT_EQ(row.after, host.result.has_value());
-        });
-        EXPECT_EQ(row.remarks, host.remarks.size());
-        EXPECT_TRUE(host.boxes.empty());
     }
 }
 
@@ -181,7 +167,7 @@ TEST_F(DialogTest, AboutTellsTheVersionAndAFourthNumberOnlyWhenThereIsOne) {
     const std::pair<std::optional<std::array<std::uint16_t, 4>>, std::u16string> rows[] = {
         {{{2, 5, 1, 0}}, u"2.5.1"}, {{{2, 5, 1, 7}}, u"2.5.1.7"}, {{{65535, 0, 0, 65535}}, u"65535.0.0.65535"}, {{}, u""}};
     for (const auto& [version, text] : rows) {
-        machine.executable.version = version;
+        machine.version = version;
         host.about.clear();
         Run([&] {
             host.Choose(kAboutCommand + 1);
@@ -194,10 +180,10 @@ TEST_F(DialogTest, AboutTellsTheVersionAndAFourthNumberOnlyWhenThereIsOne) {
 }
 
 TEST_F(DialogTest, ASecondInstanceRaisesTheFirstAndTouchesNothing) {
-    machine.instance.otherRuns = true;
+    machine.otherRuns = true;
     host.script = [] { FAIL() << "no dialog may open"; };
     EXPECT_FALSE(CHalyrig32App(machine).InitInstance());
-    EXPECT_EQ(u"Halyrig32", machine.instance.raised);
+    EXPECT_EQ(u"Halyrig32", machine.raised);
     EXPECT_FALSE(std::filesystem::exists(test.folder.Path() / "ProgramData")) << "it never attaches to the record";
 }
 
