@@ -59,10 +59,4 @@ void CCore::AttachAsGuest() {
 
 bool CCore::QuitRequested() const { return view_ && Load(view_->sysFlag[kFlagQuitRequest]) != 0; }
 
-std::int16_t CCore::ChannelTypeOf(ChannelId channel) const {
-    // The last user channel keeps the catalogue's type.
-    if (view_ && channel >= kUser0 && channel <= kUser30) return Load(view_->channels[channel].type);
-    return ChannelCatalogue()[channel].type;
-}
-
 }  // namespace twr

@@ -15,6 +15,7 @@
 #include "calibration/object.h"
 #include "core/channel_catalogue.h"
 #include "core/core_record.h"
+#include "core/record_access.h"
 #include "platform/system.h"
 
 namespace twr {
@@ -58,7 +59,11 @@ public:
     void NormaliseValue(ChannelId channel, double& value) const;
 
     // The channel's unit type: a user channel's own, any other's by the catalogue. `channel` is below kChannelCount.
-    std::int16_t ChannelTypeOf(ChannelId channel) const;
+    std::int16_t ChannelTypeOf(ChannelId channel) const {
+        // The last user channel keeps the catalogue's type.
+        if (channel - kUser0 <= kUser30 - kUser0 && view_) return Load(view_->channels[channel].type);
+        return ChannelCatalogue()[channel].type;
+    }
 
     // --- Calibration (calibrate.cc) ---
 
@@ -187,7 +192,8 @@ private:
     double LiveValue(ChannelId channel) const;
 
     void StampTime(double now);
-    void Derive(ChannelId channel, BoatSlot boat, double& value, double time, double now);
+    // Publishes what follows from a value, and gives the value as it is to be stored.
+    double Derived(ChannelId channel, BoatSlot boat, double value, double time, double now);
     void DeriveRate(ChannelId channel, ChannelId rateChannel, BoatSlot boat, double value, double time);
     void StoreDerived(ChannelId channel, BoatSlot boat, double value, double time);
 

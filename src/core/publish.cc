@@ -10,7 +10,17 @@ namespace twr {
 namespace {
 
 // An angle that one turn does not bring into its range is left as it is, so that it is refused there.
-double WrappedOnce(double value, double turned, double min, double max) { return turned >= min && turned <= max ? turned : value; }
+inline double WrappedOnce(double value, double turned, double min, double max) { return turned >= min && turned <= max ? turned : value; }
+
+inline double Normalised(std::int16_t type, const ChannelInfo& info, double value) {
+    if (value == kNoValue) return value;
+    if (type == kTypeBearing) {
+        value = WrappedOnce(value, TurnedBearing(value), 0.0, 360.0);
+    } else if (type == kTypeAngle || type == kTypeWindAngle) {
+        value = WrappedOnce(value, TurnedAngle(value), -180.0, 180.0);
+    }
+    return info.min != info.max && (value < info.min || value > info.max) ? kNoValue : value;
+}
 
 bool IsHeld(const CoreRecord& record, ChannelId channel) {
     return Load(record.sysFlag[kFlagHoldActive]) != 0 && Load(record.channels[channel].held) != 0;
@@ -44,16 +54,8 @@ void CCore::StampTime(double now) {
 
 void CCore::NormaliseValue(ChannelId channel, double& value) const {
     if (channel >= kChannelCount) return;
-    if (value != kNoValue && view_) {
-        const std::int16_t type = ChannelTypeOf(channel);
-        if (type == kTypeBearing) {
-            value = WrappedOnce(value, TurnedBearing(value), 0.0, 360.0);
-        } else if (type == kTypeAngle || type == kTypeWindAngle) {
-            value = WrappedOnce(value, TurnedAngle(value), -180.0, 180.0);
-        }
-    }
-    const ChannelInfo& info = ChannelCatalogue()[channel];
-    if (info.min != info.max && (value < info.min || value > info.max)) value = kNoValue;
+    // Without a record the type of an angle isn't known for sure, so that only the range is held.
+    value = Normalised(view_ ? ChannelTypeOf(channel) : std::int16_t{kTypeNumber}, ChannelCatalogue()[channel], value);
 }
 
 bool CCore::SetChannel(ChannelId channel, BoatSlot boat, double value, double time) {
@@ -64,9 +66,9 @@ bool CCore::SetChannel(ChannelId channel, BoatSlot boat, double value, double ti
     ChannelRow& row = view_->channels[channel];
     if (Load(row.blocked) != 0 || IsHeld(*view_, channel)) return false;
     if (time == 0.0) time = now;
-    NormaliseValue(channel, value);
-    value = ApplyCalibration(channel, value);
-    if (value != kNoValue) Derive(channel, boat, value, time, now);
+    value = Normalised(ChannelTypeOf(channel), ChannelCatalogue()[channel], value);
+    if (Load(row.calibrated) != 0) [[unlikely]] value = ApplyCalibration(channel, value);
+    if (value != kNoValue) value = Derived(channel, boat, value, time, now);
     const bool stored = Store(*view_, channel, boat, value, time);
     if (value != kNoValue) {
         Put(row.published, std::uint8_t{1});
@@ -81,7 +83,7 @@ bool CCore::SetOwnChannel(ChannelId channel, double value, double time) {
     StampTime(now);
     if (IsHeld(*view_, channel)) return false;
     if (time == 0.0) time = now;
-    NormaliseValue(channel, value);
+    value = Normalised(ChannelTypeOf(channel), ChannelCatalogue()[channel], value);
     const bool stored = Store(*view_, channel, 0, value, time);
     if (stored && value != kNoValue) Put(view_->channels[channel].published, std::uint8_t{1});
     return stored;
@@ -89,7 +91,7 @@ bool CCore::SetOwnChannel(ChannelId channel, double value, double time) {
 
 // --- Channels that follow from the publication of another one ---
 
-void CCore::Derive(ChannelId channel, BoatSlot boat, double& value, double time, double now) {
+double CCore::Derived(ChannelId channel, BoatSlot boat, double value, double time, double now) {
     CoreRecord& record = *view_;
     const auto flag = [&](std::size_t index) { return Load(record.sysFlag[index]) != 0; };
     // The value of a channel of this boat, kNoValue while the boat has never had one.
@@ -100,32 +102,31 @@ void CCore::Derive(ChannelId channel, BoatSlot boat, double& value, double time,
 
     switch (channel) {
         case kAwa: {
-            if (!flag(kFlagMastAngle) || Load(record.boatCount) == 0) return;
+            if (!flag(kFlagMastAngle) || Load(record.boatCount) == 0) return value;
             const double mastAngle = Load(record.fullBlocks[0].value[kMastAng]);  // whatever the boat of the call
-            if (mastAngle != kNoValue) value -= mastAngle;
-            return;
+            return mastAngle == kNoValue ? value : value - mastAngle;
         }
         case kHdg:
             if (flag(kFlagDeriveRot)) DeriveRate(kHdg, kRot, boat, value, time);
-            return;
+            return value;
         case kHeel:
             if (flag(kFlagDeriveHeelTrimRate)) DeriveRate(kHeel, kHeelRate, boat, value, time);
-            return;
+            return value;
         case kTrim:
             if (flag(kFlagDeriveHeelTrimRate)) DeriveRate(kTrim, kTrimRate, boat, value, time);
-            return;
+            return value;
         case kGpsTime:
             StoreDerived(kGpsTOffset, boat, now - value, time);
-            return;
+            return value;
         case kRudderP:
             if (const double starboard = held(kRudderS); starboard != kNoValue)
                 StoreDerived(kRudderToe, boat, value - starboard, time);
-            return;
+            return value;
         case kRudderS:
             if (const double port = held(kRudderP); port != kNoValue) StoreDerived(kRudderToe, boat, port - value, time);
-            return;
+            return value;
         default:
-            return;
+            return value;
     }
 }
 

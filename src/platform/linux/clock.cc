@@ -10,9 +10,9 @@ namespace {
 class SystemClock final : public Clock {
 public:
     std::int64_t Ticks() const override {
-        timespec now{};
+        timespec now;
         clock_gettime(CLOCK_REALTIME, &now);
-        return std::int64_t{now.tv_sec} * 10'000'000 + now.tv_nsec / 100;
+        return std::int64_t{now.tv_sec} * 10'000'000 + static_cast<std::uint32_t>(now.tv_nsec) / 100;
     }
 };
 
