@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "platform/paths.h"
 #include "support/test_system.h"
@@ -16,15 +17,42 @@ protected:
     Files& files_ = test_.system->Core().files;
 };
 
-TEST_F(FilesTest, ReadsBytesToTheEnd) {
-    const std::string bytes("a\0b\r\n\x1A\xFF tail", 12);
-    for (const char* name : {"some.bin", "M\xC3\xA4rz \xE2\x82\xAC.bin"}) {
-        const auto source = files_.Open(test_.folder.Write(name, bytes));
-        ASSERT_NE(nullptr, source) << name;
+TEST_F(FilesTest, AreReadWrittenCopiedRenamedAndRemoved) {
+    const std::u16string from = test_.folder.File("M\xC3\xA4rz \xE2\x82\xAC"),
+                         to = test_.folder.Write("to", std::string(90000, 'y'));
+    const std::string bytes = std::string("a\0b\r\n\x1A\xFF", 7) + std::string(40000, 'x'), older(90000, 'y');
+    const auto content = [&](const std::u16string& path) {
+        const auto source = files_.Open(path);
+        if (!source) return std::string("none");
         std::string read;
         char chunk[7];
         while (const std::size_t got = source->Read(chunk, sizeof chunk)) read.append(chunk, got);
-        EXPECT_EQ(bytes, read);
+        return read;
+    };
+    std::unique_ptr<ByteSource> reader;
+    const struct {
+        const char* what;
+        std::function<bool()> action;
+        std::string from, to;
+        bool succeeds = true;
+    } rows[] = {
+        {"append to none", [&] { return files_.Append(from, bytes); }, bytes, older},
+        {"open", [&] { return (reader = files_.Open(from)) != nullptr; }, bytes, older},
+        {"append while it is read", [&] { return files_.Append(from, "tail"); }, bytes + "tail", older},
+        {"copy over itself", [&] { return files_.Copy(from, from); }, bytes + "tail", older, false},
+        {"copy over an older one", [&] { return files_.Copy(from, to); }, bytes + "tail", bytes + "tail"},
+        {"append to the copy", [&] { return files_.Append(to, "x"); }, bytes + "tail", bytes + "tailx"},
+        {"rename to nowhere", [&] { return files_.Rename(to, test_.folder.File("missing/to")); }, bytes + "tail", bytes + "tailx",
+         false},
+        {"rename over an older one", [&] { return files_.Rename(from, to); }, "none", bytes + "tail"},
+        {"rename none", [&] { return files_.Rename(from, to); }, "none", bytes + "tail", false},
+        {"remove", [&] { return files_.Remove(to), files_.Exists(to); }, "none", "none", false},
+        {"remove none", [&] { return files_.Remove(to), files_.Exists(to); }, "none", "none", false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(row.succeeds, row.action());
+        EXPECT_TRUE(row.from == content(from) && row.to == content(to));
     }
 }
 
@@ -33,87 +61,39 @@ TEST_F(FilesTest, NoFolderAndNothingThatIsMissingIsAFile) {
     for (const auto& path : {test_.folder.Text(), test_.folder.File("missing/file"), std::u16string()}) {
         SCOPED_TRACE(::testing::PrintToString(path));
         EXPECT_EQ(nullptr, files_.Open(path));
-        EXPECT_FALSE(files_.Append(path, "x"));
-        EXPECT_FALSE(files_.Copy(path, plain));
-        EXPECT_FALSE(files_.Copy(plain, path));
+        EXPECT_FALSE(files_.Append(path, "x") || files_.Copy(path, plain) || files_.Copy(plain, path));
     }
     EXPECT_EQ("x", test_.folder.Read("plain"));
     EXPECT_TRUE(files_.List(test_.folder.File("missing"), u"*").empty());
 }
 
 TEST_F(FilesTest, MakesOneLevelOfFolders) {
-    files_.MakeFolder(test_.folder.File("one/two"));
-    EXPECT_FALSE(files_.Exists(test_.folder.File("one")));
-    files_.MakeFolder(test_.folder.File("one"));
-    files_.MakeFolder(test_.folder.File("one/two"));
-    files_.MakeFolder(test_.folder.File("one"));  // it is there
-    EXPECT_TRUE(files_.Exists(test_.folder.File("one/two")));
-}
-
-TEST_F(FilesTest, AppendsToNewAndOldFiles) {
-    const std::u16string log = test_.folder.File("log");
-    EXPECT_TRUE(files_.Append(log, "one\n"));
-    const auto reader = files_.Open(log);
-    EXPECT_TRUE(files_.Append(log, "two\n"));
-    EXPECT_EQ("one\ntwo\n", test_.folder.Read("log"));
-}
-
-TEST_F(FilesTest, CopiesOverAnOlderFileButNotOverItself) {
-    const std::u16string from = test_.folder.Write("from", std::string(40000, 'x'));
-    const std::u16string to = test_.folder.Write("to", std::string(90000, 'y'));
-    EXPECT_TRUE(files_.Copy(from, to));
-    EXPECT_EQ(std::string(40000, 'x'), test_.folder.Read("to"));
-    EXPECT_FALSE(files_.Copy(from, from));
-    EXPECT_EQ(std::string(40000, 'x'), test_.folder.Read("from"));
-}
-
-TEST_F(FilesTest, RenamesOverAnOlderFile) {
-    const std::u16string from = test_.folder.Write("from", "new"), to = test_.folder.Write("to", "old");
-    const auto reader = files_.Open(from);
-    EXPECT_TRUE(files_.Rename(from, to));
-    EXPECT_EQ("new", test_.folder.Read("to"));
-    EXPECT_FALSE(files_.Exists(from));
-    EXPECT_FALSE(files_.Rename(from, to)) << "it is gone";
-    EXPECT_FALSE(files_.Rename(to, test_.folder.File("missing/to")));
-    EXPECT_EQ("new", test_.folder.Read("to"));
-}
-
-TEST_F(FilesTest, RemovesAFile) {
-    const std::u16string path = test_.folder.Write("old", "x");
-    files_.Remove(path);
-    EXPECT_FALSE(files_.Exists(path));
-    files_.Remove(path);
+    const std::u16string one = test_.folder.File("one"), two = JoinPath(one, u"two");
+    EXPECT_EQ(test_.folder.File("one/two"), two);
+    files_.MakeFolder(two);
+    EXPECT_FALSE(files_.Exists(one));
+    for (const auto& folder : {one, two, one}) files_.MakeFolder(folder);
+    EXPECT_TRUE(files_.Exists(two));
+    EXPECT_EQ(test_.folder.File("ProgramData"), files_.ProgramDataFolder());
 }
 
 TEST_F(FilesTest, ListsTheFilesThatFitAPattern) {
-    for (const char* name :
-         {"d/J_vars06.d", "d/j_VARS7.D", "d/J_vars.d", "d/J_vars06.dx", "d/xJ_vars06.d", "d/[1].txt", "d/J_varsfolder.d/x"}) {
-        test_.folder.Write(name, "");
+    for (const char* name : {"J_vars06.d", "j_VARS7.D", "J_vars.d", "J_vars06.dx", "xJ_vars06.d", "[1].txt", "J_varsfolder.d/x"}) {
+        test_.folder.Write("d/" + std::string(name), "");
     }
-    const std::u16string folder = test_.folder.File("d");
-    const struct {
-        std::u16string_view pattern;
-        std::vector<std::u16string_view> names;
-    } rows[] = {
+    const std::pair<std::u16string_view, std::vector<std::u16string_view>> rows[] = {
         {u"J_vars*.d", {u"J_vars.d", u"J_vars06.d", u"j_VARS7.D"}},
         {u"J_vars?.d", {u"j_VARS7.D"}},
         {u"J_*6*.d", {u"J_vars06.d"}},
         {u"[1].txt", {u"[1].txt"}},
-        {u"nothing*", {}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.pattern));
-        auto files = files_.List(folder, row.pattern);
+        {u"nothing*", {}}};
+    for (const auto& [pattern, names] : rows) {
+        auto files = files_.List(test_.folder.File("d"), pattern);
         std::ranges::sort(files);
         std::vector<std::u16string> expected;
-        for (const auto& name : row.names) expected.push_back(JoinPath(folder, name));
-        EXPECT_EQ(expected, files);
+        for (const auto& name : names) expected.push_back(JoinPath(test_.folder.File("d"), name));
+        EXPECT_EQ(expected, files) << ::testing::PrintToString(pattern);
     }
-}
-
-TEST_F(FilesTest, JoinsPathsAsTheSystemDoes) {
-    EXPECT_EQ(test_.folder.File("one"), JoinPath(test_.folder.Text(), u"one"));
-    EXPECT_EQ(test_.folder.File("ProgramData"), files_.ProgramDataFolder());
 }
 
 }  // namespace

@@ -1,2 +1,2 @@
-// A library for library_test.cc to load.
+// A library for services_test.cc to load.
 extern "C" int Answer() { return 42; }

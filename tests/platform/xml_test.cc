@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
+#include <algorithm>
+#include <array>
 
 #include "base/wide_text.h"
 #include "support/test_system.h"
@@ -13,6 +14,10 @@ namespace twr {
 namespace {
 
 using testing::Utf16Bytes;
+
+using Row = std::pair<std::string, std::string>;  // the bytes of a file, and what is read of it
+
+std::string Declared(const std::string& encoding) { return "<?xml version='1.0' encoding='" + encoding + "'?>"; }
 
 class XmlTest : public ::testing::Test {
 protected:
@@ -35,82 +40,16 @@ protected:
     const std::u16string path_ = test_.folder.File("file.xml");
 };
 
-TEST_F(XmlTest, GivesElementsInTheirOrderWhateverTheirDepth) {
-    const struct {
-        std::string_view bytes, outline;
-    } rows[] = {
+TEST_F(XmlTest, GivesTheElementsInTheirOrderUpToTheFirstFault) {
+    std::vector<Row> rows = {
         {"<a/>", "a()"},
         {" \n<a/>", "a()"},
         {"<?xml version=\"1.0\"?>\n<!-- x --><a><b/><c><d/></c></a>\n<!-- y -->", "a() b() c() d()"},
         {"<a z='1' y=\"2\" x='3'/>", "a(z=1,y=2,x=3)"},
         {"<var twr='13' dfw='BSP'>text<![CDATA[<no/>]]></var>", "var(twr=13,dfw=BSP)"},
-        {"<a b='&amp;&lt;&gt;&quot;&apos;&#x20AC;&#90;'/>", "a(b=&<>\"'\xE2\x82\xACZ)"},
-        {"<a b=' 1\t2\r\n3\n4'/>", "a(b= 1 2 3 4)"},
-        {"<a b='' c=\"it's\"/>", "a(b=,c=it's)"},
-        {"<p:a xmlns:p='urn:x' xmlns='urn:y' p:b='1' c='2'><d/></p:a>", "a(b=1,c=2) d()"},
-        {"<a xml:lang='en'/>", "a(lang=en)"},
-        {"\xEF\xBB\xBF<a b='\xC3\xA4'/>", "a(b=\xC3\xA4)"},
-        {"<?xml version='1.0' encoding='utf-8'?><a b='\xF0\x9F\x98\x80'/>", "a(b=\xF0\x9F\x98\x80)"},
-        {"\xEF\xBB\xBF<?xml version='1.0' encoding='windows-1252'?><a b='\xC3\xA4'/>", "a(b=\xC3\xA4)"},  // the mark counts
-    };
-    for (const auto& row : rows) EXPECT_EQ(row.outline, Read(row.bytes)) << row.bytes;
-}
-
-TEST_F(XmlTest, KeepsWhiteSpaceThatAReferenceGives) {
-    if (testing::UnderWine()) GTEST_SKIP() << "Wine's XmlLite makes blanks of it";
-    EXPECT_EQ("a(b= \t\n)", Read("<a b='\n&#9;&#10;'/>"));
-}
-
-TEST_F(XmlTest, ReadsTheEncodingThatIsDeclared) {
-    const struct {
-        std::string encoding, bytes, text;
-    } rows[] = {
-        {"us-ascii", "x", "x"},
-        {"ASCII", "x", "x"},
-        {"utf8", "\xC3\xA4\xE2\x82\xAC", "\xC3\xA4\xE2\x82\xAC"},
-        {"latin1", "\xE4", "\xC3\xA4"},
-        {"cp1252", "\xE4", "\xC3\xA4"},
-        {"IBM850", "\x84", "\xC3\xA4"},
-        {"koi8-u", "\xC1", "\xD0\xB0"},
-        {"EUC-JP", "\xC6\xFC", "\xE6\x97\xA5"},
-        {"ISO-8859-1", "\xE4\xFF", "\xC3\xA4\xC3\xBF"},
-        {"iso-8859-15", "\xA4", "\xE2\x82\xAC"},
-        {"windows-1250", "\x8A\xF8", "\xC5\xA0\xC5\x99"},
-        {"windows-1251", "\xCC\xE0", "\xD0\x9C\xD0\xB0"},
-        {"Windows-1252", "\x80\x81\xE4", "\xE2\x82\xAC\xC2\x81\xC3\xA4"},
-        {"windows-1255", "\xE0\xE1", "\xD7\x90\xD7\x91"},
-        {"windows-1258", "\xF0", "\xC4\x91"},
-        {"Shift_JIS", "\x93\xFA\x96\x7B", "\xE6\x97\xA5\xE6\x9C\xAC"},
-        {"GBK", "\xD6\xD0", "\xE4\xB8\xAD"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.encoding);
-        const std::string element = "<a b='" + row.bytes + "'/>", outline = "a(b=" + row.text + ")";
-        EXPECT_EQ(outline, Read("<?xml version='1.0' encoding='" + row.encoding + "'?>" + element));
-        EXPECT_EQ(outline, Read("<?xml version = '1.0'\n encoding = \"" + row.encoding + "\" standalone='yes' ?>" + element));
-    }
-    const std::string gap = Read("<?xml version='1.0' encoding='windows-1253'?><a b='\xAA'/>");
-    EXPECT_TRUE(gap.empty() || gap == "a(b=\xEF\xA3\xB9)") << "a fault, or the private character that Windows has for it";
-    for (const std::string name : {"", "no-such-encoding", "UTF-32LE", "EBCDIC-US", "UTF-16", "iso-8859-", "iso-8859-99",
-                                   "windows-", "windows-12345", "windows"}) {
-        EXPECT_EQ("", Read("<?xml version='1.0' encoding='" + name + "'?><a/>")) << name;
-    }
-}
-
-TEST_F(XmlTest, ReadsUtf16InBothByteOrders) {
-    for (const bool big : {false, true}) {
-        SCOPED_TRACE(big ? "big-endian" : "little-endian");
-        EXPECT_EQ("a(b=\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80)", Read(Utf16Bytes(u"\uFEFF<a b='\u00E4\u20AC\xD83D\xDE00'/>", big)));
-        for (const std::u16string declared : {u"UTF-16", u"UTF-8", u"windows-1252", u"no-such-encoding"}) {
-            EXPECT_EQ("a(b=1)", Read(Utf16Bytes(u"\uFEFF<?xml version='1.0' encoding='" + declared + u"'?><a b='1'/>", big)));
-        }
-    }
-}
-
-TEST_F(XmlTest, StopsAtTheFirstFault) {
-    const struct {
-        std::string_view bytes, outline;
-    } rows[] = {
+        {"<a b='&amp;&lt;&gt;&quot;&apos;&#x20AC;&#90;' c=\"it's\"/>", "a(b=&<>\"'\xE2\x82\xACZ,c=it's)"},
+        {"<a b=' 1\t2\r\n3\n4' c=''/>", "a(b= 1 2 3 4,c=)"},
+        {"<p:a xmlns:p='urn:x' xmlns='urn:y' p:b='1' c='2' xml:lang='en'><d/></p:a>", "a(b=1,c=2,lang=en) d()"},
         {"", ""},
         {"text", ""},
         {"<a b='1'", ""},
@@ -119,73 +58,77 @@ TEST_F(XmlTest, StopsAtTheFirstFault) {
         {"<a/>\xC3", "a()"},
         {"<a/><!DOCTYPE a>", "a()"},
         {"<a><?xml version='1.0'?><b/></a>", "a()"},
-        {"<?xml version='1.0' encoding='us-ascii'?><a>\x80</a>", "a()"},
-        {"<?xml version='1.0' encoding='Shift_JIS'?><a b='\x93'/>", ""},
     };
-    for (const auto& row : rows) EXPECT_EQ(row.outline, Read(row.bytes)) << row.bytes;
     for (const std::string fault : {"</c>", "</a>", "&none;", "&#0;", "&", "\x01", "]]>", "<!-- -- -->", "<p:c/>", "<c p:x='1'/>",
                                     "\xFF", "\xC3", "\xEF\xBF", "\xED\xA0\x80"}) {
-        EXPECT_EQ("a() b()", Read("<a><b/>" + fault + "<c/></a>")) << fault;
+        rows.emplace_back("<a><b/>" + fault + "<c/></a>", "a() b()");
     }
-    for (const std::string fault : {"x='1' x='2'", "x=1", "x='<'", "x='&none;'"}) {
-        EXPECT_EQ("a()", Read("<a><b " + fault + "/><c/></a>")) << fault;
-    }
+    for (const std::string fault : {"x='1' x='2'", "x=1", "x='<'", "x='&none;'"})
+        rows.emplace_back("<a><b " + fault + "/><c/></a>", "a()");
     for (const std::string type : {"", " [<!ENTITY e 'x'>]", " [<!ATTLIST a b CDATA 'default'>]", " SYSTEM 'a.dtd'"}) {
-        EXPECT_EQ("", Read("<!DOCTYPE a" + type + "><a/>")) << type;
+        rows.emplace_back("<!DOCTYPE a" + type + "><a/>", "");
     }
+    if (!testing::UnderWine()) rows.emplace_back("<a b='\n&#9;&#10;'/>", "a(b= \t\n)");  // Wine's XmlLite makes blanks of it
+    for (const auto& [bytes, outline] : rows) EXPECT_EQ(outline, Read(bytes)) << bytes;
 }
 
-std::string Mapping(int rows) {
-    std::string bytes = "<halyrig>";
-    for (int i = 0; i < rows; ++i) bytes += "\r\n  <var twr=\"" + std::to_string(i) + "\" dfw=\"x\" />";
-    return bytes + "\r\n</halyrig>";
+TEST_F(XmlTest, ReadsTheEncodingThatIsDeclaredOrMarked) {
+    std::vector<Row> rows = {
+        {"\xEF\xBB\xBF<a b='\xC3\xA4'/>", "a(b=\xC3\xA4)"},
+        {"\xEF\xBB\xBF<?xml version='1.0' encoding='windows-1252'?><a b='\xC3\xA4'/>", "a(b=\xC3\xA4)"},  // the mark counts
+        {Declared("us-ascii") + "<a>\x80</a>", "a()"},
+        {Declared("Shift_JIS") + "<a b='\x93'/>", ""},
+    };
+    const std::array<std::string, 3> encodings[] = {{"ASCII", "x", "x"},
+                                                    {"utf-8", "\xF0\x9F\x98\x80", "\xF0\x9F\x98\x80"},
+                                                    {"utf8", "\xC3\xA4\xE2\x82\xAC", "\xC3\xA4\xE2\x82\xAC"},
+                                                    {"latin1", "\xE4", "\xC3\xA4"},
+                                                    {"cp1252", "\xE4", "\xC3\xA4"},
+                                                    {"IBM850", "\x84", "\xC3\xA4"},
+                                                    {"koi8-u", "\xC1", "\xD0\xB0"},
+                                                    {"EUC-JP", "\xC6\xFC", "\xE6\x97\xA5"},
+                                                    {"ISO-8859-1", "\xE4\xFF", "\xC3\xA4\xC3\xBF"},
+                                                    {"iso-8859-15", "\xA4", "\xE2\x82\xAC"},
+                                                    {"windows-1250", "\x8A\xF8", "\xC5\xA0\xC5\x99"},
+                                                    {"Windows-1252", "\x80\x81\xE4", "\xE2\x82\xAC\xC2\x81\xC3\xA4"},
+                                                    {"windows-1255", "\xE0\xE1", "\xD7\x90\xD7\x91"},
+                                                    {"windows-1258", "\xF0", "\xC4\x91"},
+                                                    {"Shift_JIS", "\x93\xFA\x96\x7B", "\xE6\x97\xA5\xE6\x9C\xAC"},
+                                                    {"GBK", "\xD6\xD0", "\xE4\xB8\xAD"}};
+    for (const auto& [encoding, bytes, text] : encodings) {
+        const std::string element = "<a b='" + bytes + "'/>", outline = "a(b=" + text + ")";
+        rows.emplace_back(Declared(encoding) + element, outline);
+        rows.emplace_back("<?xml version = '1.0'\n encoding = \"" + encoding + "\" standalone='yes' ?>" + element, outline);
+    }
+    for (const char* name : {"", "no-such-encoding", "UTF-32LE", "EBCDIC-US", "UTF-16", "iso-8859-", "iso-8859-99", "windows-",
+                             "windows-12345", "windows"}) {
+        rows.emplace_back(Declared(name) + "<a/>", "");
+    }
+    for (const bool big : {false, true}) {
+        for (const std::u16string declared : {u"UTF-16", u"UTF-8", u"windows-1252", u"no-such-encoding"}) {
+            const std::u16string text = u"\uFEFF<?xml version='1.0' encoding='" + declared + u"'?><a b='\u20AC\xD83D\xDE00'/>";
+            rows.emplace_back(Utf16Bytes(text, big), "a(b=\xE2\x82\xAC\xF0\x9F\x98\x80)");
+        }
+        rows.emplace_back(Utf16Bytes(u"\uFEFF<a/>", big), "a()");
+    }
+    for (const auto& [bytes, outline] : rows) EXPECT_EQ(outline, Read(bytes)) << bytes;
+    const std::string gap = Read(Declared("windows-1253") + "<a b='\xAA'/>");
+    EXPECT_TRUE(gap.empty() || gap == "a(b=\xEF\xA3\xB9)") << "a fault, or the private character that Windows has for it";
 }
 
-TEST_F(XmlTest, ReadsLongAndDeepFilesUpToAFaultFarBehind) {
-    std::string expected = "halyrig()";
-    for (int i = 0; i < 3000; ++i) expected += " var(twr=" + std::to_string(i) + ",dfw=x)";
-    EXPECT_EQ(expected, Read(Mapping(3000)));
-    EXPECT_EQ(expected, Read(Mapping(3000) + "<"));
-
-    std::string deep = "<d>", depth = "d()";
-    for (int i = 0; i < 1000; ++i) deep += "<d>", depth += " d()";
-    EXPECT_EQ(depth, Read(deep));
-
+TEST_F(XmlTest, ReadsLongFilesUpToAFaultFarBehindAndNoDeeperThanAnyHonestOne) {
+    std::string bytes = "<halyrig>", outline = "halyrig()", deep;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string number = std::to_string(i);
+        bytes += "\r\n  <var twr=\"" + number + "\" dfw=\"x\" />", outline += " var(twr=" + number + ",dfw=x)";
+    }
+    EXPECT_EQ(outline, Read(bytes + "\r\n</halyrig>"));
+    EXPECT_EQ(outline, Read(bytes + "\r\n</halyrig><"));
     const std::string value(100000, 'v');
     EXPECT_EQ("a(b=" + value + ")", Read("<a b='" + value + "'/>"));
-}
-
-TEST_F(XmlTest, ReadsNoDeeperThanAnyHonestFile) {
-    std::string bytes;
-    for (int i = 0; i < 2 * kDeepestElement; ++i) bytes += "<d>";
-    test_.folder.Write("file.xml", bytes);
-    const auto reader = xml_.OpenReader(path_);
-    ASSERT_NE(nullptr, reader);
-    int elements = 0;
-    for (XmlElement element; reader->Next(element);) ++elements;
-    EXPECT_NEAR(kDeepestElement, elements, 1) << "the systems differ by one";
-}
-
-TEST_F(XmlTest, GivesTheBeginningOfAFileThatIsCutShort) {
-    const std::string whole = Mapping(3);
-    const std::string outline = Read(whole);
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        const std::string part = Read(whole.substr(0, length));
-        EXPECT_EQ(part, outline.substr(0, part.size())) << "cut at " << length;
-    }
-}
-
-TEST_F(XmlTest, SurvivesDamage) {
-    std::mt19937 random(1);
-    for (int round = 0; round < 500; ++round) {
-        std::string bytes = "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>" + Mapping(4);
-        for (unsigned hits = 1 + random() % 4; hits > 0; --hits) {
-            bytes.insert(random() % bytes.size(), bytes.substr(random() % bytes.size(), random() % 40));
-            bytes[random() % bytes.size()] = static_cast<char>(random());
-        }
-        const std::string outline = Read(bytes);
-        EXPECT_TRUE(outline.empty() || outline.ends_with(')')) << "round " << round;
-    }
+    for (int i = 0; i < 2 * kDeepestElement; ++i) deep += "<d>";
+    const std::string read = Read(deep);
+    EXPECT_NEAR(kDeepestElement, std::ranges::count(read, 'd'), 1) << "the systems differ by one";
 }
 
 TEST_F(XmlTest, WritesIndentedLines) {
@@ -206,28 +149,21 @@ TEST_F(XmlTest, WritesIndentedLines) {
         test_.folder.Read("file.xml"));
 }
 
-TEST_F(XmlTest, WritesValuesThatReadBackTheSame) {
+TEST_F(XmlTest, WritesValuesThatReadBackTheSameAndRefusesWhatWouldBeNoXml) {
     if (testing::UnderWine()) GTEST_SKIP() << "Wine's XmlLite writes what it is given";
     const std::u16string value = u"<a href=\"x\">'&amp;' \t\r\n \u00E4\u20AC\xD83D\xDE00</a>";
     const auto writer = xml_.OpenWriter(path_);
-    EXPECT_TRUE(writer->StartElement(u"a") && writer->Attribute(u"b", value) && writer->Finish());
-    const std::string written = test_.folder.Read("file.xml");
-    EXPECT_NE(written.npos, written.find("b=\"&lt;a href=&quot;x&quot;&gt;'&amp;amp;' &#x9;&#xD;&#xA; "));
-    EXPECT_EQ("a(b=" + ToUtf8(value) + ")", ReadBack());
-}
-
-TEST_F(XmlTest, RefusesWhatWouldBeNoXml) {
-    if (testing::UnderWine()) GTEST_SKIP() << "Wine's XmlLite writes what it is given";
-    const auto writer = xml_.OpenWriter(path_);
     EXPECT_FALSE(writer->EndElement());
-    EXPECT_TRUE(writer->StartElement(u"a"));
+    EXPECT_TRUE(writer->StartElement(u"a") && writer->Attribute(u"b", value));
     for (const std::u16string_view text : {u"\u0001", u"\uFFFE", u"\xD800"}) {
         EXPECT_FALSE(writer->Attribute(u"b", text) || writer->Comment(text));
     }
     EXPECT_TRUE(writer->StartElement(u"c") && writer->EndElement());
     EXPECT_FALSE(writer->Attribute(u"late", u"1"));
     EXPECT_TRUE(writer->Finish());
-    EXPECT_EQ("a() c()", ReadBack());
+    const std::string written = test_.folder.Read("file.xml");
+    EXPECT_NE(written.npos, written.find("b=\"&lt;a href=&quot;x&quot;&gt;'&amp;amp;' &#x9;&#xD;&#xA; "));
+    EXPECT_EQ("a(b=" + ToUtf8(value) + ") c()", ReadBack());
 }
 
 TEST_F(XmlTest, NeitherReadsNorWritesWhereNoFileCanBe) {

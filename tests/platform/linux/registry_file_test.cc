@@ -10,8 +10,10 @@
 
 #include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
+#include "platform/linux/registry/registry_text.h"
 #include "platform/paths.h"
 #include "support/test_system.h"
+#include "support/xml_outline.h"
 
 namespace twr {
 namespace {
@@ -32,7 +34,9 @@ protected:
     Registry& registry_ = test_.system->Core().registry;
 };
 
-TEST_F(RegistryFileTest, BeginsAsTheRegistryEditorsExportDoes) {
+TEST_F(RegistryFileTest, BeginsAsTheRegistryEditorsExportDoesAndSeesWhatOthersWrite) {
+    const auto system = testing::SystemOf(test_.Arguments());
+    Registry& other = system->Core().registry;
     ASSERT_TRUE(registry_.Write(kKey, u"Sys_v0", StringValue(u"15.85")) && registry_.Write(kKey, u"Sys_b3", DwordValue(1)));
     EXPECT_EQ(
         "Windows Registry Editor Version 5.00\r\n\r\n"
@@ -42,14 +46,8 @@ TEST_F(RegistryFileTest, BeginsAsTheRegistryEditorsExportDoes) {
         test_.folder.Read(kFile));
     EXPECT_EQ(0600u, ModeOf(kFile));
     EXPECT_EQ(0700u, ModeOf("config"));
-}
-
-TEST_F(RegistryFileTest, SeesWhatOthersWriteMeanwhile) {
-    const auto system = testing::SystemOf(test_.Arguments());
-    Registry& other = system->Core().registry;
-    ASSERT_TRUE(registry_.Write(kKey, u"a", DwordValue(1)));
-    ASSERT_TRUE(other.Write(kKey, u"a", DwordValue(2)) && other.Write(kKey, u"b", DwordValue(3)));
-    EXPECT_EQ(DwordValue(2), registry_.Read(kKey, u"a"));
+    ASSERT_TRUE(other.Write(kKey, u"Sys_b3", DwordValue(2)) && other.Write(kKey, u"b", DwordValue(3)));
+    EXPECT_EQ(DwordValue(2), registry_.Read(kKey, u"Sys_b3"));
     ASSERT_TRUE(registry_.Write(kKey, u"c", DwordValue(4)));
     EXPECT_EQ(DwordValue(3), other.Read(kKey, u"b"));
 }
@@ -142,6 +140,112 @@ TEST_F(RegistryFileTest, AFileNotToBeWrittenStaysAsItIs) {
     EXPECT_EQ(DwordValue(1), registry_.Read(kKey, u"a"));
     EXPECT_FALSE(registry_.Write(kKey, u"a", DwordValue(2)));
     EXPECT_EQ(DwordValue(1), registry_.Read(kKey, u"a"));
+}
+
+// The text of the file.
+
+const std::u16string kFullKey = u"HKEY_CURRENT_USER\\Software\\Tidewright\\core";
+const std::string kSection = "[HKEY_CURRENT_USER\\Software\\Tidewright\\core]\n";
+
+TEST(RegistryText, GivesAValueOrTheLineThatIsMeantForItAndCantBeRead) {
+    constexpr auto kNone = std::nullopt;
+    struct Row {
+        std::string lines;  // the section is line 1
+        std::optional<RegistryValue> value;
+        std::size_t damaged = 0;  // 0: none
+    };
+    std::vector<Row> rows = {
+        {"\"a\"=\"15.85\"", StringValue(u"15.85")},
+        {"\"A\"=\"x\"\r\n", StringValue(u"x")},
+        {"  \"a\" = \t\"x\" \n", StringValue(u"x")},
+        {"\"a\"=\"C:\\\\x \\\"y\\\"\"\n", StringValue(u"C:\\x \"y\"")},
+        {"\"a\"=\"C:\\x\"\n", StringValue(u"C:\\x")},
+        {"\"a\"=\"one\r\ntwo\n[three]\"\n", StringValue(u"one\r\ntwo\n[three]")},
+        {"\"a\"=\"\xC3\xA4\xF0\x9F\x98\x80\"\n", StringValue(u"\u00E4\xD83D\xDE00")},
+        {"\"a\"=dword:FEdc\n", DwordValue(0xFEDC)},
+        {"\"a\"=hex:\n", RegistryValue{kRegistryBinary, {}}},
+        {"\"a\"=hex:0a,B,ff\n", RegistryValue{kRegistryBinary, {0x0A, 0x0B, 0xFF}}},
+        {"\"a\"=hex(2):25,00,\\\r\n  00,00\r\n", RegistryValue{kRegistryExpandString, {0x25, 0, 0, 0}}},
+        {"\"a\"=hex(1):61,00,\\ \n\t\\\n62\n", RegistryValue{kRegistryString, {0x61, 0, 0x62}}},
+        {"\"a\"=hex(ffff0012):01\n", RegistryValue{0xFFFF0012, {1}}},
+        {"\"a\"=dword:1 ; a remark\r\n", DwordValue(1)},
+        {"\"a\"=\"x;y\";z", StringValue(u"x;y")},
+        {"\"a\"=hex:01,02\t; [x]\n", RegistryValue{kRegistryBinary, {1, 2}}},
+        {"[x] ; another key\n" + kSection.substr(0, kSection.size() - 1) + " ; see [x]\n\"a\"=dword:2", DwordValue(2)},
+        {"\"a\"=dword:1\n\"a\"=dword:2\n", DwordValue(2)},
+        {"\"a\"=dword:1\n\"b\"=\"open\n\"c\"=dword:3\n", DwordValue(1)},
+        {"", kNone},
+        {"\"a\"=dword:1\n\"a\"=- ; gone\n", kNone},
+        {";\"a\"=\"x\"\n", kNone},
+        {"\"a\"=dword:1\n[-HKEY_CURRENT_USER\\software]\n", kNone},
+        {"\"a\"", kNone, 2},
+        {"\n\"b\"=\"x\ny\"\n\n \"A\"=dword:1x\n", kNone, 6},
+        {"\"a\" dword:1\n", kNone, 2},
+        {" a = dword:1\n", kNone, 2},
+        {"\"a\"=dword:1\n\"a\"=x", DwordValue(1), 3},
+        {"\"a\"=x\n\"a\"=dword:1\n", DwordValue(1)},
+        {"\"b\"=x\n;a=x\n[x]\n\"a\"=x\n", kNone},
+        {"\"a\"=x\n[-HKEY_CURRENT_USER\\Software]\n", kNone},
+    };
+    for (const char* value : {"", "x", "\"open", "\"x\"y", "dword:", "dword:100000000", "dword:-1", "dword:1x", "hex:0g", "hex:100",
+                              "hex:01 02", "hex:01,\\x", "hex():01", "hex(100000000):01"}) {
+        rows.push_back({"\"a\"=" + std::string(value) + "\n", kNone, 2});
+    }
+    for (const char* key : {"HKEY_CURRENT_USER\\Software]", "HKEY_LOCAL_MACHINE\\Software\\Tidewright\\core]", "damaged", "]"}) {
+        rows.push_back({"[" + std::string(key) + "\n\"a\"=dword:1\n", kNone});
+    }
+    for (const auto& row : rows) {
+        const RegistryText text(kSection + row.lines);
+        EXPECT_EQ(row.value, text.Find(kFullKey, u"a")) << row.lines;
+        EXPECT_EQ(row.damaged, text.DamagedLine(kFullKey, u"a").value_or(0)) << row.lines;
+    }
+}
+
+TEST(RegistryText, ReadsUtf16WithItsMarkAndUtf8WithAndWithoutIts) {
+    const std::u16string text = u"Windows Registry Editor Version 5.00\r\n\r\n[" + kFullKey + u"]\r\n@=\"\u00E4\"\r\n";
+    for (const std::string& form : {ToUtf8(text), ToUtf8(u"\uFEFF" + text), testing::Utf16Bytes(u"\uFEFF" + text, false),
+                                    testing::Utf16Bytes(u"\uFEFF" + text, true)}) {
+        RegistryText registry(form);
+        EXPECT_EQ(StringValue(u"\u00E4"), registry.Find(kFullKey, u""));
+        EXPECT_TRUE(registry.Bytes().ends_with(ToUtf8(text)));
+    }
+}
+
+TEST(RegistryText, KnowsWhichKeysAreThere) {
+    const RegistryText text("[U\\A\\B]\n[U\\C\\D]\n[-U\\C]\n[U\\Cx]\n");
+    for (const char16_t* key : {u"U\\A\\B", u"u\\a", u"U\\Cx"}) EXPECT_TRUE(text.HasKey(key)) << ToUtf8(key);
+    for (const char16_t* key : {u"U\\A\\B\\C", u"U\\C", u"U\\C\\D", u""}) EXPECT_FALSE(text.HasKey(key)) << ToUtf8(key);
+}
+
+TEST(RegistryText, SetsAValueAndKeepsAllElse) {
+    const std::string before = "Windows Registry Editor Version 5.00\n\n; a comment\n" + kSection +
+                               "\"other\"=hex(7):61,00,\\\n  00,00\nnonsense \xFF\n\"a\"=\"old\"\n\n";
+    const std::string behind = "[U\\Gone]\n[-U\\Gone]\n[U\\Other]\n\"a\"=dword:00000007 ; it\n\"gone\"=-";
+    const struct {
+        std::u16string key, name;
+        std::string expected;
+    } rows[] = {
+        {kFullKey, u"A", before.substr(0, before.find("\"a\"=")) + "\"A\"=dword:00000002\n\n" + behind},
+        {kFullKey, u"b", before.substr(0, before.size() - 1) + "\"b\"=dword:00000002\n\n" + behind},
+        {u"U\\other", u"a", before + behind.substr(0, behind.find("dword:00000007")) + "dword:00000002 ; it\n\"gone\"=-"},
+        {u"U\\other", u"gone", before + behind + "\n\"gone\"=dword:00000002\n"},
+        {u"U\\New", u"", before + behind + "\n\n[U\\New]\n@=dword:00000002\n"},
+        {u"U\\Gone", u"", before + behind + "\n\n[U\\Gone]\n@=dword:00000002\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(ToUtf8(row.key + u" " + row.name));
+        RegistryText text(before + behind);
+        text.Set(row.key, row.name, DwordValue(2));
+        EXPECT_EQ(row.expected, text.Bytes());
+        EXPECT_EQ(DwordValue(2), text.Find(row.key, row.name));
+    }
+}
+
+TEST(RegistryText, WrapsLongBytesAsTheRegistryEditorDoes) {
+    RegistryText text(kSection);
+    text.Set(kFullKey, u"a", RegistryValue{kRegistryBinary, std::vector<std::uint8_t>(49, 0x11)});
+    const std::string five = "11,11,11,11,11,", twenty = five + five + five + five;
+    EXPECT_EQ(kSection + "\"a\"=hex:" + twenty + "11,11,11,\\\n  " + twenty + five + "\\\n  11\n", text.Bytes());
 }
 
 }  // namespace

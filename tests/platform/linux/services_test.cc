@@ -1,0 +1,273 @@
+// What the small services of Linux do with its environment, signals, zones and terminals.
+#include "platform/linux/services.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "base/version.h"
+#include "base/wide_text.h"
+#include "platform/linux/signal_queue.h"
+#include "platform/linux/timers.h"
+#include "support/child_process.h"
+#include "support/linux/environment_variable.h"
+#include "support/linux/pseudo_terminal.h"
+#include "support/scripted_dialog.h"
+#include "support/test_system.h"
+
+namespace twr::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+const Role kSize("console size", [](const std::vector<std::string>&) {
+    const auto size = MakeConsole()->Size();
+    std::printf("%s\n", size ? (std::to_string(size->columns) + "x" + std::to_string(size->rows)).c_str() : "no pictures");
+    std::fflush(stdout);
+    return getchar() == 'q' ? 0 : 1;
+});
+
+// Asks for signals only while its output is held up.
+const Role kTicking("console ticking", [](const std::vector<std::string>&) {
+    const auto console = MakeConsole();
+    Output output = console->Wait(0) ? Output::kWritten : Output::kRefused;
+    while (output == Output::kWritten) output = console->Write("tick ", [&] { return console->Wait(0); });
+    return output == Output::kGivenUp ? 0 : 1;
+});
+
+TEST(PosixConsole, EndsByASignalWhileItsTerminalIsHeld) {
+    PseudoTerminal terminal("console ticking", {});
+    ASSERT_TRUE(terminal.Shows("tick"));
+    terminal.Type("\x13");  // Ctrl-S
+    terminal.Signal(SIGTERM);
+    EXPECT_EQ(0, terminal.Wait());
+}
+
+TEST(PosixConsole, DrawsOnlyOnATerminalThatTakesPictures) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"TERM=xterm", "80x24"}, {"TERM=dumb", "no pictures"}, {"TERM=", "no pictures"}};
+    for (const auto& [term, shown] : rows) EXPECT_TRUE(PseudoTerminal("console size", {}, {term}).Shows(shown)) << term;
+}
+
+// The part of a zone's rule that puts daylight time into force on the day that lies this many days from today, and ends it on
+// another.
+std::string Rule(int startFromToday, int endFromToday) {
+    const std::time_t now = std::time(nullptr);
+    std::tm today{};
+    gmtime_r(&now, &today);
+    const auto day = [&](int fromToday) { return ",J" + std::to_string((today.tm_yday + fromToday + 365) % 365 + 1); };
+    return day(startFromToday) + day(endFromToday);
+}
+
+TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
+    const TestSystem test;
+    const std::string on = Rule(-60, 60), off = Rule(60, -60);
+    const struct {
+        std::string zone;
+        std::int32_t bias, daylightBias;
+        bool daylight;
+    } rows[] = {
+        {"UTC", 0, 0, false},
+        {"CET-1", -60, 0, false},
+        {"<-0330>3:30", 210, 0, false},
+        {"EST5EDT" + on, 300, -60, true},
+        {"EST5EDT" + off, 300, -60, false},
+        {"<+1030>-10:30<+11>-11" + on, -630, -30, true},
+        {"IST-1GMT0" + on, -60, 60, true},
+        {"EST5EDT,J1/0,J365/25", 300, -60, true},
+    };
+    for (const auto& row : rows) {
+        const EnvironmentVariable zone("TZ", row.zone.c_str());
+        const auto state = test.system->Core().zone.Now();
+        EXPECT_TRUE(state && row.daylight == state->daylight && row.bias == state->bias && row.daylightBias == state->daylightBias)
+            << row.zone;
+    }
+    for (const char* name : {"Nowhere/Atlantis", "/dev/null", "x", "12", "<+03"}) {
+        const EnvironmentVariable zone("TZ", name);
+        EXPECT_FALSE(test.system->Core().zone.Now()) << name;
+    }
+    if (!fs::exists("/usr/share/zoneinfo")) GTEST_SKIP() << "no zone data on this machine";
+    for (const char* name : {"Europe/Dublin", "Australia/Lord_Howe", "America/St_Johns", "Africa/Casablanca", ":Europe/Paris"}) {
+        const EnvironmentVariable zone("TZ", name);
+        const auto state = test.system->Core().zone.Now();
+        ASSERT_TRUE(state) << name;
+        const std::time_t now = std::time(nullptr);
+        std::tm local{};
+        localtime_r(&now, &local);
+        EXPECT_EQ(-local.tm_gmtoff, 60 * (state->bias + (state->daylight ? state->daylightBias : 0))) << name;
+        EXPECT_EQ(local.tm_isdst > 0, state->daylight) << name;
+    }
+}
+
+TEST(UserRoots, FollowTheEnvironment) {
+    const std::string user = std::to_string(geteuid()), session = "/run/user/" + user;
+    const std::string always = (fs::exists(session) ? session + ' ' : "") + "/tmp-" + user + ' ';
+    const struct {
+        const char *home, *config, *data, *runtime;
+        std::string expected;
+    } rows[] = {
+        {"/h", nullptr, nullptr, nullptr, "/h/.config/tidewright/registry.reg /h/.local/share " + always},
+        {"/h", "/c", "/d", "/dev", "/c/tidewright/registry.reg /d /dev " + always},
+        {"/h", "relative", "", "/no/such/folder", "/h/.config/tidewright/registry.reg /h/.local/share " + always},
+    };
+    for (const auto& row : rows) {
+        const EnvironmentVariable home("HOME", row.home), config("XDG_CONFIG_HOME", row.config);
+        const EnvironmentVariable data("XDG_DATA_HOME", row.data), runtime("XDG_RUNTIME_DIR", row.runtime);
+        const Roots roots = UserRoots();
+        std::string all = ToUtf8(roots.namePrefix + roots.registry + u' ' + roots.programData) + ' ';
+        for (const LockPlace& place : roots.locks) all += ToUtf8(place.folder + place.tag) + ' ';
+        EXPECT_EQ(row.expected, all);
+    }
+    const EnvironmentVariable homeless("HOME", nullptr), data("XDG_DATA_HOME", nullptr);
+    EXPECT_TRUE(UserRoots().programData.ends_with(u"/.local/share")) << "from the list of users";
+}
+
+// Two starts of one user whose environments name different folders have one place in common.
+TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
+    const struct {
+        const char* what;
+        std::function<void(const fs::path&)> plant;  // at the file in the common folder
+        const char* told;
+        bool second;  // may start too
+    } rows[] = {
+        {"nothing there", [](const auto&) {}, "", false},
+        {"a link", [](const auto& path) { fs::create_symlink("/dev/null", path); }, "it is a link", true},
+        {"a folder", [](const auto& path) { fs::create_directory(path); }, "Is a directory", true},
+        {"a file of another user's",
+         [](const auto& path) {
+             std::ofstream(path).put('x');
+             if (chown(path.c_str(), 12345, 12345) != 0) fs::remove(path);  // only root can plant it
+         },
+         geteuid() == 0 ? "it belongs to another user" : "", geteuid() == 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const TempFolder folder;
+        for (const char* name : {"a", "b", "common"}) fs::create_directory(folder.Path() / name);
+        const auto system = [&](const char* own) {
+            Roots roots = TestRoots("x", folder.Text());
+            roots.namePrefix.clear();
+            roots.locks = {{folder.File(own)}, {folder.File("a/../common"), u"-7"}, {folder.File("common"), u"-7"}};
+            return MakeSystem(roots);
+        };
+        row.plant(folder.Path() / "common/halyrig-7.lock");
+        auto first = system("a");
+        ::testing::internal::CaptureStderr();
+        EXPECT_TRUE(first->GetInstance().Claim(u"Halyrig"));
+        const std::string told = ::testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(told.empty() == !*row.told && told.find(row.told) != told.npos) << told;
+        EXPECT_TRUE(fs::exists(folder.Path() / "a/halyrig.lock"));
+        ::testing::internal::CaptureStderr();
+        EXPECT_FALSE(system("a")->GetInstance().Claim(u"Halyrig"));
+        EXPECT_EQ(row.second, system("b")->GetInstance().Claim(u"Halyrig"));
+        first.reset();
+        EXPECT_TRUE(system("b")->GetInstance().Claim(u"Halyrig"));
+        ::testing::internal::GetCapturedStderr();
+    }
+}
+
+TEST(Executable, HasTheVersionOfTheBuild) {
+    const TestSystem test;
+    std::string text;
+    const auto version = test.system->GetExecutable().FileVersion().value();
+    for (const auto part : version) text += std::to_string(part) + '.';
+    EXPECT_EQ(HALYRIG_VERSION ".0.", text);
+}
+
+class HeadlessDesktopTest : public ::testing::Test {
+protected:
+    // A dialog that asks before it closes, whose events are given with the answers and the number of ticks.
+    std::string Run(std::function<void()> onInit, std::function<void()> onTimer = {}) {
+        dialog_ = {};
+        dialog_.onInit = std::move(onInit);
+        dialog_.onTimer = std::move(onTimer);
+        dialog_.onCancel = [this] {
+            const BoxAnswer answer = desktop_->ShowBox(u"Exit?", u"Test", BoxButtons::kYesNo, BoxIcon::kQuestion);
+            dialog_.events.push_back(answer == BoxAnswer::kYes ? "yes" : "no");
+            if (answer == BoxAnswer::kYes) End();
+        };
+        ::testing::internal::CaptureStderr();
+        desktop_->RunDialog({1, u"Test", 0, 0, {}}, dialog_);
+        errors_ = ::testing::internal::GetCapturedStderr();
+        std::string events;
+        for (const std::string& event : dialog_.events) events += event + ' ';
+        return events + std::to_string(dialog_.ticks);
+    }
+    void End() { dialog_.window->End(DialogResult::kOk); }
+
+    std::unique_ptr<Desktop> desktop_ = MakeHeadlessDesktop();
+    ScriptedDialog dialog_;
+    std::string errors_;
+};
+
+TEST_F(HeadlessDesktopTest, TakesSignalsForAClosingThatIsMeantAndNoneEndsTheProcess) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU}) {
+        EXPECT_EQ("init cancel yes destroy 0", Run([number] { raise(number); })) << number;
+        EXPECT_EQ("Test: Exit?\n", errors_);
+    }
+    EXPECT_EQ("init destroy 0", Run([this] { End(), raise(SIGTERM); })) << "a repeated one";
+    // From the moment that a dialog is expected they wait for it, and behind it for the end of the desktop.
+    desktop_->ExpectDialog();
+    raise(SIGTERM);
+    EXPECT_EQ("init cancel yes destroy 0", Run({}));
+    raise(SIGTERM);
+    desktop_.reset();
+    sigset_t blocked;
+    ASSERT_EQ(0, sigprocmask(SIG_BLOCK, nullptr, &blocked));
+    for (const int number : kCloseSignals) EXPECT_FALSE(sigismember(&blocked, number)) << number;
+}
+
+TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEndsAndKeepsWhatItsControlsShow) {
+    const auto tick = [this] { EXPECT_EQ(1u, dialog_.window->StartTimer(1, 1)); };
+    EXPECT_EQ("init destroy 3", Run(tick, [this] {
+                  if (dialog_.ticks == 3) End();
+              }));
+    EXPECT_EQ("init destroy 1", Run(tick, [this] { desktop_->PostQuit(); }));
+    desktop_->PostQuit();
+    EXPECT_EQ("init destroy 0", Run(tick)) << "it opens and ends at once";
+
+    const auto three = [this] {
+        for (const std::uintptr_t id : {1u, 2u, 3u}) dialog_.window->StartTimer(id, 1);
+        dialog_.window->StopTimer(1);
+    };
+    const auto stopped = [this] {
+        for (const std::uintptr_t id : {2u, 3u}) dialog_.window->StopTimer(id);
+        dialog_.window->PostClose();
+        raise(SIGTERM);
+    };
+    EXPECT_EQ("init cancel no cancel yes destroy 1", Run(three, stopped)) << "nobody answers a closing without a signal";
+
+    EXPECT_EQ("init text 1000 text 1000 destroy 0", Run([this] {
+                  DialogWindow& window = *dialog_.window;
+                  EXPECT_EQ(u"", window.Text(1000));
+                  for (int time = 0; time < 2; ++time) window.SetText(1000, u"/opt");
+                  window.SetChecked(1001, true);
+                  EXPECT_TRUE(window.Text(1000) == u"/opt" && window.Checked(1001) && !window.Checked(1002));
+                  End();
+              }));
+}
+
+TEST(TimersTest, KeepTheBeatAndLeaveOutWhatWasMissed) {
+    using namespace std::chrono_literals;
+    const Steady::time_point begin{};
+    Timers timers;
+    timers.Start(1, 100, begin);
+    const struct {
+        std::chrono::milliseconds now, next;
+        int raised;
+    } rows[] = {{0ms, 100ms, 0}, {99ms, 100ms, 0}, {100ms, 200ms, 1}, {230ms, 300ms, 1}, {299ms, 300ms, 0}, {1000ms, 1100ms, 1}};
+    for (const auto& row : rows) {
+        int raised = 0;
+        timers.RaiseDue(begin + row.now, [&](std::uintptr_t) { ++raised; });
+        EXPECT_EQ(row.raised, raised) << row.now.count();
+        EXPECT_EQ(begin + row.next, timers.NextDue(begin + row.now)) << row.now.count();
+    }
+}
+
+}  // namespace
+}  // namespace twr::testing

@@ -1,0 +1,99 @@
+// The small services of a system: its clock, arguments, console, instance and libraries.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "platform/paths.h"
+#include "support/child_process.h"
+#include "support/test_system.h"
+
+namespace twr::testing {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+constexpr int kGivenUp = 7;
+const int inThisProgram = 0;
+
+// The main of the test programs gives a role what the system's arguments are.
+const Role echo("echo arguments", [](const Arguments& arguments) {
+    for (const std::string& argument : arguments) std::printf("%s\n", argument.c_str());
+    return 0;
+});
+
+// More than any pipe takes, to a reader who does not read.
+const Role unread("unread", [](const Arguments&) {
+    int asked = 0;
+    const Output output = MakeSystem({})->GetConsole().Write(std::string(1 << 20, 'x'), [&] { return ++asked < 2; });
+    return output == Output::kGivenUp && asked == 2 ? kGivenUp : 1;
+});
+
+const Role claim("claim", [](const Arguments& arguments) {
+    const auto system = SystemOf(arguments);
+    std::cout << (system->GetInstance().Claim(u"Halyrig") ? "claimed" : "refused") << std::endl;
+    std::cin.get();
+    return 0;
+});
+
+TEST(Clock, CountsTicksOf100NanosecondsSince1970) {
+    using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
+    constexpr std::chrono::milliseconds kGrain(16);  // of the coarsest clock of either system
+    const TestSystem test;
+    const auto before = std::chrono::system_clock::now();
+    const Ticks ticks(test.system->Core().clock.Ticks());
+    EXPECT_GE(ticks, before.time_since_epoch() - kGrain);
+    EXPECT_LE(ticks, std::chrono::system_clock::now().time_since_epoch() + kGrain);
+}
+
+TEST(ProgramArguments, ComeInUtf8AndUndivided) {
+    const Arguments given{"Gr\u00F6\u00DFe", "\u98A8", "Tm on S", "", R"(a\"b\)", "*"};
+    const auto child = StartRole("echo arguments", given);
+    for (const std::string& argument : given) EXPECT_EQ(argument, child->ReadLine());
+}
+
+TEST(Console, GivesUpOnOutputThatNobodyTakesAndTheProcessEnds) { EXPECT_EQ(kGivenUp, StartRole("unread", {})->Wait()); }
+
+TEST(Instance, IsOneUntilItsProcessHasGone) {
+    const TestSystem test;
+    const auto first = StartRole("claim", test.Arguments());
+    ASSERT_EQ("claimed", first->ReadLine());
+    EXPECT_EQ("refused", StartRole("claim", test.Arguments())->ReadLine());
+    EXPECT_FALSE(test.system->GetInstance().Claim(u"Halyrig"));
+    EXPECT_TRUE(test.system->GetInstance().Claim(u"Other"));
+    first->Kill();
+    first->Wait();
+    EXPECT_EQ("claimed", StartRole("claim", test.Arguments())->ReadLine());
+}
+
+TEST(Library, GivesItsExportsAndHarmsNothingWhereItIsNone) {
+    const TestSystem test;
+    const std::u16string path = JoinPath(ModuleFolder(&inThisProgram), u"loadable" + std::u16string(kLibrarySuffix));
+    const auto library = test.system->GetLibraries().Load(path);
+    ASSERT_NE(nullptr, library);
+    void* const found = library->Find("Answer");
+    ASSERT_NE(nullptr, found);
+    EXPECT_EQ(42, reinterpret_cast<int (*)()>(found)());
+    EXPECT_EQ(nullptr, library->Find("answer"));
+    EXPECT_EQ(ModuleFolder(&inThisProgram), ModuleFolder(found));
+    EXPECT_EQ(u"", ModuleFolder(nullptr)) << "an address in no module";
+
+    for (const auto& none : {std::u16string(), std::u16string(u"libc.so.6"),  // where the system would search for it
+                             test.folder.Text(), test.folder.File("missing.so"), test.folder.Write("text.so", "no library\n")}) {
+        EXPECT_EQ(nullptr, test.system->GetLibraries().Load(none)) << ::testing::PrintToString(none);
+    }
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    const std::string whole{std::istreambuf_iterator<char>(file), {}};
+    for (std::size_t part = 0; part < 160; ++part) {
+        // What is cut may be no more than what only a debugger reads, so some of these do load.
+        const auto cut = test.folder.Write("cut" + std::to_string(part), whole.substr(0, whole.size() * part / 160));
+        const auto loaded = test.system->GetLibraries().Load(cut);
+        EXPECT_TRUE(!loaded || (part > 80 && loaded->Find("Answer"))) << part;
+    }
+}
+
+}  // namespace
+}  // namespace twr::testing
