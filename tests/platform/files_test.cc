@@ -46,7 +46,7 @@ TEST_F(FilesTest, AreReadWrittenCopiedRenamedAndRemoved) {
          false},
         {"rename over an older one", [&] { return files_.Rename(from, to); }, "none", bytes + "tail"},
         {"rename none", [&] { return files_.Rename(from, to); }, "none", bytes + "tail", false},
-        {"remove", [&] { return files_.Remove(to), files_.Exists(to); }, "none", "none", false},
+        {"remove", [&] { return reader.reset(), files_.Remove(to), files_.Exists(to); }, "none", "none", false},
         {"remove none", [&] { return files_.Remove(to), files_.Exists(to); }, "none", "none", false},
     };
     for (const auto& row : rows) {

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <thread>
 
 #include "base/version.h"
@@ -25,6 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::u16string_view kSettings = u"Software\\Tidewright\\Halyrig32\\settings";
+constexpr const char* kDeckman = "Deckm\xC3\xA4n";
 constexpr auto kPatience = std::chrono::seconds(20);
 
 // Other processes take their time; a test waits for what it wants to see, and fails when it never comes.
@@ -41,42 +44,33 @@ class ProductTest : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!UnderWine()) GTEST_SKIP() << "would touch the settings of the user";
-        Lay("Deckman");
-        SaveFolder(folder.File("Deckman"));
+        Lay(kDeckman);
+        registry().Write(kSettings, u"DfwFolder", StringValue(folder.File(kDeckman)));
         for (const char16_t* name : {u"DfwTags", u"DfwTrue", u"DfwDepth", u"DfwTimer"}) {
             registry().Write(kSettings, name, DwordValue(0));
         }
-        WriteMapping("<var twr='5' dfw='TWS'/><var twr='17' dfw='DEPTH'/>");
+        WriteData("instruments/halyrig.xml", "<halyrig><var twr='5' dfw='TWS'/><var twr='17' dfw='DEPTH'/></halyrig>");
     }
 
-    void TearDown() override {
-        guest.reset();
-        program.reset();
-    }
+    void TearDown() override { guest.reset(), program.reset(); }
 
     Registry& registry() { return system->Core().registry; }
-    void SaveFolder(const std::u16string& path) { registry().Write(kSettings, u"DfwFolder", StringValue(path)); }
-    std::optional<std::uint32_t> Saved(std::u16string_view name) { return DwordOf(registry().Read(kSettings, name)); }
 
     // Puts the stand-in for Deckman into a folder.
     void Lay(const std::string& name) {
         folder.Write(name + "/Data/J_vars06.d", "");
-        const fs::path bin = fs::path(OwnProgram()).parent_path().parent_path() / "bin";
-        fs::copy(bin / "ShDfW2.dll", folder.Path() / name);
-        fs::copy(bin / "Data" / "J_vars06.d", folder.Path() / name / "Data", fs::copy_options::overwrite_existing);
+        fs::copy(bin / "ShDfW2.dll", fs::path(folder.File(name)));
+        fs::copy(bin / "Data" / "J_vars06.d", fs::path(folder.File(name)) / "Data", fs::copy_options::overwrite_existing);
     }
 
-    void WriteMapping(const std::string& elements) {
-        const fs::path data = fs::path(UserRoots().programData) / "Tidewright" / "instruments";
-        fs::create_directories(data);
-        std::FILE* file = _wfopen((data / "halyrig.xml").c_str(), L"wb");
-        std::fprintf(file, "<halyrig>%s</halyrig>", elements.c_str());
-        std::fclose(file);
+    // A file among those of the suite.
+    static fs::path DataFile(const char* name) { return fs::path(UserRoots().programData) / "Tidewright" / name; }
+    static void WriteData(const char* name, const std::string& text) {
+        fs::create_directories(DataFile(name).parent_path());
+        std::ofstream(DataFile(name), std::ios::binary) << text;
     }
 
-    static std::unique_ptr<ChildProcess> Launch() {
-        return StartProgram((fs::path(OwnProgram()).parent_path().parent_path() / "bin" / "Halyrig32.exe").string(), {});
-    }
+    std::unique_ptr<ChildProcess> Launch() const { return StartProgram((bin / "Halyrig32.exe").string(), {}); }
 
     // Starts it, and waits until its window is open and it holds the record.
     void Start() {
@@ -97,10 +91,7 @@ protected:
         EXPECT_EQ(0, program->Wait());
         guest.reset();
     }
-    void Quit() {
-        RequestQuit();
-        ExpectEnd();
-    }
+    void Quit() { RequestQuit(), ExpectEnd(); }
 
     // The channel is published anew.
     bool Lives(ChannelId channel) {
@@ -114,20 +105,13 @@ protected:
         return *box;
     }
 
+    const fs::path bin = fs::path(OwnProgram()).parent_path().parent_path() / "bin";
     TempFolder folder;
     std::unique_ptr<System> system = MakeSystem(UserRoots());
     std::unique_ptr<ChildProcess> program;
     std::unique_ptr<CCore> guest;
     std::optional<WindowProbe> window;
 };
-
-TEST_F(ProductTest, OpensWithTheStoredSettings) {
-    registry().Write(kSettings, u"DfwTrue", DwordValue(1));
-    Start();
-    EXPECT_EQ(folder.File("Deckman"), window->Text(kFolderField));
-    for (const int box : {kDepthCheck, kNamesCheck, kTimerCheck, kTrueCheck}) EXPECT_EQ(box == kTrueCheck, window->Checked(box));
-    Quit();
-}
 
 TEST_F(ProductTest, HoldsItsRecordSoonAfterItsStart) {
     constexpr std::chrono::milliseconds kSoon(300);
@@ -145,16 +129,31 @@ TEST_F(ProductTest, HoldsItsRecordSoonAfterItsStart) {
     EXPECT_LT(best.count(), kSoon.count()) << "on a busy machine it takes a few starts, but not twenty";
 }
 
-TEST_F(ProductTest, PublishesWhatDeckmanReadsAndHeedsAClick) {
+TEST_F(ProductTest, OpensWithTheStoredSettingsPublishesWhatDeckmanReadsAndHeedsAClick) {
+    registry().Write(kSettings, u"DfwTrue", DwordValue(1));
     Start();
+    EXPECT_EQ(folder.File(kDeckman), window->Text(kFolderField));
+    for (const int box : {kDepthCheck, kNamesCheck, kTimerCheck, kTrueCheck}) EXPECT_EQ(box == kTrueCheck, window->Checked(box));
     ASSERT_TRUE(Lives(kTws));
-    EXPECT_GT(Own(kTws), 1.0);
-    EXPECT_LT(Own(kTws), 40.0);
+    EXPECT_TRUE(Own(kTws) > 1.0 && Own(kTws) < 40.0) << Own(kTws);
     const double feet = Own(kDepth);
     window->PostPress(kDepthCheck);
     EXPECT_TRUE(Until([&] { return Own(kDepth) < feet / 2; })) << "metres from the next tick on";
     window->PostPress(kDepthCheck);
     EXPECT_TRUE(Until([&] { return Own(kDepth) > feet / 2; }));
+
+    ShowWindow(window->Handle(), SW_MINIMIZE);
+    ASSERT_TRUE(Until([&] { return IsIconic(window->Handle()) != FALSE; }));
+    EXPECT_EQ(0, Launch()->Wait());
+    EXPECT_TRUE(Until([&] { return IsIconic(window->Handle()) == FALSE; })) << "a second start brings the first forward";
+
+    PostMessageW(window->Handle(), WM_SYSCOMMAND, 16, 0);
+    const WindowProbe about = Box();
+    EXPECT_EQ(u"About Halyrig32", about.Caption());
+    EXPECT_TRUE(about.Text(-1).starts_with(u"Halyrig32 v" + FromBytes(HALYRIG_VERSION) + u"\n\n"));
+    about.PostPress(IDOK);
+    EXPECT_TRUE(Until([&] { return !window->Popup(); }));
+    EXPECT_TRUE(Lives(kTws));
     Quit();
 }
 
@@ -171,15 +170,7 @@ TEST_F(ProductTest, SavesTheSettingsOfTheRunOnlyWhenItShould) {
         {"window closed, Yes", [&] { window->PostClose(); }, IDYES, true, false},
         {"Esc, Yes", [&] { PostMessageW(window->Handle(), WM_COMMAND, IDCANCEL, 0); }, IDYES, true, false},
         {"asked to quit", [&] { RequestQuit(); }, {}, true, true},
-        {"asked to quit while it asks",
-         [&] {
-             window->PostPress(kCloseButton);
-             Box();
-             RequestQuit();
-         },
-         {},
-         true,
-         true},
+        {"asked to quit while it asks", [&] { window->PostPress(kCloseButton), Box(), RequestQuit(); }, {}, true, true},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -191,6 +182,7 @@ TEST_F(ProductTest, SavesTheSettingsOfTheRunOnlyWhenItShould) {
         if (row.answer) {
             const WindowProbe box = Box();
             EXPECT_EQ(u"Halyrig32", box.Caption());
+            EXPECT_FALSE(IsWindowEnabled(window->Handle()));
             EXPECT_TRUE(Lives(kTws)) << "ticks go on while it asks";
             box.PostPress(*row.answer);
         }
@@ -201,19 +193,8 @@ TEST_F(ProductTest, SavesTheSettingsOfTheRunOnlyWhenItShould) {
             continue;
         }
         ExpectEnd();
-        EXPECT_EQ(row.saves ? 1u : 0u, Saved(u"DfwTags"));
+        EXPECT_EQ(row.saves ? 1u : 0u, DwordOf(registry().Read(kSettings, u"DfwTags")));
     }
-}
-
-TEST_F(ProductTest, ASecondInstanceBringsTheFirstForward) {
-    Start();
-    ShowWindow(window->Handle(), SW_MINIMIZE);
-    ASSERT_TRUE(Until([&] { return IsIconic(window->Handle()) != FALSE; }));
-    const auto second = Launch();
-    EXPECT_EQ(0, second->Wait());
-    EXPECT_TRUE(Until([&] { return IsIconic(window->Handle()) == FALSE; }));
-    EXPECT_TRUE(Lives(kTws));
-    Quit();
 }
 
 TEST_F(ProductTest, SwapsTheDeckmanFolderWhileItRuns) {
@@ -228,31 +209,15 @@ TEST_F(ProductTest, SwapsTheDeckmanFolderWhileItRuns) {
     Lay("Second");
     window->SetText(kFolderField, folder.File("Second"));
     EXPECT_TRUE(Lives(kTws));
-    EXPECT_TRUE(fs::remove(folder.Path() / "Deckman" / "ShDfW2.dll")) << "the former library has been freed";
+    EXPECT_TRUE(fs::remove(fs::path(folder.File(kDeckman)) / "ShDfW2.dll")) << "the former library has been freed";
     Quit();
     EXPECT_EQ(folder.File("Second"), TextOf(registry().Read(kSettings, u"DfwFolder")));
 }
 
-TEST_F(ProductTest, TellsItsVersionFromTheWindowsMenu) {
-    Start();
-    PostMessageW(window->Handle(), WM_SYSCOMMAND, 16, 0);
-    const WindowProbe box = Box();
-    EXPECT_EQ(u"About Halyrig32", box.Caption());
-    EXPECT_TRUE(box.Text(-1).starts_with(u"Halyrig32 v" + FromBytes(HALYRIG_VERSION) + u"\n\n"));
-    box.PostPress(IDOK);
-    EXPECT_TRUE(Until([&] { return !window->Popup(); }));
-    Quit();
-}
-
 TEST_F(ProductTest, ImportsALegacyMappingOrSaysThatItCant) {
-    const fs::path data = fs::path(UserRoots().programData) / "Tidewright";
-    fs::create_directories(data / "halyrig");
-    const auto mapping = [&] {
-        std::string text(4096, '\0');
-        std::FILE* file = _wfopen((data / "instruments" / "halyrig.xml").c_str(), L"rb");
-        text.resize(std::fread(text.data(), 1, text.size(), file));
-        std::fclose(file);
-        return text;
+    const auto mapping = [] {
+        std::ifstream file(DataFile("instruments/halyrig.xml"), std::ios::binary);
+        return std::string{std::istreambuf_iterator<char>(file), {}};
     };
     const struct {
         const char* line;
@@ -261,9 +226,7 @@ TEST_F(ProductTest, ImportsALegacyMappingOrSaysThatItCant) {
     } rows[] = {{"1,1\n", IDNO, false, false}, {"999,1\n", IDYES, false, true}, {"1,1\n", IDYES, true, false}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        std::FILE* file = _wfopen((data / "halyrig" / "halyrig.csv").c_str(), L"wb");
-        std::fputs(row.line, file);
-        std::fclose(file);
+        WriteData("halyrig/halyrig.csv", row.line);
         Start();
         const std::string before = mapping();
         window->PostPress(kImportButton);
@@ -279,7 +242,7 @@ TEST_F(ProductTest, ImportsALegacyMappingOrSaysThatItCant) {
         EXPECT_TRUE(Lives(row.replaced ? kBsp : kTws));
         Quit();
     }
-    fs::remove_all(data / "halyrig");
+    fs::remove_all(DataFile("halyrig"));
 }
 
 }  // namespace
