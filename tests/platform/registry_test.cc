@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "support/test_system.h"
 
 namespace twr {
@@ -57,31 +59,22 @@ TEST_F(RegistryTest, HasNothingBeforeItIsWrittenAndThenUnderNamesInAnyCase) {
 }
 
 TEST(RegistryValues, CountByTypeAndForm) {
-    constexpr auto kNone = std::nullopt;
     const std::u16string longest(511, u'x');
-    const struct {
-        std::optional<RegistryValue> value;
-        std::optional<std::u16string> text;
-        std::optional<std::uint32_t> number;
-    } rows[] = {
-        {kNone, kNone, kNone},
-        {StringValue(u"15.85"), u"15.85", kNone},
-        {RegistryValue{kRegistryExpandString, {'%', 0, 0, 0}}, u"%", kNone},
-        {RegistryValue{kRegistryString, {}}, u"", kNone},
-        {RegistryValue{kRegistryString, {'a', 0, 0, 0, 'b', 0, 0, 0}}, u"a", kNone},
-        {RegistryValue{kRegistryString, {'a', 0}}, kNone, kNone},
-        {RegistryValue{kRegistryString, {'a', 0, 0}}, kNone, kNone},
-        {StringValue(longest), longest, kNone},
-        {StringValue(longest + u'x'), kNone, kNone},
-        {DwordValue(0x80000001), kNone, 0x80000001},
-        {RegistryValue{kRegistryDword, {1, 0, 0}}, kNone, kNone},
-        {RegistryValue{kRegistryBinary, {1, 0, 0, 0}}, kNone, kNone},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.value ? ::testing::PrintToString(row.value->data) : "no value");
-        EXPECT_EQ(row.text, TextOf(row.value, 1024));
-        EXPECT_EQ(row.number, DwordOf(row.value));
-    }
+    const std::pair<RegistryValue, std::u16string> texts[] = {{StringValue(u"15.85"), u"15.85"},
+                                                              {{kRegistryExpandString, {'%', 0, 0, 0}}, u"%"},
+                                                              {{kRegistryString, {}}, u""},
+                                                              {{kRegistryString, {'a', 0, 0, 0, 'b', 0, 0, 0}}, u"a"},
+                                                              {StringValue(longest), longest}};
+    for (const auto& [value, text] : texts) EXPECT_EQ(text, TextOf(value, 1024)) << ::testing::PrintToString(text);
+    const std::optional<RegistryValue> noTexts[] = {std::nullopt, StringValue(longest + u'x'),
+                                                    RegistryValue{kRegistryString, {'a', 0}},
+                                                    RegistryValue{kRegistryString, {'a', 0, 0}}, DwordValue(0x80000001)};
+    for (const auto& value : noTexts)
+        EXPECT_EQ(std::nullopt, TextOf(value, 1024)) << ::testing::PrintToString(value ? value->data.size() : 0);
+    EXPECT_EQ(0x80000001, DwordOf(DwordValue(0x80000001)));
+    const std::optional<RegistryValue> noNumbers[] = {std::nullopt, StringValue(u"15"), RegistryValue{kRegistryDword, {1, 0, 0}},
+                                                      RegistryValue{kRegistryBinary, {1, 0, 0, 0}}};
+    for (const auto& value : noNumbers) EXPECT_EQ(std::nullopt, DwordOf(value)) << (value ? value->type : 0);
 }
 
 }  // namespace
