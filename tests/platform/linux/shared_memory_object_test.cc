@@ -103,6 +103,7 @@ TEST_F(SharedMemoryObjectTest, IsReadLockedAsAWholeAndGoneWithItsLastHolder) {
 // for the name.
 TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
     constexpr off_t kLast = std::numeric_limits<off_t>::max();
+    const std::string path = "/dev/shm" + ObjectName();
     Descriptor other;
     const auto lock = [&](short type, off_t start, off_t length) { EXPECT_TRUE(SetLock(other, type, start, length)); };
     bool ownLook = false, ownHold = false;  // locked by it at the second look
@@ -113,6 +114,8 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
     } rows[] = {
         {"left in another size", [&] { EXPECT_EQ(0, ftruncate(other.Get(), 12)); }, [] {}, [] {}, false, true},
         {"the name is taken away", [] {}, [&] { shm_unlink(ObjectName().c_str()); }, [] {}, false, true},
+        {"another takes the name", [] {}, [&] { shm_unlink(ObjectName().c_str()), Descriptor(creat(path.c_str(), 0600)); }, [] {},
+         false, true},
         {"held", [&] { lock(F_RDLCK, 0, 0); }, [] {}, [] {}, true, true},
         {"held, and left", [&] { lock(F_RDLCK, 0, 0); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, true},
         {"looked at", [&] { lock(F_RDLCK, 0, kLast); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, false},
