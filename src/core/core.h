@@ -15,6 +15,7 @@
 #include "calibration/object.h"
 #include "core/channel_catalogue.h"
 #include "core/core_record.h"
+#include "core/days.h"
 #include "core/record_access.h"
 #include "platform/system.h"
 
@@ -191,6 +192,7 @@ private:
     // The own boat's value of a channel, or of what it stands for; kNoValue when there is none.
     double LiveValue(ChannelId channel) const;
 
+    double Now();  // days, by one reading of the clock
     void StampTime(double now);
     // Publishes what follows from a value, and gives the value as it is to be stored.
     double Derived(ChannelId channel, BoatSlot boat, double value, double time, double now);
@@ -199,6 +201,8 @@ private:
 
     CoreServices services_;
     std::array<CalibrationObject, kCalibrationCount> calibrations_;
+    std::int64_t ticks_ = 0;  // the last reading of Now()
+    double days_ = DaysFromTicks(0);
     double gunMark_ = 0.0;
     std::unique_ptr<SharedBlock> mapping_;  // null when creation failed
     CoreRecord* view_ = nullptr;

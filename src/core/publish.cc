@@ -28,8 +28,18 @@ bool IsHeld(const CoreRecord& record, ChannelId channel) {
 
 }  // namespace
 
+// Publications come in bursts, several of them in one tick of the clock, for which a tick is divided once.
+double CCore::Now() {
+    const std::int64_t ticks = services_.clock.Ticks();
+    if (ticks != ticks_) {
+        ticks_ = ticks;
+        days_ = DaysFromTicks(ticks);
+    }
+    return days_;
+}
+
 void CCore::StampTime() {
-    if (view_) StampTime(UtcNowDays(services_.clock));
+    if (view_) StampTime(Now());
 }
 
 void CCore::StampTime(double now) {
@@ -60,7 +70,7 @@ void CCore::NormaliseValue(ChannelId channel, double& value) const {
 
 bool CCore::SetChannel(ChannelId channel, BoatSlot boat, double value, double time) {
     if (!view_) return false;
-    const double now = UtcNowDays(services_.clock);
+    const double now = Now();
     StampTime(now);
     if (channel == kTime || channel >= kChannelCount || boat >= kBoatCount) return false;
     ChannelRow& row = view_->channels[channel];
@@ -79,7 +89,7 @@ bool CCore::SetChannel(ChannelId channel, BoatSlot boat, double value, double ti
 
 bool CCore::SetOwnChannel(ChannelId channel, double value, double time) {
     if (!view_) return false;
-    const double now = UtcNowDays(services_.clock);
+    const double now = Now();
     StampTime(now);
     if (IsHeld(*view_, channel)) return false;
     if (time == 0.0) time = now;
