@@ -1,6 +1,5 @@
 #include "core/core.h"
 #include "mapping/legacy_import.h"
-#include "platform/paths.h"
 #include "support/fakes.h"
 
 // The files of commas: the alternates of a new record, and the two of the legacy import.

@@ -10,7 +10,6 @@
 #include <string>
 #include <string_view>
 
-#include "base/no_value.h"
 #include "calibration/calibration_catalogue.h"
 #include "calibration/object.h"
 #include "core/channel_catalogue.h"

@@ -10,7 +10,9 @@ namespace twr {
 namespace {
 
 // An angle that one turn does not bring into its range is left as it is, so that it is refused there.
-inline double WrappedOnce(double value, double turned, double min, double max) { return turned >= min && turned <= max ? turned : value; }
+inline double WrappedOnce(double value, double turned, double min, double max) {
+    return turned >= min && turned <= max ? turned : value;
+}
 
 inline double Normalised(std::int16_t type, const ChannelInfo& info, double value) {
     if (value == kNoValue) return value;
@@ -77,7 +79,8 @@ bool CCore::SetChannel(ChannelId channel, BoatSlot boat, double value, double ti
     if (Load(row.blocked) != 0 || IsHeld(*view_, channel)) return false;
     if (time == 0.0) time = now;
     value = Normalised(ChannelTypeOf(channel), ChannelCatalogue()[channel], value);
-    if (Load(row.calibrated) != 0) [[unlikely]] value = ApplyCalibration(channel, value);
+    if (Load(row.calibrated) != 0) [[unlikely]]
+        value = ApplyCalibration(channel, value);
     if (value != kNoValue) value = Derived(channel, boat, value, time, now);
     const bool stored = Store(*view_, channel, boat, value, time);
     if (value != kNoValue) {

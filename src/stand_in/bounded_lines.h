@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/files.h"
+#include "base/byte_source.h"
 
 namespace twr {
 
