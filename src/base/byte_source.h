@@ -4,7 +4,7 @@
 
 namespace twr {
 
-// Beyond these a file of settings or lists is damaged, or meant to do harm, and is read no further. Recordings may be larger.
+// A file of settings or lists beyond these is damaged or malicious, and is read no further. Recordings may be larger.
 inline constexpr std::size_t kLongestLine = 1 << 20;   // bytes
 inline constexpr std::size_t kLargestFile = 64 << 20;  // bytes
 
@@ -13,7 +13,7 @@ class ByteSource {
 public:
     virtual ~ByteSource() = default;
 
-    // Fills up to `room` bytes and gives their number; 0 at the end or when reading fails.
+    // Reads up to `room` bytes and returns their number; 0 at the end or when reading fails.
     virtual std::size_t Read(char* to, std::size_t room) = 0;
 };
 

@@ -13,13 +13,13 @@ struct CalendarTime {
     int dayOfYear;  // counts from 1
 };
 
-// Splits a day number at the nearest second. Nothing outside the years 100 to 9999. The fraction is the time of day below zero too:
+// Splits a day number at the nearest second. nullopt outside the years 100 to 9999. The fraction is the time of day below zero too:
 // -1.25 is 06:00 on the day before day 0.
 std::optional<CalendarTime> SplitDay(double day);
 
 // Prints a day number by the letters of strftime in English, whatever language the machine is set to: %a %A %b %B %d %H %j %m %M %S
-// %y %Y and %%. Any other letter is left as it stands. "Invalid DateTime" for a day number out of range; empty when the text
-// doesn't fit into 255 characters.
+// %y %Y and %%. Any other letter is left unchanged. "Invalid DateTime" for a day number out of range; empty when the text doesn't
+// fit into 255 characters.
 std::u16string DateTimeFormat(double day, std::u16string_view pattern);
 
 }  // namespace twr

@@ -1,4 +1,4 @@
-// The sentinel that says that there is no value. It is also a legal value to publish: it clears an entry.
+// The sentinel for no value. It is also a legal value to publish: it clears an entry.
 #pragma once
 #include <cstdint>
 

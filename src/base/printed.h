@@ -1,10 +1,10 @@
-// Texts printed by a format.
+// Texts formatted as by printf.
 #pragma once
 #include <string>
 
 namespace twr {
 
-// As std::printf prints, at whatever length it takes; empty when the format can't be printed.
+// As std::printf prints, of any length; empty if the format can't be printed.
 [[gnu::format(printf, 1, 2)]] std::string Printed(const char* format, ...);
 
 }  // namespace twr

@@ -20,7 +20,7 @@ char16_t Lower(char16_t c) { return c >= u'A' && c <= u'Z' ? static_cast<char16_
 bool IsHighSurrogate(char32_t c) { return c >= 0xD800 && c < 0xDC00; }
 bool IsLowSurrogate(char32_t c) { return c >= 0xDC00 && c < 0xE000; }
 
-// Takes one character off the front of UTF-8. A malformed one costs one byte and gives the replacement.
+// Takes one character off the front of UTF-8. A malformed one consumes one byte and gives the replacement.
 char32_t TakeUtf8(std::string_view& utf8) {
     const auto first = static_cast<unsigned char>(utf8.front());
     utf8.remove_prefix(1);

@@ -1,4 +1,4 @@
-// Small operations on wide text, and its way to and from narrow text.
+// Small operations on wide text, and its conversion to and from narrow text.
 #pragma once
 #include <string>
 #include <string_view>
@@ -10,7 +10,7 @@ namespace twr {
 std::string_view Trimmed(std::string_view text);
 std::u16string_view Trimmed(std::u16string_view text);
 
-// Compares without regard to the case of the ASCII letters.
+// Compares, ignoring the case of ASCII letters.
 bool EqualsIgnoringCase(std::u16string_view left, std::u16string_view right);
 
 // Turns the ASCII letters into capitals and leaves all others.
@@ -22,7 +22,7 @@ std::u16string FromBytes(std::string_view bytes);
 // Each character becomes one byte; those above U+00FF, which no number or keyword holds, become '?'.
 std::string ToBytes(std::u16string_view text);
 
-// What is malformed becomes U+FFFD, in either direction.
+// Malformed input becomes U+FFFD, in either direction.
 std::u16string FromUtf8(std::string_view utf8);
 std::string ToUtf8(std::u16string_view text);
 

@@ -1,7 +1,7 @@
-// One curve of a calibration: corrections over the first axis, between whose points a natural cubic spline or straight lines run.
+// One curve of a calibration: corrections over the first axis, joined by a natural cubic spline or straight lines.
 //
-// Any number is taken: NaN, infinities and points that share an x give some result, never a fault. An x of kNoValue, an input that
-// is not there, has a value only in a curve of one point, which needs no x.
+// Any number is accepted: NaN, infinities and points that share an x give some result, never a fault. An x of kNoValue, a missing
+// input, gives a value only on a curve of one point, which needs no x.
 #pragma once
 #include <cstddef>
 #include <vector>
@@ -13,12 +13,12 @@ namespace twr {
 struct CalibrationPoint {
     double x = 0.0;
     double y = kNoValue;   // the correction; kNoValue is a hole in the curve
-    double y2 = kNoValue;  // second derivative of the spline, written by UpdateSpline; kNoValue when there is none
+    double y2 = kNoValue;  // second derivative of the spline, written by UpdateSpline; kNoValue if there is none
 };
 
 struct CalibrationCurve {
     double key = 0.0;                      // place on the second axis
-    bool dirty = true;                     // set by whoever changes the points: the spline is computed before its next use
+    bool dirty = true;                     // to be set when points change: the spline is computed before its next use
     std::vector<CalibrationPoint> points;  // ordered by x, rising or falling
 
     // The points on either side of x, `low` the one with the smaller x; an x beyond the ends gets the end segment. One point is

@@ -20,8 +20,8 @@ struct CalibrationObject {
     bool active = false;                   // switched on
     bool linear = false;                   // straight lines in both directions, in place of splines and a blend of four curves
 
-    // The correction at (x, y). y stops at the outer curves and x doesn't; a y of kNoValue reads the first curve alone. False, with
-    // kNoValue, when there is none.
+    // The correction at (x, y). y is limited to the outer curves, x is not; a y of kNoValue uses the first curve alone. False, with
+    // kNoValue, if there is none.
     bool Evaluate(double& out, double x, double y);
 
     // The same on one curve; false for an index without a curve.

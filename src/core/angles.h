@@ -1,4 +1,4 @@
-// Angles in degrees, turned into their range by one turn and no further.
+// Angles in degrees, brought into their range by one turn at most.
 #pragma once
 
 namespace twr {

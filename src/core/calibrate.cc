@@ -14,7 +14,7 @@ double Corrected(ChannelId channel, double value, double correction) {
     return channel == kTwa && value < 0.0 ? value - correction : value + correction;
 }
 
-// One step only: what a correction has moved further stays where it is.
+// One step only: a value that a correction moved further stays out of range.
 double InRange(std::int16_t type, double value) {
     switch (type) {
         case kTypeBearing:
@@ -35,8 +35,8 @@ double InRange(std::int16_t type, double value) {
 double CCore::ApplyCalibration(ChannelId channel, double raw) {
     if (!view_ || Load(view_->channels[channel].calibrated) == 0 || raw == kNoValue) return raw;
     double value = raw;
-    // In the catalogue's order: the second correction of a channel sees what the first has made of the value. A calibration that is
-    // always in force gives a value of its own and corrects none.
+    // In the catalogue's order: the second correction of a channel applies to the result of the first. A calibration that is always
+    // in force gives a value of its own and corrects no channel.
     for (std::size_t index = 0; index < kCalibrationCount; ++index) {
         const CalibrationInfo& info = CalibrationCatalogue()[index];
         double correction = kNoValue;
@@ -60,7 +60,7 @@ bool CCore::CalibrationLookup(std::size_t index, double& out, double raw) {
     const auto input = [&](ChannelId channel) {
         const double value = channel == object.self ? raw : LiveValue(channel);
         if (value == kNoValue || !view_ || channel >= kChannelCount) return value;
-        const std::int16_t type = ChannelTypeOf(channel);  // the channel's own, not that of what it stands for
+        const std::int16_t type = ChannelTypeOf(channel);  // the channel's own, not that of the channel it stands for
         return type == kTypeAngle || type == kTypeWindAngle ? std::abs(value) : value;
     };
     return object.Evaluate(out, input(object.inputX), input(object.inputY));

@@ -40,7 +40,7 @@ struct ChannelInfo {
     std::uint16_t id;            // the row's own index
     std::uint16_t shortIndex;    // place in the short store of the far boats, below kShortChannelCount; 32767 for none
     std::int16_t min, max;       // bounds of a published value, both included; no range when they are equal
-    std::uint16_t staleSeconds;  // an older value counts as gone; 0 for never
+    std::uint16_t staleSeconds;  // an older value is stale; 0 for never
     std::uint8_t prec;           // default decimals of the value's text; 255 for no fixed number
     UnitType type;
     std::uint8_t fromGps;

@@ -12,15 +12,15 @@ namespace twr {
 
 namespace {
 
-// Layout and size are part of the name, so that a program built for another layout finds another block.
+// Layout and size are part of the name, so that a program built for another layout opens another block.
 std::u16string RecordName() {
     char name[64];
     std::snprintf(name, sizeof name, "TwrCore_%d_%u", static_cast<int>(kRecordLayout), static_cast<unsigned>(sizeof(CoreRecord)));
     return FromBytes(name);
 }
 
-// The initial values stand, which would overwrite whatever came before them. Only the creator writes the mark, behind the flags;
-// the first stamp of the Time channel comes last.
+// Whether the initial values are written, which overwrite anything stored before. Only the creator writes the mark, after the
+// flags; the first stamp of the Time channel comes last.
 bool IsFilled(const CoreRecord& record) {
     return Load(record.filledMark) == kFilledMark && Load(record.fullBlocks[0].time[kTime]) != 0.0;
 }

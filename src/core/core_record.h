@@ -81,7 +81,7 @@ struct BoatRow {
 
 // The store of a boat that holds every channel, indexed by ChannelId.
 struct BoatBlock {
-    double time[kChannelCount];   // days; 0.0 says never written
+    double time[kChannelCount];   // days; 0.0 for never written
     double value[kChannelCount];  // internal units
     double aux[kChannelCount];    // of the suite's filter
     double damped[kChannelCount];
@@ -127,7 +127,7 @@ struct CoreRecord {
     char16_t reserved166322[151];
     std::uint8_t filledMark;
     std::uint8_t padding166625;
-    std::uint8_t reserved166626[4];  // an i32 at an odd place
+    std::uint8_t reserved166626[4];  // an unaligned i32
     std::uint8_t padding166630[62];
     char reserved166692[32];
     char reserved166724[32];

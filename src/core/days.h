@@ -15,7 +15,7 @@ inline double DaysFromTicks(std::int64_t ticks) { return static_cast<double>(tic
 
 inline double UtcNowDays(const Clock& clock) { return DaysFromTicks(clock.Ticks()); }
 
-// The machine's local time; nothing while its zone is unknown. Standard time has no bias of its own.
+// The machine's local time; nullopt while its zone is unknown. Standard time has no bias of its own.
 inline std::optional<double> LocalTime(const Zone& zone, double day) {
     const auto days = [](std::int32_t minutes) { return static_cast<double>(minutes) / 60 / 24; };
     const std::optional<ZoneState> state = zone.Now();

@@ -10,7 +10,7 @@ namespace twr {
 
 inline constexpr std::uint32_t kDefaultBoatColour = 0x90EE90;  // red 144, green 238, blue 144
 
-inline constexpr std::uint8_t kFilledMark = 8;  // in `filledMark`, where no other program writes
+inline constexpr std::uint8_t kFilledMark = 8;  // in `filledMark`, which no other program writes
 
 // Writes every field that has an initial value, into a record of zeros. Gaps stay as they are.
 void InitialiseRecord(CoreRecord& record);

@@ -1,4 +1,4 @@
-// Publication: all that a value passes on its way into the record, and what follows from it.
+// Publication: the steps by which a value enters the record, and the channels derived from it.
 #include <algorithm>
 
 #include "core/angles.h"
@@ -9,7 +9,7 @@
 namespace twr {
 namespace {
 
-// An angle that one turn does not bring into its range is left as it is, so that it is refused there.
+// An angle that one turn does not bring into its range is left unchanged, so that the range check rejects it.
 inline double WrappedOnce(double value, double turned, double min, double max) {
     return turned >= min && turned <= max ? turned : value;
 }
@@ -30,7 +30,7 @@ bool IsHeld(const CoreRecord& record, ChannelId channel) {
 
 }  // namespace
 
-// Publications come in bursts, several of them in one tick of the clock, for which a tick is divided once.
+// Publications come in bursts, several within one tick of the clock, so each tick is converted to days only once.
 double CCore::Now() {
     const std::int64_t ticks = services_.clock.Ticks();
     if (ticks != ticks_) {
@@ -53,8 +53,8 @@ void CCore::StampTime(double now) {
     }
     const std::uint32_t boats = std::min(Load(view_->boatCount), kBoatCount);
     if (boats <= kFullBoatCount) return;
-    // A double of days moves once in 0.6 us, and several publications fall into that. The last boat is stamped last, so its stamp
-    // tells whether all have this one.
+    // A double of days changes every 0.6 us, and several publications fall within that. The last boat is stamped last, so its stamp
+    // shows whether all have this one.
     if (Load(view_->shortBlocks[boats - 1 - kFullBoatCount].damped[kTime]) == now) return;
     for (BoatSlot boat = kFullBoatCount; boat < boats; ++boat) {
         ShortBoatBlock& block = view_->shortBlocks[boat - kFullBoatCount];
@@ -66,7 +66,7 @@ void CCore::StampTime(double now) {
 
 void CCore::NormaliseValue(ChannelId channel, double& value) const {
     if (channel >= kChannelCount) return;
-    // Without a record the type of an angle isn't known for sure, so that only the range is held.
+    // Without a record the type of an angle isn't certain, so only the range is checked.
     value = Normalised(view_ ? ChannelTypeOf(channel) : std::int16_t{kTypeNumber}, ChannelCatalogue()[channel], value);
 }
 
@@ -102,7 +102,7 @@ bool CCore::SetOwnChannel(ChannelId channel, double value, double time) {
     return stored;
 }
 
-// --- Channels that follow from the publication of another one ---
+// --- Channels derived from another one ---
 
 double CCore::Derived(ChannelId channel, BoatSlot boat, double value, double time, double now) {
     CoreRecord& record = *view_;
@@ -116,7 +116,7 @@ double CCore::Derived(ChannelId channel, BoatSlot boat, double value, double tim
     switch (channel) {
         case kAwa: {
             if (!flag(kFlagMastAngle) || Load(record.boatCount) == 0) return value;
-            const double mastAngle = Load(record.fullBlocks[0].value[kMastAng]);  // whatever the boat of the call
+            const double mastAngle = Load(record.fullBlocks[0].value[kMastAng]);  // the own boat's, for every boat
             return mastAngle == kNoValue ? value : value - mastAngle;
         }
         case kHdg:

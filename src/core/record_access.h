@@ -26,7 +26,7 @@ void Put(T& field, T value) {
     std::atomic_ref<T>(field).store(value, std::memory_order_relaxed);
 }
 
-// Behind all stores that this thread has made before.
+// Ordered after all earlier stores of this thread.
 template <class T>
 void PutInOrder(T& field, T value) {
     std::atomic_ref<T>(field).store(value, std::memory_order_release);
@@ -34,7 +34,7 @@ void PutInOrder(T& field, T value) {
 
 // --- Texts: fixed fields of UTF-16, ended by a zero ---
 
-// Stores as much of the text as the field holds beside its zero.
+// Stores as much of the text as fits before the field's zero.
 template <std::size_t Units>
 void SetFieldText(char16_t (&field)[Units], std::u16string_view text) {
     const std::size_t length = std::min(text.size(), Units - 1);
@@ -42,7 +42,7 @@ void SetFieldText(char16_t (&field)[Units], std::u16string_view text) {
     field[length] = 0;
 }
 
-// The text up to its zero, or the whole field when another program has left none.
+// The text up to its zero, or the whole field if another program left no zero.
 template <std::size_t Units>
 std::u16string_view FieldView(const char16_t (&field)[Units]) {
     return {field, std::find(field, field + Units, u'\0')};
@@ -55,7 +55,7 @@ std::u16string FieldText(const char16_t (&field)[Units]) {
 
 // --- Entries: a channel's value for a boat, with its time stamp ---
 
-// The places of one channel of one boat; all null when the boat has no entry for the channel.
+// The places of one channel of one boat; all null if the boat has no entry for the channel.
 struct Entry {
     double* time = nullptr;
     double* value = nullptr;
@@ -77,12 +77,12 @@ inline Entry EntryOf(CoreRecord& record, ChannelId channel, BoatSlot boat) {
     return {&block.time[index], &block.value[index], &block.damped[index]};
 }
 
-// The own boat's variation in degrees, east positive; kNoValue when unknown.
+// The own boat's variation in degrees, east positive; kNoValue if unknown.
 inline double OwnVariation(const CoreRecord& record) {
     return Load(record.boatCount) == 0 ? kNoValue : Load(record.fullBlocks[0].value[kMagVar]);
 }
 
-// Writes an entry. A real value also marks the boat as active and raises boatCount over it; the Time channel doesn't. False when
+// Writes an entry. A real value also marks the boat as active and raises boatCount above it; the Time channel doesn't. False if
 // there is no entry.
 inline bool Store(CoreRecord& record, ChannelId channel, BoatSlot boat, double value, double time) {
     const Entry entry = EntryOf(record, channel, boat);

@@ -1,4 +1,4 @@
-// The report of last resort, for failures after which the program can't go on.
+// Reports failures after which the program can't continue.
 #include "base/calendar.h"
 #include "base/wide_text.h"
 #include "core/core.h"
@@ -10,8 +10,8 @@ namespace twr {
 void CCore::WriteSystemLog(std::u16string_view message) {
     services_.desktop.ShowBox(message, u"Halyrig32", BoxButtons::kOk, BoxIcon::kStop);
 
-    // Without a record there is no folder, and the file goes to the root of the drive. Its date is that of the zone shown, the
-    // time in the line is UTC.
+    // Without a record there is no folder, and the file goes to the root of the drive. Its date is in the zone shown, the time in
+    // the line is UTC.
     const std::u16string folder = GetDataFolder(u"log_system");
     const double now = UtcNowDays(services_.clock);
     const std::u16string path = JoinPath(folder, DateTimeFormat(ToDisplayTime(now), u"log_system_%d%b%Y.log"));

@@ -9,7 +9,7 @@
 namespace twr {
 namespace {
 
-// The greatest value of sysInt[index]; none of these may be negative, and those without a bound have none above either.
+// The greatest value of sysInt[index]; the least is 0. Indices beyond the table have no bounds.
 constexpr std::int32_t kUnbounded = 2147483647;
 constexpr std::int32_t kSysIntMax[] = {kUnbounded, 2, 2, 5, 5, 1, 6, kUnbounded, 2, 4};
 

@@ -1,7 +1,7 @@
-// The user's units: what each selector of the record stands for, and the way there from a channel's internal unit.
+// The user's units: what each selector of the record stands for, and the conversion from a channel's internal unit.
 //
-// Selectors come from the record and can be any number. One without a row shows no depth rather than a wrong one, and leaves every
-// other quantity in its internal unit.
+// Selectors come from the record and can be any number. A selector without a row gives no depth rather than a wrong one, and leaves
+// every other quantity in its internal unit.
 #pragma once
 #include <cstdint>
 #include <string_view>
@@ -56,18 +56,18 @@ inline constexpr UnitRow kPressureUnits[] = {
 // kNoValue for a selector without a row.
 double DepthInUserUnit(double metres, std::int32_t selector);
 
-// `boatLength` in metres; a length of 0 or kNoValue leaves nautical miles where boat lengths are asked for.
+// `boatLength` in metres; a length of 0 or kNoValue leaves nautical miles in place of boat lengths.
 double DistanceInUserUnit(double nauticalMiles, std::int32_t selector, double boatLength);
 
 double SpeedInUserUnit(double knots, std::int32_t selector);
 double PressureInUserUnit(double pascals, std::int32_t selector);
 double TemperatureInUserUnit(double celsius, bool fahrenheit);
 
-// From the internal unit of a type to the user's, as the record has it. `variation` in degrees is for bearings that are shown true;
-// kNoValue asks for that of the own boat. Without any they are kNoValue.
+// From the internal unit of a type to the user's, as set in the record. `variation`, in degrees, is for bearings shown true;
+// kNoValue selects the own boat's. Without either they are kNoValue.
 double InUserUnit(const CoreRecord& record, std::int16_t type, double value, double variation);
 
-// All that the user has chosen, in one reading of the record.
+// The user's choices, read from the record once.
 struct UnitSettings {
     std::int32_t depth, speed, distance, shortDistance, pressure;
     double boatLength;  // metres
@@ -76,7 +76,7 @@ struct UnitSettings {
 
 UnitSettings UnitSettingsOf(const CoreRecord& record);
 
-// The short label of the unit in which a value of this type is shown; empty where the type tells none, or shows no value.
+// The short label of the unit in which a value of this type is shown; empty if the type has none, or shows no value.
 std::u16string_view UnitLabel(std::int16_t type, const UnitSettings& settings);
 
 }  // namespace twr
