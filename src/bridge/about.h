@@ -15,10 +15,10 @@ inline constexpr ControlTemplate kAboutControls[] = {
 };
 inline constexpr DialogTemplate kAboutTemplate = {100, u"About Halyrig32", 197, 93, kAboutControls};
 
-// Three numbers parted by points, and the fourth when it is not 0; empty when the program has no version.
+// Three numbers separated by points, and the fourth if it is not 0; empty if the program has no version.
 std::u16string GetVersionText(const Executable& executable);
 
-// All that the box says.
+// The text of the box.
 std::u16string AboutText(const Executable& executable);
 
 }  // namespace twr

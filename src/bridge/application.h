@@ -8,7 +8,7 @@ class CHalyrig32App {
 public:
     explicit CHalyrig32App(System& system) : system_(system) {}
 
-    // Runs the dialog to its end, or brings forward the instance that runs already. False in every case: nothing is left to run.
+    // Runs the dialog until it ends, or brings forward the instance already running. Always false: nothing is left to run.
     bool InitInstance();
 
 private:

@@ -1,4 +1,4 @@
-// The dialogs of the bridge: their controls, captions and places. The window resources of Windows say the same.
+// The dialogs of the bridge: their controls, captions and places. They must match the resources of the Windows program.
 #pragma once
 #include "platform/dialog.h"
 

@@ -1,4 +1,4 @@
-// The way to Deckman: its library ShDfW2 and the four functions taken from it.
+// Access to Deckman: its library ShDfW2 and the four functions taken from it.
 #pragma once
 #include <cstdint>
 #include <memory>
@@ -12,15 +12,14 @@ namespace twr {
 using UsrRead = void(TWR_EXPORT_CALL*)(std::int32_t variable, float* value);
 // Writes the position in degrees, north and east positive.
 using UsrGetPosition = void(TWR_EXPORT_CALL*)(float* latitude, float* longitude);
-// Shows a text of at most 15 characters and a zero on a remote, counted from 1. The word means nothing to the caller.
+// Shows a text of at most 15 characters and a zero on a remote, counted from 1. The word is not used.
 using UsrSetText = void(TWR_EXPORT_CALL*)(std::uint32_t* word, std::int32_t remote, const char* text);
 
 class DeckmanLibrary {
 public:
     explicit DeckmanLibrary(Libraries& libraries) : libraries_(libraries) {}
 
-    // Drops the library in use and loads the one in `folder`. A function that it lacks stays null, and so does everything when it
-    // can't be loaded.
+    // Frees the library in use and loads the one in `folder`. Functions that it lacks are null; all are if it can't be loaded.
     void Load(std::u16string_view folder);
     void Unload();
 

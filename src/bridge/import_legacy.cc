@@ -6,7 +6,7 @@
 
 namespace twr {
 
-// Ticks go on while a box is open, so a pass may see what stands in the mapping at that moment.
+// Ticks go on while a box is open, so a pass may use the mapping as it is at that moment.
 void CHalyrig32Dlg::OnImportLegacy() {
     const BoxAnswer answer =
         services_.desktop.ShowBox(u"Import legacy Halyrig mappings?", kProgramName, BoxButtons::kYesNo, BoxIcon::kQuestion);
@@ -25,7 +25,7 @@ void CHalyrig32Dlg::OnImportLegacy() {
 bool CHalyrig32Dlg::ImportLegacyVars() {
     const std::u16string path = core_.GetDataFile(u"halyrig", u"halyrig.csv");
     mapping_.varRows.clear();
-    FindVariableFile();  // so that the import goes by Deckman's files of this moment
+    FindVariableFile();  // so that the import uses Deckman's current files
     auto rows = twr::ImportLegacyVars(services_.files, path, catalogue_.rows);
     if (rows) mapping_.varRows = std::move(*rows);
     return rows.has_value();

@@ -11,16 +11,16 @@
 namespace twr {
 
 struct ReadingUnits {
-    bool degreesTrue;  // headings and directions come true
+    bool degreesTrue;  // headings and directions are true
     bool depthInFeet;
-    double variation;  // degrees, east positive; kNoValue when unknown
+    double variation;  // degrees, east positive; kNoValue if unknown
 };
 
-// A reading of Deckman in the channel's internal unit, with its sign. Deckman gives 32-bit floats, and the conversions keep to
-// them.
+// A reading of Deckman in the channel's internal unit, with its sign. Deckman gives 32-bit floats, and the conversions use them
+// too.
 float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& units);
 
-// Takes the variation off a true bearing, with one turn of correction. kNoValue without a variation.
+// Subtracts the variation from a true bearing, and corrects the result by one turn. kNoValue without a variation.
 float MagneticBearing(float trueBearing, double variation);
 
 class InstrumentPass {
@@ -28,8 +28,8 @@ public:
     InstrumentPass(CCore& core, const Clock& clock);
 
     // Publishes every mapped variable that has changed or was last published more than a second ago, the position where Deckman is
-    // its source, and the moment of the gun while variable `timer` counts down (-1: there is no such variable). The record is
-    // attached. What the library lacks a function for is left out.
+    // its source, and the moment of the gun while variable `timer` counts down (-1 if there is no such variable). The record must
+    // be attached. Skips what needs a function that the library lacks.
     void Run(const DeckmanLibrary& library, std::span<const MappingVar> rows, std::int32_t timer, const Settings& settings);
 
     // The timer's next value is taken as its first.

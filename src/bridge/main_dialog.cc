@@ -95,19 +95,20 @@ void CHalyrig32Dlg::FindVariableFile() {
 }
 
 void CHalyrig32Dlg::LoadMapping() {
-    mappingFolder_ = core_.GetDataFolder(u"");  // asked first: one that changes meanwhile shows on the next tick
+    mappingFolder_ = core_.GetDataFolder(u"");  // read first: a change meanwhile is noticed on the next tick
     mapping_ = twr::LoadMapping(services_.xml, MappingPath(), catalogue_.rows);
 }
 
 // A bridge that joins a record still being filled finds no data folder, or the default, and loads from there; its creator names the
-// right one a moment later. Nothing tells of that but the folder itself.
+// right one a moment later. Only the folder itself shows that.
 void CHalyrig32Dlg::FollowDataFolder() {
     if (!core_.DataFolderIs(mappingFolder_)) ReloadMapping();
 }
 
 std::u16string CHalyrig32Dlg::MappingPath() { return core_.GetDataFile(u"instruments", u"halyrig.xml"); }
 
-// The Close button keeps the settings of the run. Esc and closing the window drop them, unless another program asked for the end.
+// The Close button keeps the settings of the run. Esc and closing the window discard them, unless another program asked it to
+// close.
 void CHalyrig32Dlg::OnOk() {
     if (!core_.QuitRequested() && !ConfirmExit()) return;
     SaveSettings();

@@ -48,13 +48,13 @@ private:
 
     // Replaces the mapping by that of an older installation, after a question (import_legacy.cc).
     void OnImportLegacy();
-    bool ImportLegacyVars();  // false when no line found its variable
+    bool ImportLegacyVars();  // false if no line found its variable
     void ImportLegacyRemotes();
 
     void ReadInstruments() { instruments_.Run(library_, mapping_.varRows, catalogue_.timerVariableId, settings_); }
     void WriteRemotes() { remotes_.Run(library_, mapping_.remoteRows, settings_); }
 
-    // The boxes as they are ticked at this moment, into settings_.
+    // Copies the current state of the boxes into settings_.
     void ReadBoxes();
 
     bool ConfirmExit();

@@ -12,12 +12,12 @@
 
 namespace twr {
 
-// The text of a value in the user's units, as a remote shows it: upper-case, "-0" for kNoValue. More than 4 characters are cut to 4
-// when there is a point in them, wherever the cut falls.
+// The text of a value in the user's units, as a remote shows it: upper-case, "-0" for kNoValue. A text of more than 4 characters
+// that has a point is cut to 4, wherever the point is.
 std::u16string RemoteValueText(const CCore& core, ChannelId channel, double value);
 
-// The form in which a text goes to the library: at most 15 bytes of it, the rest zero. A text of characters up to U+00FF goes as
-// one byte each; any other goes whole in the code page of the machine.
+// The form in which a text is passed to the library: at most 15 bytes of it, the rest zero. If no character is above U+00FF, each
+// becomes one byte; otherwise the whole text is converted to the machine's code page.
 using RemoteField = std::array<char, 16>;
 RemoteField ToRemoteField(std::u16string_view text);
 
@@ -25,8 +25,8 @@ class RemotePass {
 public:
     explicit RemotePass(const CCore& core) : core_(core) {}
 
-    // Shows every row whose value has changed, and its name when that is due; the rows keep what they were sent last. The record is
-    // attached. Unless the library has both functions nothing is shown.
+    // Sends every row whose value has changed, and its name if that is due; the rows keep what was last sent. The record must be
+    // attached. Sends nothing unless the library has both functions.
     void Run(const DeckmanLibrary& library, std::span<MappingRemote> rows, const Settings& settings) const;
 
 private:

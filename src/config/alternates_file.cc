@@ -17,7 +17,7 @@ struct Line {
     int filled = 0;                                 // fields found, the row among them
 };
 
-constexpr int kFieldsNeeded = 9;  // the last slot may be left off
+constexpr int kFieldsNeeded = 9;  // the last slot may be omitted
 
 // Separated by commas, with blanks before a number; else by any white space.
 constexpr char kCommas[] = "%llu,%lld,%lld,%lld,%lld,%lld,%lld,%lld,%lld,%lld";

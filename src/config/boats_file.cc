@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kNameLength = 31;  // less than the field holds
 
-// Red, green and blue of one element, its parts given in any order or not at all.
+// Red, green and blue of one element, in any order, each optional.
 struct Colour {
     std::int32_t red = kDefaultBoatColour & 0xFF;
     std::int32_t green = kDefaultBoatColour >> 8 & 0xFF;

@@ -8,7 +8,7 @@
 namespace twr {
 namespace {
 
-constexpr std::int32_t kMostDecimals = 254;  // the number above it says that there is no fixed one
+constexpr std::int32_t kMostDecimals = 254;  // 255 stands for no fixed number
 
 bool IsUser(ChannelId channel) { return channel >= kUser0 && channel <= kUser31; }
 
@@ -50,7 +50,7 @@ void ReadSetting(const CCore& core, ChannelId channel, std::u16string_view name,
     } else if (EqualsIgnoringCase(name, u"prec")) {
         const std::int32_t decimals = LeadingInt(value);
         if (decimals < 0 || decimals > kMostDecimals || IsAlternating(channel)) return;
-        // The type of this moment: one that stands further on in the element doesn't count.
+        // The type so far: one further on in the element has no effect.
         if (HasDecimals(core.ChannelTypeOf(channel))) Put(row.prec, static_cast<std::uint16_t>(decimals));
     } else if (EqualsIgnoringCase(name, u"type")) {
         if (IsUser(channel)) Put(row.type, static_cast<std::int16_t>(LeadingInt(value)));

@@ -1,4 +1,4 @@
-// The folder that every file of the suite hangs off, and the paths that the suite's programs share.
+// The data folder, the root of the suite's files, and the paths that the suite's programs share.
 #include <cmath>
 
 #include "core/core.h"
@@ -15,7 +15,8 @@ constexpr std::u16string_view kDatabaseName = u"Tidewright.db";
 constexpr std::u16string_view kDatabaseExtension = u".db";
 constexpr std::u16string_view kMarksName = u"marks.xml";
 
-// From the last dot of the file's name, unless that starts the name, up to a colon or the end. A drive's colon is none of the name.
+// From the last dot of the file's name, unless that starts the name, up to a colon or the end. A drive's colon is not part of the
+// name.
 std::u16string_view ExtensionOf(std::u16string_view path) {
     std::u16string_view name = path.substr(path.find_last_of(u"/\\") + 1);
     name = name.substr(0, name.find(u':', name.size() == path.size() ? 2 : 0));

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint64_t kFnvOffset = 0xCBF29CE484222325U;
 constexpr std::uint64_t kFnvPrime = 0x100000001B3U;
-constexpr int kMostTries = 100;  // at reading a text that is being written; a writer may have died over it
+constexpr int kMostTries = 100;  // to read a text that is being written; its writer may have been killed
 
 using AtomicWord = std::atomic_ref<std::uint32_t>;
 using Words = std::array<std::uint32_t, kDisplayTextRoom / 4>;

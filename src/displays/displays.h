@@ -1,5 +1,5 @@
-// What the mast displays show: the texts that were last sent to each remote, kept in shared memory so that another process can
-// look.
+// What the mast displays show: the texts that were last sent to each remote, kept in shared memory so that another process can read
+// them.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -51,7 +51,7 @@ private:
 
 struct DisplayedText {
     std::string text;           // at most 15 bytes
-    std::uint32_t updates = 0;  // that have been sent, by the same text too
+    std::uint32_t updates = 0;  // texts sent, repeated ones included
 };
 
 class DisplayReader {
@@ -59,7 +59,7 @@ public:
     // Looks for the block of the library in this folder.
     DisplayReader(SharedMemory& memory, std::u16string_view libraryFolder);
 
-    // The library is in use somewhere. If not, all texts are empty.
+    // Whether a process uses the library. If not, all texts are empty.
     bool Found() const;
 
     DisplayedText Value(std::int32_t remote) const;

@@ -13,7 +13,7 @@ namespace {
 
 using Fields = std::array<std::int32_t, 4>;
 
-// The numbers that stand at the start of a line, parted by commas. The fields behind the first one that is none are 0.
+// The numbers at the start of a line, separated by commas. From the first field that is not a number on, all are 0.
 std::size_t ScanFields(const std::string& line, Fields& fields) {
     std::array<long long, 4> numbers{};  // those that overflow wrap into their field
     const int filled = std::sscanf(line.c_str(), "%lld,%lld,%lld,%lld", &numbers[0], &numbers[1], &numbers[2], &numbers[3]);

@@ -9,12 +9,12 @@
 
 namespace twr {
 
-// Lines of "variable number,channel,boat", the boat left out for 0. A line is kept when its values are in range and a row of
-// `catalogue` has the number, which it takes over; any other is dropped. Nothing when no line is kept or the file can't be read.
+// Lines of "variable number,channel,boat", the boat optional, 0 by default. A line is kept if its values are in range and a row of
+// `catalogue`, which it copies, has the number. nullopt if no line is kept or the file can't be read.
 std::optional<std::vector<MappingVar>> ImportLegacyVars(Files& files, std::u16string_view path,
                                                         const std::vector<MappingVar>& catalogue);
 
-// Lines of "remote counted from 0,channel,boat,damp", with no field left out. What can't be read gives no rows.
+// Lines of "remote counted from 0,channel,boat,damp", all fields required. Lines or files that can't be read give no rows.
 std::vector<MappingRemote> ImportLegacyRemotes(Files& files, std::u16string_view path);
 
 }  // namespace twr

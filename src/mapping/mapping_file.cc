@@ -13,7 +13,7 @@ namespace {
 constexpr std::u16string_view kVar = u"var";
 constexpr std::u16string_view kRemote = u"remote";
 
-// A value without a number leaves the field as it was.
+// A value without a number leaves the field unchanged.
 bool TakeNumber(const XmlAttribute& attribute, std::u16string_view name, std::int32_t& field) {
     if (!EqualsIgnoringCase(attribute.name, name)) return false;
     if (const auto number = ScanInt(attribute.value)) field = *number;
@@ -31,7 +31,7 @@ const MappingVar* FindVariable(const std::vector<MappingVar>& catalogue, const M
     return found == catalogue.end() ? nullptr : &*found;
 }
 
-// A mapping file that broke off, on a full disk for one, has no end tag. One byte in two is zero in some encodings.
+// A mapping file that is incomplete, for example after a full disk, has no end tag. In some encodings every other byte is zero.
 bool IsWhole(Files& files, std::u16string_view path) {
     const auto source = files.Open(path);
     std::string text;

@@ -9,16 +9,16 @@
 
 namespace twr {
 
-// Reads every `var` and `remote` element of a file, whatever its root. A `var` is kept when a row of `catalogue` has its number or
-// its name, and takes over that row. Reading ends at the first fault; what can't be read gives an empty mapping.
+// Reads every `var` and `remote` element of a file, whatever its root. A `var` is kept if a row of `catalogue` has its number or
+// its name, and copies that row. Reading ends at the first fault; what can't be read gives an empty mapping.
 Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<MappingVar>& catalogue);
 
-// Writes the whole mapping. A former file is kept beside it as `path` and ".bak", unless that one had broken off itself. False when
-// the document could not be finished: a file that was begun stays as far as it was written, one that could not even be begun leaves
-// the former file in its place. A row that can't be written is left out.
+// Writes the whole mapping. The former file is kept as `path` plus ".bak", unless it is incomplete itself. False if the document
+// could not be finished: a file that was begun stays as far as it was written; if none could be begun, the former file stays in
+// place. A row that can't be written is left out.
 bool SaveMapping(Files& files, Xml& xml, std::u16string_view path, const Mapping& mapping);
 
-// Take the attributes of an element into a row. False when the row would not be valid.
+// Take the attributes of an element into a row. False if the row would not be valid.
 bool ParseVarElement(const XmlElement& element, MappingVar& row);
 bool ParseRemoteElement(const XmlElement& element, MappingRemote& row);
 

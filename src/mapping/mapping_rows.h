@@ -36,7 +36,7 @@ struct Mapping {
     std::vector<MappingRemote> remoteRows;
 };
 
-// Takes over what Deckman's list says of a variable; channel and boat stay.
+// Copies a variable's properties from Deckman's list; channel and boat are unchanged.
 void BindVariable(MappingVar& row, const MappingVar& variable);
 
 }  // namespace twr

@@ -61,7 +61,7 @@ DeckmanCatalogue ParseLines(TextLines lines) {
 
 DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::u16string_view copyPath) {
     if (const auto source = files.Open(path)) return ParseLines(TextLines(*source));
-    // Deckman may hold its file in a way that lets others copy but not open it.
+    // Deckman may hold its file so that it can be copied but not opened.
     DeckmanCatalogue catalogue;
     if (files.Copy(path, copyPath)) {
         if (const auto source = files.Open(copyPath)) catalogue = ParseLines(TextLines(*source));

@@ -11,15 +11,16 @@ namespace twr {
 
 struct DeckmanCatalogue {
     std::vector<MappingVar> rows;       // in the order of the file, TIMER left out
-    std::int32_t timerVariableId = -1;  // the number of TIMER, the start timer; -1 when the file has none
+    std::int32_t timerVariableId = -1;  // the number of TIMER, the start timer; -1 if the file has none
 };
 
-// Reads the section [variables] of one file, up to its end or the first line that is no row or counts backwards. A file that can't
-// be opened is read from a copy at `copyPath`, which is removed again. What can't be read gives an empty catalogue.
+// Reads the section [variables] of one file, up to its end or the first line that is not a row or has a lower number than the row
+// before it. A file that can't be opened is read from a copy at `copyPath`, which is removed again. What can't be read gives an
+// empty catalogue.
 DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::u16string_view copyPath);
 
 // The first file with at least one row: Data/J_vars06.d under the Deckman folder, else the first of Data/J_vars*.d in the order of
-// the file system. With no such file the catalogue is that of the last one tried, hence without rows.
+// the file system. If there is none, the catalogue of the last file tried, hence without rows.
 DeckmanCatalogue FindVariableFile(Files& files, std::u16string_view dfwFolder, std::u16string_view copyPath);
 
 }  // namespace twr

@@ -18,7 +18,7 @@ constexpr std::uint16_t kNoFixedPrec = 255;
 constexpr const char16_t* kGpsMethods[] = {u"No GPS", u"GPS", u"DGPS", u"PGPS", u"RTK", u"RTK", u"DR", u"Manual", u"Simulate"};
 constexpr const char16_t* kGpsModes[] = {u"1D", u"2D", u"3D", u"Auto", nullptr, nullptr, u"Error", u"Null"};
 
-// The name of a number, or its digits where it has none.
+// The name of a number, or its digits if it has none.
 std::u16string NameText(std::span<const char16_t* const> names, double value) {
     const auto number = WholeNumber<std::int32_t>(std::round(value));
     const bool named = number >= 0 && static_cast<std::size_t>(number) < names.size();
@@ -26,7 +26,7 @@ std::u16string NameText(std::span<const char16_t* const> names, double value) {
     return name ? name : FromBytes(std::to_string(number));
 }
 
-// What stands behind the absolute value in place of a sign; empty for a channel that shows its sign.
+// The suffix of the absolute value, in place of a sign; empty for a channel that shows its sign.
 std::u16string_view SideSuffix(ChannelId channel, double value) {
     switch (channel) {
         case kMagVar:

@@ -9,7 +9,7 @@
 namespace twr {
 namespace {
 
-// Degrees are cut and only the printing rounds the minutes, so that 60.0000 can come out.
+// Degrees are truncated and only the printing rounds the minutes, so 60.0000 is possible.
 struct Parts {
     int degrees;
     double minutes;

@@ -18,7 +18,7 @@ namespace {
 constexpr double kHalfSecond = 5.787037037037037e-06;
 constexpr double kTenSeconds = 0.00011574074074074073;
 
-// What is left of `fine` units after the whole `coarse` ones. Unsigned in between: a duration beyond all bounds wraps around.
+// The `fine` units left after the whole `coarse` ones. Unsigned in between: a duration beyond all bounds wraps around.
 std::int64_t Rest(std::int64_t fine, std::int64_t coarse, std::int64_t ratio) {
     const std::uint64_t rest =
         static_cast<std::uint64_t>(fine) - static_cast<std::uint64_t>(coarse) * static_cast<std::uint64_t>(ratio);

@@ -15,7 +15,7 @@ TimeParts TimeValueParts(double days);
 // "1d 12h", "12m 06s", "8.6s": the two greatest units, and tenths of a second below ten seconds. "- -" for kNoValue.
 std::u16string DurationText(double days);
 
-// "1.12", "12.06", "0.09": the same two units for a field of few characters, without telling which. Empty for kNoValue.
+// "1.12", "12.06", "0.09": the same two units, unnamed, for a field of few characters. Empty for kNoValue.
 std::u16string CompactDurationText(double days);
 
 }  // namespace twr
