@@ -24,7 +24,7 @@ class Zone {
 public:
     virtual ~Zone() = default;
 
-    // Nothing when the zone can't be told.
+    // nullopt if the zone is unknown.
     virtual std::optional<ZoneState> Now() const = 0;
 };
 

@@ -5,8 +5,8 @@
 
 namespace twr {
 
-// The text in the ANSI code page of the user's Windows; on Linux, which has none, in page 1252. What the page doesn't hold becomes
-// the letter that Windows takes for the nearest, or "?".
+// The text in the ANSI code page of the user's Windows; on Linux, which has none, in page 1252. A character that the page lacks
+// becomes the one that Windows substitutes for it, or "?".
 std::string ToCodePage(std::u16string_view text);
 
 }  // namespace twr

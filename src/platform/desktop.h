@@ -17,15 +17,15 @@ class Desktop {
 public:
     virtual ~Desktop() = default;
 
-    // Shows a box and waits for its answer, while the timer of an open dialog goes on. kNone where nobody can answer.
+    // Shows a box and waits for its answer, while the timer of an open dialog goes on. kNone if no user can answer.
     virtual BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) = 0;
 
-    // Tells what a user at a command line wants to know and no window is worth: on standard error, while no dialog is open. Nothing
-    // on a desktop with windows.
+    // Writes a message that matters at a command line but is not worth a window to standard error, while no dialog is open. Does
+    // nothing on a desktop with windows.
     virtual void Remark(std::u16string_view /*text*/, std::u16string_view /*caption*/) {}
 
-    // Says that a dialog is about to run. From now on, where a program can be asked from outside to end without a window, that
-    // waits for the dialog, which takes it for its closing.
+    // Announces that a dialog is about to run. From now on a signal that asks the program to end waits for the dialog, and closes
+    // it.
     virtual void ExpectDialog() {}
 
     // Shows the dialog until it has ended. After PostQuit it opens and ends at once.
@@ -42,14 +42,14 @@ class Instance {
 public:
     virtual ~Instance() = default;
 
-    // Takes the name for the life of the process. False when another process has it; true also when that can't be told.
+    // Takes the name for the life of the process. False if another process has it; true also if that is unknown.
     virtual bool Claim(std::u16string_view name) = 0;
 
     // Brings forward the window with this caption that another process shows.
     virtual void RaiseOther(std::u16string_view caption) = 0;
 };
 
-// Reads the four numbers of the running program's file version; nothing when it has none.
+// Reads the four numbers of the running program's file version; nullopt if it has none.
 class Executable {
 public:
     virtual ~Executable() = default;

@@ -1,4 +1,4 @@
-// A dialog and whoever shows it: a window of the desktop, a terminal, nothing at all, or the script of a test.
+// A dialog and its host: a window of the desktop, a terminal, no screen at all, or the script of a test.
 #pragma once
 #include <cstdint>
 #include <span>
@@ -45,7 +45,7 @@ public:
     // Adds an item below a line of its own to the window's menu. Choosing it raises OnMenu.
     virtual void AddMenuItem(int command, std::u16string_view text) = 0;
 
-    // Raises OnTimer every `milliseconds` from now on, while a box is open too. 0 when no timer could be had.
+    // Raises OnTimer every `milliseconds` from now on, while a box is open too. 0 if no timer could be started.
     virtual std::uintptr_t StartTimer(std::uintptr_t id, unsigned milliseconds) = 0;
     virtual void StopTimer(std::uintptr_t id) = 0;
 

@@ -1,8 +1,8 @@
-// Writing where the reader may hold it up for as long as he likes: by Ctrl-S at a terminal, or by leaving a pipe full.
+// Writing to an output that may be held up without limit: by Ctrl-S at a terminal, or by a full pipe.
 //
-// What a terminal or a pipe takes without waiting is not to be foretold, since others write there too, and a file that is told
-// never to wait is told so for all who share it, the user's shell included. So the write waits in a thread of its own, which ends
-// with the process.
+// How much a terminal or a pipe accepts without blocking can't be predicted, since other processes write there too, and
+// non-blocking mode applies to every process that shares the file, the user's shell included. So the write blocks in a thread of
+// its own, which ends with the process.
 #pragma once
 #include <functional>
 
@@ -10,8 +10,8 @@
 
 namespace twr {
 
-// Runs `write`, which says whether all was taken. It must own what it uses, since it is left behind once `goOn`, asked ten times a
-// second, says no.
+// Runs `write`, which returns whether everything was written. It must own what it uses, since it is abandoned once `goOn`, called
+// ten times a second, returns false.
 Output RunWrite(std::function<bool()> write, const std::function<bool()>& goOn);
 
 // The same for a second at most.

@@ -12,7 +12,7 @@ class Library {
 public:
     virtual ~Library() = default;
 
-    // nullptr when the library has no such export.
+    // nullptr if the library has no such export.
     virtual void* Find(const char* name) const = 0;
 };
 
@@ -20,11 +20,11 @@ class Libraries {
 public:
     virtual ~Libraries() = default;
 
-    // nullptr when there is no library at the path or it can't be loaded.
+    // nullptr if there is no library at the path or it can't be loaded.
     virtual std::unique_ptr<Library> Load(std::u16string_view path) = 0;
 };
 
-// The folder of the program or library that holds `address`; empty when it can't be told.
+// The folder of the program or library that holds `address`; empty if it is unknown.
 std::u16string ModuleFolder(const void* address);
 
 }  // namespace twr

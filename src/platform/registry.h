@@ -15,8 +15,8 @@ inline constexpr std::uint32_t kRegistryExpandString = 2;
 inline constexpr std::uint32_t kRegistryBinary = 3;
 inline constexpr std::uint32_t kRegistryDword = 4;
 
-// A value as it is stored: text as little-endian UTF-16 with its terminating zero, a double word as four little-endian bytes. What
-// was written by others may break either form.
+// A value as it is stored: text as little-endian UTF-16 with its terminating zero, a double word as four little-endian bytes.
+// Values of other programs may have neither form.
 struct RegistryValue {
     std::uint32_t type = 0;
     std::vector<std::uint8_t> data;
@@ -24,30 +24,30 @@ struct RegistryValue {
     bool operator==(const RegistryValue&) const = default;
 };
 
-// Key and value names are compared without regard to case. A key is given below the user's root, its levels parted by backslashes.
+// The case of key and value names is ignored. A key is given below the user's root, its levels separated by backslashes.
 class Registry {
 public:
     virtual ~Registry() = default;
 
-    // Makes sure that the key is there. False when it can neither be opened nor created.
+    // Makes sure that the key exists. False if it can be neither opened nor created.
     virtual bool OpenOrCreate(std::u16string_view key) = 0;
 
-    // Nothing when the key or the value is missing or can't be read.
+    // nullopt if the key or the value is missing or can't be read.
     virtual std::optional<RegistryValue> Read(std::u16string_view key, std::u16string_view name) const = 0;
 
-    // Writes a value, and the key when missing. False when it can't.
+    // Writes a value, and the key if missing. False on failure.
     virtual bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) = 0;
 };
 
 RegistryValue DwordValue(std::uint32_t number);
 RegistryValue StringValue(std::u16string_view text);
 
-// The number of a kRegistryDword value of four bytes; nothing for any other value.
+// The number of a kRegistryDword value of four bytes; nullopt for any other value.
 std::optional<std::uint32_t> DwordOf(const std::optional<RegistryValue>& value);
 
-// The text of a string value. It counts when it is of a string type (variables in it stay unexpanded), of at most `longest` bytes,
-// of an even length, and its last character is zero; a value of length 0 is empty text. It ends at the first zero. Nothing for any
-// other.
+// The text of a string value. It must be of a string type (variables in it stay unexpanded), of at most `longest` bytes, of an even
+// length, and its last character is zero; a value of length 0 is empty text. It ends at the first zero. nullopt for any other
+// value.
 std::optional<std::u16string> TextOf(const std::optional<RegistryValue>& value,
                                      std::size_t longest = std::numeric_limits<std::size_t>::max());
 

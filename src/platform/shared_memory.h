@@ -11,10 +11,10 @@ class SharedBlock {
 public:
     virtual ~SharedBlock() = default;
 
-    // The first byte, aligned to a page and the same until the holder lets go; nullptr when the block could not be mapped.
+    // The first byte, aligned to a page and constant while the block is held; nullptr if the block could not be mapped.
     virtual void* Data() const = 0;
 
-    // Another process held the block already. If not, this one has created it, filled with zeros.
+    // Whether another process already held the block. If not, this one has created it, filled with zeros.
     virtual bool Existed() const = 0;
 };
 
@@ -23,10 +23,10 @@ public:
     virtual ~SharedMemory() = default;
 
     // Creates the block, or opens it when another process holds it. Of several processes that start at once exactly one creates.
-    // nullptr when neither can be done.
+    // nullptr if neither can be done.
     virtual std::unique_ptr<SharedBlock> CreateOrOpen(std::u16string_view name, std::size_t size) = 0;
 
-    // Opens a block that another process holds; nullptr when nobody does or its size differs.
+    // Opens a block that another process holds; nullptr if no process does or its size differs.
     virtual std::unique_ptr<SharedBlock> OpenExisting(std::u16string_view name, std::size_t size) = 0;
 };
 

@@ -1,4 +1,4 @@
-// All services of the machine in one hand.
+// All services of the machine.
 #pragma once
 #include <memory>
 #include <string>
@@ -29,10 +29,10 @@ struct CoreServices {
 // A folder of lock files.
 struct LockPlace {
     std::u16string folder;
-    std::u16string tag = {};  // put behind the files' names, where several users share the folder
+    std::u16string tag = {};  // appended to the files' names, if several users share the folder
 };
 
-// Where a system keeps what outlives a process. Tests pass their own, so that they never meet a running suite.
+// Where a system keeps what outlives a process. Tests pass their own, so that they never affect a running suite.
 struct Roots {
     std::u16string namePrefix = {};  // put before the names of shared memory and locks
     std::u16string registry = {};    // Linux: the registry's file; Windows: a key under the user's root, empty for that root itself
@@ -40,7 +40,7 @@ struct Roots {
     std::vector<LockPlace> locks = {};  // Linux: a program locks a file in each of them
 };
 
-// The running user's own. Parts that can't be told are empty.
+// The running user's own. Unknown parts are empty.
 Roots UserRoots();
 
 class System {
@@ -53,7 +53,7 @@ public:
     virtual Executable& GetExecutable() = 0;
     virtual Console& GetConsole() = 0;
 
-    // What the program is to end with. Not 0 on Linux once shared memory could not be had, so that a service is started again.
+    // The exit status of the program. Not 0 on Linux once shared memory was not available, so that a service is restarted.
     virtual int ExitStatus() const { return 0; }
 };
 

@@ -17,7 +17,7 @@ struct XmlElement {
     std::vector<XmlAttribute> attributes;  // in the order of the file, declarations of name spaces left out
 };
 
-// No honest file nests its elements deeper. What is open takes memory.
+// No ordinary file nests its elements deeper. Open elements take memory.
 inline constexpr int kDeepestElement = 100'000;
 
 // Gives the elements of a file one by one, in the order of their start tags, whatever their depth.
@@ -30,8 +30,8 @@ public:
     virtual bool Next(XmlElement& element) = 0;
 };
 
-// Writes an indented document: mark and declaration of UTF-8, lines ended by CR LF, two blanks a level. Each operation is false
-// when it fails.
+// Writes an indented document: mark and declaration of UTF-8, lines ended by CR LF, two blanks a level. Each operation returns
+// false on failure.
 class XmlWriter {
 public:
     virtual ~XmlWriter() = default;
@@ -41,7 +41,7 @@ public:
     virtual bool Comment(std::u16string_view text) = 0;
     virtual bool EndElement() = 0;
 
-    // Closes what is open and flushes.
+    // Closes all open elements and flushes.
     virtual bool Finish() = 0;
 };
 
@@ -49,10 +49,10 @@ class Xml {
 public:
     virtual ~Xml() = default;
 
-    // nullptr when the file is absent or can't be read. The encoding is what a mark or the declaration says.
+    // nullptr if the file is absent or can't be read. The encoding is that of the mark or the declaration.
     virtual std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) = 0;
 
-    // Creates the file or empties an existing one, and writes the declaration; nullptr when it can't.
+    // Creates the file or empties an existing one, and writes the declaration; nullptr on failure.
     virtual std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view path) = 0;
 };
 

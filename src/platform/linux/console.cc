@@ -17,7 +17,7 @@
 namespace twr {
 namespace {
 
-// Waits for as long as it takes. Another program may have left the terminal such that it refuses to.
+// Blocks until all is written. Another program may have left the terminal in non-blocking mode.
 bool WriteAll(int to, std::string_view text) {
     signal(SIGPIPE, SIG_IGN);
     while (!text.empty()) {
@@ -38,8 +38,8 @@ std::function<bool()> Writer(int to, std::string_view text) {
     return [to, owned = std::string(text)] { return WriteAll(to, owned); };
 }
 
-// An editor's shell window, for one, says of itself that it only prints.
-bool OnlyPrints() {
+// For example the shell window of an editor.
+bool TerminalIsDumb() {
     const char* const terminal = std::getenv("TERM");
     return !terminal || !*terminal || std::string_view(terminal) == "dumb";
 }
@@ -48,7 +48,7 @@ class PosixConsole final : public Console {
 public:
     std::optional<ConsoleSize> Size() const override {
         winsize size{};
-        if (!isatty(STDOUT_FILENO) || OnlyPrints()) return std::nullopt;
+        if (!isatty(STDOUT_FILENO) || TerminalIsDumb()) return std::nullopt;
         if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) return ConsoleSize{80, 24};
         return ConsoleSize{size.ws_col, size.ws_row};
     }
@@ -65,7 +65,7 @@ public:
     }
 
 private:
-    // From the first wait or question on, so that a command that never waits is ended by a signal as any other.
+    // Only from the first wait or check on, so that a signal ends a command that never waits as usual.
     void Listen() {
         sigset_t signals;
         sigemptyset(&signals);

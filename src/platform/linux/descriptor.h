@@ -1,4 +1,4 @@
-// Open file descriptors and what is done with them again and again.
+// Open file descriptors and common operations on them.
 #pragma once
 #include <string>
 #include <string_view>
@@ -17,20 +17,20 @@ public:
     int Get() const { return number_; }
     int Release();
 
-    // False also when the system reports what had been written as lost.
+    // False also if the system reports that written data was lost.
     bool Close();
 
 private:
     int number_;
 };
 
-// A path of the program as the system wants it.
+// A path in the form that the system takes.
 std::string NativePath(std::u16string_view path);
 
 // Opens a plain file with the flags of open(2), without ever waiting for a pipe or a device; those and folders are refused.
 Descriptor OpenPlainFile(const std::string& path, int flags, unsigned mode = 0666);
 
-// Both lead to one file, whatever its names.
+// Whether both refer to the same file, whatever its names.
 bool SameFile(const Descriptor& left, const Descriptor& right);
 
 bool WriteAll(const Descriptor& file, std::string_view bytes);

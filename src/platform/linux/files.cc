@@ -22,7 +22,7 @@ public:
     explicit FileSource(Descriptor file) : file_(std::move(file)) {}
 
     std::size_t Read(char* to, std::size_t room) override {
-        if (read_ > kUninterrupted && CloseSignalWaits()) return 0;
+        if (read_ > kUninterrupted && CloseSignalPending()) return 0;
         ssize_t got = 0;
         do {
             got = read(file_.Get(), to, room);
@@ -33,14 +33,14 @@ public:
     }
 
 private:
-    // No honest file is larger, and those that are must not keep a program that has been told to end.
+    // No ordinary file is larger, and one that is must not delay a program that has been asked to end.
     static constexpr std::size_t kUninterrupted = 1 << 20;  // bytes
 
     const Descriptor file_;
     std::size_t read_ = 0;  // bytes
 };
 
-// Whether a name fits a pattern of "*" and "?". fnmatch knows more signs than these, and a "?" for one byte only.
+// Whether a name matches a pattern of "*" and "?". fnmatch has more special characters, and its "?" matches one byte only.
 bool Fits(std::u16string_view name, std::u16string_view pattern) {
     std::size_t n = 0, p = 0, starName = 0, star = pattern.npos;
     while (n < name.size()) {
@@ -116,7 +116,7 @@ public:
         return paths;
     }
 
-    // Its system sees to it that the folder is there, as far as it can.
+    // On Windows the system creates the folder; here the program does, if it can.
     std::u16string ProgramDataFolder() const override {
         if (!programData_.empty()) MakeFolders(NativePath(programData_));
         return programData_;

@@ -1,4 +1,4 @@
-// The host of a dialog where nobody looks: it ticks, and takes the signals that end a program for the closing of its window.
+// The host of a dialog without a screen: it ticks, and treats the signals that end a program as the closing of its window.
 
 #include <optional>
 
@@ -13,7 +13,7 @@ namespace {
 class HeadlessWindow final : public WindowState {
 public:
     using WindowState::WindowState;
-    void AddMenuItem(int, std::u16string_view) override {}  // nobody can choose it
+    void AddMenuItem(int, std::u16string_view) override {}  // it can't be chosen
 };
 
 class HeadlessDesktop final : public Desktop {
@@ -56,9 +56,9 @@ private:
         closing_ = false;
     }
 
-    std::optional<SignalQueue> held_;  // until the program has left, not only the dialog
+    std::optional<SignalQueue> held_;  // until the program ends, not only the dialog
     bool quit_ = false;
-    bool closing_ = false;  // by a signal, which stands for a user who means it
+    bool closing_ = false;  // by a signal, which counts as a confirmed closing
 };
 
 }  // namespace

@@ -18,7 +18,7 @@
 namespace twr {
 namespace {
 
-// Opens a lock file of this user's; gives what is wrong with one that can't be used.
+// Opens a lock file of this user; returns why it can't be used, or an empty text.
 std::string Open(const std::string& path, Descriptor& file) {
     file = OpenPlainFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
     struct stat status {};
@@ -31,7 +31,7 @@ class LockFiles final : public Instance {
 public:
     explicit LockFiles(const Roots& roots) : roots_(roots) {}
 
-    // A file that can't be locked says nothing of other programs of this user, and must not keep him from starting.
+    // A file that can't be locked does not show whether another instance runs, and must not prevent a start.
     bool Claim(std::u16string_view name) override {
         std::vector<Descriptor> locked;
         for (const LockPlace& place : roots_.locks) {

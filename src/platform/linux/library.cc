@@ -21,7 +21,7 @@ bool ReadAt(const Descriptor& file, void* to, std::size_t size, std::uint64_t of
     return pread(file.Get(), to, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
 }
 
-// The loader maps what the headers name without looking at the file's size, and a library cut short would end the process by a
+// The loader maps what the headers name without checking the file's size, and a truncated library would end the process by a
 // signal.
 bool IsWhole(const std::string& path) {
     const Descriptor file = OpenPlainFile(path, O_RDONLY);
@@ -68,7 +68,7 @@ std::u16string ModuleFolder(const void* address) {
     Dl_info info{};
     void* extra = nullptr;
     if (!dladdr1(address, &info, &extra, RTLD_DL_LINKMAP) || !extra) return {};
-    // The program itself has no name here, and is known to the loader only as it was called.
+    // The program itself has no name here; the loader knows it only by the name by which it was called.
     const char* name = static_cast<link_map*>(extra)->l_name;
     char* real = realpath(name && *name ? name : "/proc/self/exe", nullptr);
     const std::string path = real ? real : "";

@@ -11,7 +11,7 @@ namespace twr {
 std::unique_ptr<Clock> MakeClock();
 std::unique_ptr<Zone> MakeZone();
 
-// `tell` hears why a block can't be had or mapped. That there is none to open is no fault.
+// `tell` is called with the reason why a block can't be created, opened or mapped. A missing block to open is no fault.
 std::unique_ptr<SharedMemory> MakeSharedMemory(const std::u16string& namePrefix, std::function<void(const std::string&)> tell);
 
 std::unique_ptr<Registry> MakeRegistry(const std::u16string& file);

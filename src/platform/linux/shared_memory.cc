@@ -1,8 +1,8 @@
-// A block is a POSIX object on which every holder keeps a read lock, which the kernel drops with the process. The write lock, to be
-// had only where nobody holds the block, is the right to create it and the right to take its name away.
+// A block is a POSIX object on which every holder keeps a read lock, which the kernel drops with the process. The write lock,
+// available only while no process holds the block, is the right to create it and the right to unlink its name.
 //
-// A process that only looks whether it may join locks all but the last byte. So the last byte is locked by true holders alone, and
-// two processes that look at what a killed holder left can't take each other for one.
+// A process that checks whether it may join locks all but the last byte. So only true holders lock the last byte, and two processes
+// that check what a killed holder left can't mistake each other for one.
 
 #include "platform/shared_memory.h"
 
@@ -26,7 +26,7 @@ namespace {
 
 using Steady = std::chrono::steady_clock;
 
-constexpr auto kPatience = std::chrono::seconds(3);  // with others that start, leave or are stopped in the middle of it
+constexpr auto kTimeout = std::chrono::seconds(3);  // for processes that are starting, leaving, or stopped while doing so
 constexpr auto kPause = std::chrono::microseconds(100);
 
 class Block final : public SharedBlock {
@@ -50,7 +50,7 @@ private:
     void* const data_;
 };
 
-// What one attempt came to: nothing when it must begin anew, nullptr when there is no block to be had.
+// The result of one attempt: nullopt if it must be repeated, nullptr if no block is available.
 using Attempt = std::optional<std::unique_ptr<SharedBlock>>;
 
 class PosixSharedMemory final : public SharedMemory {
@@ -68,7 +68,7 @@ public:
 
 private:
     std::unique_ptr<SharedBlock> Acquire(const std::string& name, std::size_t size, bool mayCreate) const {
-        const auto end = Steady::now() + kPatience;
+        const auto end = Steady::now() + kTimeout;
         do {
             if (Attempt attempt = Try(name, size, mayCreate)) {
                 if (*attempt && !(*attempt)->Data()) Refuse(name, "it can't be mapped", errno);
@@ -76,7 +76,7 @@ private:
             }
             std::this_thread::sleep_for(kPause);
         } while (Steady::now() < end);
-        Refuse(name, "for 3 seconds another program has been starting or ending with it; end that one, if it is stopped");
+        Refuse(name, "another program has been creating or releasing it for 3 seconds; end that program if it is stopped");
         return nullptr;
     }
 
@@ -96,14 +96,14 @@ private:
         return std::make_unique<Block>(std::move(object), size, false);
     }
 
-    // Joins the others who hold the block. The first look is taken without a lock: over what a killed holder left many could
-    // otherwise go on refusing each other the write lock. The size stands before the creator becomes a holder, so another one is
-    // final.
+    // Joins the processes that hold the block. The first check takes no lock: many processes that find what a killed holder left
+    // could otherwise keep refusing each other the write lock. The size is set before the creator becomes a holder, so a different
+    // size is final.
     Attempt Join(SharedObject object, const std::string& name, std::size_t size) const {
         if (!object.HeldByOthers() || !object.Lock(F_RDLCK, kLook)) return std::nullopt;
         if (!object.IsNamed()) return Missed(name);
         if (!object.HeldByOthers()) return std::nullopt;
-        if (!object.HasSize(size)) return Refuse(name, "a program that holds it has made it of another size; end that one");
+        if (!object.HasSize(size)) return Refuse(name, "a program that holds it created it with another size; end that program");
         if (!object.Lock(F_RDLCK, kWhole)) return std::nullopt;
         return std::make_unique<Block>(std::move(object), size, true);
     }
@@ -117,7 +117,7 @@ private:
         const int error = errno;
         struct stat status {};
         const bool foreign = error == EACCES && lstat(PathOf(name).c_str(), &status) == 0 && status.st_uid != geteuid();
-        return foreign ? Refuse(name, "it belongs to another user, of number " + std::to_string(status.st_uid) + "; remove it")
+        return foreign ? Refuse(name, "it belongs to another user, with uid " + std::to_string(status.st_uid) + "; remove it")
                        : Refuse(name, "it can't be opened", error);
     }
 

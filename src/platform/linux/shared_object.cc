@@ -39,7 +39,7 @@ bool SharedObject::HeldByOthers() const {
 bool SharedObject::IsNamed() const {
     const Descriptor now(shm_open(name_.c_str(), O_RDONLY | O_CLOEXEC, 0));
     if (!now) return false;
-    errno = ENOENT;  // where another object has the name
+    errno = ENOENT;  // if another object has the name
     return SameFile(now, file_);
 }
 
@@ -50,12 +50,12 @@ bool SharedObject::HasSize(std::size_t size) const {
 
 std::string SharedObject::Danger() const {
     struct stat status {};
-    if (fstat(file_.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return "it is no shared memory";
-    if (status.st_uid != geteuid()) return "it belongs to another user, of number " + std::to_string(status.st_uid);
+    if (fstat(file_.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return "it is not shared memory";
+    if (status.st_uid != geteuid()) return "it belongs to another user, with uid " + std::to_string(status.st_uid);
     if ((status.st_mode & 077) == 0) return "";
     char mode[8];
     std::snprintf(mode, sizeof mode, "%04o", status.st_mode & 07777u);
-    return std::string("other users may use it too, by its mode ") + mode;
+    return std::string("other users have access by its mode ") + mode;
 }
 
 int SharedObject::Fill(std::size_t size) {
@@ -66,7 +66,7 @@ int SharedObject::Fill(std::size_t size) {
 }
 
 void SharedObject::Leave() {
-    // Two that leave together refuse each other the conversion; unlocked, the second of them finds nobody.
+    // Two processes that leave together refuse each other the conversion; after unlocking, the second finds no other holder.
     const bool last = Lock(F_WRLCK, kWhole) || (Lock(F_UNLCK, kWhole) && Lock(F_WRLCK, kWhole));
     if (last && IsNamed()) shm_unlink(name_.c_str());
 }

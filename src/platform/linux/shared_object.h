@@ -1,4 +1,4 @@
-// The POSIX object behind a block of shared memory, and the locks that tell who holds it.
+// The POSIX object behind a block of shared memory, and the locks that show whether it is held.
 #pragma once
 #include <sys/types.h>
 
@@ -18,10 +18,10 @@ inline constexpr LockRange kWhole{0, 0};
 inline constexpr LockRange kLook{0, kLastByte};
 inline constexpr LockRange kHolders{kLastByte, 0};
 
-// An object while this process may have a lock on it. Whoever lets go and finds no other holder takes the name away.
+// An object while this process may have a lock on it. The destructor unlinks the name if it finds no other holder.
 class SharedObject {
 public:
-    // Opens the object with O_CREAT or 0; errno says why it can't.
+    // Opens the object with O_CREAT or 0; sets errno on failure.
     SharedObject(std::string name, int flags);
     SharedObject(SharedObject&&) = default;
     ~SharedObject();
@@ -29,23 +29,23 @@ public:
     explicit operator bool() const { return static_cast<bool>(file_); }
     int Get() const { return file_.Get(); }
 
-    // F_RDLCK, F_WRLCK or F_UNLCK, without waiting. False when another process is in the way.
+    // F_RDLCK, F_WRLCK or F_UNLCK, without waiting. False if a lock of another process prevents it.
     bool Lock(short type, LockRange range);
 
-    // A true holder is there. A writer, who is creating the block or taking its name away, is none.
+    // Whether there is a true holder. A process with the write lock, which creates the block or unlinks its name, is not one.
     bool HeldByOthers() const;
 
-    // The name still leads to this object. It stays so as long as a lock on it is held. False with another errno than ENOENT where
-    // that can't be told.
+    // Whether the name still leads to this object, which can't change while a lock on it is held. False with an errno other than
+    // ENOENT if that is unknown.
     bool IsNamed() const;
 
     bool HasSize(std::size_t size) const;
 
-    // Why another user could read, change or shorten the object; empty when none can.
+    // Why another user could read, change or shorten the object; empty if none can.
     std::string Danger() const;
 
-    // Zeros of this size, with memory behind each of them: a later lack of it could only show as a fatal signal. Gives an error
-    // number, 0 for none.
+    // Sets the size, filled with zeros, and reserves memory for all of it: a later shortage would be a fatal signal. Returns an
+    // error number, 0 for none.
     int Fill(std::size_t size);
 
 private:

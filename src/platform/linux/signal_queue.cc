@@ -10,7 +10,7 @@ namespace twr {
 
 using Steady = std::chrono::steady_clock;
 
-bool CloseSignalWaits() {
+bool CloseSignalPending() {
     sigset_t waiting;
     return sigpending(&waiting) == 0 &&
            std::ranges::any_of(kCloseSignals, [&](int number) { return sigismember(&waiting, number); });
@@ -27,7 +27,7 @@ SignalQueue::SignalQueue(std::initializer_list<int> others) {
 }
 
 SignalQueue::~SignalQueue() {
-    while (Take() != 0) continue;  // a repeated one must not end the process in the middle of its leaving
+    while (Take() != 0) continue;  // a repeated one must not end the process while it closes
     sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
 

@@ -11,25 +11,26 @@
 
 namespace twr {
 
-// Those that end a program unless it says otherwise, and that a user or his limits send: they stand for the closing of its window.
+// Those that end a program by default and come from a user or a resource limit: they are treated as the closing of its window.
 inline constexpr std::initializer_list<int> kCloseSignals = {SIGTERM, SIGINT,  SIGHUP,    SIGQUIT, SIGALRM,
                                                              SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU};
 
-// One of them waits to be taken from a queue.
-bool CloseSignalWaits();
+// Whether one of them is pending in a queue.
+bool CloseSignalPending();
 
 class SignalQueue {
 public:
-    // Those that close, and others.
+    // Queues kCloseSignals and `others`.
     explicit SignalQueue(std::initializer_list<int> others = {});
     ~SignalQueue();
     SignalQueue(const SignalQueue&) = delete;
     SignalQueue& operator=(const SignalQueue&) = delete;
 
-    // The next signal that has come; 0 when there is none.
+    // The next signal received; 0 if there is none.
     int Take();
 
-    // Waits for a signal, until `end`, or for one of up to two other events (none below descriptor 0), whose `revents` it sets.
+    // Waits for a signal, until `end`, or for one of up to two other events (a negative descriptor is none), whose `revents` it
+    // sets.
     void WaitUntil(std::chrono::steady_clock::time_point end, std::span<pollfd> others = {}) const;
 
 private:

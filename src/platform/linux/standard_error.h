@@ -5,15 +5,15 @@
 
 namespace twr {
 
-// From now on a write that nobody takes any more fails instead of ending the process.
+// From now on a write to a closed pipe fails instead of ending the process.
 void IgnoreBrokenPipes();
 
 void ShowOnStandardError(std::u16string_view text, std::u16string_view caption);
 
-// Writes a line, the program's name before it.
+// Writes a line, after the program's name.
 void TellUser(const std::string& text);
 
-// While one lives, a screen stands where the lines would be written to a terminal: they wait until it has gone.
+// While one exists, a screen covers the terminal, and lines for that wait until it is gone.
 class ToldLater {
 public:
     ToldLater();

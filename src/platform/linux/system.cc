@@ -37,7 +37,7 @@ public:
           registry_(MakeRegistry(roots.registry)),
           files_(MakeFiles(roots.programData)),
           instance_(MakeInstance(roots)) {
-        // Writes that nobody takes, or beyond the limit of a file's size, fail without ending the process.
+        // Writes to a closed pipe or beyond the file size limit fail without ending the process.
         for (const int number : {SIGPIPE, SIGXFSZ}) signal(number, SIG_IGN);
     }
 

@@ -1,4 +1,4 @@
-// The timers of an open dialog. They keep the beat: a late tick does not delay those after it.
+// The timers of an open dialog. They don't drift: a late tick does not delay those after it.
 #pragma once
 #include <chrono>
 #include <cstdint>
@@ -14,10 +14,10 @@ public:
     void Start(std::uintptr_t id, unsigned milliseconds, Steady::time_point now);
     void Stop(std::uintptr_t id) { timers_.erase(id); }
 
-    // When the next one is due; some far time when none runs.
+    // When the next one is due; a far time if none runs.
     Steady::time_point NextDue(Steady::time_point now) const;
 
-    // Calls `raise` for each timer that is due and has not been stopped by then. Times that have been missed are left out.
+    // Calls `raise` for each timer that is due and has not been stopped by then. Missed times are skipped.
     void RaiseDue(Steady::time_point now, const std::function<void(std::uintptr_t)>& raise);
 
 private:

@@ -10,7 +10,7 @@
 namespace twr {
 namespace {
 
-// A folder named by the environment counts when it is absolute.
+// A folder named by the environment is used only if it is absolute.
 std::string FolderOf(const char* variable) {
     const char* value = std::getenv(variable);
     return value && *value == '/' ? value : "";
@@ -25,7 +25,7 @@ std::string Home() {
     return home;
 }
 
-// Empty without a home to stand in.
+// Empty without a home folder.
 std::string FolderOr(const char* variable, const char* belowHome) {
     std::string folder = FolderOf(variable);
     if (folder.empty() && !Home().empty()) folder = Home() + belowHome;
@@ -42,8 +42,8 @@ bool IsOwnFolder(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == geteuid();
 }
 
-// The environment names the first of them. Those behind it are the same for all of a user's programs, whatever their environments,
-// and the last is there when no session of the user is.
+// The environment names the first of them. The others are the same for all of a user's programs, whatever their environments, and
+// the last exists even without a session of the user.
 std::vector<LockPlace> LockPlaces() {
     const std::string user = std::to_string(geteuid());
     std::vector<LockPlace> places;

@@ -1,4 +1,4 @@
-// What every host of this system keeps of an open dialog: what its controls show, its timers, and its wish to close or end.
+// What every host of this system keeps of an open dialog: what its controls show, its timers, and whether it is to close or end.
 #pragma once
 #include <map>
 #include <string>

@@ -37,7 +37,7 @@ bool IsZoneFile(const std::string& path) {
     return file && std::string_view(magic, sizeof magic) == "TZif";
 }
 
-// The C library takes a zone that it doesn't find for UTC and says nothing.
+// The C library silently uses UTC for a zone that it doesn't find.
 bool IsKnown(std::string name) {
     if (name.starts_with(':')) name.erase(0, 1);
     if (name.empty() || name == "UTC" || name == "GMT" || IsRule(name)) return true;
@@ -75,8 +75,7 @@ private:
         return known_;
     }
 
-    // The bias in the next part of the coming year in which daylight time is the other way about; nothing in a zone without such a
-    // part.
+    // The bias in the next part of the coming year in which daylight time is the opposite; nullopt in a zone without such a part.
     static std::optional<std::int32_t> OtherHalf(std::time_t now, bool daylight) {
         for (int month = 1; month <= 12; ++month) {
             const std::time_t then = now + month * kMonth;
@@ -86,7 +85,7 @@ private:
         return std::nullopt;
     }
 
-    // The last name of a zone that has been looked up, so that it isn't at every call.
+    // The last name of a zone that has been looked up, to avoid a look-up at every call.
     mutable std::string name_;
     mutable bool known_ = true;
 };

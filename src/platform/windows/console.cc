@@ -7,7 +7,7 @@
 namespace twr {
 namespace {
 
-// Changes what the process's console understands, for as long as it lives.
+// Sets the encoding and modes of the process's console for the life of the object.
 class WindowsConsole final : public Console {
 public:
     WindowsConsole();
@@ -23,7 +23,7 @@ private:
     HANDLE output_;
     HANDLE error_;
     UINT formerCodePage_;              // 0 without a console
-    std::optional<DWORD> formerMode_;  // nothing when standard output is no console
+    std::optional<DWORD> formerMode_;  // nullopt if standard output is not a console
     bool supportsEscapes_ = false;
     bool listening_ = false;
 };
@@ -61,7 +61,7 @@ WindowsConsole::WindowsConsole()
     supportsEscapes_ = SetConsoleMode(output_, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
-// The console outlives the program, and belongs to the command prompt then.
+// The console outlives the program and is then used by the command prompt.
 WindowsConsole::~WindowsConsole() {
     if (formerMode_) SetConsoleMode(output_, *formerMode_);
     if (formerCodePage_ != 0) SetConsoleOutputCP(formerCodePage_);
@@ -79,7 +79,7 @@ Output WindowsConsole::Write(std::string_view utf8, const std::function<bool()>&
 
 void WindowsConsole::WriteError(std::string_view utf8) { RunShortWrite(Writer(error_, utf8)); }
 
-// From the first wait or question on, so that a command that never waits is ended by Ctrl-C as any other.
+// Only from the first wait or check on, so that Ctrl-C ends a command that never waits as usual.
 bool WindowsConsole::Wait(int milliseconds) {
     if (!listening_) listening_ = SetConsoleCtrlHandler(OnStop, TRUE);
     return WaitForSingleObject(StopEvent(), static_cast<DWORD>(milliseconds)) == WAIT_TIMEOUT;

@@ -31,7 +31,7 @@ std::unique_ptr<Library> WindowsLibraries::Load(std::u16string_view path) {
 }
 
 std::u16string ModuleFolder(const void* address) {
-    if (!address) return {};  // which would stand for the program
+    if (!address) return {};  // null would mean the program
     HMODULE module = nullptr;
     constexpr DWORD kByAddress = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
     if (!GetModuleHandleExW(kByAddress, static_cast<const wchar_t*>(address), &module)) return {};

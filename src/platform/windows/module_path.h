@@ -1,4 +1,4 @@
-// Where a loaded program or library lies.
+// The location of a loaded program or library.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace twr {
 
-// The full path; null stands for the running program. Empty when it can't be told.
+// The full path; null means the running program. Empty if it is unknown.
 inline std::wstring ModulePath(HMODULE module) {
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {

@@ -46,7 +46,7 @@ std::optional<RegistryValue> WindowsRegistry::Read(std::u16string_view key, std:
     if (RegOpenKeyExW(HKEY_CURRENT_USER, Path(key).c_str(), 0, KEY_READ, opened.Receive()) != ERROR_SUCCESS) return std::nullopt;
     const std::wstring wideName = ToWide(name);
     RegistryValue value;
-    // The value may grow between the two questions.
+    // The value may grow between the two calls.
     for (LSTATUS status = ERROR_MORE_DATA; status == ERROR_MORE_DATA;) {
         DWORD type = 0;
         DWORD size = 0;

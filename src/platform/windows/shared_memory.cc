@@ -36,7 +36,7 @@ std::size_t WholePages(std::size_t size) {
     return (size + system.dwPageSize - 1) / system.dwPageSize * system.dwPageSize;
 }
 
-// Maps the whole block. No view when its size differs, by which Windows can tell it only in whole pages.
+// Maps the whole block. No view if its size differs, which Windows reports only in whole pages.
 UniqueView Mapped(HANDLE mapping, std::size_t size) {
     UniqueView view(MapViewOfFile(mapping, FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, 0));
     MEMORY_BASIC_INFORMATION region;

@@ -22,7 +22,7 @@ public:
           registry_(MakeRegistry(roots.registry)),
           files_(MakeFiles(roots.programData)),
           instance_(MakeInstance(roots.namePrefix)) {
-        // A missing drive or a damaged library is a failure like any other, not a box of the system's.
+        // A missing drive or a damaged library is a failure like any other, not a message box of the system.
         SetErrorMode(SetErrorMode(0) | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
     }
 

@@ -1,4 +1,4 @@
-// Owners for what Windows hands out.
+// Owners of Windows handles.
 #pragma once
 
 #include <utility>
@@ -7,7 +7,7 @@
 
 namespace twr {
 
-// A value that `kRelease` takes back; zero stands for having none.
+// A value that `kRelease` releases; zero for none.
 template <auto kRelease, class Value = HANDLE>
 class Unique {
 public:
@@ -25,7 +25,7 @@ public:
     Value get() const { return value_; }
     explicit operator bool() const { return value_ != Value{}; }
 
-    // Where a call that hands out a value puts it. Only for an owner that has none.
+    // Where a call stores a value for this owner, which must have none.
     Value* Receive() { return &value_; }
 
 private:

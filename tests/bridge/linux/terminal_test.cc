@@ -108,7 +108,7 @@ TEST_F(TerminalTest, ThatSettingsAreLostStandsInTheTerminalWhenTheScreenHasGone)
     EXPECT_EQ(0, terminal->Wait());
     std::string shown = terminal->Picture().All();
     std::erase(shown, '\n');  // the path may be longer than a row
-    EXPECT_NE(shown.npos, shown.find("registry.reg: the settings can't be read: it is no plain file")) << shown;
+    EXPECT_NE(shown.npos, shown.find("registry.reg: the settings can't be read: it is not a plain file")) << shown;
     std::filesystem::remove(file);
 }
 
@@ -156,8 +156,8 @@ TEST_F(TerminalTest, BeforeThereIsAScreenOrWithoutAnyItTellsOnALine) {
         const char *type, *shows, *keys;
         int status;
     } rows[] = {
-        {"TERM=xterm", "Press Enter to go on.", "\003", 128 + SIGINT},
-        {"TERM=xterm", "Press Enter to go on.", "\n", 1},  // the dialog then opens and ends at once
+        {"TERM=xterm", "Press Enter to continue.", "\003", 128 + SIGINT},
+        {"TERM=xterm", "Press Enter to continue.", "\n", 1},  // the dialog then opens and ends at once
         {"TERM=dumb", "it can't be opened: ", "", 1},
         {"TERM=", "Halyrig32: ", "", 1},
         {"TERM=never-heard-of", "Halyrig32: ", "", 1},

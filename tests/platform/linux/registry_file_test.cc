@@ -66,7 +66,7 @@ TEST_F(RegistryFileTest, WritesThroughALinkKeepsTheModeAndLeavesNothingBesideThe
 
 TEST_F(RegistryFileTest, WhereItCantBeReadOrWrittenThatIsToldOnce) {
     const std::string none = "there is no folder for the settings: set HOME or XDG_CONFIG_HOME\n";
-    const std::string noFile = ": the settings can't be read: it is no plain file\n";
+    const std::string noFile = ": the settings can't be read: it is not a plain file\n";
     const auto longLine = test_.folder.Write("long", '"' + std::string(kLongestLine, 'x')), large = test_.folder.Write("large", "");
     ASSERT_EQ(0, truncate(ToUtf8(large).c_str(), kLargestFile + 1));
     const struct {
@@ -119,7 +119,7 @@ TEST_F(RegistryFileTest, NamesTheLineOfAValueThatCantBeRead) {
     test_.folder.Write(kFile, "\n[HKEY_CURRENT_USER\\Software\\Tidewright\\core]\n\"a\"=dword:x\n\"b\"=x\n");
     ::testing::internal::CaptureStderr();
     for (int time = 0; time < 2; ++time) EXPECT_EQ(std::nullopt, registry_.Read(kKey, u"a"));
-    EXPECT_EQ("platform_test: " + Path() + ":3: the value of a can't be read and does not count\n",
+    EXPECT_EQ("platform_test: " + Path() + ":3: the value of a can't be read and is ignored\n",
               ::testing::internal::GetCapturedStderr());
 }
 

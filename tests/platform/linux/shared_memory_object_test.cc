@@ -155,16 +155,16 @@ TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
     } rows[] = {
         {"too large", [] {}, "there is no room for it: ", std::size_t{1} << 62},
         {"open to others", [&] { fchmod(Object(O_RDWR | O_CREAT).Get(), 0666); },
-         "other users may use it too, by its mode 0666; remove it"},
+         "other users have access by its mode 0666; remove it"},
         {"another user's", [&] { EXPECT_TRUE(geteuid() != 0 || fchown(Object(O_RDWR | O_CREAT).Get(), 12345, 12345) == 0); },
-         geteuid() == 0 ? "it belongs to another user, of number 12345; remove it" : ""},
+         geteuid() == 0 ? "it belongs to another user, with uid 12345; remove it" : ""},
         {"a link", [&] { EXPECT_EQ(0, symlink("/dev/null", ("/dev/shm" + ObjectName()).c_str())); }, "it can't be opened: "},
-        {"a pipe", [&] { EXPECT_EQ(0, mkfifo(("/dev/shm" + ObjectName()).c_str(), 0600)); }, "it is no shared memory; remove it"},
+        {"a pipe", [&] { EXPECT_EQ(0, mkfifo(("/dev/shm" + ObjectName()).c_str(), 0600)); }, "it is not shared memory; remove it"},
         {"no descriptor left", [] { openingThatFails = 1; }, "it can't be opened: Too many open files"},
         {"one descriptor left", [] { openingThatFails = 2; }, "it can't be opened: Too many open files"},
         {"no room to map it", [] { LimitMemory(1); }, kNeedsTheMemory ? "" : "it can't be mapped: Cannot allocate memory"},
         {"held in another size", [&] { held = memory_.CreateOrOpen(u"Block", kSize / 2); },
-         "a program that holds it has made it of another size; end that one"},
+         "a program that holds it created it with another size; end that program"},
     };
     for (const auto& row : rows) {
         if (row.told.empty()) continue;  // only root can plant it, or a sanitizer can't bear it

@@ -24,7 +24,7 @@ constexpr std::u16string_view kUserRoot = u"HKEY_CURRENT_USER\\";
 
 std::u16string FullKey(std::u16string_view key) { return std::u16string(kUserRoot) += key; }
 
-// A larger file is no registry of ours, and must not keep a program that has been told to end.
+// A larger file is not one that the suite wrote, and must not delay a program that has been asked to end.
 constexpr off_t kUninterrupted = 1 << 20;  // bytes
 
 bool ReadAll(const Descriptor& file, std::string& bytes) {
@@ -47,8 +47,8 @@ bool HasTooLongLine(std::string_view bytes) {
     return false;
 }
 
-// Keeps other programs of the suite from changing the file between our reading and our writing. A stopped one can't hold us up for
-// long: settings are then written without.
+// Keeps other programs of the suite from changing the file between reading and writing it. A stopped one can't block this for long:
+// settings are then written without the lock.
 class FolderLock {
 public:
     explicit FolderLock(const std::string& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
@@ -78,7 +78,7 @@ public:
         const RegistryText* text = Current();
         if (!text) return std::nullopt;
         if (const auto line = text->DamagedLine(FullKey(key), name)) {
-            Tell(":" + std::to_string(*line) + ": the value of " + ToUtf8(name) + " can't be read and does not count");
+            Tell(":" + std::to_string(*line) + ": the value of " + ToUtf8(name) + " can't be read and is ignored");
         }
         return text->Find(FullKey(key), name);
     }
@@ -93,7 +93,7 @@ public:
     }
 
 private:
-    // What tells one state of the file from another.
+    // Identifies a state of the file.
     struct Stamp {
         ino_t number = 0;
         off_t size = 0;
@@ -107,25 +107,25 @@ private:
         return FolderLock(folder);
     }
 
-    // The text of the file as it is now, a new one where there is no file; nullptr when there is one that can't be read.
+    // The current text of the file, a new one if there is no file; nullptr if the file can't be read.
     RegistryText* Current() const {
         const Descriptor file = OpenPlainFile(path_, O_RDONLY);
         if (!file) {
-            if (errno != ENOENT) return Refuse(errno == EINVAL ? "it is no plain file" : std::strerror(errno));
+            if (errno != ENOENT) return Refuse(errno == EINVAL ? "it is not a plain file" : std::strerror(errno));
             stamp_.reset();
             return &text_.emplace(std::string_view());
         }
         struct stat status {};
         if (fstat(file.Get(), &status) != 0) return Refuse(std::strerror(errno));
         if (status.st_size > static_cast<off_t>(kLargestFile)) return Refuse("it is larger than 64 MiB");
-        if (status.st_size > kUninterrupted && CloseSignalWaits()) return nullptr;
+        if (status.st_size > kUninterrupted && CloseSignalPending()) return nullptr;
         const Stamp stamp{status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
         if (text_ && stamp_ == stamp) return &*text_;
         std::string bytes;
         bytes.reserve(static_cast<std::size_t>(status.st_size));
         if (!ReadAll(file, bytes)) return Refuse(std::strerror(errno));
         if (HasTooLongLine(bytes)) return Refuse("it has a line longer than 1 MiB");
-        if (text_.emplace(bytes, CloseSignalWaits).Stopped()) {
+        if (text_.emplace(bytes, CloseSignalPending).Stopped()) {
             text_.reset();
             return nullptr;
         }
@@ -139,17 +139,17 @@ private:
     }
 
     bool Save(const std::string& what) {
-        stamp_.reset();  // read anew next time, whether or not it could be written
+        stamp_.reset();  // read again next time, whether or not it could be written
         if (ReplaceFile(path_, text_->Bytes())) {
             told_.clear();
             return true;
         }
         const int error = errno;
-        Tell(": " + what + " can't be saved: " + (error == EINVAL ? "it is no plain file" : std::strerror(error)));
+        Tell(": " + what + " can't be saved: " + (error == EINVAL ? "it is not a plain file" : std::strerror(error)));
         return false;
     }
 
-    // Once, however many values it befalls. Where there is no folder for settings there is no file to name either.
+    // Once, however many values are affected. Without a folder for settings there is no file to name.
     void Tell(const std::string& text) const {
         const bool named = path_.starts_with('/');
         const std::string line = named ? path_ + text : "there is no folder for the settings: set HOME or XDG_CONFIG_HOME";

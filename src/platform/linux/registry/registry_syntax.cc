@@ -28,7 +28,7 @@ public:
 
     bool TakeLineEnd() { return Take("\n") || Take("\r\n"); }
 
-    // Blanks, and behind a semicolon the rest of the line.
+    // Blanks, and the rest of the line after a semicolon.
     std::string_view TakeRemark() {
         const std::string_view from = rest_;
         SkipBlanks();
@@ -45,7 +45,7 @@ public:
         return true;
     }
 
-    // A text in quotation marks, over several lines where it holds line ends.
+    // A text in quotation marks, over several lines if it contains line ends.
     bool TakeQuoted(std::u16string& text) {
         if (!Take("\"")) return false;
         std::string bytes;
@@ -100,12 +100,12 @@ std::optional<RegistryValue> TakeValue(Scanner& scanner) {
     return value;
 }
 
-struct Behind {
+struct AfterEntry {
     std::string_view remark, rest;
 };
 
-// Gives what stands behind the entry; nothing when the text doesn't start with an entry of a value.
-std::optional<Behind> ReadValueEntry(std::string_view text, RegistryEntry& entry) {
+// Returns what follows the entry; nullopt if the text doesn't start with an entry of a value.
+std::optional<AfterEntry> ReadValueEntry(std::string_view text, RegistryEntry& entry) {
     Scanner scanner(text);
     scanner.SkipBlanks();
     if (!scanner.Take("@") && !scanner.TakeQuoted(entry.name)) return std::nullopt;
@@ -122,10 +122,10 @@ std::optional<Behind> ReadValueEntry(std::string_view text, RegistryEntry& entry
     }
     const std::string_view remark = scanner.TakeRemark();
     if (!scanner.Rest().empty() && !scanner.TakeLineEnd()) return std::nullopt;
-    return Behind{remark, scanner.Rest()};
+    return AfterEntry{remark, scanner.Rest()};
 }
 
-// The value that a line which can't be read is meant for: the name in quotation marks at its start, else what stands before a "=".
+// The value for which an unreadable line is meant: the name in quotation marks at its start, else the text before a "=".
 std::optional<std::u16string> ValueMeant(std::string_view line) {
     std::u16string name;
     if (Scanner(line).TakeQuoted(name)) return name;
@@ -142,7 +142,7 @@ std::string_view WithoutRemark(std::string_view line) {
     return line;
 }
 
-// A key that can't be read still ends the key before it: what follows is none of that key's.
+// A key that can't be read still ends the key before it: what follows does not belong to that key.
 void ReadKeyEntry(std::string_view line, RegistryEntry& entry) {
     entry.kind = RegistryEntryKind::kKey;
     line = WithoutRemark(line);

@@ -18,11 +18,11 @@ struct RegistryEntry {
     RegistryValue value;
 };
 
-// Takes the next entry off the front of a text that is not empty. A remark may stand behind an entry, after a semicolon. A line
-// that can't be read is an entry of kind kOther, or kDamagedValue when it tells which value it is meant for.
+// Takes the next entry off the front of a text that is not empty. A remark may follow an entry, after a semicolon. A line that
+// can't be read is an entry of kind kOther, or kDamagedValue if it shows which value it is meant for.
 RegistryEntry TakeRegistryEntry(std::string_view& text);
 
-// The remark behind a value, with the blanks before it; empty without one.
+// The remark after a value, with the blanks before it; empty without one.
 std::string_view RemarkOf(const RegistryEntry& entry);
 
 std::string FormatRegistryKey(std::u16string_view key, std::string_view lineEnd);

@@ -16,7 +16,7 @@ bool IsSameOrBelow(std::u16string_view key, std::u16string_view top) {
     return EqualsIgnoringCase(key.substr(0, top.size()), top) && (key.size() == top.size() || key[top.size()] == u'\\');
 }
 
-// Nothing when the bytes don't start with a mark of UTF-16.
+// nullopt if the bytes don't start with a UTF-16 mark.
 std::optional<std::u16string> FromMarkedUtf16(std::string_view bytes) {
     const bool little = bytes.starts_with("\xFF\xFE");
     if (!little && !bytes.starts_with("\xFE\xFF")) return std::nullopt;

@@ -9,13 +9,12 @@
 
 namespace twr {
 
-// Keeps everything that came with the text, byte for byte: comments, deletions, odd spellings and what is no registry text at all.
-// Only a value that is set anew is written anew. Entries count in the order of the text, as on import: later ones over earlier
-// ones.
+// Keeps the text byte for byte, including comments, deletions, odd spellings and what is not registry text at all. Only a value
+// that is set is rewritten. Later entries override earlier ones, as on import.
 class RegistryText {
 public:
     // Text is UTF-8, with or without its mark, or UTF-16 with its mark; it is kept as UTF-8. Empty text begins a new registry.
-    // `stop` is asked at each MiB of the text, and ends its reading when it is true; there is then no registry.
+    // `stop` is called at each MiB of the text; if it returns true, reading ends and the object can't be used.
     explicit RegistryText(std::string_view bytes, bool (*stop)() = nullptr);
     bool Stopped() const { return stopped_; }
 
@@ -34,9 +33,9 @@ public:
 private:
     struct Place {
         bool keyPresent = false;               // the key itself or one below it
-        std::optional<std::size_t> keyEnd;     // index behind the key's last value
-        std::optional<std::size_t> valueAt;    // index of the value that counts
-        std::optional<std::size_t> damagedAt;  // index of an entry behind it that can't be read
+        std::optional<std::size_t> keyEnd;     // index after the key's last value
+        std::optional<std::size_t> valueAt;    // index of the value in effect
+        std::optional<std::size_t> damagedAt;  // index of an entry after it that can't be read
     };
     Place Locate(std::u16string_view key, std::u16string_view name) const;
     void Read(std::string_view utf8, bool (*stop)());

@@ -14,7 +14,7 @@ namespace {
 
 std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
-// Where the links at `path` end.
+// The file to which the links at `path` lead.
 std::string Target(const std::string& path) {
     char* real = realpath(path.c_str(), nullptr);
     std::string target = real ? real : path;

@@ -12,10 +12,10 @@
 namespace twr {
 namespace {
 
-// A message stays readable where it stands when the program has ended. There is no question to answer there.
+// A message stays readable after the program has ended. No question is asked there.
 BoxAnswer TellOnALine(std::u16string_view text, std::u16string_view caption) {
     ShowOnStandardError(text, caption);
-    std::fputs("Press Enter to go on. ", stderr);
+    std::fputs("Press Enter to continue. ", stderr);
     std::array<char, 256> line{};
     return std::fgets(line.data(), line.size(), stdin) ? BoxAnswer::kOk : BoxAnswer::kNone;
 }
@@ -28,7 +28,7 @@ public:
 
     BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon) override {
         if (open_) return open_->ShowBox(text, caption, buttons);
-        held_.reset();  // who is told on a line may also press Ctrl-C
+        held_.reset();  // at a plain line Ctrl-C must work too
         return TellOnALine(text, caption);
     }
 
@@ -55,7 +55,7 @@ public:
     }
 
 private:
-    std::optional<SignalQueue> held_;  // until the program has left, not only the dialog
+    std::optional<SignalQueue> held_;  // until the program ends, not only the dialog
     TerminalHost* open_ = nullptr;
     bool quit_ = false;  // what runs, or what is to run next
 };

@@ -17,13 +17,13 @@ bool TerminalIsOurs() { return tcgetpgrp(STDIN_FILENO) == getpgrp(); }
 
 namespace {
 
-// Some terminals report 65535 rows. Nothing would be gained by believing more than these.
+// Some terminals report 65535 rows. Sizes above these are not useful.
 constexpr int kMostRows = 200, kMostColumns = 500;
 
-// At the end a terminal that is only slow gets this long to take the rest.
+// At the end a slow terminal gets this long to accept the rest.
 constexpr int kPatienceMs = 300;
 
-// What a signal's handler needs, which may touch nothing but plain data.
+// For the signal handler, which may touch only plain data.
 struct {
     volatile sig_atomic_t taken = 0;
     int output = -1;
@@ -32,7 +32,7 @@ struct {
     std::size_t size = 0;
 } atEnd;
 
-// In the background the shell has the terminal and has set it to its own liking.
+// In the background the shell has the terminal, with modes of its own.
 void GiveBack() {
     if (!atEnd.taken || !TerminalIsOurs()) return;
     atEnd.taken = 0;
@@ -45,7 +45,7 @@ void GiveBackAndDie(int number) {
     raise(number);  // by now it has its default effect
 }
 
-// A handler of somebody else's stays.
+// A handler set by other code stays.
 bool HandleCrashes() {
     for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGQUIT}) {
         struct sigaction action {};
@@ -57,8 +57,7 @@ bool HandleCrashes() {
     return std::atexit(GiveBack) == 0;
 }
 
-// A description of its own, so that the shell's goes on waiting. The terminal of a user who has become another by su can be opened
-// by its second name only.
+// A file description of its own, so that the shell's stays blocking. After su the terminal can be opened by its second name only.
 Descriptor OpenOutput() {
     constexpr int kFlags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     const int direct = open("/proc/self/fd/1", kFlags);
@@ -67,7 +66,7 @@ Descriptor OpenOutput() {
 
 }  // namespace
 
-// Keys come one by one and unseen. Those that send signals still do, and Ctrl-S does nothing.
+// Keys come one by one, without echo. Those that send signals still do, and Ctrl-S does nothing.
 TerminalDevice::TerminalDevice() : output_(OpenOutput()) {
     [[maybe_unused]] static const bool once = HandleCrashes();
     if (!output_ || tcgetattr(STDIN_FILENO, &atEnd.modes) != 0) return;

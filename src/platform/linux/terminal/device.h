@@ -1,5 +1,5 @@
-// The terminal of standard input and output, taken over for the life of the object. Nothing here waits for a terminal that takes no
-// output, and the terminal is given back on every way out, a crash included.
+// The terminal of standard input and output, taken over for the life of the object. Nothing here waits for a terminal that accepts
+// no output, and the terminal is restored on every exit, a crash included.
 #pragma once
 #include <string>
 #include <string_view>
@@ -20,13 +20,13 @@ public:
     TerminalDevice();
     ~TerminalDevice();
 
-    // False when the terminal can't be opened.
+    // False if the terminal can't be opened.
     explicit operator bool() const { return bool(output_); }
 
-    // As far as a screen can be used; 24 by 80 where the terminal doesn't know.
+    // At most what a screen can use; 24 by 80 if the terminal doesn't know.
     CellSize Size() const;
 
-    // Writes what the terminal takes now and keeps the rest for Push.
+    // Writes what the terminal accepts now and keeps the rest for Push.
     void Write(std::string_view bytes);
     void Push();
 
@@ -34,7 +34,7 @@ public:
     bool Busy() const { return !kept_.empty(); }
     int Output() const { return output_.Get(); }
 
-    // Notes what is to be written at the end, whatever brings it. Up to 255 bytes.
+    // Sets what is written at the end, whatever its cause. Up to 255 bytes.
     void WriteAtEnd(std::string_view bytes);
 
 private:

@@ -32,7 +32,7 @@ fs::path NearestFolder(const fs::path& path) {
     return folder;
 }
 
-// Sorted, hidden ones behind the others. A name that is no UTF-8 could not be found again.
+// Sorted, hidden ones last. A name that is not UTF-8 could not be found again.
 std::vector<std::string> SubFolders(const std::string& folder) {
     std::vector<std::string> names;
     std::error_code error;
@@ -97,7 +97,7 @@ void FolderLayer::GoUp() {
     if (found != entries_.end()) focus_ = static_cast<std::size_t>(found - entries_.begin());
 }
 
-// To the next name that begins so.
+// Moves to the next name that begins with the character.
 void FolderLayer::Seek(char32_t character) {
     const std::u16string begun(1, static_cast<char16_t>(character));
     for (std::size_t step = 1; step <= entries_.size(); ++step) {

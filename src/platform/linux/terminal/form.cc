@@ -13,21 +13,21 @@ constexpr int kMargin = 3;       // columns from the panel's edge to the control
 constexpr int kNarrowestField = 16, kWidestForm = 72;
 constexpr std::wstring_view kBrowse = L" [...]";
 
-// Each height of the template becomes a row, parted by empty ones if wanted. Gives the row of each top
-// edge, and of the frame's foot at the template's height.
-std::map<int, int> RowsOf(const DialogTemplate& layout, bool parted) {
+// Each height of the template becomes a row, separated by empty ones if `spaced`. Returns the row of each top edge, and of the
+// frame's foot at the template's height.
+std::map<int, int> RowsOf(const DialogTemplate& layout, bool spaced) {
     std::map<int, int> rows;
     for (const ControlTemplate& control : layout.controls) rows[control.rect.top] = control.rect.top + control.rect.height;
     rows[layout.height] = 0;
     int count = 0, last = 0;
     for (auto& [top, row] : rows) {
-        count += parted && top - last >= kUnitsPerRow ? 2 : 1;
+        count += spaced && top - last >= kUnitsPerRow ? 2 : 1;
         last = std::exchange(row, count);
     }
     return rows;
 }
 
-// With brackets where it has them.
+// With its brackets, if it has any.
 int LeastWidth(const ControlTemplate& control) {
     if (control.kind == ControlKind::kFolderField) return kNarrowestField;
     return WidthOf(PlainCaption(control.caption)) + (control.kind == ControlKind::kLabel ? 0 : 4);

@@ -11,7 +11,7 @@
 namespace twr {
 namespace {
 
-// While another program has the terminal, the host looks this often whether it has come back.
+// While another program has the terminal, the host checks this often whether it is available again.
 constexpr auto kForegroundCheck = std::chrono::seconds(1);
 
 }  // namespace
@@ -75,11 +75,10 @@ void TerminalHost::OnSignal(int signal) {
 void TerminalHost::OnKey(char32_t key) {
     dirty_ = true;
     if (key == kRedraw) return screen_->Redraw();
-    if (!tooSmall_) layers_.back()->OnKey(key);  // else nobody can see what a key would do
+    if (!tooSmall_) layers_.back()->OnKey(key);  // else the effect of a key could not be seen
 }
 
-// A picture waits until the terminal has taken the one before it, so that no more than one is ever kept for a terminal that takes
-// none.
+// A picture waits until the terminal has accepted the one before it, so that at most one is kept for a terminal that accepts none.
 void TerminalHost::Wait() {
     Steady::time_point end = NextDue();
     if (dirty_) end = std::min(end, Steady::now() + kForegroundCheck);
@@ -101,7 +100,7 @@ void TerminalHost::OnTerminalGone() {
     CloseFromOutside();
 }
 
-// As the signal would have done by itself, with the shell's screen back in its place.
+// As the signal alone would do, but with the shell's screen restored.
 void TerminalHost::Suspend() {
     screen_.reset();
     raise(SIGTSTP);
@@ -138,7 +137,7 @@ void TerminalHost::Draw() {
     }
     if (tooSmall_) {
         Panel notice{area, {}, {}, {}};
-        for (int row = 1; const std::wstring& line : Wrapped(u"Too small to show the dialog. Halyrig goes on.", area.columns - 2)) {
+        for (int row = 1; const std::wstring& line : Wrapped(u"Too small for the dialog. Halyrig is running.", area.columns - 2)) {
             notice.parts.push_back({row++, 1, line});
         }
         panels = {notice};

@@ -1,4 +1,4 @@
-// An open dialog in the terminal: its loop, and whatever stands on top of it.
+// An open dialog in the terminal: its loop, and the layers on top of it.
 #pragma once
 #include <memory>
 #include <string_view>
@@ -29,13 +29,13 @@ private:
     // Runs until the layer has closed or the dialog has ended.
     void Run(Layer& layer);
 
-    // One round of the loop. Whatever it raises can run further rounds, below a box.
+    // One round of the loop. An event that it raises can run further rounds while it shows a box.
     void Step();
     void OnSignal(int signal);
     void OnKey(char32_t key);
     void Wait();
 
-    // The window is closed from outside by somebody who means it: a question whether to leave is answered with yes.
+    // The window is closed from outside, as confirmed: a question whether to leave is answered with yes.
     void CloseFromOutside();
     void OnTerminalGone();
     void Suspend();
@@ -50,8 +50,8 @@ private:
     FormLayer form_;
     std::vector<Layer*> layers_;
     std::unique_ptr<TerminalScreen> screen_;
-    bool dirty_ = true;      // what is shown is no longer true
-    bool stale_ = false;     // somebody else may have drawn on the screen
+    bool dirty_ = true;      // the picture is out of date
+    bool stale_ = false;     // another program may have drawn on the screen
     bool tooSmall_ = false;  // nothing but a notice is shown
     bool gone_ = false;      // the terminal has vanished
     bool closing_ = false;

@@ -1,4 +1,4 @@
-// What stands on the screen: the dialog below, and on it a box or the folder list. The topmost takes all keys.
+// The layers of the screen: the dialog below, and on it a box or the folder list. The topmost takes all keys.
 #pragma once
 #include <functional>
 #include <optional>
@@ -37,7 +37,7 @@ private:
 // The dialog's controls, in tab order, and its menu on the function keys.
 class FormLayer final : public Layer {
 public:
-    // What a press changes is told to `window`, what it means to `dialog`. `run` shows a layer until it has closed.
+    // `window` gets the changes of a press, `dialog` its events. `run` shows a layer until it has closed.
     FormLayer(const DialogTemplate& layout, Dialog& dialog, DialogWindow& window, std::function<void(Layer&)> run);
 
     void AddMenuItem(int command, std::u16string_view text) { menu_.emplace_back(command, text); }
@@ -77,10 +77,10 @@ private:
 // A folder's sub-folders, from which one is chosen.
 class FolderLayer final : public Layer {
 public:
-    // Opens `start`, or the nearest folder above it; the user's own where that is no full path.
+    // Opens `start`, or the nearest folder above it; the user's own if that is not a full path.
     explicit FolderLayer(std::u16string_view start);
 
-    // Nothing when it was left without a choice.
+    // nullopt if it was left without a choice.
     const std::optional<std::u16string>& Chosen() const { return chosen_; }
 
     Panel Shown(CellSize area) override;

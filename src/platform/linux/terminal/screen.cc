@@ -11,7 +11,7 @@
 
 #include "platform/linux/terminal/text.h"
 
-// Names that the library's headers make macros of.
+// Names that the library's headers define as macros.
 #undef columns
 #undef lines
 
@@ -52,7 +52,7 @@ void Put(int row, int column, const std::wstring& text, attr_t attributes = A_NO
 
 }  // namespace
 
-// A library that is loaded while the screen is up can ask too: what the screen is drawn by must stay.
+// A library that is loaded while the screen is up can call this too, so the current terminal is restored.
 bool TerminalCanShowScreens() {
     TERMINAL* const before = cur_term;
     int error = 0;
@@ -75,8 +75,8 @@ TerminalScreen::TerminalScreen() : picture_(fdopen(memfd_create("picture", MFD_C
     keys_ = newpad(1, 1);  // reading from a pad never draws
     keypad(keys_, TRUE);
     nodelay(keys_, TRUE);
-    // The screen is entered and left once, which tells what leaves it; with the first picture the library enters it again. What it
-    // writes for once and all comes with the first time.
+    // The screen is entered and left once, which yields the text that leaves it; with the first picture the library enters it
+    // again. What it writes only once comes with the first time.
     refresh();
     const std::string enter = TakePicture();
     endwin();
@@ -94,7 +94,7 @@ TerminalScreen::~TerminalScreen() {
     if (picture_) std::fclose(picture_);
 }
 
-// Alt and a key come as an Esc with the key right behind it: that is no wish to leave.
+// Alt and a key come as an Esc with the key right behind it: that is not a request to leave.
 std::optional<char32_t> TerminalScreen::Read() {
     const TerminalLocale locale;
     wint_t read = 0, behind = 0;
@@ -143,7 +143,7 @@ void TerminalScreen::Draw(const Panel& panel, bool topmost) {
     }
 }
 
-// What the library wrote to the terminal itself would wait until that takes it, and the ticks with it.
+// If the library wrote to the terminal itself, it would block until that accepts the output, and so would the ticks.
 std::string TerminalScreen::TakePicture() {
     const int file = fileno(picture_);
     std::string bytes(static_cast<std::size_t>(std::max<off_t>(0, lseek(file, 0, SEEK_CUR))), '\0');

@@ -1,4 +1,4 @@
-// The screen of a terminal as curses draws it, and the keys as it tells them apart.
+// The screen of a terminal as curses draws it, and the keys that it distinguishes.
 #pragma once
 #include <cstdio>
 #include <memory>
@@ -14,7 +14,7 @@ struct screen;
 
 namespace twr {
 
-// Keys that are no characters lie above all of those.
+// Keys that are not characters are above all of those.
 enum Key : char32_t {
     kTab = U'\t',
     kRedraw = 12,  // Ctrl-L
@@ -31,7 +31,7 @@ enum Key : char32_t {
     kF1,  // and kF1 + 1, ...
 };
 
-// A framed box in the middle of the screen, and what stands in it.
+// A framed box in the middle of the screen, and its contents.
 struct Panel {
     struct Part {
         int row, column;  // within the panel, whose frame is row and column 0
@@ -45,7 +45,7 @@ struct Panel {
     std::vector<std::wstring> hints;  // keys and what they do, the most important first, for the last row of the screen
 };
 
-// False when the terminal can't place its cursor, or nothing is known about it.
+// False if the terminal can't place its cursor, or its type is unknown.
 bool TerminalCanShowScreens();
 
 class TerminalScreen {
@@ -53,18 +53,18 @@ public:
     TerminalScreen();
     ~TerminalScreen();
 
-    // False when the terminal could not be taken over.
+    // False if the terminal could not be taken over.
     explicit operator bool() const { return screen_ != nullptr; }
 
     TerminalDevice& Device() { return device_; }
 
-    // The next key; nothing when that was all.
+    // The next key; nullopt if there is none.
     std::optional<char32_t> Read();
 
     void TakeSize();  // that the terminal has now
-    void Redraw();    // the next picture is drawn anew, whatever stands there
+    void Redraw();    // the next picture is drawn in full, whatever the screen shows
 
-    // What panels have for themselves.
+    // The area for panels.
     CellSize Area() const;
 
     // The last panel covers the others, and has the focus and the hints.

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::wstring_view kPoints = L"...";
 
-// A locale that is named but not installed is taken for one of UTF-8, as most are.
+// A locale that is named but not installed is taken as UTF-8, as most are.
 locale_t CharactersOfTheEnvironment() {
     const locale_t base = newlocale(LC_ALL_MASK, "C", nullptr);
     for (const char* name : {"", "C.UTF-8"}) {

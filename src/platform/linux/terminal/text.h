@@ -8,8 +8,8 @@
 
 namespace twr {
 
-// The process itself keeps the C locale: only this thread, and only for the life of the object, tells characters apart as the
-// user's environment says, so that numbers and names of months stay as they are.
+// The process itself keeps the C locale: only this thread, and only for the life of the object, uses the user's locale for
+// characters, so that numbers and names of months stay as they are.
 class TerminalLocale {
 public:
     TerminalLocale();
@@ -29,10 +29,10 @@ std::wstring PlainCaption(std::u16string_view marked);
 
 int WidthOf(std::wstring_view text);  // cells
 
-// What fits of the beginning, with blanks behind it up to `width` cells.
+// As much of the beginning as fits, padded with blanks to `width` cells.
 std::wstring Fitted(std::wstring_view text, int width);
 
-// What fits of the end, behind three points where it is not all.
+// As much of the end as fits, after three points if that is not all.
 std::wstring TailThatFits(std::wstring_view text, int width);
 
 // Lines of at most `width` cells, broken at blanks, else within a word. Line feeds start a new line.

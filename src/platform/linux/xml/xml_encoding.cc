@@ -26,7 +26,7 @@ public:
 
     bool Known() const { return converter_ != reinterpret_cast<iconv_t>(-1); }
 
-    // What expat wants to know of a first byte: its character, kInvalid, or how many bytes there are, as a negative number.
+    // What expat needs to know of a first byte: its character, kInvalid, or how many bytes there are, as a negative number.
     int EntryOf(unsigned char first) {
         std::array<char, kLongest> bytes{static_cast<char>(first)};
         const int character = Decode(bytes.data(), 1);

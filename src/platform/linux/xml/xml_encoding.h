@@ -4,7 +4,7 @@
 
 namespace twr {
 
-// The handler for XML_SetUnknownEncodingHandler: whatever iconv knows with one or two bytes to a character.
+// The handler for XML_SetUnknownEncodingHandler: any encoding that iconv knows with one or two bytes to a character.
 int FindXmlEncoding(void* unused, const XML_Char* name, XML_Encoding* encoding);
 
 }  // namespace twr

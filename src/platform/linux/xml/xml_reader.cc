@@ -15,7 +15,7 @@ namespace {
 constexpr int kChunk = 8192;             // bytes
 constexpr XML_Char kSeparator = '\xFF';  // of name space and local name; no text in UTF-8 holds it
 
-// What the byte-order mark shows, which outweighs a declaration that says otherwise; nullptr without one.
+// The encoding of the byte-order mark, which overrides the declaration; nullptr without one.
 const XML_Char* MarkedEncoding(std::string_view document) {
     if (document.starts_with("\xEF\xBB\xBF")) return "UTF-8";
     if (document.starts_with("\xFF\xFE") || document.starts_with("\xFE\xFF")) return "UTF-16";
@@ -63,7 +63,7 @@ private:
         ended_ = !parser_ || XML_Parse(parser_, chunk, static_cast<int>(filled), last) != XML_STATUS_OK || last || IsBeyondReason();
     }
 
-    // The parser keeps in memory what it can't make an end of yet.
+    // The parser keeps unfinished input in memory.
     bool IsBeyondReason() const {
         const auto done = static_cast<std::size_t>(std::max<XML_Index>(0, XML_GetCurrentByteIndex(parser_)));
         return read_ >= kLargestFile || read_ - std::min(done, read_) > kLongestLine;

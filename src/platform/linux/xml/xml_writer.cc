@@ -113,7 +113,7 @@ private:
 
     bool FlushIfEnough() { return pending_.size() < kEnough ? !failed_ : Flush(); }
 
-    // Once a part is lost, what follows would not join on to what is there.
+    // Once a part is lost, what follows would not fit what is there.
     bool Flush() {
         failed_ = failed_ || !WriteAll(file_, pending_);
         pending_.clear();

@@ -1,4 +1,4 @@
-// The writer of XML files, beside the reader and whoever makes both.
+// The writer of XML files.
 #pragma once
 #include <memory>
 #include <string_view>

@@ -72,7 +72,7 @@ void DialogHost::StopTimer(std::uintptr_t id) { KillTimer(window_, id); }
 
 void DialogHost::PostClose() { PostMessageW(window_, WM_CLOSE, 0, 0); }
 
-// A box left open would keep the program from ending until somebody answers it.
+// A box left open would keep the program from ending until it is answered.
 void DialogHost::End(DialogResult) {
     ended_ = true;
     CloseBoxes();

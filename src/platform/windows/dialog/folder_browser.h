@@ -12,7 +12,7 @@ namespace twr {
 
 class FolderBrowser {
 public:
-    // Shows the box, standing on `start` when that is a folder. Nothing when the user cancels it.
+    // Shows the box, with `start` selected if that is a folder. nullopt if the user cancels it.
     std::optional<std::wstring> Pick(HWND owner, const std::wstring& start);
 
     // Closes the box, if it is open, as if the user had cancelled it.

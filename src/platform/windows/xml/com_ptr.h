@@ -14,7 +14,7 @@ public:
 
     Interface* operator->() const { return this->get(); }
 
-    // For calls that hand out any interface through an untyped pointer.
+    // For calls that return any interface through an untyped pointer.
     void** ReceiveVoid() { return reinterpret_cast<void**>(this->Receive()); }
 };
 

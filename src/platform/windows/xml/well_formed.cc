@@ -6,14 +6,14 @@
 namespace twr {
 namespace {
 
-constexpr std::size_t kLongestReference = 64;  // leading zeros may come in any number; nobody writes so many
+constexpr std::size_t kLongestReference = 64;  // any number of leading zeros is allowed; no real document has so many
 
 bool IsXmlCharacter(std::uint32_t c) {
     return c == '\t' || c == '\n' || c == '\r' || (c >= 0x20 && c < 0xD800) || (c >= 0xE000 && c < 0xFFFE) ||
            (c > 0xFFFF && c < 0x110000);
 }
 
-// The units of the character at the front; 0 when it is not allowed.
+// The units of the character at the front; 0 if it is not allowed.
 std::size_t CharacterLength(std::u16string_view text) {
     if (IsXmlCharacter(text[0])) return 1;
     const bool pair = text.size() > 1 && text[0] >= 0xD800 && text[0] < 0xDC00 && text[1] >= 0xDC00 && text[1] < 0xE000;
@@ -42,7 +42,7 @@ bool StartsWithReference(std::u16string_view text) {
     return name == u"amp" || name == u"lt" || name == u"gt" || name == u"quot" || name == u"apos";
 }
 
-// The length of the part at the front in which an ampersand stands for itself; 0 when there is none.
+// The length of the part at the front in which an ampersand is a plain character; 0 if there is none.
 std::size_t PlainLength(std::u16string_view text) {
     constexpr std::u16string_view kParts[][2] = {{u"<!--", u"-->"}, {u"<![CDATA[", u"]]>"}, {u"<?", u"?>"}};
     for (const auto& [begin, end] : kParts) {

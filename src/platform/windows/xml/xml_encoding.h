@@ -5,8 +5,8 @@
 
 namespace twr {
 
-// Decodes a document by its mark, else by its declaration, else as UTF-8, and leaves the encoding out of its declaration. The text
-// ends at the first malformed character; there is none when the declaration names an unknown encoding.
+// Decodes a document by its mark, else by its declaration, else as UTF-8, and removes the encoding from its declaration. The text
+// ends at the first malformed character; it is empty if the declaration names an unknown encoding.
 std::u16string DecodeXml(std::string_view bytes);
 
 }  // namespace twr

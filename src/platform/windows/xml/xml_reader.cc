@@ -23,11 +23,11 @@ std::string Contents(ByteSource& source) {
     return bytes;
 }
 
-// Goes behind the document. Wine's reader runs for ever, or ends the program, where a document ends too early; this ends comments,
-// values and whatever else may be open in a fault, and no element comes of it.
+// Appended to the document. Wine's reader runs for ever, or ends the program, if a document ends too early; this turns open
+// comments, values and anything else into a fault, and yields no element.
 constexpr std::string_view kFault = "\"'-->]]>?></>                ";
 
-// XmlLite finds every fault by itself on Windows; Wine's passes over some.
+// XmlLite finds every fault by itself on Windows; Wine's misses some.
 class LiteReader : public XmlReader {
 public:
     explicit LiteReader(ComPtr<IXmlReader> reader) : reader_(std::move(reader)) {}
@@ -42,7 +42,7 @@ public:
     }
 
 private:
-    // False when the element is at fault, by a prefix that stands for no name space or by an attribute given twice.
+    // False if the element has a prefix without a name space or an attribute twice.
     bool TakeElement(XmlElement& element) {
         element.attributes.clear();
         qualifiedNames_.clear();
@@ -81,8 +81,8 @@ private:
     bool ended_ = false;
 };
 
-// XmlLite knows other encodings than UTF-8 and UTF-16 on some machines only, and Wine's goes wrong in UTF-16 beyond some thousand
-// characters; so it always gets UTF-8. The mark is for Wine's, which without it takes blanks before the first element for a fault.
+// XmlLite knows other encodings than UTF-8 and UTF-16 on some machines only, and Wine's fails in UTF-16 beyond some thousand
+// characters; so it always gets UTF-8. The mark is for Wine's, which otherwise rejects blanks before the first element.
 std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
     const auto source = MakeFiles({})->Open(path);
     if (!source) return nullptr;
