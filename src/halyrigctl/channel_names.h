@@ -1,4 +1,4 @@
-// Channels by the names that people use.
+// Channels by the names that users type.
 #pragma once
 #include <optional>
 #include <string>
@@ -11,11 +11,11 @@ namespace twr {
 // The catalogue's short name; the Time channel, which has none, goes by its long one.
 std::u16string_view CatalogueName(ChannelId channel);
 
-// The name shown: the user's where there is one, else the catalogue's.
+// The name shown: the user's if there is one, else the catalogue's.
 std::u16string NameForPeople(CCore& core, ChannelId channel);
 
-// The channel with this number, with this short name, or with this name in the user's own words (case of letters plays no part);
-// nothing when there is none. The core has a record.
+// The channel with this number, with this short name, or with this name in the user's own words (letter case is ignored); nullopt
+// if there is none. The core must be attached.
 std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text);
 
 }  // namespace twr

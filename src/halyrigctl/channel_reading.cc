@@ -10,7 +10,7 @@
 namespace twr {
 namespace {
 
-// The unit in which the record keeps a type; empty where the type tells none.
+// The unit in which the record keeps a type; empty if the type has none.
 std::u16string_view InternalUnit(std::int16_t type) {
     UnitSettings internal{};
     internal.magnetic = true;
@@ -34,7 +34,7 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, const 
     CoreRecord& record = *core.View();
     ChannelReading reading;
     const ChannelId resolved = core.ResolveAlternate(channel, true);
-    const ChannelId source = core.ResolveAlternate(resolved, true);  // a chain is followed on where its value is read
+    const ChannelId source = core.ResolveAlternate(resolved, true);  // a longer chain is followed when its value is read
     if (source >= kChannelCount) {
         reading.text = u"- -";
         reading.missing = "it stands for no channel now: alternate.csv names none for this state";

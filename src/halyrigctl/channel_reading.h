@@ -1,4 +1,4 @@
-// One channel of one boat as its user would see it, and why it can't be seen.
+// One channel of one boat as its user would see it, and why it has no value.
 #pragma once
 #include <optional>
 #include <string>
@@ -8,19 +8,19 @@
 namespace twr {
 
 struct ChannelReading {
-    std::optional<double> value;    // as stored, in the internal unit; nothing without a fresh value
-    std::u16string_view valueUnit;  // its label; empty where there is none
+    std::optional<double> value;    // as stored, in the internal unit; nullopt without a fresh value
+    std::u16string_view valueUnit;  // its label; empty if there is none
     std::u16string text;            // in the user's units; "- -" without a fresh value
-    std::u16string_view textUnit;   // empty where there is none, or the text says it itself
-    std::optional<double> age;      // seconds since the last publication; nothing when it was never published
-    std::int32_t limit = 0;         // seconds after which a value counts as gone; 0 for never
-    std::string missing;            // why there is no fresh value; empty when there is one
+    std::u16string_view textUnit;   // empty if there is none, or the text contains it
+    std::optional<double> age;      // seconds since the last publication; nullopt if it was never published
+    std::int32_t limit = 0;         // seconds after which a value is stale; 0 for never
+    std::string missing;            // why there is no fresh value; empty if there is one
 };
 
-// What a reading depends on beside the record.
+// What a reading depends on besides the record.
 struct Circumstances {
     double now;        // days
-    bool degreesTrue;  // Deckman's bearings come true, as far as is known
+    bool degreesTrue;  // Deckman's bearings are true, as far as is known
 };
 
 // An alternating channel is read as the one that it stands for.

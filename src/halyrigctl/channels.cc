@@ -36,7 +36,7 @@ std::string OrDash(bool told, int number) { return told ? std::to_string(number)
 
 constexpr const char* kTextRow = "%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n";
 
-// For people: a dash where there is nothing to tell.
+// For users: a dash where there is no value.
 std::string TextRow(const ChannelInfo& info) {
     return Formatted(kTextRow, std::to_string(info.id).c_str(), ToUtf8(CatalogueName(info.id)).c_str(),
                      ToUtf8(info.longName).c_str(), std::to_string(info.type).c_str(), OrDash(HasRange(info), info.min).c_str(),
@@ -45,7 +45,7 @@ std::string TextRow(const ChannelInfo& info) {
                      Flags(info).c_str());
 }
 
-// The numbers that the suite keeps. No name holds a tab.
+// The numbers that the suite keeps. No name contains a tab.
 std::string TsvRow(const ChannelInfo& info) {
     return Formatted("%d\t%s\t%s\t%d\t%d\t%d\t%d\t%d\t%d\t%s\n", info.id, ToUtf8(info.name).c_str(), ToUtf8(info.longName).c_str(),
                      info.type, info.min, info.max, info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());

@@ -29,13 +29,13 @@ void AddChannels(Commands& all) {
             name, [&all, form] { all.form = form; }, help);
     };
     formFlag("--tsv", "As tab-separated values", TableForm::kTsv)
-        ->excludes(formFlag("--json", "As JSON, with null where there is nothing to tell", TableForm::kJson));
+        ->excludes(formFlag("--json", "As JSON, with null for a missing value", TableForm::kJson));
     command->callback([&all] { all.status = ListChannels(all.system.GetConsole(), all.form); });
 }
 
 void AddGet(Commands& all) {
     CLI::App* command = all.app.add_subcommand("get", "Show one channel, or why it has no value");
-    command->add_option("ID", all.get.channel, "The channel's number, short name, or name of your own")->required();
+    command->add_option("ID", all.get.channel, "The channel's number, short name, or the name that you gave it")->required();
     command->add_option("--boat", all.get.boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
     command->add_flag("--json", all.get.json, "As JSON, with the reason why there is no value as \"missing\"");
     command->callback([&all] { all.status = GetChannelValue(all.system, all.get); });
@@ -43,19 +43,19 @@ void AddGet(Commands& all) {
 
 void AddWatch(Commands& all) {
     CLI::App* command = all.app.add_subcommand("watch", "Show what is published, live, until Ctrl-C");
-    command->add_option("--interval", all.watch.intervalMs, "Milliseconds between two looks")->check(CLI::Range(50, 3600000));
-    command->add_option("--snapshots", all.watch.snapshots, "End after so many looks")->check(CLI::Range(1, 1000000));
+    command->add_option("--interval", all.watch.intervalMs, "Milliseconds between two readings")->check(CLI::Range(50, 3600000));
+    command->add_option("--snapshots", all.watch.snapshots, "End after this number of readings")->check(CLI::Range(1, 1000000));
     command->callback([&all] { all.status = Watch(all.system, all.watch); });
 }
 
 void AddQuit(Commands& all) {
     CLI::App* command = all.app.add_subcommand("quit", "Ask every program of the suite to close, and wait until all have");
     command->add_flag_callback(
-        "--no-wait", [&all] { all.quit.wait = false; }, "Only ask");
+        "--no-wait", [&all] { all.quit.wait = false; }, "Do not wait");
     command->callback([&all] { all.status = Quit(all.system, all.quit); });
 }
 
-// The parser misses the command first, and only then minds the word that stands in its place.
+// The parser reports the missing command first, and only then the unknown word in its place.
 std::string Complaint(const CLI::App& app, const CLI::Error& error) {
     const auto given = app.get_subcommands();
     const std::string help = "; see 'halyrigctl " + (given.empty() ? "" : given.front()->get_name() + " ") + "--help'";

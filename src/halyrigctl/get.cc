@@ -21,7 +21,7 @@ std::string WithUnit(const std::string& figure, std::u16string_view unit) {
     return unit.empty() ? figure : figure + " " + ToUtf8(unit);
 }
 
-// As exact as a time stamp sensibly is.
+// As precise as is useful for a time stamp.
 double ToMilliseconds(double seconds) { return std::round(seconds * 1000) / 1000; }
 
 std::string Formatted(const char* format, double number) {
@@ -66,7 +66,7 @@ Status GetChannelValue(System& system, const GetOptions& options) {
     if (!channel) {
         guest.Leave();
         Complain(console, "there is no channel " + Harmless(FromUtf8(options.channel)) +
-                              "; 'halyrigctl channels' lists them, 'halyrigctl get --help' tells how to name one");
+                              "; 'halyrigctl channels' lists them, 'halyrigctl get --help' explains how to name one");
         return kMisunderstood;
     }
     const CoreServices services = system.Core();

@@ -11,7 +11,7 @@ Guest::Guest(System& system) : console_(system.GetConsole()) {
     Complain(console_, "there is no record, since no program of the suite is running. Start " HALYRIG_PROGRAM " first.");
 }
 
-// The request goes with the record, so one program that stays makes all that start anew leave.
+// The request lasts as long as the record, so while one program stays, any that starts ends at once.
 void Guest::Leave() {
     const bool closing = core_ && core_->QuitRequested();
     core_.reset();

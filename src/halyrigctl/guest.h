@@ -1,4 +1,4 @@
-// How halyrigctl meets the record: as a guest of the programs that hold it.
+// How halyrigctl attaches to the record: as a guest of the programs that hold it.
 #pragma once
 #include <optional>
 
@@ -8,15 +8,15 @@ namespace twr {
 
 class Guest {
 public:
-    // Joins the record. Where there is none it says so on standard error, with what to start.
+    // Joins the record. If there is none, says so on standard error, with what to start.
     explicit Guest(System& system);
 
     explicit operator bool() const { return core_ && core_->View(); }
     CCore& Core() { return *core_; }
     CoreRecord& Record() { return *core_->View(); }
 
-    // Lets go of the record, which ends the use of both, then says on standard error what comes of a request to close that stands
-    // in it. To be called before anything is written: as long as that is held up, the request would live on with the record.
+    // Releases the record, which ends the use of both, then explains on standard error a request to close if the record has one. To
+    // be called before anything is written: while output is held up, the request would persist with the record.
     void Leave();
 
 private:

@@ -10,7 +10,7 @@ namespace twr {
 
 using Json = nlohmann::ordered_json;
 
-// null where there is nothing to tell, in place of the sentinels of the suite.
+// null in place of the sentinels of the suite.
 template <class Value>
 Json Told(bool told, const Value& value) {
     return told ? Json(value) : Json();

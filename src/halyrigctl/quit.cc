@@ -8,11 +8,11 @@ namespace {
 constexpr int kPatienceMs = 10000;
 constexpr int kBetweenLooksMs = 100;
 
-// The record with the request in it is still held. Between two looks it isn't held from here, or it would never go.
+// Whether the record with the request is still held. Between two checks it isn't held here, or it would never be removed.
 bool StillHeld(System& system) { return CCore(system.Core(), Attachment::kOpenOnly).QuitRequested(); }
 
-// False when they have not all left in time, or the user does not want to wait. A program lets go of the record a moment before it
-// ends, and until then the bridge does not start again: one pause more.
+// False if they have not all left in time, or the user stops waiting. A program releases the record a moment before it ends, and
+// until then the bridge does not start again: one pause more.
 bool WaitUntilAllHaveLeft(System& system) {
     bool held = true;
     for (int waited = 0; waited < kPatienceMs; waited += kBetweenLooksMs) {

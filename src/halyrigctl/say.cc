@@ -9,7 +9,7 @@ namespace {
 
 bool IsControl(char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
 
-// Line and paragraph separators, which some terminals obey, stand between the marks of direction.
+// Line and paragraph separators, which some terminals obey, lie between the marks of direction.
 bool TurnsDirection(char16_t c) {
     return c == 0x061C || c == 0x200E || c == 0x200F || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
 }

@@ -44,7 +44,7 @@ constexpr std::size_t kFrameHeight = 4;
 constexpr std::size_t kNumberWidth = 2;
 constexpr std::size_t kNameWidth = 8;
 
-// As many as stand side by side with a gap between them; one at least.
+// As many as fit side by side with a gap between them; at least one.
 std::size_t PerLine(std::size_t width, std::size_t each, std::size_t gap) {
     return std::max<std::size_t>(1, (width + gap) / (each + gap));
 }
@@ -107,7 +107,7 @@ std::vector<std::string> DrawSmall(const std::vector<RemoteLine>& remotes, std::
     const std::size_t perLine = PerLine(width, each, kGap);
     const bool headed = height > 1;
     const std::size_t places = perLine * (headed ? height - 1 : height);
-    const std::size_t shown = remotes.size() <= places ? remotes.size() : places - 1;  // the last place tells of the others
+    const std::size_t shown = remotes.size() <= places ? remotes.size() : places - 1;  // the last place shows how many are left out
     std::vector<std::string> cells;
     for (std::size_t i = 0; i < shown; ++i) cells.push_back(Small(remotes[i], each));
     if (shown < remotes.size()) cells.push_back(Cut(std::to_string(remotes.size() - shown) + " more displays", each));
@@ -132,7 +132,7 @@ constexpr const char* kClearLine = "\x1b[K";
 constexpr const char* kClearBelow = "\x1b[J";
 constexpr std::size_t kTableWidth = 56;
 constexpr std::size_t kGap = 2;
-constexpr int kMost = 1000;  // lines and columns: no screen has more, but a terminal may say so
+constexpr int kMost = 1000;  // lines and columns: no screen has more, but a terminal may report it
 
 std::string Row(const std::string& id, const std::string& name, const std::string& text, const std::string& unit,
                 const std::string& age) {

@@ -41,8 +41,8 @@ struct ChannelLine {
     bool fresh;                    // a line that isn't is dimmed
 };
 
-// For a terminal of this size: redraws it from its top, with as much as fits and a word on what doesn't. The displays stand on the
-// right of the table, or below it in a narrow window. Without a size: plain text, one line each.
+// For a terminal of this size: redraws it from its top, with as much as fits and the number of what doesn't. The displays are on
+// the right of the table, or below it in a narrow window. Without a size: plain text, one line each.
 std::string DrawScreen(const std::vector<ChannelLine>& channels, const std::vector<RemoteLine>& remotes,
                        std::optional<ConsoleSize> size);
 

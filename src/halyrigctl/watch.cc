@@ -27,7 +27,7 @@ std::vector<ChannelLine> ReadChannels(CCore& core, double now) {
 
 std::string ShownBytes(const std::string& bytes) { return Harmless(FromBytes(bytes)); }
 
-// What the stand-in for Deckman has been told to show; nothing beside the real one, whose displays stand on the mast.
+// The texts sent to the stand-in for Deckman; none with the real one, whose displays are on the mast.
 std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
     const std::u16string folder = ReadSettings(services.registry).dfwFolder;
     const DisplayReader displays(services.memory, Trimmed(std::u16string_view(folder)));
@@ -39,7 +39,7 @@ std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
     return lines;
 }
 
-// A look may be an hour away, and who holds the record until then keeps the request to close alive in it.
+// The next look may be an hour away, and holding the record until then would keep a request to close alive.
 constexpr int kSliceMs = 100;
 
 // False as soon as the user or the suite asks to stop.

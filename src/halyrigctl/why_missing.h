@@ -9,15 +9,15 @@ namespace twr {
 
 // What is known of a channel without a fresh value.
 struct MissingChannel {
-    ChannelId channel;  // no alternating one
+    ChannelId channel;  // not an alternating one
     BoatSlot boat;
-    bool stored;                // its entry holds a value all the same
-    std::optional<double> age;  // seconds since the last publication; nothing when it was never published
-    std::int32_t limit;         // seconds after which a value counts as gone; 0 or less for never
-    bool degreesTrue;           // Deckman's bearings come true, as far as is known
+    bool stored;                // its entry holds a value, even so
+    std::optional<double> age;  // seconds since the last publication; nullopt if it was never published
+    std::int32_t limit;         // seconds after which a value is stale; 0 or less for never
+    bool degreesTrue;           // Deckman's bearings are true, as far as is known
 };
 
-// The first thing that stands between the channel and its user, in the order in which a value meets them.
+// The first reason that applies, in the order in which a value is processed.
 std::string WhyMissing(CCore& core, const MissingChannel& missing);
 
 }  // namespace twr

@@ -194,7 +194,7 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
         {"get awa", 1, {"stale: last published 20.0 s ago, and the limit is 10 s"}},
         {"get hdg --boat 2", 1, {"70.0 s ago, and the limit is 60 s"}},
         {"get heel", 1, {"blocked"}},
-        {"get aws", 1, {"held: another program of the suite lets nothing new into it (system flag 52)"}},
+        {"get aws", 1, {"held: another program of the suite has stopped new values for it (system flag 52)"}},
         {"get hdg", 1, {"no variation"}},
         {"get depth", 1, {"unit chosen"}},
         {"get 120", 1, {"stands for no channel"}},
