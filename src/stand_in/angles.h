@@ -11,13 +11,13 @@ inline double Degrees(double radians) { return radians * (180.0 / std::numbers::
 inline double SinDegrees(double degrees) { return std::sin(Radians(degrees)); }
 inline double CosDegrees(double degrees) { return std::cos(Radians(degrees)); }
 
-// Into 0 up to, without, 360.
+// Into 0 to 360, 360 excluded.
 inline double WrappedBearing(double degrees) {
     const double wrapped = std::fmod(degrees, 360.0);
     return wrapped < 0.0 ? std::fmod(wrapped + 360.0, 360.0) : wrapped;
 }
 
-// Into -180 up to, without, 180.
+// Into -180 to 180, 180 excluded.
 inline double WrappedAngle(double degrees) { return WrappedBearing(degrees + 180.0) - 180.0; }
 
 struct Vector {

@@ -1,4 +1,4 @@
-// The lines of a file that nothing is known about, however long it is or its lines are, in a fixed space.
+// The lines of a file of any length and with lines of any length, in a fixed amount of memory.
 #pragma once
 #include <array>
 #include <cstddef>

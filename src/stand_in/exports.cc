@@ -32,7 +32,7 @@ private:
 
 const char Running::kAddressInLibrary = 0;
 
-// A text of the caller: in 16 bytes, and with luck it ends before them.
+// A text of the caller: 16 bytes, possibly without a zero.
 std::string_view TextOf(const char* text) { return {text, strnlen(text, twr::kDisplayTextRoom)}; }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the instruments say at one moment, and where such moments come from.
+// The instruments' values at one moment, and the source of such moments.
 #pragma once
 #include <array>
 #include <cmath>
@@ -7,7 +7,7 @@
 
 namespace twr {
 
-inline constexpr float kAbsent = 32767.0F;  // stands for a quantity that nothing is known about
+inline constexpr float kAbsent = 32767.0F;  // stands for an unknown quantity
 
 // Units: degrees, knots, nautical miles, feet of depth, seconds, degrees Celsius, hectopascals, volts, tonnes of load.
 // Bearings are true. Angles to the wind are positive with the wind on the starboard side. The true wind is the wind over the water.
@@ -67,7 +67,7 @@ public:
 
     float operator[](Quantity quantity) const { return values_[static_cast<std::size_t>(quantity)]; }
 
-    // What is not a finite number is absent.
+    // A number that is not finite is absent.
     void Set(Quantity quantity, double value) {
         values_[static_cast<std::size_t>(quantity)] = std::isfinite(value) ? static_cast<float>(value) : kAbsent;
     }

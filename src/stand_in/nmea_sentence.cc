@@ -15,7 +15,7 @@ constexpr std::size_t kLongestNumber = 20;
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsCapital(char c) { return c >= 'A' && c <= 'Z'; }
 
-// -1 for what is no hexadecimal digit.
+// -1 if it is not a hexadecimal digit.
 int HexValue(char c) {
     if (IsDigit(c)) return c - '0';
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
@@ -23,7 +23,7 @@ int HexValue(char c) {
     return -1;
 }
 
-// Takes "*hh" off the end of what follows the "$"; false when it is malformed or wrong.
+// Removes "*hh" from the end of what follows the "$"; false when it is malformed or wrong.
 bool TakeChecksum(std::string_view& body) {
     const std::size_t star = body.find('*');
     if (star == std::string_view::npos) return true;
@@ -60,7 +60,7 @@ std::optional<double> ParseDecimal(std::string_view text) {
     if (text.empty() || text.size() > kLongestNumber) return std::nullopt;
     const bool hasSign = text.front() == '+' || text.front() == '-';
     if (!std::ranges::all_of(text.substr(hasSign ? 1 : 0), [](char c) { return IsDigit(c) || c == '.'; })) return std::nullopt;
-    if (text.front() == '+') text.remove_prefix(1);  // which from_chars doesn't know
+    if (text.front() == '+') text.remove_prefix(1);  // which from_chars doesn't accept
     double value = 0.0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
     if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
@@ -98,7 +98,7 @@ std::optional<double> ParseTimeOfDay(std::string_view text) {
     if (!std::all_of(text.begin(), text.begin() + 6, IsDigit)) return std::nullopt;
     const auto pair = [&](std::size_t at) { return (text[at] - '0') * 10 + (text[at + 1] - '0'); };
     const auto seconds = ParseDecimal(text.substr(4));
-    if (!seconds || pair(0) > 23 || pair(2) > 59 || *seconds >= 61.0) return std::nullopt;  // a leap second is one
+    if (!seconds || pair(0) > 23 || pair(2) > 59 || *seconds >= 61.0) return std::nullopt;  // a leap second is valid
     return pair(0) * 3600.0 + pair(2) * 60.0 + *seconds;
 }
 

@@ -20,15 +20,15 @@ struct NmeaSentence {
         return number >= 1 && number <= count ? fields[number - 1] : std::string_view();
     }
 
-    // Nothing when the field is empty or not a plain decimal number.
+    // nullopt if the field is empty or not a plain decimal number.
     std::optional<double> Number(std::size_t number) const;
 };
 
 // A plain decimal number: a sign, digits and a point, nothing else.
 std::optional<double> ParseDecimal(std::string_view text);
 
-// Takes a line from "$" on, with blanks around it. Nothing for a line that is broken, proprietary or whose checksum is wrong; a
-// checksum may be missing. The views lead into the line.
+// Parses a line from "$" on, with blanks around it. nullopt for a line that is broken, proprietary or has a wrong checksum; a
+// missing checksum is accepted. The views point into the line.
 std::optional<NmeaSentence> ParseSentence(std::string_view line);
 
 // Seconds since midnight from "hhmmss" with or without decimals.

@@ -18,7 +18,7 @@ public:
     // What to do next. `trendDirection` is the wind by which the next race's course is laid.
     HelmOrder Step(const YachtState& yacht, Vector current, double trendDirection, Random& random);
 
-    // Whole seconds to the start, 0 once it was.
+    // Whole seconds to the start, 0 after it.
     std::int32_t Timer() const;
 
     // The next point to sail to: a mark, or the middle of the start line before the start.

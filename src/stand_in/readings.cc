@@ -17,7 +17,7 @@ struct Limits {
     double least, most;
 };
 
-// Beyond these a reading is taken for a transmission fault.
+// A reading beyond these is treated as a transmission fault.
 constexpr Limits kLimits[] = {
     {Reading::kBsp, 0, 100},
     {Reading::kHeadingTrue, 0, 360},

@@ -1,4 +1,4 @@
-// What the sentences of a recording have said lately, each reading by itself and with the time at which it was heard.
+// The latest readings from the sentences of a recording, each with the time at which it was received.
 #pragma once
 #include <array>
 #include <cstddef>
@@ -47,15 +47,15 @@ enum class Reading : std::uint8_t {
 
 class Readings {
 public:
-    static constexpr double kLife = 10.0;  // seconds for which a reading holds
+    static constexpr double kLife = 10.0;  // seconds for which a reading is valid
 
-    // Takes what the sentence says. What is empty, malformed, marked as invalid or beyond all reason changes nothing. False when
-    // there is nothing else in it.
+    // Takes the readings of the sentence. Those that are empty, malformed, marked as invalid or implausible are ignored. False if
+    // there are no others in it.
     bool Take(const NmeaSentence& sentence, double time);
 
     void Clear() { heard_.fill({}); }
 
-    // What is known at `time`: the readings that still hold, and what plainly follows from them.
+    // What is known at `time`: the readings that are still valid, and what follows from them.
     Moment At(double time) const;
 
 private:
@@ -69,7 +69,7 @@ private:
     std::array<Heard, static_cast<std::size_t>(Reading::kCount)> heard_;
 };
 
-// Seconds since midnight that the sentence tells; nothing when it is of a type without time or its field is empty.
+// The sentence's time in seconds since midnight; nullopt if its type has no time or the field is empty.
 std::optional<double> TimeOfDayOf(const NmeaSentence& sentence);
 
 }  // namespace twr

@@ -40,7 +40,7 @@ void RecordingReplay::Close() {
     readTime_ += kPause;
 }
 
-// Gets the next sentence and its time; false when the line holds none.
+// Gets the next sentence and its time; false if the line has none.
 bool RecordingReplay::Read() {
     std::string_view line;
     if (!lines_->Next(line)) {

@@ -1,4 +1,4 @@
-// Replays an NMEA 0183 recording, over and over. The instruments' source where there is one.
+// Replays an NMEA 0183 recording, over and over. The instruments' source if there is one.
 #pragma once
 #include <memory>
 #include <optional>
@@ -15,7 +15,7 @@
 namespace twr {
 
 // Reads as it plays, so that a recording may be of any length. What is not in it, or was not renewed for a while, is absent; so is
-// everything once the file can't be opened any more, until it can be again.
+// everything while the file can't be opened.
 class RecordingReplay : public InstrumentSource {
 public:
     RecordingReplay(Files& files, std::u16string_view path);

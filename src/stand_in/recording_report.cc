@@ -1,4 +1,4 @@
-// recording_report: says what the stand-in can use of an NMEA 0183 recording. The exit status is 1 when that is nothing.
+// recording_report: prints what the stand-in can use of an NMEA 0183 recording. The exit status is 1 if that is nothing.
 #include "base/wide_text.h"
 #include "platform/arguments.h"
 #include "platform/system.h"

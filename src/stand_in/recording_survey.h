@@ -15,8 +15,8 @@ struct RecordingSurvey {
     bool opened = false;
     bool packed = false;      // by gzip
     bool hasReading = false;  // at least one sentence gives the instruments a value
-    std::size_t lines = 0;    // blank ones not counted; one that goes on for kilobytes counts more than once
-    std::size_t broken = 0;   // of these, what is no whole sentence
+    std::size_t lines = 0;    // blank ones not counted; one of some kilobytes counts more than once
+    std::size_t broken = 0;   // of these, those that are not whole sentences
     Counts used;              // a value or the time of day
     Counts unused;            // empty, marked as invalid, or of a type that the stand-in doesn't read
 };
@@ -27,7 +27,7 @@ RecordingSurvey SurveyRecording(Files& files, std::u16string_view path);
 // Why playing it would give nothing; empty when it would give something.
 std::string WhyUseless(const RecordingSurvey& survey);
 
-// What a person wants to know of a recording that is of use, in lines.
+// A summary of a usable recording, in lines.
 std::string Described(const RecordingSurvey& survey);
 
 }  // namespace twr

@@ -24,7 +24,7 @@ constexpr double kStrongStream = 0.9;           // knots
 constexpr double kWeakStream = 0.3;
 
 constexpr double kFeetPerMetre = 3.2808;
-constexpr double kLeastPolarForPercent = 3.0;  // knots; head to wind a percentage says nothing
+constexpr double kLeastPolarForPercent = 3.0;  // knots; below it, head to wind, a percentage means nothing
 
 double Wave(double elapsed, double seconds) { return SinDegrees(std::fmod(elapsed, seconds) * 360.0 / seconds); }
 

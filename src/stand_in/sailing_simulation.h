@@ -1,4 +1,4 @@
-// A day's racing of a 16 m yacht in the Celtic Sea, the same for the same seed and time. The instruments' source when there is no
+// A day's racing of a 16 m yacht in the Celtic Sea, the same for the same seed and time. The instruments' source if there is no
 // recording.
 #pragma once
 #include <cstdint>
@@ -17,7 +17,7 @@ public:
     // `startLead`: seconds of the count before each start, at least 1.
     SailingSimulation(std::uint64_t seed, std::int32_t startLead);
 
-    // Counts in steps of a tenth of a second, so that many small advances lead where one great one does.
+    // Runs in steps of a tenth of a second, so that many small advances give the same result as one large one.
     void Advance(double seconds) override;
     const Moment& Now() const override { return moment_; }
 

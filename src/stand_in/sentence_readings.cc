@@ -131,7 +131,7 @@ void ReadMwd(const NmeaSentence& s, ReadingSink& sink) {
     sink.Put(kTws, Speed(s, {5, 7}));
 }
 
-// A positive offset leads from the transducer up to the surface; a negative one, down to the keel, is not for this.
+// A positive offset leads from the transducer up to the surface; a negative one, down to the keel, is not used.
 void ReadDpt(const NmeaSentence& s, ReadingSink& sink) {
     const auto depth = s.Number(1);
     const auto offset = s.Number(2);
@@ -160,7 +160,7 @@ void ReadRot(const NmeaSentence& s, ReadingSink& sink) {
     if (s.Field(2) == "A") sink.Put(kRateOfTurn, Times(s.Number(1), 1.0 / 60.0));  // from degrees per minute
 }
 
-// A yacht with one rudder has it in the starboard place.
+// A single rudder is in the starboard field.
 void ReadRsa(const NmeaSentence& s, ReadingSink& sink) {
     if (s.Field(2) == "A") sink.Put(kRudder, s.Number(1));
 }

@@ -7,12 +7,12 @@
 
 namespace twr {
 
-// Receives what a sentence says, reading by reading.
+// Receives the readings of a sentence one by one.
 class ReadingSink {
 public:
     virtual ~ReadingSink() = default;
 
-    // Nothing changes nothing.
+    // nullopt changes nothing.
     virtual void Put(Reading reading, std::optional<double> value) = 0;
 };
 

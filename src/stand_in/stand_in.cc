@@ -11,7 +11,7 @@ namespace twr {
 namespace {
 
 constexpr double kTicksPerSecond = 1e7;
-constexpr std::int64_t kOneMoment = 200000;       // 20 ms: what is read within it is of one moment
+constexpr std::int64_t kOneMoment = 200000;       // 20 ms: all reads within it see the same moment
 constexpr std::int64_t kLongestStep = 100000000;  // 10 s; after a longer sleep it goes on where it was
 
 std::unique_ptr<InstrumentSource> MakeSource(Files& files, std::u16string_view folder, const StandInSettings& settings) {

@@ -25,10 +25,10 @@ public:
     // `folder` is the library's. A file "recording.nmea" in it is replayed, else a day is simulated.
     StandIn(const StandInServices& services, std::u16string_view folder);
 
-    // kAbsent for a number that no variable has, and for what nothing is known about.
+    // kAbsent if no variable has the number, or its value is unknown.
     float Read(std::int32_t variable);
 
-    // Degrees, kAbsent when unknown.
+    // Degrees, kAbsent if unknown.
     void Position(float& latitude, float& longitude);
 
     DisplayWriter& Displays() { return displays_; }

@@ -1,5 +1,4 @@
-// The choices of a demonstration, from the file simulation.txt beside the library: lines of "key=value", of which all may be
-// missing.
+// The choices of a demonstration, from the file simulation.txt beside the library: lines of "key=value", all optional.
 #pragma once
 #include <cstdint>
 #include <string_view>
@@ -14,7 +13,7 @@ struct StandInSettings {
     std::int32_t startLead = 300;  // "start_lead": seconds of the count before each start, 10 to 3600
 };
 
-// Unknown keys and values that are malformed or out of range leave what stands above; so does a missing file.
+// Unknown keys, and values that are malformed or out of range, are ignored; without a file the defaults above apply.
 StandInSettings ReadStandInSettings(Files& files, std::u16string_view path);
 
 }  // namespace twr

@@ -22,7 +22,7 @@ struct Variable {
 // In ascending order of their numbers.
 std::span<const Variable> Variables();
 
-// Nothing for a number that no variable has.
+// nullopt if no variable has the number.
 std::optional<Quantity> QuantityOf(std::int32_t number);
 
 // The whole text of Data/J_vars06.d.

@@ -11,7 +11,7 @@ class ChildProcess {
 public:
     virtual ~ChildProcess() = default;  // kills it if it still runs
 
-    // The next line of its standard output, without its end; empty when the output has ended.
+    // The next line of its standard output, without its end; empty if the output has ended.
     virtual std::string ReadLine() = 0;
 
     // Writes a line to its standard input.
@@ -21,10 +21,10 @@ public:
     virtual int Wait() = 0;   // its exit status
 };
 
-// Starts this program again as `role`; the main of the test programs sees to the rest.
+// Starts this program again as `role`; the main of the test programs does the rest.
 std::unique_ptr<ChildProcess> StartRole(const std::string& role, const std::vector<std::string>& arguments);
 
-// Starts a program with its standard streams connected; nullptr or an exit status of 127 when it can't be started.
+// Starts a program with its standard streams connected; nullptr or an exit status of 127 if it can't be started.
 std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::vector<std::string>& arguments);
 
 // A role registers itself under its name with a static object of this type and gives the exit status.

@@ -1,5 +1,5 @@
-// Stand-ins for the services of a machine, each in the hand of the test. What a test needs of real files and XML it takes from a
-// real system over a temporary folder.
+// Stand-ins for the services of a machine, each controlled by the test. Tests that need real files and XML use the real services in
+// a temporary folder.
 #pragma once
 #include <cstdint>
 #include <functional>

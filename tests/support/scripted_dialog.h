@@ -1,4 +1,4 @@
-// A dialog that notes what its host tells it, and does what a test asks of it then.
+// A dialog that records the events from its host, and acts on them as a test asks.
 #pragma once
 #include <functional>
 #include <string>

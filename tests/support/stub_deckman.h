@@ -1,4 +1,4 @@
-// A Deckman library in the hand of a test: its variables can be set, its calls are remembered.
+// A Deckman library controlled by a test: its variables can be set, its calls are recorded.
 #pragma once
 #include <map>
 #include <set>
@@ -9,7 +9,7 @@
 
 namespace twr::testing {
 
-// One at a time: the library's functions have no object to go by.
+// Only one at a time: the library's functions take no object.
 class StubDeckman : public Libraries {
 public:
     StubDeckman();

@@ -17,20 +17,20 @@ public:
     const std::filesystem::path& Path() const { return path_; }
     std::u16string Text() const;
 
-    // The full path of something in it, levels parted by slashes.
+    // The full path of something in it, levels separated by slashes.
     std::u16string File(std::string_view name) const;
 
     // Writes a file in it and gives its full path; folders on the way are made.
     std::u16string Write(std::string_view name, std::string_view bytes) const;
 
-    // The bytes of a file in it; empty when there is none.
+    // The bytes of a file in it; empty if there is none.
     std::string Read(std::string_view name) const;
 
 private:
     const std::filesystem::path path_;
 };
 
-// Letters and digits that no other running test has.
+// Letters and digits unique among the running tests.
 std::string UniqueName();
 
 }  // namespace twr::testing

@@ -1,4 +1,4 @@
-// The real services of this system, under roots that no running suite and no other test knows.
+// The real services of this system, under roots that no running suite and no other test uses.
 #pragma once
 #include <memory>
 #include <string>
@@ -17,7 +17,7 @@ struct TestSystem {
     std::string name = UniqueName();
     std::unique_ptr<System> system = MakeSystem(TestRoots(name, folder.Text()));
 
-    // What a second process must be told to make the same system.
+    // What a second process needs to make the same system.
     std::vector<std::string> Arguments() const;
 };
 

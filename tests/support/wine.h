@@ -1,4 +1,4 @@
-// Where Wine's stand-in for a part of Windows is known to fall short of it.
+// Parts of Windows that Wine is known to implement incompletely.
 #pragma once
 
 namespace twr::testing {

@@ -7,7 +7,7 @@
 
 namespace twr::testing {
 
-// Elements as "name(attribute=value,...)", parted by blanks, in UTF-8.
+// Elements as "name(attribute=value,...)", separated by blanks, in UTF-8.
 std::string Outline(XmlReader& reader);
 
 // The bytes of a text in UTF-16, without a mark.

@@ -1,4 +1,4 @@
-// A user at a terminal: starts a role of this test program there, reads the screen, types, and waits for what comes of it.
+// A user at a terminal: starts a role of this test program there, reads the screen, types, and waits for the result.
 #pragma once
 #include <sys/types.h>
 
@@ -20,7 +20,7 @@ public:
     PseudoTerminal(const PseudoTerminal&) = delete;
     PseudoTerminal& operator=(const PseudoTerminal&) = delete;
 
-    // True as soon as the text is on the screen, or gone from it. False when the role ends or does not move without it.
+    // True as soon as the text is on the screen, or gone from it. False if the role ends or makes no progress without it.
     bool Shows(std::string_view text);
     bool ShowsNo(std::string_view text);
     bool Focuses(std::string_view text);
@@ -32,7 +32,7 @@ public:
     void HangUp();  // takes the terminal away
 
     int Wait();         // for the end; the exit status, or 128 and the signal
-    int WaitBlindly();  // the same, without taking what the role writes
+    int WaitBlindly();  // the same, without reading what the role writes
 
     // It is on the shell's screen, waits for lines and shows what is typed.
     bool GivenBack() const;

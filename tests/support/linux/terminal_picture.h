@@ -27,9 +27,9 @@ public:
     bool OnOwnScreen() const { return ownScreen_; }  // and not on the shell's
 
     std::string All() const;       // UTF-8, rows end in line feeds
-    std::string Reversed() const;  // the characters that stand out by being reversed
+    std::string Reversed() const;  // the characters shown reversed
 
-    // Where a text begins that stands within one row.
+    // Where a text within one row begins.
     std::optional<PicturePlace> Find(std::string_view text) const;
 
 private:
