@@ -1,22 +1,22 @@
-# Flags that every target of the project is compiled with.
+# Compiler and linker flags of every target of the project.
 add_library(halyrig_flags INTERFACE)
 
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 
 target_compile_options(halyrig_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
-    # Two roundings where the source says two: every build gives the same number.
+    # No fused multiply-add: every build gives the same number.
     -ffp-contract=off
     -fstack-protector-strong)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # GCC 12 sees an overlap in `"literal" + string` where there is none.
+    # GCC 12 wrongly reports an overlap in `"literal" + string`.
     target_compile_options(halyrig_flags INTERFACE -Wno-restrict)
 endif()
 target_include_directories(halyrig_flags INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
 
 if(WIN32)
-    # SSE2 in place of x87, whose wider registers compare and round differently from every other build; the compiler's own
-    # printf and scanf in place of the old C run time's.
+    # SSE2 in place of x87, whose wider registers compare and round differently from every other build; the compiler's own printf
+    # and scanf in place of those of the old C run time.
     target_compile_options(halyrig_flags INTERFACE -msse2 -mfpmath=sse)
     target_compile_definitions(halyrig_flags INTERFACE
         UNICODE _UNICODE WINVER=0x0601 _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=1 TWR_EXPORT_CALL=__stdcall)
@@ -32,7 +32,7 @@ else()
     endif()
 endif()
 
-# What is shipped is optimised as a whole. Objects carry their own code beside what that needs, by which the tests are linked.
+# Shipped programs are optimised as a whole. Objects also contain plain code, with which the tests are linked.
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(halyrig_flags INTERFACE -flto=auto -ffat-lto-objects)
     target_link_options(halyrig_flags INTERFACE $<IF:$<BOOL:$<TARGET_PROPERTY:HALYRIG_SHIPPED>>,-flto=auto,-fno-lto>)

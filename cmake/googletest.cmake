@@ -1,4 +1,4 @@
-# GoogleTest as installed for this system, else from Debian's source package.
+# GoogleTest as installed for this system, or else from Debian's source package.
 find_package(GTest CONFIG QUIET)
 if(NOT GTest_FOUND)
     set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)

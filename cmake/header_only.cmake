@@ -1,5 +1,5 @@
-# Libraries of headers only, as installed for this system; else Debian's headers serve the Windows build too. A folder of their own
-# keeps the rest of /usr/include out of that.
+# Header-only libraries, as installed for this system; else the Windows build uses Debian's headers too, linked into a folder of their
+# own that keeps the rest of /usr/include out.
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/include)
 
 # header_only(PACKAGE HEADER): the target PACKAGE::PACKAGE, whose main header is HEADER, FOLDER/FILE.

@@ -1,5 +1,5 @@
-# Windows by MinGW-w64; what is built runs under Wine here. HALYRIG_WINDOWS_BITS chooses the word size: 32, that of the product and of
-# Deckman's library, or 64, only to be tested where a machine runs no 32-bit programs.
+# Windows by MinGW-w64; what is built runs under Wine here. HALYRIG_WINDOWS_BITS chooses the word size: 32, that of the product and
+# of Deckman's library, or 64, only for tests on a machine that runs no 32-bit programs.
 set(HALYRIG_WINDOWS_BITS 32 CACHE STRING "Word size of the Windows programs, 32 or 64")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES HALYRIG_WINDOWS_BITS)
 set(CMAKE_SYSTEM_NAME Windows)

@@ -1,4 +1,4 @@
-# What `cmake --install` and CPack lay down: a Debian package of the Linux build. The packages of Windows are scripts/package's.
+# What `cmake --install` and CPack produce: a Debian package of the Linux build. scripts/package makes the Windows packages.
 if(WIN32)
     return()
 endif()
@@ -22,7 +22,7 @@ foreach(name guide channels)
     install(FILES ${pages}/${name}.html DESTINATION share/doc/halyrig)
 endforeach()
 
-# Debian keeps man pages and changelogs packed.
+# Debian wants man pages and changelogs compressed.
 function(install_packed file name folder)
     set(packed ${CMAKE_BINARY_DIR}/packed/${name}.gz)
     add_custom_command(OUTPUT ${packed}
