@@ -55,8 +55,8 @@ static int is_named(int object, const char* name) {
     return same;
 }
 
-/* Lets go. The last one takes the name away; two that leave together refuse each other the conversion, so the second try is
- * without a lock of one's own. */
+/* Releases the record. The last holder unlinks the name; two that leave together refuse each other the conversion, so the second try is
+ * without a lock. */
 static void leave(int object, const char* name) {
     const int last = lock(object, F_WRLCK, 0, 0) || (lock(object, F_UNLCK, 0, 0) && lock(object, F_WRLCK, 0, 0));
     if (last && is_named(object, name)) shm_unlink(name);
@@ -73,11 +73,11 @@ static int try_to_join(const char* name) {
         close(object);
         return NO_RECORD;
     }
-    if (lock(object, F_WRLCK, 0, 0)) { /* nobody holds it: what a killed program has left */
+    if (lock(object, F_WRLCK, 0, 0)) { /* no process holds it: what a killed program has left */
         leave(object, name);
         return NO_RECORD;
     }
-    /* A look first, which leaves the last byte out, lest two guests take each other for holders. */
+    /* First a check without the last byte, so that two guests don't mistake each other for holders. */
     if (held_by_others(object) && lock(object, F_RDLCK, 0, LAST_BYTE) && is_named(object, name) && held_by_others(object) &&
         lock(object, F_RDLCK, 0, 0)) {
         if (fstat(object, &status) == 0 && status.st_size == RECORD_SIZE) return object;
@@ -90,7 +90,7 @@ static int try_to_join(const char* name) {
 
 static int join(const char* name) {
     const struct timespec pause = {.tv_nsec = 100000};
-    for (int tries = 0; tries < 30000; ++tries) { /* some 3 s, for others that start or leave at this moment */
+    for (int tries = 0; tries < 30000; ++tries) { /* some 3 s, for processes that are starting or leaving */
         const int object = try_to_join(name);
         if (object != BEGIN_ANEW) return object;
         nanosleep(&pause, NULL);

@@ -28,7 +28,7 @@ Page instfiles
 UninstPage uninstConfirm
 UninstPage instfiles
 
-; A program that runs holds its file. $0 counts those of the bridge and the companion that do.
+; A running program keeps its file open. $0 counts how many of the bridge and the companion are running.
 !macro CountHeld FILE
     ${If} ${FileExists} "$INSTDIR\${FILE}"
         ClearErrors
@@ -47,8 +47,8 @@ UninstPage instfiles
     !insertmacro CountHeld halyrigctl.exe
 !macroend
 
-; A running bridge is asked to close, which saves its settings, and gets ten seconds for it. Its user is asked before, since the whole
-; suite hears the request. When it stays, a user can try again; a silent run ends with status 2 and changes nothing.
+; A running bridge is asked to close, which saves its settings, and gets ten seconds for it. The user is asked first, since the whole
+; suite gets the request. If it does not close, the user can try again; a silent run ends with status 2 and changes nothing.
 !macro CloseRunning
     !insertmacro CountRunning
     ${If} $0 != 0
@@ -106,7 +106,7 @@ Section /o "Start at log-on" SectionStart
     CreateShortcut "$SMSTARTUP\Halyrig.lnk" "$INSTDIR\Halyrig32.exe"
 SectionEnd
 
-; An upgrade keeps the choice of the version before.
+; An upgrade keeps the choice made for the previous version.
 Function .onInit
     ${If} ${FileExists} "$SMSTARTUP\Halyrig.lnk"
         !insertmacro SelectSection ${SectionStart}
