@@ -13,7 +13,7 @@
 #include "base/version.h"
 #include "base/wide_text.h"
 #include "platform/linux/signal_queue.h"
-#include "platform/linux/timers.h"
+#include "platform/linux/window_state.h"
 #include "support/child_process.h"
 #include "support/linux/environment_variable.h"
 #include "support/linux/pseudo_terminal.h"
