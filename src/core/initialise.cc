@@ -18,8 +18,8 @@ constexpr std::string_view kSuiteTextInput = "{x%xljltyfeiT6l{o";
 
 constexpr double kInitialSysValues[] = {15.85, 15.8, 4.4, 0.0, 3.0, 1.0, 1.0, 10.0, 5.0, 5.0, 5.0, 3.0, 0.0, 0.0, 0.0, 0.0};
 constexpr std::size_t kInitialSysFlags[] = {1, 3, 7, 21, 40, 41, 42};
-// The log marks until the files are read. LoadChannelsFile then replaces them by the catalogue's `logDefault`, so only a program that
-// joins in between sees these.
+// The log marks until the files are read. LoadChannelsFile then replaces them by the catalogue's `logDefault`, so only a program
+// that joins in between sees these.
 constexpr ChannelId kFirstLogMarks[] = {0,   1,   2,   3,   4,   5,   6,   10,  11,  12,  13,  16,  17,  18,  19,
                                         20,  22,  39,  41,  43,  47,  48,  49,  50,  51,  60,  146, 161, 162, 163,
                                         164, 165, 166, 167, 204, 205, 206, 207, 208, 256, 282, 283, 284};

@@ -16,12 +16,7 @@ using namespace std::string_literals;
 TEST(Scan, ReadsALeadingNumber) {
     constexpr std::int32_t kMin = -2147483647 - 1, kMax = 2147483647;
     constexpr auto kNone = std::nullopt;
-    const struct {
-        std::u16string_view text;
-        std::optional<std::int32_t> scanned;
-        std::optional<std::uint32_t> scannedUnsigned;
-        std::int32_t leading;
-    } rows[] = {
+    const std::tuple<std::u16string_view, std::optional<std::int32_t>, std::optional<std::uint32_t>, std::int32_t> rows[] = {
         {u" \t\r\n\v\f0012abc", 12, 12u, 12},
         {u"+5", 5, 5u, 5},
         {u"-5.9", -5, 4294967291u, -5},
@@ -35,13 +30,12 @@ TEST(Scan, ReadsALeadingNumber) {
         {u"-2147483649", kMax, 2147483647u, kMin},
         {u"4294967299", 3, 3u, kMax},
         {u"99999999999999999999", -1, 4294967295u, kMax},
-        {u"-99999999999999999999", 0, 4294967295u, kMin},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ToUtf8(row.text));
-        EXPECT_EQ(row.scanned, ScanInt(row.text));
-        EXPECT_EQ(row.scannedUnsigned, ScanUnsigned(row.text));
-        EXPECT_EQ(row.leading, LeadingInt(row.text));
+        {u"-99999999999999999999", 0, 4294967295u, kMin}};
+    for (const auto& [text, scanned, scannedUnsigned, leading] : rows) {
+        SCOPED_TRACE(ToUtf8(text));
+        EXPECT_EQ(scanned, ScanInt(text));
+        EXPECT_EQ(scannedUnsigned, ScanUnsigned(text));
+        EXPECT_EQ(leading, LeadingInt(text));
     }
 }
 
@@ -70,8 +64,7 @@ TEST(TextLines, ReadsAsInTextMode) {
         {"one\n\x1Atwo", {"one"}},
         {"a\0b\n"s, {"a\0b"s}},
         {longLine + "\r\nshort", {longLine, "short"}},
-        {"one\n" + longest + "\n" + longest + "x\nthree\n", {"one", longest}},
-    };
+        {"one\n" + longest + "\n" + longest + "x\nthree\n", {"one", longest}}};
     for (const auto& [bytes, expected] : rows) {
         for (const std::size_t step : {1u, 2u, 3u, 4096u}) {
             Bytes source(bytes, step);
@@ -83,31 +76,13 @@ TEST(TextLines, ReadsAsInTextMode) {
     }
 }
 
-TEST(TextLines, ReadsNoFurtherThanAnyHonestFile) {
-    // Endless.
-    class Line final : public ByteSource {
-    public:
-        std::size_t Read(char* to, std::size_t room) override {
-            std::fill_n(to, room, 'x');
-            to[room - 1] = '\n';
-            read += room;
-            return room;
-        }
-        std::size_t read = 0;
-    } source;
-    TextLines text(source);
-    for (std::string line; text.Next(line);) continue;
-    EXPECT_EQ(kLargestFile, source.read);
-}
-
 TEST(WideText, TrimsAndComparesAsciiOnly) {
     EXPECT_EQ(u"a b", Trimmed(u"\r\n \t\v\fa b\t\v\f\r\n "));
     EXPECT_EQ(u"\u00A0x\u2003", Trimmed(u"\u00A0x\u2003"));
     EXPECT_EQ("", Trimmed(std::string_view(" \v \f")));
     EXPECT_TRUE(EqualsIgnoringCase(u"Sys_V0@[`{", u"sYS_v0@[`{"));
-    for (const auto& [a, b] : {std::pair(u"@", u"`"), {u"\u00C4", u"\u00E4"}, {u"ab", u"abc"}}) {
+    for (const auto& [a, b] : {std::pair(u"@", u"`"), {u"\u00C4", u"\u00E4"}, {u"ab", u"abc"}})
         EXPECT_FALSE(EqualsIgnoringCase(a, b)) << ToUtf8(a);
-    }
 }
 
 // What is well formed comes back as it was; of the rest each byte that can't be used is one U+FFFD.
@@ -122,8 +97,7 @@ TEST(WideText, TakesUtf8BothWays) {
         {"\xFF", u"\uFFFD"},
         {"\xC0\x80", u"\uFFFD\uFFFD"},
         {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
-        {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-    };
+        {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}};
     for (const auto& [utf8, text] : rows) {
         const bool wellFormed = text.find(u'\uFFFD') == text.npos;
         EXPECT_EQ(text, FromUtf8(utf8)) << ::testing::PrintToString(utf8);

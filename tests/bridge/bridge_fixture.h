@@ -22,10 +22,7 @@ public:
 
     CoreServices Core() override {
         const CoreServices real = real_.Core();
-        // Without a record the log goes to the root of the drive.
-        SharedMemory& memory = full.memory.failCreate ? full.memory : real.memory;
-        Files& files = full.memory.failCreate ? full.files : real.files;
-        return {clock, real.zone, memory, real.registry, files, real.xml, host};
+        return {clock, real.zone, real.memory, real.registry, real.files, real.xml, host};
     }
     Libraries& GetLibraries() override { return deckman; }
     Instance& GetInstance() override { return *this; }
@@ -37,7 +34,6 @@ public:
     std::optional<std::array<std::uint16_t, 4>> FileVersion() const override { return version; }
 
     FakeClock clock;
-    FakeMachine full;  // used instead of the real one once its memory fails
     ScriptedHost host;
     StubDeckman deckman;
     bool otherRuns = false;

@@ -9,14 +9,9 @@ namespace {
 
 using Points = std::vector<CalibrationPoint>;
 
-struct Row {
-    const char* what;
-    Points points;
-    struct Probe {
-        double at, curved, straight;  // the value on the spline or the blend, and on straight lines
-    };
-    std::vector<Probe> probes;
-};
+// At a place: the value on the spline or the blend, and on straight lines.
+using Probe = std::tuple<double, double, double>;
+using Row = std::tuple<const char*, Points, std::vector<Probe>>;
 
 double Value(CalibrationObject object, bool linear, double x, double y) {
     object.linear = linear;
@@ -36,8 +31,7 @@ TEST(CalibrationCurve, RunsThroughItsPointsRisingOrFalling) {
         {"uneven", {{0, 0}, {2, 6}, {6, 2}, {8, 4}}, {{1, 3.65625, 3}, {3.5, 5.5546875, 4.5}, {7, 2.53125, 3}}},
         {"holes",
          {{0, 4}, {1, kNoValue}, {2, 8}, {3, 9}, {4, kNoValue}, {5, kNoValue}},
-         {{0.5, 4, kNoValue}, {1, kNoValue, kNoValue}, {1.5, 8, kNoValue}, {2.5, 8.5, 8.5}, {4.5, kNoValue, kNoValue}}},
-    };
+         {{0.5, 4, kNoValue}, {1, kNoValue, kNoValue}, {1.5, 8, kNoValue}, {2.5, 8.5, 8.5}, {4.5, kNoValue, kNoValue}}}};
     for (const auto& [what, points, probes] : rows) {
         Points falling = points;
         std::ranges::reverse(falling);
@@ -57,8 +51,7 @@ TEST(CalibrationObject, BlendsAcrossItsCurvesAndStopsAtTheOuterOnes) {
         {"squares", {{0, 0}, {1, 1}, {2, 4}, {3, 9}}, {{-7, 0, 0}, {1.5, 2.25, 2.5}, {2, 4, 4}, {1e9, 9, 9}, {kNoValue, 0, 0}}},
         {"outer gaps", {{0, 0}, {1, 1}, {2, 4}, {3, 9}}, {{0.5, 0.3125, 0.5}, {2.5, 6.6875, 6.5}}},
         {"outer holes", {{0, kNoValue}, {1, 1}, {2, 4}, {3, kNoValue}}, {{1.5, 2.5, 2.5}, {2.5, kNoValue, kNoValue}}},
-        {"keys the wrong way round", {{9, 1}, {2, 8}}, {{99, 1, 1}}},
-    };
+        {"keys the wrong way round", {{9, 1}, {2, 8}}, {{99, 1, 1}}}};
     for (const auto& [what, points, probes] : rows) {
         CalibrationObject object;
         for (const CalibrationPoint& curve : points) object.curves.push_back({curve.x, true, {{0.0, curve.y}}});

@@ -1,6 +1,4 @@
 // The suite's configuration files, its folders and the paths it shares. Files and XML are the system's own, all else is fake.
-#include <algorithm>
-#include <span>
 
 #include "base/wide_text.h"
 #include "platform/paths.h"
@@ -13,16 +11,12 @@ namespace {
 using namespace std::string_literals;
 
 // Numbers of 1, 2 or 4 bytes, or a text, at an offset in each row of a table of the record.
-struct Field {
-    std::size_t offset, size;
-};
+using Field = std::pair<std::size_t, std::size_t>;
 constexpr std::size_t kText = 0;
 
-// Behind the rows of the alternates and boats stands one more, which no file may touch.
-const struct {
-    std::size_t begin, step, count;
-    std::vector<Field> fields;
-} kTables[] = {
+// Each by its first row, the step from row to row, and their number. Behind the rows of the alternates and boats stands one more,
+// which no file may touch.
+const std::tuple<std::size_t, std::size_t, std::size_t, std::vector<Field>> kTables[] = {
     {5080, 36, 11, {{0, 4}, {4, 4}, {8, 4}, {12, 4}, {16, 4}, {20, 4}, {24, 4}, {28, 4}, {32, 4}}},  // alternates
     {51012, 80, 101, {{6, kText}, {72, 4}, {76, 1}, {77, 1}, {78, 1}, {79, 1}}},                     // boats: name, MMSI, colour
     {6300, 108, 414, {{3, 1}, {6, 2}, {8, 2}, {10, 2}, {12, kText}, {76, kText}}},  // channels: log, prec, damp, type, names
@@ -69,10 +63,7 @@ protected:
         return told;
     }
 
-    struct Row {
-        std::string content;
-        const char* told;
-    };
+    using Row = std::pair<std::string, const char*>;  // the content of a file, and what is told then
 
     // Attaches anew with each content of a file, for XML within its root.
     void Check(const std::string& file, const std::string& root, std::span<const Row> rows) {
@@ -100,8 +91,7 @@ TEST_F(ConfigTest, AlternatesTakeWhatCounts) {
         {"3,414,413,1,0,-1,-2,32767,-32768,126\n+4,+13,-14,0,0,0,0,0,0,0\n", "3:,413,1,,,,,,126 4:13 "},
         {"3,1,2,3,4,5,6,7,8,9\n3,13,0,-1,414,0,0,0,0,20\n", "3:13,2,3,4,5,6,7,8,20 "},
         {"!3,1,2,3,4,5,6,7,8,9\n\n !4,1,2,3,4,5,6,7,8,9\n\uFEFF5,1,2,3,4,5,6,7,8,9\n6,13,14,0,0,0,0,0,0,0\r\n", "6:13,14 "},
-        {"3,13,14,0,0,0,0,0,0\0,5,6\n4,13,14,0,0,0,0,0\0,5,6"s, "3:13,14 "},
-    };
+        {"3,13,14,0,0,0,0,0,0\0,5,6\n4,13,14,0,0,0,0,0\0,5,6"s, "3:13,14 "}};
     Check("alternate.csv", "", rows);
 }
 
@@ -117,8 +107,7 @@ TEST_F(ConfigTest, BoatsTakeWhatCounts) {
         {"<boat id='7' name='' mmsi='' r='' g='' b=''/>", ""},
         {"<boat id='7' name='0123456789012345678901234567890123456789'/>", "7:'0123456789012345678901234567890' "},
         {"<boat id='7' name='A' mmsi='5' r='1'/><boat id='7' mmsi='x'/>", "7:'A',5 "},
-        {"<boat id='7' name='A'/><boat id='8' name='B'", "7:'A' "},
-    };
+        {"<boat id='7' name='A'/><boat id='8' name='B'", "7:'A' "}};
     Check("boats.xml", "Boats", rows);
     EXPECT_TRUE(core->LoadBoatsFile());
     Write("boats.xml", "<boat id='7' name='A'><boat id='8' name='B'/></boat>");
@@ -130,9 +119,8 @@ TEST_F(ConfigTest, BoatsTakeWhatCounts) {
 TEST_F(ConfigTest, ChannelsTakeWhatCounts) {
     // What is no channel, the alternating ones, and times, positions and sails, whose texts have a form of their own.
     std::string noDecimals;
-    for (const char* id : {"0", "414", "-1", "x", "117", "126", "48", "49", "146", "204", "269"}) {
+    for (const char* id : {"0", "414", "-1", "x", "117", "126", "48", "49", "146", "204", "269"})
         noDecimals += "<channel id='" + std::string(id) + "' prec='9'/>";
-    }
     const Row rows[] = {
         {"<Channel ID='1' LOG='FALSE' Damp='12' PREC='3'/><channel id='413' prec='3'/>", "1:0,3,12 413:,3 "},
         {"<channel id='172' type='6' user='A'/><channel id='203' type='-1' prec='9'/>", "172:,,,6,'A','A' 203:,9,,65535 "},
@@ -146,8 +134,7 @@ TEST_F(ConfigTest, ChannelsTakeWhatCounts) {
         {"<channel id='203' user='01234567890123456789012345678901'/>",
          "203:,,,,'0123456789012345678901234567890','012345678901234' "},
         {"<channel id='172' user='A' type='6' log='' USER='' TYPE='' damp='' prec=''/>", "172:,,,6,'A','A' "},
-        {noDecimals, ""},
-    };
+        {noDecimals, ""}};
     Check("channels.xml", "channels", rows);
     EXPECT_TRUE(core->LoadChannelsFile());
     Write("channels.xml", "<settings><channels><channel id='1' prec='3'/></channels></settings>");

@@ -1,6 +1,4 @@
 // The record's life: created, filled by what the machine has saved, joined, and left alone where there is none.
-#include <utility>
-#include <vector>
 
 #include "base/wide_text.h"
 #include "core/initialise.h"
@@ -126,19 +124,20 @@ TEST_F(AttachTest, WithoutSavedSettingsTheDefaultsHold) {
 }
 
 TEST_F(AttachTest, SavedNumbersCountByTypeFormAndBound) {
-    const struct {
-        std::u16string_view name;
-        RegistryValue value;
-        std::size_t offset;
-        double stored;
-    } rows[] = {
+    const std::tuple<std::u16string_view, RegistryValue, std::size_t, double> rows[] = {
         {u"Sys_v0", StringValue(u" 12.25 m"), R::SysValue(0), 12.25},
         {u"Sys_v1", StringValue(u"abc"), R::SysValue(1), 15.8},
         {u"Sys_v1", {kRegistryString, {'5', 0}}, R::SysValue(1), 15.8},  // not terminated
+        {u"Sys_v1", {kRegistryString, {'5', 0, 0}}, R::SysValue(1), 15.8},
+        {u"Sys_v1", {kRegistryString, {'5', 0, 0, 0, '6', 0, 0, 0}}, R::SysValue(1), 5.0},
+        {u"Sys_v1", {kRegistryString, {}}, R::SysValue(1), 15.8},
+        {u"Sys_v1", StringValue(std::u16string(510, u' ') + u'5'), R::SysValue(1), 5.0},
         {u"Sys_v1", {kRegistryExpandString, {'5', 0, 0, 0}}, R::SysValue(1), 5.0},
         {u"Sys_v1", StringValue(std::u16string(512, u'1')), R::SysValue(1), 15.8},
         {u"Sys_v15", StringValue(u"-1e3"), R::SysValue(15), -1000.0},
         {u"Sys_b3", StringValue(u"0"), R::SysFlag(3), 1.0},
+        {u"Sys_b3", {kRegistryDword, {0, 0, 0}}, R::SysFlag(3), 1.0},
+        {u"Sys_b3", {kRegistryBinary, {0, 0, 0, 0}}, R::SysFlag(3), 1.0},
         {u"Sys_b3", DwordValue(0), R::SysFlag(3), 0.0},
         {u"Sys_b33", DwordValue(0x80000000), R::SysFlag(33), 1.0},
         {u"Sys_b34", DwordValue(1), R::SysFlag(34), 0.0},
@@ -148,34 +147,29 @@ TEST_F(AttachTest, SavedNumbersCountByTypeFormAndBound) {
         {u"LogBsp", StringValue(u"1234.5"), R::Value(0, kLogSog), kNoValue},
         {u"LogBsp", StringValue(u"1234.5"), R::Time(0, kLogSog), machine.clock.Days()},  // though without a value
     };
-    for (const auto& row : rows) {
-        Start(row.name, row.value);
-        const bool isInt = row.name.starts_with(u"Sys_i"), isFlag = row.name.starts_with(u"Sys_b");
-        EXPECT_EQ(row.stored, isInt    ? record.I32(row.offset)
-                              : isFlag ? record.U8(row.offset)
-                                       : record.F64(row.offset))
-            << ToUtf8(row.name) << " at " << row.offset;
+    for (const auto& [name, value, offset, stored] : rows) {
+        Start(name, value);
+        const bool isInt = name.starts_with(u"Sys_i"), isFlag = name.starts_with(u"Sys_b");
+        EXPECT_EQ(stored, isInt    ? record.I32(offset)
+                          : isFlag ? record.U8(offset)
+                                   : record.F64(offset))
+            << ToUtf8(name) << " at " << offset;
     }
 }
 
 TEST_F(AttachTest, SavedPathsCountByExistenceAndLength) {
     const std::u16string longFolder(300, u'x');
-    const struct {
-        std::u16string_view name, saved;
-        std::size_t offset;
-        std::u16string stored;
-    } rows[] = {
+    const std::tuple<std::u16string_view, std::u16string_view, std::size_t, std::u16string> rows[] = {
         {u"DataFolder", u"/elsewhere", 1068, u"/elsewhere"},
         {u"DataFolder", u"/missing", 1068, suite},
         {u"DataFolder", longFolder, 1068, std::u16string(259, u'x')},
         {u"Database2", u"/no/such.file", 548, u"/no/such.file"},
         {u"MarksXml", u"/m.xml", 28, u"/m.xml"},
-        {u"MarksXml", u"", 28, u""},
-    };
+        {u"MarksXml", u"", 28, u""}};
     machine.files.folders = {u"/elsewhere", longFolder};
-    for (const auto& row : rows) {
-        Start(row.name, StringValue(row.saved));
-        EXPECT_EQ(row.stored, record.Text(row.offset)) << ToUtf8(row.name) << " of " << row.saved.size();
+    for (const auto& [name, saved, offset, stored] : rows) {
+        Start(name, StringValue(saved));
+        EXPECT_EQ(stored, record.Text(offset)) << ToUtf8(name) << " of " << saved.size();
     }
 }
 

@@ -22,20 +22,18 @@ protected:
 };
 
 TEST_F(CalibrateTest, CorrectsAndThenBringsIntoRange) {
-    const struct {
-        ChannelId channel;
-        double raw, calibrated;
-    } rows[] = {{kTwd, 370, 10},   {kTwd, 360, 0},   {kTwd, -10, 350},   {kTwd, 800, 440},   {kTwd, kNoValue, kNoValue},
-                {kAwa, 190, -170}, {kAwa, 180, 180}, {kAwa, -180, -180}, {kHeel, 181, -179}, {kHeel, -181, 179},
-                {kBsp, -0.2, 0},   {kTws, -3, 0},    {kSeaTemp, -3, -3}, {kUser0, 400, 40},  {kUser31, -400, -400},
-                {kTwa, -30, -32},  {kTwa, 0, 2},     {kTwa, 179, -179},  {kTwa, -179, 179}};
+    const std::tuple<ChannelId, double, double> rows[] = {
+        {kTwd, 370, 10},   {kTwd, 360, 0},   {kTwd, -10, 350},   {kTwd, 800, 440},   {kTwd, kNoValue, kNoValue},
+        {kAwa, 190, -170}, {kAwa, 180, 180}, {kAwa, -180, -180}, {kHeel, 181, -179}, {kHeel, -181, 179},
+        {kBsp, -0.2, 0},   {kTws, -3, 0},    {kSeaTemp, -3, -3}, {kUser0, 400, 40},  {kUser31, -400, -400},
+        {kTwa, -30, -32},  {kTwa, 0, 2},     {kTwa, 179, -179},  {kTwa, -179, 179}};
     Constant(kTwaTable, 2.0);
     record.Set<std::int16_t>(RecordBytes::Channel(kUser0) + 10, kTypeBearing);
-    for (const auto& row : rows) {
-        Mark(row.channel, true);
-        EXPECT_EQ(row.calibrated, core->ApplyCalibration(row.channel, row.raw)) << row.channel << " at " << row.raw;
-        Mark(row.channel, false);
-        EXPECT_EQ(row.raw, core->ApplyCalibration(row.channel, row.raw)) << row.channel << " not marked";
+    for (const auto& [channel, raw, calibrated] : rows) {
+        Mark(channel, true);
+        EXPECT_EQ(calibrated, core->ApplyCalibration(channel, raw)) << channel << " at " << raw;
+        Mark(channel, false);
+        EXPECT_EQ(raw, core->ApplyCalibration(channel, raw)) << channel << " not marked";
     }
 }
 
@@ -62,16 +60,13 @@ TEST_F(CalibrateTest, InputsAreTheRawValueItselfAndLiveValuesOfTheOwnBoat) {
     record.SetSlot(3, 1, kHeel);
     Publish(kBsp, 3.0), Publish(kHeel, -20.0), Publish(kSeaTemp, -2.0), Publish(kSeaTemp, 9.0, 1);
     // Its own channel gives the raw value, not the stored one. An angle goes by its size; an alternating channel itself is none.
-    const struct {
-        ChannelId self, input;
-        double raw, found;
-    } rows[] = {
+    const std::tuple<ChannelId, ChannelId, double, double> rows[] = {
         {kBsp, kBsp, 7, 7},      {kAwa, kAwa, -30, 30},        {kBsp, kHeel, 7, 20},       {kBsp, kAlt3, 7, -20},
         {kBsp, kSeaTemp, 7, -2}, {kBsp, kRudder, 7, kNoValue}, {kBsp, kAlt4, 7, kNoValue}, {kBsp, kChannelCount, 7, kNoValue}};
-    for (const auto& row : rows) {
-        Along(row.self, row.input);
-        EXPECT_EQ(row.found != kNoValue, core->CalibrationLookup(kTable, out, row.raw));
-        EXPECT_EQ(row.found, out) << row.self << " over " << row.input;
+    for (const auto& [self, input, raw, found] : rows) {
+        Along(self, input);
+        EXPECT_EQ(found != kNoValue, core->CalibrationLookup(kTable, out, raw));
+        EXPECT_EQ(found, out) << self << " over " << input;
     }
     Along(kBsp, kBsp);
     Object(kTable).inputY = kHeel;

@@ -1,6 +1,4 @@
 // What publication and the settings of the suite write into the record.
-#include <algorithm>
-#include <atomic>
 #include <set>
 #include <thread>
 
@@ -15,10 +13,7 @@ using R = RecordBytes;
 class PublishTest : public CoreTest {};
 
 TEST_F(PublishTest, WrapsOneTurnAndThenTestsTheRange) {
-    const struct {
-        ChannelId channel;
-        double published, stored;
-    } rows[] = {
+    const std::tuple<ChannelId, double, double> rows[] = {
         {kTwd, 0.0, 0.0},        {kTwd, -10.0, 350.0},     {kTwd, 360.0, 0.0},         {kTwd, 720.0, 360.0},
         {kTwd, 721.0, kNoValue}, {kTwd, -360.0, 0.0},      {kTwd, -361.0, kNoValue},   {kAwa, 190.0, -170.0},
         {kAwa, -180.0, -180.0},  {kAwa, 180.0, 180.0},     {kAwa, -181.0, 179.0},      {kAwa, 540.0, 180.0},
@@ -26,12 +21,11 @@ TEST_F(PublishTest, WrapsOneTurnAndThenTestsTheRange) {
         {kRake, 200.0, -160.0},  {kMastAng, 190.0, 190.0}, {kMastAng, 361, kNoValue},  {kLat, 91.0, kNoValue},
         {kLat, -90.0, -90.0},    {kLon, 361.0, kNoValue},  {kBsp, -3.0, -3.0},         {kBsp, 1000.0, 1000.0},
         {kAws, 150.0, 150.0},    {kAws, 150.1, kNoValue},  {kAws, -0.1, kNoValue},     {kUser30, -10.0, 350.0},
-        {kUser31, -10.0, -10.0},
-    };
+        {kUser31, -10.0, -10.0}};
     for (const ChannelId user : {kUser30, kUser31}) record.Set<std::int16_t>(R::Channel(user) + 10, kTypeBearing);
-    for (const auto& row : rows) {
-        EXPECT_TRUE(Publish(row.channel, row.published));
-        EXPECT_EQ(row.stored, Own(row.channel)) << "channel " << row.channel << " published " << row.published;
+    for (const auto& [channel, published, stored] : rows) {
+        EXPECT_TRUE(Publish(channel, published));
+        EXPECT_EQ(stored, Own(channel)) << "channel " << channel << " published " << published;
     }
 }
 
@@ -105,14 +99,7 @@ TEST_F(PublishTest, TheHighestBoatSetsTheCountAndFollowsTheTimeChannel) {
 }
 
 TEST_F(PublishTest, OtherChannelsFollowAtOnce) {
-    const struct {
-        ChannelId channel;
-        double value;
-        BoatSlot boat;
-        std::size_t place;
-        double held;
-        const char* why;
-    } steps[] = {
+    const std::tuple<ChannelId, double, BoatSlot, std::size_t, double, const char*> steps[] = {
         {kMastAng, 12.0, 0, R::Value(0, kMastAng), 12.0, "the mast itself"},
         {kAwa, -175.0, 0, R::Value(0, kAwa), -187.0, "less the mast's angle, not wrapped again"},
         {kAwa, 31.0, 4, R::FarValue(4, 8), 19.0, "the own boat's mast for every boat"},
@@ -123,12 +110,11 @@ TEST_F(PublishTest, OtherChannelsFollowAtOnce) {
         {kRudderP, 7.0, 0, R::Value(0, kRudderToe), 4.0, "port less starboard in the other order"},
         {kRudderP, 5.0, 6, R::Value(0, kRudderToe), 4.0, "another boat's"},
         {kRudderS, 1.0, 6, R::Value(0, kRudderToe), 4.0, "a far boat has no place for it"},
-        {kGpsTime, machine.clock.Days() - 0.5, 1, R::Value(1, kGpsTOffset), 0.5, "behind the clock"},
-    };
+        {kGpsTime, machine.clock.Days() - 0.5, 1, R::Value(1, kGpsTOffset), 0.5, "behind the clock"}};
     SetFlag(kFlagMastAngle);
-    for (const auto& step : steps) {
-        Publish(step.channel, step.value, step.boat);
-        EXPECT_EQ(step.held, record.F64(step.place)) << step.why;
+    for (const auto& [channel, value, boat, place, held, why] : steps) {
+        Publish(channel, value, boat);
+        EXPECT_EQ(held, record.F64(place)) << why;
     }
     SetFlag(kFlagMastAngle, false);
     for (const ChannelId channel : {kMastAng, kAwa}) Publish(channel, 31.0);
@@ -136,30 +122,22 @@ TEST_F(PublishTest, OtherChannelsFollowAtOnce) {
 }
 
 TEST_F(PublishTest, RatesComeFromTheEntryBefore) {
-    const struct {
-        bool flag;
-        int ms;  // since the step before
-        double value, rate;
-        const char* why;
-    } steps[] = {
+    // ms: since the step before
+    const std::tuple<bool, int, double, double, const char*> steps[] = {
         {true, 0, 10.0, kNoValue, "there was no entry before"}, {false, 1000, 20.0, kNoValue, "the flag is clear"},
         {true, 500, 24.0, 8.0, "4 in half a second"},           {true, 0, 30.0, 8.0, "no time has passed"},
-        {true, 500, kNoValue, 8.0, "there is no value"},        {true, 500, 31.0, 8.0, "there was no value before"},
-    };
-    const struct {
-        ChannelId channel, rate;
-        std::size_t flag;
-    } rows[] = {{kHdg, kRot, 27}, {kHeel, kHeelRate, 24}, {kTrim, kTrimRate, 24}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.channel);
-        for (const auto& step : steps) {
-            SetFlag(row.flag, step.flag);
-            machine.clock.AdvanceMs(step.ms);
-            Publish(row.channel, step.value, 1);
-            EXPECT_NEAR(step.rate, record.F64(R::Value(1, row.rate)), 1e-4) << step.why;
+        {true, 500, kNoValue, 8.0, "there is no value"},        {true, 500, 31.0, 8.0, "there was no value before"}};
+    const std::tuple<ChannelId, ChannelId, std::size_t> rows[] = {{kHdg, kRot, 27}, {kHeel, kHeelRate, 24}, {kTrim, kTrimRate, 24}};
+    for (const auto& [channel, derived, switchedBy] : rows) {
+        SCOPED_TRACE(channel);
+        for (const auto& [flag, ms, value, rate, why] : steps) {
+            SetFlag(switchedBy, flag);
+            machine.clock.AdvanceMs(ms);
+            Publish(channel, value, 1);
+            EXPECT_NEAR(rate, record.F64(R::Value(1, derived)), 1e-4) << why;
         }
-        EXPECT_NEAR(machine.clock.Days() - 1.0 / 86400, record.F64(R::Time(1, row.rate)), 1e-9) << "of the one rate";
-        EXPECT_EQ(0, record.U8(R::Channel(row.rate) + 2)) << "a derived channel is not marked as published";
+        EXPECT_NEAR(machine.clock.Days() - 1.0 / 86400, record.F64(R::Time(1, derived)), 1e-9) << "of the one rate";
+        EXPECT_EQ(0, record.U8(R::Channel(derived) + 2)) << "a derived channel is not marked as published";
     }
     SetFlag(kFlagDeriveRot);
     Publish(kHdg, 359.0);
@@ -195,9 +173,8 @@ TEST_F(PublishTest, TheGunResetsTheStartOfTheOwnBoatOnly) {
     machine.clock.AdvanceMs(1000);
     EXPECT_TRUE(core->SetSystemValue(36, 46345.75));
     EXPECT_EQ(46345.75, record.F64(R::SysValue(36)));
-    for (const std::size_t place : {R::Value(0, kGunBlwLn), R::Aux(0, kGunBlwLn), R::Damped(0, kGunBlwLn)}) {
+    for (const std::size_t place : {R::Value(0, kGunBlwLn), R::Aux(0, kGunBlwLn), R::Damped(0, kGunBlwLn)})
         EXPECT_EQ(kNoValue, record.F64(place)) << place;
-    }
     for (const double day : {OwnTime(kGunBlwLn), Own(kTime)}) EXPECT_EQ(machine.clock.Days(), day);
     EXPECT_EQ(0.25, record.F64(R::Value(1, kGunBlwLn)));
 }

@@ -1,7 +1,4 @@
 // What comes out of the record: a channel's value, the channel that an alternating one stands for, and the user's units.
-#include <array>
-#include <utility>
-#include <vector>
 
 #include "base/wide_text.h"
 #include "core/alternates.h"
@@ -66,46 +63,36 @@ TEST_F(ReadTest, FarBoatsHoldTheChannelsOfTheShortStore) {
 }
 
 TEST_F(ReadTest, MakesBearingsTrue) {
-    const struct {
-        double own, far, bearing;  // variation of boats 0 and 3, bearing of boat 3
-        bool bySetting;            // the user's, rather than the caller's
-        double expected;
-    } rows[] = {
+    // own, far, bearing: variation of boats 0 and 3, bearing of boat 3
+    // bySetting: the user's, rather than the caller's
+    const std::tuple<double, double, double, bool, double> rows[] = {
         {10.0, X, 355.0, false, 5.0},  {-5.0, X, 3.0, false, 358.0},  {X, X, 3.0, false, X},    {10.0, 2.0, 355.0, false, 357.0},
-        {X, 2.0, 355.0, false, 357.0}, {10.0, 2.0, 355.0, true, 5.0}, {X, 2.0, 355.0, true, X}, {0.0, X, 360.0, false, 0.0},
-    };
-    for (const auto& row : rows) {
-        record.SetEntry(0, 93, row.own, 0.0, X);
-        record.SetFarEntry(3, 1, row.far, 0.0, X);
-        record.SetFarEntry(3, 5, row.bearing, 0.0, X);  // TWD
-        SetFlag(kFlagMagnetic, !row.bySetting);
-        EXPECT_DOUBLE_EQ(row.expected, Read(kTwd, 3, row.bySetting)) << row.own << ", " << row.far << ", " << row.bearing;
+        {X, 2.0, 355.0, false, 357.0}, {10.0, 2.0, 355.0, true, 5.0}, {X, 2.0, 355.0, true, X}, {0.0, X, 360.0, false, 0.0}};
+    for (const auto& [own, far, bearing, bySetting, expected] : rows) {
+        record.SetEntry(0, 93, own, 0.0, X);
+        record.SetFarEntry(3, 1, far, 0.0, X);
+        record.SetFarEntry(3, 5, bearing, 0.0, X);  // TWD
+        SetFlag(kFlagMagnetic, !bySetting);
+        EXPECT_DOUBLE_EQ(expected, Read(kTwd, 3, bySetting)) << own << ", " << far << ", " << bearing;
     }
 }
 
 // Limits are 10 s for BSP, 60 s for AirTemp and none for Mk Lat; another boat with an MMSI lives by its own limit if that is
 // longer.
 TEST_F(ReadTest, AValueCountsUntilItsLimitOfAge) {
-    const struct {
-        BoatSlot boat;
-        std::uint32_t mmsi;
-        std::int32_t ageLimit;
-        ChannelId channel;
-        double age, maxAge;  // seconds, days
-        bool fresh;
-    } rows[] = {
+    // age, maxAge: seconds, days
+    const std::tuple<BoatSlot, std::uint32_t, std::int32_t, ChannelId, double, double, bool> rows[] = {
         {0, 0, 0, kBsp, 9.99, X, true},      {0, 0, 0, kBsp, 10.01, X, false},      {0, 0, 0, kBsp, -9.99, X, true},
         {0, 0, 0, kBsp, -10.01, X, false},   {0, 0, 0, kBsp, 10.0, 0.001, true},    {0, 0, 0, kBsp, 10.0, kSecond, false},
         {0, 0, 0, kAirTemp, 59.9, X, true},  {0, 0, 0, kAirTemp, 61.0, X, false},   {0, 0, 0, kMkLat, 1e9, kSecond, true},
         {1, 0, 32767, kBsp, 11.0, X, false}, {1, 5, 32767, kBsp, 32760.0, X, true}, {1, 5, 32767, kBsp, 32770.0, X, false},
         {1, 5, 3, kBsp, 9.0, X, true},       {1, 5, -1, kBsp, 1e6, X, true},        {1, 5, 65556, kBsp, 19.0, X, true},
-        {1, 5, 65556, kBsp, 21.0, X, false}, {0, 5, 32767, kBsp, 11.0, X, false},   {1, 5, 65536, kBsp, 1e6, X, true},
-    };
-    for (const auto& row : rows) {
-        record.Set(R::Boat(row.boat), row.ageLimit), record.Set(R::Boat(row.boat) + 72, row.mmsi);
-        Hold(row.boat, row.channel, 7.0, row.age);
-        EXPECT_EQ(row.fresh, Fresh(row.channel, row.boat, row.maxAge) != X)
-            << row.channel << " of boat " << row.boat << ", " << row.age << " s old, by " << row.ageLimit;
+        {1, 5, 65556, kBsp, 21.0, X, false}, {0, 5, 32767, kBsp, 11.0, X, false},   {1, 5, 65536, kBsp, 1e6, X, true}};
+    for (const auto& [boat, mmsi, ageLimit, channel, age, maxAge, fresh] : rows) {
+        record.Set(R::Boat(boat), ageLimit), record.Set(R::Boat(boat) + 72, mmsi);
+        Hold(boat, channel, 7.0, age);
+        EXPECT_EQ(fresh, Fresh(channel, boat, maxAge) != X)
+            << channel << " of boat " << boat << ", " << age << " s old, by " << ageLimit;
     }
     for (const ChannelId channel : {kBsp, kMkLat}) record.SetEntry(0, channel, 7.0, 0.0, X);
     EXPECT_EQ(X, Fresh(kBsp, 0, 1e6)) << "never written";
@@ -117,37 +104,32 @@ TEST_F(ReadTest, AValueCountsUntilItsLimitOfAge) {
 }
 
 TEST_F(ReadTest, AnAlternatingChannelGoesByTheStateOfTheBoat) {
-    const struct {
-        const char* filled;
-        double toGun, twa, target, margin;
-        int flags;  // 1: slot 0 rather than 1, 2: slot 8
-        int slot;   // -1 for none
-    } rows[] = {
+    // flags: 1: slot 0 rather than 1, 2: slot 8
+    // slot: -1 for none
+    const std::tuple<const char*, double, double, double, double, int, int> rows[] = {
         {"", 1, 40, 42, 10, 3, -1},     {"3", X, 30, 42, 10, 0, 3},     {"01258", 1, 40, 42, 10, 3, 8},
         {"0125", 1, 40, 42, 10, 3, 5},  {"01258", 0, 40, 42, 10, 0, 5}, {"01258", -1, 40, 42, 10, 0, 1},
         {"01258", X, 40, 42, 10, 1, 0}, {"1246", X, 40, 42, 10, 1, 2},  {"23467", X, 60, 42, 10, 0, 3},
         {"2467", X, 60, 42, 10, 0, 7},  {"2467", X, -60, 42, 10, 0, 6}, {"234", X, -51, -42, -10, 0, 2},
         {"234", X, 52, 42, 10, 0, 3},   {"234", X, 130, 140, 10, 0, 3}, {"234", X, -131, 140, 10, 0, 4},
         {"24", X, 90, 90, 10, 0, 4},    {"234", X, -89, X, 10, 0, 2},   {"26", X, -30, X, 10, 0, 6},
-        {"67", X, 0, X, 10, 0, 7},      {"678", X, X, 42, 10, 0, 6},
-    };
-    for (const auto& row : rows) {
+        {"67", X, 0, X, 10, 0, 7},      {"678", X, X, 42, 10, 0, 6}};
+    for (const auto& [filled, toGun, twa, target, margin, flags, slot] : rows) {
         std::array<std::int32_t, 9> slots;
         slots.fill(kNoInt);
-        for (const char* digit = row.filled; *digit; ++digit) slots[static_cast<std::size_t>(*digit - '0')] = *digit - '0';
-        const SailingState state = {row.toGun, row.twa, row.target, row.margin, row.flags % 2 != 0, row.flags > 1};
+        for (const char* digit = filled; *digit; ++digit) slots[static_cast<std::size_t>(*digit - '0')] = *digit - '0';
+        const SailingState state = {toGun, twa, target, margin, flags % 2 != 0, flags > 1};
         const std::int32_t chosen = ChooseAlternate(slots, state);
-        EXPECT_EQ(row.slot, chosen == kNoInt ? -1 : chosen) << row.filled << ", gun " << row.toGun << ", TWA " << row.twa;
+        EXPECT_EQ(slot, chosen == kNoInt ? -1 : chosen) << filled << ", gun " << toGun << ", TWA " << twa;
     }
 }
 
 TEST_F(ReadTest, AChainOfAlternatesIsFollowedForOneStepWhereverItLeads) {
     const std::int32_t slots[][2] = {{0, 118}, {1, 119}, {2, 117}, {3, 120}, {5, -1}, {6, 414}, {7, 40000}};  // row, channel
     for (const auto& [row, channel] : slots) record.SetSlot(static_cast<std::size_t>(row), 1, channel);
-    const ChannelId rows[][3] = {
-        {0, 0, 0},       {116, 116, 116}, {127, 127, 127},     {413, 413, 413},     {414, 32767, 32767}, {~0u, 32767, 32767},
-        {117, 118, 119}, {120, 120, 120}, {121, 32767, 32767}, {122, 32767, 32767}, {123, 32767, 32767}, {124, 32767, 32767},
-    };
+    const ChannelId rows[][3] = {{0, 0, 0},           {116, 116, 116},     {127, 127, 127},     {413, 413, 413},
+                                 {414, 32767, 32767}, {~0u, 32767, 32767}, {117, 118, 119},     {120, 120, 120},
+                                 {121, 32767, 32767}, {122, 32767, 32767}, {123, 32767, 32767}, {124, 32767, 32767}};
     for (const auto& [channel, without, with] : rows) {
         EXPECT_EQ(without, core->ResolveAlternate(channel, false)) << channel;
         EXPECT_EQ(with, core->ResolveAlternate(channel, true)) << channel;
@@ -158,19 +140,14 @@ TEST_F(ReadTest, AChainOfAlternatesIsFollowedForOneStepWhereverItLeads) {
 TEST_F(ReadTest, AnAlternatingChannelGoesByTheOwnBoatWhicheverIsRead) {
     record.SetSlot(0, 2, kBsp), record.SetSlot(0, 4, kSog), record.SetSlot(0, 5, kBurn);  // upwind, downwind, before the start
     record.SetValue(7, 20.0);                                                             // degrees round the target
-    const struct {
-        ChannelId published;
-        double value;
-        BoatSlot boat;
-        ChannelId chosen;
-    } steps[] = {{kTwa, -40.0, 0, kBsp},
-                 {kTwa, 150.0, 1, kBsp},
-                 {kTargTwa, 30.0, 0, kBsp},
-                 {kTwa, 170.0, 0, kSog},
-                 {kTmToGun, 0.0, 0, kBurn}};
-    for (const auto& step : steps) {
-        Publish(step.published, step.value, step.boat);
-        EXPECT_EQ(step.chosen, core->ResolveAlternate(kAlt0, true)) << step.published << " of " << step.value;
+    const std::tuple<ChannelId, double, BoatSlot, ChannelId> steps[] = {{kTwa, -40.0, 0, kBsp},
+                                                                        {kTwa, 150.0, 1, kBsp},
+                                                                        {kTargTwa, 30.0, 0, kBsp},
+                                                                        {kTwa, 170.0, 0, kSog},
+                                                                        {kTmToGun, 0.0, 0, kBurn}};
+    for (const auto& [published, value, boat, chosen] : steps) {
+        Publish(published, value, boat);
+        EXPECT_EQ(chosen, core->ResolveAlternate(kAlt0, true)) << published << " of " << value;
     }
     Publish(kBurn, 9.0, 1);
     EXPECT_EQ(9.0, Read(kAlt0, 1));
@@ -186,23 +163,21 @@ TEST_F(ReadTest, ValueAndLabelFollowTheSelector) {
         {10, "nm"}};
     const Shown pressures = {
         {10, "Pa"}, {10, "Pa"}, {0.01, "kPa"}, {0.0014504, "psi"}, {0.0001, "bar"}, {0.0029529983071445, "InHg"}, {10, "Pa"}};
-    const struct {
-        ChannelId channel;
-        std::size_t setting;
-        const Shown& shown;  // for a value of 10
-    } rows[] = {{kDepth, 1, depths},    {kBsp, 2, speeds},      {kTws, 2, speeds},          {kUser30, 2, speeds},
-                {kMkRng, 3, distances}, {kBiasL, 4, distances}, {kEngOilPres, 9, pressures}};
+    // shown: for a value of 10
+    const std::tuple<ChannelId, std::size_t, const Shown&> rows[] = {
+        {kDepth, 1, depths},    {kBsp, 2, speeds},      {kTws, 2, speeds},          {kUser30, 2, speeds},
+        {kMkRng, 3, distances}, {kBiasL, 4, distances}, {kEngOilPres, 9, pressures}};
     record.SetValue(0, 18.52);  // 100 boats to the nautical mile
     record.Set<std::int16_t>(R::Channel(kUser30) + 10, kTypeBoatSpeed);
-    for (const auto& row : rows) {
-        for (const std::size_t setting : {1, 2, 3, 4, 9}) record.SetInt(setting, 0);
-        Hold(0, row.channel, 10.0);
-        for (std::int32_t selector = -1; const auto& [value, label] : row.shown) {
-            SCOPED_TRACE(::testing::Message() << "channel " << row.channel << " by " << selector);
-            record.SetInt(row.setting, selector++);
-            EXPECT_DOUBLE_EQ(value, Read(row.channel));
-            EXPECT_DOUBLE_EQ(value, Fresh(row.channel));
-            EXPECT_EQ(label, Label(row.channel));
+    for (const auto& [channel, setting, shown] : rows) {
+        for (const std::size_t other : {1, 2, 3, 4, 9}) record.SetInt(other, 0);
+        Hold(0, channel, 10.0);
+        for (std::int32_t selector = -1; const auto& [value, label] : shown) {
+            SCOPED_TRACE(::testing::Message() << "channel " << channel << " by " << selector);
+            record.SetInt(setting, selector++);
+            EXPECT_DOUBLE_EQ(value, Read(channel));
+            EXPECT_DOUBLE_EQ(value, Fresh(channel));
+            EXPECT_EQ(label, Label(channel));
         }
     }
     double value = 0.0;
@@ -216,12 +191,8 @@ TEST_F(ReadTest, ValueAndLabelFollowTheSelector) {
 }
 
 TEST_F(ReadTest, OtherTypesHaveOneUnitOrGoByAFlag) {
-    const struct {
-        ChannelId channel;
-        bool flags;  // degrees Fahrenheit, magnetic
-        double value, shown;
-        const char* label;
-    } rows[] = {
+    // flags: degrees Fahrenheit, magnetic
+    const std::tuple<ChannelId, bool, double, double, const char*> rows[] = {
         {kMkTwa, false, 350.0, -10.0, "°"},   {kHeel, false, -190.0, 170.0, "°"},
         {kHeel, false, -180.0, -180.0, "°"},  {kHeel, false, 180.0, 180.0, "°"},
         {kVmcPct, false, 50.0, 50.0, "%"},    {kHpe, false, 50.0, 50.0, "m"},
@@ -229,14 +200,13 @@ TEST_F(ReadTest, OtherTypesHaveOneUnitOrGoByAFlag) {
         {kUser31, false, 10.0, 10.0, ""},     {kAirTemp, false, 100.0, 100.0, "°C"},
         {kAirTemp, true, 100.0, 212.0, "°F"}, {kHdg, false, 30.0, 35.0, "°T"},
         {kHdg, true, 30.0, 30.0, "°M"},       {kTwd, true, 360.0, 0.0, "°M"},
-        {kTwd, true, -1.0, 359.0, "°M"},      {kTwd, true, X, X, "°M"},
-    };
+        {kTwd, true, -1.0, 359.0, "°M"},      {kTwd, true, X, X, "°M"}};
     record.Set<std::int16_t>(R::Channel(kUser31) + 10, kTypeBoatSpeed);  // has the catalogue's type all the same
     record.SetInt(2, 2);
-    for (const auto& row : rows) {
-        for (const std::size_t flag : {kFlagFahrenheit, kFlagMagnetic}) SetFlag(flag, row.flags);
-        EXPECT_EQ(row.shown, core->ToDisplayUnits(row.channel, row.value, 5.0)) << row.channel << ": " << row.value;
-        EXPECT_EQ(row.label, Label(row.channel)) << row.channel;
+    for (const auto& [channel, flags, value, shown, label] : rows) {
+        for (const std::size_t flag : {kFlagFahrenheit, kFlagMagnetic}) SetFlag(flag, flags);
+        EXPECT_EQ(shown, core->ToDisplayUnits(channel, value, 5.0)) << channel << ": " << value;
+        EXPECT_EQ(label, Label(channel)) << channel;
     }
     EXPECT_EQ(7.0, core->ToDisplayUnits(kChannelCount, 7.0, X));
 }

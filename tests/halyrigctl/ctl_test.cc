@@ -48,12 +48,6 @@ public:
     std::function<void()> beforeError;
 };
 
-struct Command {
-    const char* typed;
-    int status;
-    std::vector<const char*> said;
-};
-
 void ExpectIn(const std::string& text, const std::vector<const char*>& parts) {
     for (const char* part : parts) EXPECT_NE(std::string::npos, text.find(part)) << part << "\nis not in\n" << text;
 }
@@ -82,8 +76,9 @@ protected:
     }
     // A guest would find the record.
     bool Held() { return CCore(Core(), Attachment::kOpenOnly).View() != nullptr; }
-    void ExpectSaid(const std::vector<Command>& rows) {
-        for (const Command& row : rows) ExpectIn(Said(row.typed, row.status), row.said);
+    // Parts of what each command says.
+    void ExpectSaid(int status, const std::vector<std::pair<const char*, std::vector<const char*>>>& rows) {
+        for (const auto& [typed, said] : rows) ExpectIn(Said(typed, status), said);
     }
 
     TestSystem test;
@@ -98,20 +93,16 @@ TEST_F(CtlTest, WithoutARecordEveryCommandSaysWhatToStart) {
 
 // The form with tabs is compared with the documents, row by row.
 TEST_F(CtlTest, ListsTheCatalogueForPeopleAndPrograms) {
-    ExpectSaid({
-        {"channels",
-         0,
-         {"\n   0  Time         Time ",
-          "  13  HDG          Heading                           6      0    360     10     0     11  dl\n",
-          "  34  Tm on S      Layline time on starb             2      -      -     10     -      -  \n",
-          " 161  Mk Lat       Mark latitude                     8    -90     90      -     -      -  l\n"}},
-        {"channels --json",
-         0,
-         {R"({"id":13,"name":"HDG","longName":"Heading","type":6,"min":0,"max":360,"staleSeconds":10,)"
-          R"("prec":0,"shortIndex":11,"flags":"dl"},)",
-          R"({"id":0,"name":null,"longName":"Time")",
-          R"("type":2,"min":null,"max":null,"staleSeconds":10,"prec":null,"shortIndex":null,"flags":null},)"}},
-    });
+    ExpectSaid(0, {{"channels",
+                    {"\n   0  Time         Time ",
+                     "  13  HDG          Heading                           6      0    360     10     0     11  dl\n",
+                     "  34  Tm on S      Layline time on starb             2      -      -     10     -      -  \n",
+                     " 161  Mk Lat       Mark latitude                     8    -90     90      -     -      -  l\n"}},
+                   {"channels --json",
+                    {R"({"id":13,"name":"HDG","longName":"Heading","type":6,"min":0,"max":360,"staleSeconds":10,)"
+                     R"("prec":0,"shortIndex":11,"flags":"dl"},)",
+                     R"({"id":0,"name":null,"longName":"Time")",
+                     R"("type":2,"min":null,"max":null,"staleSeconds":10,"prec":null,"shortIndex":null,"flags":null},)"}}});
     EXPECT_TRUE(console.written.starts_with("[\n") && console.written.ends_with("\"flags\":\"dl\"}\n]\n"));
 }
 
@@ -122,8 +113,7 @@ TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
     const std::pair<std::optional<ChannelId>, std::vector<const char*>> rows[] = {
         {0, {"0", "Time"}}, {13, {"13", "hdg"}},
         {34, {"Tm on S"}},  {172, {"jib lead position", "Jib lead positi"}},
-        {413, {"413"}},     {{}, {"414", "", "User0", "-1", "xyz", "13x", "99999999999"}},
-    };
+        {413, {"413"}},     {{}, {"414", "", "User0", "-1", "xyz", "13x", "99999999999"}}};
     for (const auto& [channel, names] : rows) {
         for (const char* name : names) EXPECT_EQ(channel, FindChannel(*suite, name)) << name;
     }
@@ -138,21 +128,18 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
                                                       {kTmOnS, 0.5}, {kSail, 1.0},      {kHdg, 90.0}};
     for (const auto& [channel, value] : published) Publish(channel, value);
     Record().SetFlag(3, false);
-    ExpectSaid({
-        {"get 1", 0, {"channel  1 BSP\nboat     0\nvalue    10 kt\ntext     18.52 km/hr\nage      0.0 s\nlimit    10 s\n"}},
-        {"get 117", 0, {"value    10 kt\ntext     18.52 km/hr\n"}},
-        {"get 161", 0, {"value    45.2057 \u00B0\ntext     45 12.3420n\n", "limit    none\n"}},
-        {"get magvar", 0, {"value    -3 \u00B0\ntext     3.00\u00B0w\n"}},
-        {"get 34", 0, {"value    0.5 days\ntext     12h 00m\n"}},
-        {"get hdg", 0, {"value    90 \u00B0M\ntext     087 \u00B0T\n"}},
-        {"get time", 0, {"channel  0 Time\n"}},
-        {"get bsp --json",
-         0,
-         {R"({"id":1,"name":"BSP","boat":0,"value":10.0,"valueUnit":"kt","text":"18.52","textUnit":"km/hr","age":)",
-          R"(,"limit":10,"missing":null})"}},
-        {"get 161 --json", 0, {R"("valueUnit":"\u00b0","text":"45 12.3420n","textUnit":null)", R"("limit":null)"}},
-        {"get sail --json", 0, {R"("valueUnit":null,"text":null,)"}},
-    });
+    ExpectSaid(0, {{"get 1", {"channel  1 BSP\nboat     0\nvalue    10 kt\ntext     18.52 km/hr\nage      0.0 s\nlimit    10 s\n"}},
+                   {"get 117", {"value    10 kt\ntext     18.52 km/hr\n"}},
+                   {"get 161", {"value    45.2057 \u00B0\ntext     45 12.3420n\n", "limit    none\n"}},
+                   {"get magvar", {"value    -3 \u00B0\ntext     3.00\u00B0w\n"}},
+                   {"get 34", {"value    0.5 days\ntext     12h 00m\n"}},
+                   {"get hdg", {"value    90 \u00B0M\ntext     087 \u00B0T\n"}},
+                   {"get time", {"channel  0 Time\n"}},
+                   {"get bsp --json",
+                    {R"({"id":1,"name":"BSP","boat":0,"value":10.0,"valueUnit":"kt","text":"18.52","textUnit":"km/hr","age":)",
+                     R"(,"limit":10,"missing":null})"}},
+                   {"get 161 --json", {R"("valueUnit":"\u00b0","text":"45 12.3420n","textUnit":null)", R"("limit":null)"}},
+                   {"get sail --json", {R"("valueUnit":null,"text":null,)"}}});
     EXPECT_TRUE(Said("get 1").starts_with("channel"));
 }
 
@@ -162,14 +149,12 @@ TEST_F(CtlTest, NoTextOfTheRecordCommandsTheTerminal) {
     Publish(172, 1.0);
     Record().SetText(1780, u"A\x1b[31m\u0085\u007F\u202E2");
     Record().SetText(RecordBytes::Channel(172) + 76, u"Lead\a\u009B");
-    ExpectSaid({
-        {"get sail", 0, {"text     A\u00B7[31m\u00B7\u00B7\u00B72\n"}},
-        {"get 172", 0, {"channel  172 Lead\u00B7\u00B7\n"}},
-        {"watch --snapshots 1", 0, {"A\u00B7[31m\u00B7\u00B7\u00B72", " 172  Lead\u00B7\u00B7 "}},
-        {"get sail --json", 0, {R"("text":"A\u001b[31m\u0085\u007f\u202e2")"}},
-        {"get speed\x1b", 2, {"there is no channel speed\u00B7;"}},
-        {"bogus\x1b", 2, {"halyrigctl: there is no command or option bogus\u00B7; see 'halyrigctl --help'\n"}},
-    });
+    ExpectSaid(0, {{"get sail", {"text     A\u00B7[31m\u00B7\u00B7\u00B72\n"}},
+                   {"get 172", {"channel  172 Lead\u00B7\u00B7\n"}},
+                   {"watch --snapshots 1", {"A\u00B7[31m\u00B7\u00B7\u00B72", " 172  Lead\u00B7\u00B7 "}},
+                   {"get sail --json", {R"("text":"A\u001b[31m\u0085\u007f\u202e2")"}}});
+    ExpectSaid(2, {{"get speed\x1b", {"there is no channel speed\u00B7;"}},
+                   {"bogus\x1b", {"halyrigctl: there is no command or option bogus\u00B7; see 'halyrigctl --help'\n"}}});
 }
 
 TEST_F(CtlTest, TellsWhyThereIsNoValue) {
@@ -186,68 +171,57 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
     suite->SetChannel(kHdg, 2, 90.0, UtcNowDays(Core().clock) - 70.0 / 86400);
     Record().Set<std::uint32_t>(RecordBytes::Boat(2) + 72, 211234560);
     Record().Set<std::int32_t>(RecordBytes::Boat(2), 60);
-    ExpectSaid({
-        {"get bsp", 1, {"never published: no source"}},
-        {"get sog", 1, {"(Sys_i6) is 3, and it is 6"}},
-        {"get rot --boat 5", 1, {"no place"}},
-        {"get tws", 1, {"gives no value"}},
-        {"get awa", 1, {"stale: last published 20.0 s ago, and the limit is 10 s"}},
-        {"get hdg --boat 2", 1, {"70.0 s ago, and the limit is 60 s"}},
-        {"get heel", 1, {"blocked"}},
-        {"get aws", 1, {"held: another program of the suite has stopped new values for it (system flag 52)"}},
-        {"get hdg", 1, {"no variation"}},
-        {"get depth", 1, {"unit chosen"}},
-        {"get 120", 1, {"stands for no channel"}},
-        {"get awa --json",
-         1,
-         {R"("value":null,"valueUnit":"\u00b0","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
-        {"get bsp --json", 1, {R"("age":null,"limit":10,"missing":"it was never)"}},
-        {"get 120 --json", 1, {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}},
-    });
+    ExpectSaid(1, {{"get bsp", {"never published: no source"}},
+                   {"get sog", {"(Sys_i6) is 3, and it is 6"}},
+                   {"get rot --boat 5", {"no place"}},
+                   {"get tws", {"gives no value"}},
+                   {"get awa", {"stale: last published 20.0 s ago, and the limit is 10 s"}},
+                   {"get hdg --boat 2", {"70.0 s ago, and the limit is 60 s"}},
+                   {"get heel", {"blocked"}},
+                   {"get aws", {"held: another program of the suite has stopped new values for it (system flag 52)"}},
+                   {"get hdg", {"no variation"}},
+                   {"get depth", {"unit chosen"}},
+                   {"get 120", {"stands for no channel"}},
+                   {"get awa --json",
+                    {R"("value":null,"valueUnit":"\u00b0","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
+                   {"get bsp --json", {R"("age":null,"limit":10,"missing":"it was never)"}},
+                   {"get 120 --json", {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}}});
 }
 
 TEST_F(CtlTest, NamesWhatElseKeepsABearingOrAPositionSilent) {
     StartSuite();
     Publish(kTwd, kNoValue);
     Publish(kLat, 50.0, 20.0);
-    ExpectSaid({
-        {"get twd", 1, {"gives no value, or one outside the channel's range; or Deckman's bearings are taken as true, and"}},
-        {"get lat", 1, {"limit is 10 s; position", "(Sys_i6) is 3, and it is 6"}},
-    });
+    ExpectSaid(1,
+               {{"get twd", {"gives no value, or one outside the channel's range; or Deckman's bearings are taken as true, and"}},
+                {"get lat", {"limit is 10 s; position", "(Sys_i6) is 3, and it is 6"}}});
     WriteSettings(Core().registry, {.degreesTrue = true});
     Record().SetInt(6, 3);
-    ExpectSaid({
-        {"get twd", 1, {"no value: Deckman's bearings are taken as true, and there is no variation (MagVar, channel 93)"}},
-        {"get lat", 1, {"limit is 10 s\n"}},
-        {"get lon", 1, {"never published: no source"}},
-    });
+    ExpectSaid(1, {{"get twd", {"no value: Deckman's bearings are taken as true, and there is no variation (MagVar, channel 93)"}},
+                   {"get lat", {"limit is 10 s\n"}},
+                   {"get lon", {"never published: no source"}}});
     Publish(kMagVar, 4.0);
-    ExpectSaid({{"get twd", 1, {"outside the channel's range\n"}}});
+    ExpectSaid(1, {{"get twd", {"outside the channel's range\n"}}});
 }
 
 TEST_F(CtlTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
     StartSuite();
     Publish(kBsp, 6.0);
     console.goOn = [] { return true; };
-    ExpectSaid({
-        {"--bogus", 2, {"halyrigctl: there is no command or option --bogus;"}},
-        {"", 2, {"halyrigctl: a command is missing; see 'halyrigctl --help'\n"}},
-        {"get", 2, {"halyrigctl: ID is required; see 'halyrigctl get --help'\n"}},
-        {"get speed", 2, {"halyrigctl: there is no channel speed;"}},
-        {"quit now", 2, {"not expected: now; see"}},
-        {"watch --snapshots 0", 2, {"not in range 1 to 1000000; see"}},
-        {"get 0 --boat 100", 2, {"not in range 0 to 99; see"}},
-        {"channels --tsv --json", 2, {"halyrigctl: --"}},
-        {"--version", 0, {"halyrigctl 1"}},
-        {"watch --snapshots 2", 0, {"channel"}},
-        {"quit --no-wait", 0, {"Asked"}},
-    });
+    ExpectSaid(2, {{"--bogus", {"halyrigctl: there is no command or option --bogus;"}},
+                   {"", {"halyrigctl: a command is missing; see 'halyrigctl --help'\n"}},
+                   {"get", {"halyrigctl: ID is required; see 'halyrigctl get --help'\n"}},
+                   {"get speed", {"halyrigctl: there is no channel speed;"}},
+                   {"quit now", {"not expected: now; see"}},
+                   {"watch --snapshots 0", {"not in range 1 to 1000000; see"}},
+                   {"get 0 --boat 100", {"not in range 0 to 99; see"}},
+                   {"channels --tsv --json", {"halyrigctl: --"}}});
+    ExpectSaid(0, {{"--version", {"halyrigctl 1"}}, {"watch --snapshots 2", {"channel"}}, {"quit --no-wait", {"Asked"}}});
     EXPECT_EQ(500, console.waited) << "between two looks alone";
     Record().SetFlag(35, false);
     console.closed = true;
-    for (const char* command : {"--help", "channels", "get BSP", "get BSP --json", "watch", "quit --no-wait"}) {
+    for (const char* command : {"--help", "channels", "get BSP", "get BSP --json", "watch", "quit --no-wait"})
         ExpectIn(Said(command, 1), {"halyrigctl: standard output can't be written"});
-    }
 }
 
 TEST_F(CtlTest, WatchEndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
@@ -288,10 +262,8 @@ TEST_F(CtlTest, WatchShowsWhatIsPublishedAndTheRemotesOfTheStandIn) {
     displays.ShowValue(3, "7.25");
     displays.ShowName(3, "BSP");
     displays.ShowValue(12, "3.00\xB0W");
-    const struct {
-        std::optional<ConsoleSize> size;
-        std::vector<const char*> shown, absent;  // absent: what is stale, was never published, was never shown
-    } rows[] = {
+    // shown, absent: absent: what is stale, was never published, was never shown
+    const std::tuple<std::optional<ConsoleSize>, std::vector<const char*>, std::vector<const char*>> rows[] = {
         {{},
          {"   1  BSP                         7.25 kt", "  93  MagVar                    3.00\u00B0w ",
           "remote  3  BSP       7.25\n", "remote 12            3.00\u00B0W\n"},
@@ -299,40 +271,35 @@ TEST_F(CtlTest, WatchShowsWhatIsPublishedAndTheRemotesOfTheStandIn) {
         {ConsoleSize{100, 24},
          {"\x1b[2m   3  AWS                          - -", "   1  BSP                         7.25 kt", "\u256D 3 \u2500",
           "\u256D 12 \u2500", "   7.25    ", "  3.00\u00B0W   "},
-         {"12.5", "Depth", "\u256D 4"}},
-    };
-    for (const auto& row : rows) {
-        console.size = row.size;
-        const std::string shown = Said("watch --snapshots 1");
-        ExpectIn(shown, row.shown);
-        for (const char* absent : row.absent) EXPECT_EQ(shown.npos, shown.find(absent)) << absent;
+         {"12.5", "Depth", "\u256D 4"}}};
+    for (const auto& [size, shown, absent] : rows) {
+        console.size = size;
+        const std::string said = Said("watch --snapshots 1");
+        ExpectIn(said, shown);
+        for (const char* none : absent) EXPECT_EQ(said.npos, said.find(none)) << none;
     }
 }
 
 TEST_F(CtlTest, QuitWaitsUntilAllHaveLeft) {
-    const struct {
-        const char *what, *typed;
-        int leaves;    // ms after which the suite lets go of the record
-        int patience;  // ms after which the user has enough
-        int waited, status;
-    } rows[] = {
+    // leaves: ms after which the suite lets go of the record
+    // patience: ms after which the user has enough
+    const std::tuple<const char*, const char*, int, int, int, int> rows[] = {
         {"all leave", "quit", 300, 20000, 400, 0},
         {"one stays", "quit", 20000, 20000, 10000, 1},
         {"the user does not wait", "quit", 20000, 500, 500, 1},
-        {"not to be waited for", "quit --no-wait", 0, 20000, 0, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
+        {"not to be waited for", "quit --no-wait", 0, 20000, 0, 0}};
+    for (const auto& [what, typed, leaves, patience, waited, status] : rows) {
+        SCOPED_TRACE(what);
         StartSuite();
         console.waited = 0;
         console.goOn = [&] {
-            if (console.waited >= row.leaves) suite.reset();
-            return console.waited < row.patience;
+            if (console.waited >= leaves) suite.reset();
+            return console.waited < patience;
         };
-        const std::string said = Said(row.typed, row.status);
+        const std::string said = Said(typed, status);
         ExpectIn(said, {"Asked the programs of the suite to close.\n"});
-        EXPECT_EQ(row.status == 1, said.find("still hold the record") != std::string::npos) << said;
-        EXPECT_EQ(row.waited, console.waited);
+        EXPECT_EQ(status == 1, said.find("still hold the record") != std::string::npos) << said;
+        EXPECT_EQ(waited, console.waited);
         EXPECT_TRUE(!suite || suite->QuitRequested());
         suite.reset();
         EXPECT_FALSE(Held());

@@ -27,11 +27,7 @@ TEST(DrawScreen, FitsItsTerminalAndTellsWhatDoesNot) {
     const std::vector<ChannelLine> channels(27, {172, "Jib lead positi", "7.25", "kt", 0.1, true});
     std::vector<RemoteLine> remotes;
     for (int number = 1; number <= 12; ++number) remotes.push_back({number, "6.37", "BSP"});
-    const struct {
-        int columns, rows;
-        std::vector<const char*> shown;
-        const char* absent;
-    } rows[] = {
+    const std::tuple<int, int, std::vector<const char*>, const char*> sizes[] = {
         {130, 24, {"\u256D 12 ", "6 more; enlarge", "172  Jib lead positi             7.25 kt         0.1 s  "}, "more displays"},
         {80, 24, {"kt         0.1 s    1 BSP      6.37", " 12 BSP ", "6 more; enlarge"}, "more displays"},
         {80, 10, {" 7 BSP ", "5 more displays", "20 more; enlarge"}, " 8 BSP"},
@@ -40,18 +36,17 @@ TEST(DrawScreen, FitsItsTerminalAndTellsWhatDoesNot) {
         {40, 10, {" 2 BSP", "10 more displays", "24 more; enl"}, " 3 BSP"},
         {30, 4, {"12 more displays"}, "172"},
         {5, 3, {"12 m"}, "172"},
-        {65535, 65535, {"\u256D 12 "}, "more"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::Message() << row.columns << "x" << row.rows);
+        {65535, 65535, {"\u256D 12 "}, "more"}};
+    for (const auto& [columns, rows, shown, absent] : sizes) {
+        SCOPED_TRACE(::testing::Message() << columns << "x" << rows);
         std::string joined;
-        for (const auto& line : Lines(DrawScreen(channels, remotes, ConsoleSize{row.columns, row.rows}))) {
-            EXPECT_LT(WidthOf(line), static_cast<std::size_t>(row.columns)) << line;
+        for (const auto& line : Lines(DrawScreen(channels, remotes, ConsoleSize{columns, rows}))) {
+            EXPECT_LT(WidthOf(line), static_cast<std::size_t>(columns)) << line;
             joined += line + '\n';
         }
-        EXPECT_EQ(std::clamp(row.rows - 1, 3, 1000), std::ranges::count(joined, '\n'));
-        for (const char* shown : row.shown) EXPECT_NE(std::string::npos, joined.find(shown)) << shown << "\nis not in\n" << joined;
-        EXPECT_EQ(std::string::npos, joined.find(row.absent)) << joined;
+        EXPECT_EQ(std::clamp(rows - 1, 3, 1000), std::ranges::count(joined, '\n'));
+        for (const char* part : shown) EXPECT_NE(joined.npos, joined.find(part)) << part << "\nis not in\n" << joined;
+        EXPECT_EQ(std::string::npos, joined.find(absent)) << joined;
     }
 }
 

@@ -9,7 +9,7 @@
 #include "mapping/variable_file.h"
 #include "platform/paths.h"
 #include "support/fakes.h"
-#include "support/temp_folder.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
@@ -82,8 +82,7 @@ TEST_F(MappingTest, ElementsBecomeRows) {
         {R"(<var twr="1" dfw="bsp"/><var twr="1" dfw="99"/><var twr="1" dfw=""/><var twr="1"/><var dfw="17"/>)", ""},
         {R"(<var twr="x" dfw="17"/><var twr="414" dfw="17"/><var twr="-1" dfw="17"/><variable twr="1" dfw="17"/>)", ""},
         {R"(<var twr="1" dfw="17" boat="100"/><var twr="1" dfw="17" boat="-1"/><remote remote="-2" twr="13"/>)", ""},
-        {R"(<remote remote="32767" twr="13"/><remote twr="13"/><remote remote="2"/><remote remote="2" twr="13" boat="100"/>)", ""},
-    };
+        {R"(<remote remote="32767" twr="13"/><remote twr="13"/><remote remote="2"/><remote remote="2" twr="13" boat="100"/>)", ""}};
     for (const auto& [elements, told] : rows) EXPECT_EQ(told, Told(Load("<x>" + elements + "</x>"))) << elements;
     catalogue.clear();
     EXPECT_EQ("13>1@0 ", Told(Load(R"(<x><var twr="1" dfw="17"/><remote remote="1" twr="13"/></x>)")));
@@ -135,26 +134,22 @@ struct FullDisk : Xml {
 TEST_F(MappingTest, TheFormerFileIsKept) {
     FullDisk beginsNone(xml, folder, false), endsNone(xml, folder, true);
     const std::string whole = "<x></x>\r\n", wide("<\0/\0x\0>\0", 8);
-    const struct {
-        Xml& disk;
-        std::string former, bak;
-        std::string then, bakThen;  // an empty `then` is the new mapping
-    } rows[] = {
+    // then, bakThen: an empty `then` is the new mapping
+    const std::tuple<Xml&, std::string, std::string, std::string, std::string> rows[] = {
         {xml, whole, "older", "", whole},
         {xml, wide, "older", "", wide},
         {xml, "<x><var/></", "older", "", "older"},
         {xml, "", "older", "", "older"},
         {endsNone, whole, "older", "<halyrig", whole},
         {beginsNone, whole, "", whole, ""},
-        {beginsNone, "<halyrig", whole, "<halyrig", whole},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::Message() << row.former << " with " << row.bak);
-        folder.Write("halyrig.xml.bak", row.bak);
-        EXPECT_EQ(row.then.empty(), SaveMapping(system->Core().files, row.disk, folder.Write("halyrig.xml", row.former), {}));
-        const std::string then = folder.Read("halyrig.xml");
-        EXPECT_TRUE(row.then.empty() ? then.ends_with("</halyrig>") : then == row.then) << then;
-        EXPECT_EQ(row.bakThen, folder.Read("halyrig.xml.bak"));
+        {beginsNone, "<halyrig", whole, "<halyrig", whole}};
+    for (const auto& [disk, former, bak, then, bakThen] : rows) {
+        SCOPED_TRACE(::testing::Message() << former << " with " << bak);
+        folder.Write("halyrig.xml.bak", bak);
+        EXPECT_EQ(then.empty(), SaveMapping(system->Core().files, disk, folder.Write("halyrig.xml", former), {}));
+        const std::string now = folder.Read("halyrig.xml");
+        EXPECT_TRUE(then.empty() ? now.ends_with("</halyrig>") : now == then) << now;
+        EXPECT_EQ(bakThen, folder.Read("halyrig.xml.bak"));
     }
 }
 
@@ -168,18 +163,15 @@ TEST_F(MappingTest, LinesOfTheOldFilesBecomeRows) {
         {"\uFEFF12,5\n17,1\n", "1=17BSP@0 "},
         {"4294967308,5", "5=12HDG@0 "},
         {"12 ,5\n12;5\n12", "failed"},
-        {"12,0\n12,414\n12,-1\n12,5,100\n12,5,-1\n13,5", "failed"},
-    };
+        {"12,0\n12,414\n12,-1\n12,5,100\n12,5,-1\n13,5", "failed"}};
     for (const auto& [bytes, told] : vars) {
         fakes.files = {{u"/old.csv", bytes}};
         const auto rows = ImportLegacyVars(fakes, u"/old.csv", catalogue);
         EXPECT_EQ(told, rows ? Told({*rows, {}}) : "failed") << bytes;
     }
-    const std::pair<std::string, std::string> remotes[] = {
-        {"0,0,0,1\n4,13,2,0,9\r\n1,117,0,-3\r\n", "0>1d@0 13>5@2 117>2d@0 "},
-        {"0,13,0\n0,414,0,1\n0,-1,0,1\n0,13,100,1\n0,13,-1,1\nx,13,0,1\n", ""},
-        {"2147483647,13,0,0\n", "13>-2147483648@0 "},
-    };
+    const std::pair<std::string, std::string> remotes[] = {{"0,0,0,1\n4,13,2,0,9\r\n1,117,0,-3\r\n", "0>1d@0 13>5@2 117>2d@0 "},
+                                                           {"0,13,0\n0,414,0,1\n0,-1,0,1\n0,13,100,1\n0,13,-1,1\nx,13,0,1\n", ""},
+                                                           {"2147483647,13,0,0\n", "13>-2147483648@0 "}};
     for (const auto& [bytes, told] : remotes) {
         fakes.files = {{u"/old.csv", bytes}};
         EXPECT_EQ(told, Told({{}, ImportLegacyRemotes(fakes, u"/old.csv")})) << bytes;
@@ -199,18 +191,14 @@ TEST_F(MappingTest, TheSectionOfTheVariableFileIsReadUpToItsEnd) {
         {"5 ABCDEFGHIJKLMNO 1234567 1 2 3\n6 ABCDEFGHIJKLMNOP x 1 2 3\n", "5 ABCDEFGHIJKLMNO 1234567 1 3, "},
         {"5 ABCDEFGHIJKLMNOPQ 1 2 3 4\n", "5 ABCDEFGHIJKLMNO PQ 1 3, "},  // the rest of a name is column 3
         {"5 A 12345678 2 3 4\n", "5 A 1234567 8 3, "},
-        {std::string("1 B\0SP kt 1 2 3\n", 16) + row2, ""},
-    };
+        {std::string("1 B\0SP kt 1 2 3\n", 16) + row2, ""}};
     for (const auto& [bytes, told] : rows) EXPECT_EQ(told, FoundIn("[variables]\n" + bytes)) << bytes;
-    for (const std::string& end : {"[other]"s, "# a comment"s, "2 AWA deg 4 5"s, "\x1A"s, std::string(5000, '7')}) {
+    for (const std::string& end : {"[other]"s, "# a comment"s, "2 AWA deg 4 5"s, "\x1A"s, std::string(5000, '7')})
         EXPECT_EQ(one, FoundIn("[variables]\n" + row1 + end + "\n" + row2)) << end;
-    }
-    for (const std::string before : {"; notes\n[units]\n9 X y 1 1 1\n\n[variables]\n", " \t[variables]\v\f\r\n"}) {
+    for (const std::string before : {"; notes\n[units]\n9 X y 1 1 1\n\n[variables]\n", " \t[variables]\v\f\r\n"})
         EXPECT_EQ(one, FoundIn(before + row1)) << before;
-    }
-    for (const std::string before : {"", "[Variables]\n", "[variables] \x01\n", "\uFEFF[variables]\n"}) {
+    for (const std::string before : {"", "[Variables]\n", "[variables] \x01\n", "\uFEFF[variables]\n"})
         EXPECT_EQ("", FoundIn(before + row1)) << before;
-    }
 }
 
 TEST_F(MappingTest, TheFirstVariableFileWithRowsCountsIfNeedBeFromACopy) {
@@ -223,8 +211,7 @@ TEST_F(MappingTest, TheFirstVariableFileWithRowsCountsIfNeedBeFromACopy) {
         {{{u"J_vars.d", good}}, goodFound},
         {{{u"J_var06.d", good}, {u"J_vars06.dat", good}}, ""},
         {{{u"J_vars06.d", timerOnly}, {u"J_vars08.d", good}}, goodFound},
-        {{{u"J_vars06.d", timerOnly}}, "timer 3"},
-    };
+        {{{u"J_vars06.d", timerOnly}}, "timer 3"}};
     for (const auto& [files, found] : rows) {
         fakes.files.clear();
         for (const auto& [name, bytes] : files) Put(name, bytes);

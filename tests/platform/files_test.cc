@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 
 #include "platform/paths.h"
 #include "support/test_system.h"
@@ -30,29 +29,23 @@ TEST_F(FilesTest, AreReadWrittenCopiedRenamedAndRemoved) {
         return read;
     };
     std::unique_ptr<ByteSource> reader;
-    const struct {
-        const char* what;
-        std::function<bool()> action;
-        std::string from, to;
-        bool succeeds = true;
-    } rows[] = {
-        {"append to none", [&] { return files_.Append(from, bytes); }, bytes, older},
-        {"open", [&] { return (reader = files_.Open(from)) != nullptr; }, bytes, older},
-        {"append while it is read", [&] { return files_.Append(from, "tail"); }, bytes + "tail", older},
+    const std::tuple<const char*, std::function<bool()>, std::string, std::string, bool> rows[] = {
+        {"append to none", [&] { return files_.Append(from, bytes); }, bytes, older, true},
+        {"open", [&] { return (reader = files_.Open(from)) != nullptr; }, bytes, older, true},
+        {"append while it is read", [&] { return files_.Append(from, "tail"); }, bytes + "tail", older, true},
         {"copy over itself", [&] { return files_.Copy(from, from); }, bytes + "tail", older, false},
-        {"copy over an older one", [&] { return files_.Copy(from, to); }, bytes + "tail", bytes + "tail"},
-        {"append to the copy", [&] { return files_.Append(to, "x"); }, bytes + "tail", bytes + "tailx"},
+        {"copy over an older one", [&] { return files_.Copy(from, to); }, bytes + "tail", bytes + "tail", true},
+        {"append to the copy", [&] { return files_.Append(to, "x"); }, bytes + "tail", bytes + "tailx", true},
         {"rename to nowhere", [&] { return files_.Rename(to, test_.folder.File("missing/to")); }, bytes + "tail", bytes + "tailx",
          false},
-        {"rename over an older one", [&] { return files_.Rename(from, to); }, "none", bytes + "tail"},
+        {"rename over an older one", [&] { return files_.Rename(from, to); }, "none", bytes + "tail", true},
         {"rename none", [&] { return files_.Rename(from, to); }, "none", bytes + "tail", false},
         {"remove", [&] { return reader.reset(), files_.Remove(to), files_.Exists(to); }, "none", "none", false},
-        {"remove none", [&] { return files_.Remove(to), files_.Exists(to); }, "none", "none", false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(row.succeeds, row.action());
-        EXPECT_TRUE(row.from == content(from) && row.to == content(to));
+        {"remove none", [&] { return files_.Remove(to), files_.Exists(to); }, "none", "none", false}};
+    for (const auto& [what, action, inFrom, inTo, succeeds] : rows) {
+        SCOPED_TRACE(what);
+        EXPECT_EQ(succeeds, action());
+        EXPECT_TRUE(inFrom == content(from) && inTo == content(to));
     }
 }
 
@@ -78,9 +71,8 @@ TEST_F(FilesTest, MakesOneLevelOfFolders) {
 }
 
 TEST_F(FilesTest, ListsTheFilesThatFitAPattern) {
-    for (const char* name : {"J_vars06.d", "j_VARS7.D", "J_vars.d", "J_vars06.dx", "xJ_vars06.d", "[1].txt", "J_varsfolder.d/x"}) {
+    for (const char* name : {"J_vars06.d", "j_VARS7.D", "J_vars.d", "J_vars06.dx", "xJ_vars06.d", "[1].txt", "J_varsfolder.d/x"})
         test_.folder.Write("d/" + std::string(name), "");
-    }
     const std::pair<std::u16string_view, std::vector<std::u16string_view>> rows[] = {
         {u"J_vars*.d", {u"J_vars.d", u"J_vars06.d", u"j_VARS7.D"}},
         {u"J_vars?.d", {u"j_VARS7.D"}},

@@ -1,13 +1,14 @@
-// The small services of a system: its clock, arguments, console, instance and libraries.
+// The small services of a system: its clock, arguments, console, instance, libraries and registry.
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <utility>
 
 #include "platform/paths.h"
+#include "platform/registry.h"
 #include "support/child_process.h"
 #include "support/test_system.h"
 
@@ -93,6 +94,47 @@ TEST(Library, GivesItsExportsAndHarmsNothingWhereItIsNone) {
         const auto loaded = test.system->GetLibraries().Load(cut);
         EXPECT_TRUE(!loaded || (part > 80 && loaded->Find("Answer"))) << part;
     }
+}
+
+class RegistryTest : public ::testing::Test {
+protected:
+    const std::u16string key_ = u"Software\\Tidewright\\core";
+    testing::TestSystem test_;
+    Registry& registry_ = test_.system->Core().registry;
+};
+
+TEST_F(RegistryTest, GivesBackValuesOfEveryType) {
+    const std::pair<std::u16string_view, RegistryValue> rows[] = {
+        {u"text", StringValue(u"C:\\Deckman \"quoted\" \u00E4\u20AC\xD83D\xDE00")},
+        {u"ends in a backslash", StringValue(u"C:\\Deckman\\")},
+        {u"of another machine", StringValue(u"\\\\chart\\Deckman")},
+        {u"empty text", StringValue(u"")},
+        {u"two lines", StringValue(u"one\r\n\"two\"=\\\n")},
+        {u"no end", {kRegistryString, {'a', 0}}},
+        {u"odd", {kRegistryString, {'a', 0, 'b'}}},
+        {u"half a pair", {kRegistryString, {0, 0xD8, 0, 0}}},
+        {u"no bytes", {kRegistryString, {}}},
+        {u"expand", {kRegistryExpandString, {'%', 0, 0, 0}}},
+        {u"number", DwordValue(0xFEDCBA98)},
+        {u"short number", {kRegistryDword, {1, 2}}},
+        {u"bytes", {kRegistryBinary, std::vector<std::uint8_t>(300, 0xA5)}},
+        {u"other type", {11, {1, 2, 3, 4, 5, 6, 7, 8}}},
+        {u"", StringValue(u"the default value")},
+        {u"\"\\name\"", DwordValue(7)}};
+    for (const auto& [name, value] : rows) EXPECT_TRUE(registry_.Write(key_, name, value)) << ::testing::PrintToString(name);
+    for (const auto& [name, value] : rows) EXPECT_EQ(value, registry_.Read(key_, name)) << ::testing::PrintToString(name);
+}
+
+TEST_F(RegistryTest, HasNothingBeforeItIsWrittenAndThenUnderNamesInAnyCase) {
+    EXPECT_EQ(std::nullopt, registry_.Read(key_, u"Sys_v0"));
+    EXPECT_TRUE(registry_.OpenOrCreate(key_));
+    EXPECT_TRUE(registry_.OpenOrCreate(key_));
+    EXPECT_EQ(std::nullopt, registry_.Read(key_, u"Sys_v0"));
+    ASSERT_TRUE(registry_.Write(key_, u"Sys_v0", StringValue(u"1")));
+    EXPECT_EQ(std::nullopt, registry_.Read(u"Software\\Tidewright", u"Sys_v0"));
+    ASSERT_TRUE(registry_.Write(u"SOFTWARE\\tidewright\\CORE", u"SYS_v0", StringValue(u"2")));
+    EXPECT_EQ(StringValue(u"2"), registry_.Read(key_, u"Sys_v0"));
+    EXPECT_EQ(StringValue(u"2"), registry_.Read(u"SOFTWARE\\tidewright\\CORE", u"sYS_V0"));
 }
 
 }  // namespace

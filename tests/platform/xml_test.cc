@@ -3,12 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 
 #include "base/wide_text.h"
+#include "support/child_process.h"
 #include "support/test_system.h"
-#include "support/wine.h"
-#include "support/xml_outline.h"
 
 namespace twr {
 namespace {
@@ -57,17 +55,15 @@ TEST_F(XmlTest, GivesTheElementsInTheirOrderUpToTheFirstFault) {
         {"<a/>text", "a()"},
         {"<a/>\xC3", "a()"},
         {"<a/><!DOCTYPE a>", "a()"},
-        {"<a><?xml version='1.0'?><b/></a>", "a()"},
-    };
+        {"<a><?xml version='1.0'?><b/></a>", "a()"}};
     for (const std::string fault : {"</c>", "</a>", "&none;", "&#0;", "&", "\x01", "]]>", "<!-- -- -->", "<p:c/>", "<c p:x='1'/>",
                                     "\xFF", "\xC3", "\xEF\xBF", "\xED\xA0\x80"}) {
         rows.emplace_back("<a><b/>" + fault + "<c/></a>", "a() b()");
     }
     for (const std::string fault : {"x='1' x='2'", "x=1", "x='<'", "x='&none;'"})
         rows.emplace_back("<a><b " + fault + "/><c/></a>", "a()");
-    for (const std::string type : {"", " [<!ENTITY e 'x'>]", " [<!ATTLIST a b CDATA 'default'>]", " SYSTEM 'a.dtd'"}) {
+    for (const std::string type : {"", " [<!ENTITY e 'x'>]", " [<!ATTLIST a b CDATA 'default'>]", " SYSTEM 'a.dtd'"})
         rows.emplace_back("<!DOCTYPE a" + type + "><a/>", "");
-    }
     if (!testing::UnderWine()) rows.emplace_back("<a b='\n&#9;&#10;'/>", "a(b= \t\n)");  // Wine's XmlLite makes blanks of it
     for (const auto& [bytes, outline] : rows) EXPECT_EQ(outline, Read(bytes)) << bytes;
 }
@@ -77,22 +73,14 @@ TEST_F(XmlTest, ReadsTheEncodingThatIsDeclaredOrMarked) {
         {"\xEF\xBB\xBF<a b='\xC3\xA4'/>", "a(b=\xC3\xA4)"},
         {"\xEF\xBB\xBF<?xml version='1.0' encoding='windows-1252'?><a b='\xC3\xA4'/>", "a(b=\xC3\xA4)"},  // the mark counts
         {Declared("us-ascii") + "<a>\x80</a>", "a()"},
-        {Declared("Shift_JIS") + "<a b='\x93'/>", ""},
-    };
-    const std::array<std::string, 3> encodings[] = {{"ASCII", "x", "x"},
-                                                    {"utf-8", "\xF0\x9F\x98\x80", "\xF0\x9F\x98\x80"},
-                                                    {"utf8", "\xC3\xA4\xE2\x82\xAC", "\xC3\xA4\xE2\x82\xAC"},
+        {Declared("Shift_JIS") + "<a b='\x93'/>", ""}};
+    const std::array<std::string, 3> encodings[] = {{"utf-8", "\xF0\x9F\x98\x80", "\xF0\x9F\x98\x80"},
                                                     {"latin1", "\xE4", "\xC3\xA4"},
-                                                    {"cp1252", "\xE4", "\xC3\xA4"},
-                                                    {"IBM850", "\x84", "\xC3\xA4"},
-                                                    {"koi8-u", "\xC1", "\xD0\xB0"},
                                                     {"EUC-JP", "\xC6\xFC", "\xE6\x97\xA5"},
                                                     {"ISO-8859-1", "\xE4\xFF", "\xC3\xA4\xC3\xBF"},
                                                     {"iso-8859-15", "\xA4", "\xE2\x82\xAC"},
-                                                    {"windows-1250", "\x8A\xF8", "\xC5\xA0\xC5\x99"},
                                                     {"Windows-1252", "\x80\x81\xE4", "\xE2\x82\xAC\xC2\x81\xC3\xA4"},
                                                     {"windows-1255", "\xE0\xE1", "\xD7\x90\xD7\x91"},
-                                                    {"windows-1258", "\xF0", "\xC4\x91"},
                                                     {"Shift_JIS", "\x93\xFA\x96\x7B", "\xE6\x97\xA5\xE6\x9C\xAC"},
                                                     {"GBK", "\xD6\xD0", "\xE4\xB8\xAD"}};
     for (const auto& [encoding, bytes, text] : encodings) {
@@ -155,9 +143,8 @@ TEST_F(XmlTest, WritesValuesThatReadBackTheSameAndRefusesWhatWouldBeNoXml) {
     const auto writer = xml_.OpenWriter(path_);
     EXPECT_FALSE(writer->EndElement());
     EXPECT_TRUE(writer->StartElement(u"a") && writer->Attribute(u"b", value));
-    for (const std::u16string_view text : {u"\u0001", u"\uFFFE", u"\xD800"}) {
+    for (const std::u16string_view text : {u"\u0001", u"\uFFFE", u"\xD800"})
         EXPECT_FALSE(writer->Attribute(u"b", text) || writer->Comment(text));
-    }
     EXPECT_TRUE(writer->StartElement(u"c") && writer->EndElement());
     EXPECT_FALSE(writer->Attribute(u"late", u"1"));
     EXPECT_TRUE(writer->Finish());

@@ -4,15 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <filesystem>
-#include <string>
 
 #include "platform/library.h"
 #include "platform/paths.h"
 #include "stand_in/sailing_simulation.h"
 #include "stand_in/variables.h"
 #include "support/fakes.h"
-#include "support/temp_folder.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
@@ -57,29 +55,24 @@ TEST_F(StandInTest, ReadsOneMomentWithinATickAndLosesNoTime) {
 }
 
 TEST_F(StandInTest, FollowsItsSettings) {
-    const std::string recording = "$GPZDA,120000,\n$GPZDA,120010,\n$IIVHW,,T,,M,6.5,N,,K\n";
+    const std::string recorded = "$GPZDA,120000,\n$GPZDA,120010,\n$IIVHW,,T,,M,6.5,N,,K\n";
     const float wind = SailingSimulation(UINT64_MAX, 300).Now()[Quantity::kTws];
-    const struct {
-        std::string settings, recording;
-        int ms;
-        std::int32_t variable;
-        float value;  // after this time
-    } rows[] = {
+    // value: after this time
+    const std::tuple<std::string, std::string, int, std::int32_t, float> rows[] = {
         {"", "", 1000, kTimerNumber, 299.0F},
         {"speed=10\nstart_lead = 60\n", "", 1000, kTimerNumber, 50.0F},
         {"# a demonstration\r\n speed = 2.5 \r\nseed=9\r\n", "", 2000, kTimerNumber, 295.0F},
         {"speed=0\nspeed=1000\nspeed=-1\nspeed=x\nspeed=\nSPEED=10\nspeed\n=\n", "", 1000, kTimerNumber, 299.0F},
         {"start_lead=0\nstart_lead=99999\n", "", 1000, kTimerNumber, 299.0F},
         {"seed=18446744073709551615\n", "", 0, 5, wind},
-        {"speed=10\n", recording, 900, kBspNumber, kAbsent},
-        {"speed=10\n", recording, 1000, kBspNumber, 6.5F},
-    };
-    for (const auto& row : rows) {
-        files.files = {{JoinPath(kFolder, u"simulation.txt"), row.settings}};
-        if (!row.recording.empty()) files.files.push_back({JoinPath(kFolder, u"recording.nmea"), row.recording});
+        {"speed=10\n", recorded, 900, kBspNumber, kAbsent},
+        {"speed=10\n", recorded, 1000, kBspNumber, 6.5F}};
+    for (const auto& [settings, recording, ms, variable, value] : rows) {
+        files.files = {{JoinPath(kFolder, u"simulation.txt"), settings}};
+        if (!recording.empty()) files.files.push_back({JoinPath(kFolder, u"recording.nmea"), recording});
         StandIn standIn = Load();
-        clock.AdvanceMs(row.ms);
-        EXPECT_EQ(row.value, standIn.Read(row.variable)) << row.settings;
+        clock.AdvanceMs(ms);
+        EXPECT_EQ(value, standIn.Read(variable)) << settings;
     }
 }
 
@@ -90,17 +83,14 @@ TEST(Displays, ShowWhatWasSentLast) {
     writer->ShowName(1, "BSP");
     for (const char* text : {"12.3", "7.25"}) writer->ShowValue(1, text);
     writer->ShowValue(32, "ABCDEFGHIJKLMNOPQRSTUVWXYZ");
-    const struct {
-        std::int32_t remote;
-        const char *value, *name;
-        std::uint32_t updates;
-    } rows[] = {{1, "7.25", "BSP", 2}, {32, "ABCDEFGHIJKLMNO", "", 1}, {2, "", "", 0},        {0, "", "", 0}, {-1, "", "", 0},
-                {33, "", "", 0},       {INT32_MAX, "", "", 0},         {INT32_MIN, "", "", 0}};
-    for (const auto& row : rows) {
-        if (row.updates == 0 && row.remote != 2) writer->ShowValue(row.remote, "X");
-        EXPECT_EQ(row.value, reader.Value(row.remote).text) << row.remote;
-        EXPECT_EQ(row.updates, reader.Value(row.remote).updates) << row.remote;
-        EXPECT_EQ(row.name, reader.Name(row.remote).text) << row.remote;
+    const std::tuple<std::int32_t, const char*, const char*, std::uint32_t> rows[] = {
+        {1, "7.25", "BSP", 2}, {32, "ABCDEFGHIJKLMNO", "", 1}, {2, "", "", 0},        {0, "", "", 0}, {-1, "", "", 0},
+        {33, "", "", 0},       {INT32_MAX, "", "", 0},         {INT32_MIN, "", "", 0}};
+    for (const auto& [remote, value, name, updates] : rows) {
+        if (updates == 0 && remote != 2) writer->ShowValue(remote, "X");
+        EXPECT_EQ(value, reader.Value(remote).text) << remote;
+        EXPECT_EQ(updates, reader.Value(remote).updates) << remote;
+        EXPECT_EQ(name, reader.Name(remote).text) << remote;
     }
     // A viewer keeps the block when the library goes and comes again.
     writer.reset();

@@ -35,4 +35,7 @@ struct Role {
 // The path of the running program.
 std::string OwnProgram();
 
+// Wine's stand-in for a part of Windows is known to fall short of it.
+bool UnderWine();
+
 }  // namespace twr::testing

@@ -1,7 +1,5 @@
 #include "support/fakes.h"
 
-#include <algorithm>
-
 #include "platform/paths.h"
 
 namespace twr::testing {
@@ -9,28 +7,22 @@ namespace {
 
 using Bytes = std::shared_ptr<std::vector<std::uint64_t>>;
 
-class FakeBlock : public SharedBlock {
-public:
-    FakeBlock(Bytes bytes, bool existed, bool mapped) : bytes_(std::move(bytes)), existed_(existed), mapped_(mapped) {}
-    void* Data() const override { return mapped_ ? bytes_->data() : nullptr; }
-    bool Existed() const override { return existed_; }
-
-private:
-    Bytes bytes_;
-    bool existed_, mapped_;
+struct FakeBlock : SharedBlock {
+    FakeBlock(Bytes shared, bool wasThere, bool isMapped) : bytes(std::move(shared)), existed(wasThere), mapped(isMapped) {}
+    void* Data() const override { return mapped ? bytes->data() : nullptr; }
+    bool Existed() const override { return existed; }
+    const Bytes bytes;
+    const bool existed, mapped;
 };
 
-class FakeSource : public ByteSource {
-public:
-    explicit FakeSource(std::string bytes) : rest_(std::move(bytes)) {}
+struct FakeSource : ByteSource {
+    explicit FakeSource(std::string bytes) : rest(std::move(bytes)) {}
     std::size_t Read(char* to, std::size_t room) override {
-        const std::size_t count = rest_.copy(to, room);
-        rest_.erase(0, count);
+        const std::size_t count = rest.copy(to, room);
+        rest.erase(0, count);
         return count;
     }
-
-private:
-    std::string rest_;
+    std::string rest;
 };
 
 std::u16string Lowered(std::u16string_view text) {
@@ -79,22 +71,6 @@ bool FakeRegistry::Write(std::u16string_view key, std::u16string_view name, cons
     return !unavailable;
 }
 
-BoxAnswer FakeDesktop::ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) {
-    boxes.push_back({std::u16string(text), std::u16string(caption), buttons, icon});
-    return answer(Box(boxes.back()));
-}
-
-const FakeFiles::File* FakeFiles::Find(std::u16string_view path) const {
-    const auto file = std::ranges::find(files, path, &File::path);
-    return file == files.end() ? nullptr : &*file;
-}
-
-bool FakeFiles::Exists(std::u16string_view path) const { return Find(path) || std::ranges::find(folders, path) != folders.end(); }
-
-void FakeFiles::MakeFolder(std::u16string_view path) {
-    if (!foldersFail) folders.emplace_back(path);
-}
-
 std::unique_ptr<ByteSource> FakeFiles::Open(std::u16string_view path) {
     const File* file = Find(path);
     return file && !file->locked ? std::make_unique<FakeSource>(file->bytes) : nullptr;
@@ -113,17 +89,6 @@ bool FakeFiles::Copy(std::u16string_view from, std::u16string_view to) {
     const std::string bytes = file->bytes;
     std::erase_if(files, [&](const File& old) { return old.path == to; });
     return Append(to, bytes);
-}
-
-bool FakeFiles::Rename(std::u16string_view from, std::u16string_view to) {
-    if (!Copy(from, to)) return false;
-    std::erase_if(files, [&](const File& file) { return file.path == from; });
-    return true;
-}
-
-void FakeFiles::Remove(std::u16string_view path) {
-    removed.emplace_back(path);
-    std::erase_if(files, [&](const File& file) { return file.path == path; });
 }
 
 std::vector<std::u16string> FakeFiles::List(std::u16string_view folder, std::u16string_view pattern) const {

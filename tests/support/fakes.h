@@ -1,6 +1,7 @@
 // Stand-ins for the services of a machine, each controlled by the test. Tests that need real files and XML use the real services in
 // a temporary folder.
 #pragma once
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -65,7 +66,10 @@ public:
         BoxIcon icon;
     };
 
-    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) override;
+    BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon icon) override {
+        boxes.push_back({std::u16string(text), std::u16string(caption), buttons, icon});
+        return answer(Box(boxes.back()));
+    }
     void Remark(std::u16string_view text, std::u16string_view) override { remarks.emplace_back(text); }
     void RunDialog(const DialogTemplate&, Dialog&) override {}
     void ShowAbout(const DialogTemplate&, std::u16string_view text) override { about = text; }
@@ -81,13 +85,18 @@ public:
 // Files kept in memory, for what needs no real ones.
 class FakeFiles : public Files {
 public:
-    bool Exists(std::u16string_view path) const override;
-    void MakeFolder(std::u16string_view path) override;
+    bool Exists(std::u16string_view path) const override { return Find(path) || std::ranges::find(folders, path) != folders.end(); }
+    void MakeFolder(std::u16string_view path) override {
+        if (!foldersFail) folders.emplace_back(path);
+    }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override;
     bool Append(std::u16string_view path, std::string_view bytes) override;
     bool Copy(std::u16string_view from, std::u16string_view to) override;
-    bool Rename(std::u16string_view from, std::u16string_view to) override;
-    void Remove(std::u16string_view path) override;
+    bool Rename(std::u16string_view, std::u16string_view) override { return false; }
+    void Remove(std::u16string_view path) override {
+        removed.emplace_back(path);
+        std::erase_if(files, [&](const File& file) { return file.path == path; });
+    }
     std::vector<std::u16string> List(std::u16string_view folder, std::u16string_view pattern) const override;
     std::u16string ProgramDataFolder() const override { return programData; }
 
@@ -104,7 +113,10 @@ public:
     std::vector<std::u16string> removed;
 
 private:
-    const File* Find(std::u16string_view path) const;
+    const File* Find(std::u16string_view path) const {
+        const auto file = std::ranges::find(files, path, &File::path);
+        return file == files.end() ? nullptr : &*file;
+    }
 };
 
 // No file can be read and none written.

@@ -3,11 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 
 #include "bridge/controls.h"
 #include "platform/windows/services.h"
+#include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
+#include "support/child_process.h"
 #include "support/scripted_dialog.h"
 #include "support/windows/window_probe.h"
 
@@ -55,6 +56,7 @@ protected:
     void End() { dialog_.window->End(DialogResult::kOk); }
 
     static constexpr DialogTemplate kAbout{100, u"About Halyrig32", 197, 93, {}};
+    const std::function<void()> item_ = [this] { dialog_.window->AddMenuItem(16, u"&About Halyrig32..."); };
     const Step press_ = Once([] { Window().PostPress(kImportButton); });
     const Step popup_ = [] { return Window().Popup().has_value(); };
     const Step gone_ = [] { return !Window().Popup(); };
@@ -76,14 +78,12 @@ TEST_F(DesktopTest, ShowsItsControlsInTheirPlacesInAWindowThatCanBeSizedAndMinim
         ControlKind kind;
         const wchar_t* windowClass;
         LONG style, mask;
-    } looks[] = {
-        {ControlKind::kDefaultButton, WC_BUTTONW, BS_DEFPUSHBUTTON | WS_TABSTOP, kButton},
-        {ControlKind::kPushButton, WC_BUTTONW, BS_PUSHBUTTON | WS_TABSTOP, kButton},
-        {ControlKind::kCheckBox, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, kButton},
-        {ControlKind::kLabel, WC_STATICW, SS_LEFT, SS_TYPEMASK | WS_TABSTOP},
-        {ControlKind::kFolderField, WC_EDITW, ES_READONLY | WS_TABSTOP, kField},
-    };
-    Run({Once([&] {
+    } looks[] = {{ControlKind::kDefaultButton, WC_BUTTONW, BS_DEFPUSHBUTTON | WS_TABSTOP, kButton},
+                 {ControlKind::kPushButton, WC_BUTTONW, BS_PUSHBUTTON | WS_TABSTOP, kButton},
+                 {ControlKind::kCheckBox, WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP, kButton},
+                 {ControlKind::kLabel, WC_STATICW, SS_LEFT, SS_TYPEMASK | WS_TABSTOP},
+                 {ControlKind::kFolderField, WC_EDITW, ES_READONLY | WS_TABSTOP, kField}};
+    const auto check = [&] {
         const WindowProbe window = Window();
         std::vector<int> order;
         for (const ControlTemplate& wanted : kMainControls) {
@@ -118,15 +118,20 @@ TEST_F(DesktopTest, ShowsItsControlsInTheirPlacesInAWindowThatCanBeSizedAndMinim
         MapWindowPoints(nullptr, field, reinterpret_cast<POINT*>(&ofButton), 2);
         EXPECT_TRUE(inField.right == ofButton.right && inField.bottom == ofButton.bottom) << "at the right end of its field";
         EXPECT_EQ(ofButton.right - ofButton.left, HIWORD(SendMessageW(field, EM_GETMARGINS, 0, 0)));
-    })});
+
+        const HMENU menu = GetSystemMenu(handle, FALSE);
+        const int last = GetMenuItemCount(menu) - 1;
+        wchar_t text[64] = {};
+        GetMenuStringW(menu, static_cast<UINT>(last), text, 64, MF_BYPOSITION);
+        EXPECT_STREQ(L"&About Halyrig32...", text);
+        EXPECT_EQ(16u, GetMenuItemID(menu, last));
+        EXPECT_NE(0u, GetMenuState(menu, static_cast<UINT>(last - 1), MF_BYPOSITION) & MF_SEPARATOR);
+    };
+    Run({Once(check)}, item_);
 }
 
 TEST_F(DesktopTest, TellsTheDialogWhatItsUserDoes) {
-    const struct {
-        const char* what;
-        std::function<void()> action;
-        const char* told;
-    } rows[] = {
+    const std::tuple<const char*, std::function<void()>, const char*> rows[] = {
         {"button", [] { Window().Press(kImportButton); }, "button 1006 "},
         {"check box", [] { Window().Press(kDepthCheck); }, ""},
         {"default button", [] { Window().Press(kCloseButton); }, "ok "},
@@ -139,12 +144,9 @@ TEST_F(DesktopTest, TellsTheDialogWhatItsUserDoes) {
         {"folder", [this] { dialog_.window->SetText(kFolderField, u"C:\\A"); }, "text 1000 "},
         {"the same", [this] { dialog_.window->SetText(kFolderField, u"C:\\A"); }, "text 1000 "},
         {"no folder", [this] { dialog_.window->SetText(kFolderField, u""); }, "text 1000 "},
-        {"none again", [this] { dialog_.window->SetText(kFolderField, u""); }, "text 1000 "},
-    };
-    const auto item = [this] { dialog_.window->AddMenuItem(16, u"&About Halyrig32..."); };
-    for (const auto& row : rows) {
-        EXPECT_EQ("init " + std::string(row.told) + "destroy ", Run({Once(row.action), Once([] {})}, item)) << row.what;
-    }
+        {"none again", [this] { dialog_.window->SetText(kFolderField, u""); }, "text 1000 "}};
+    for (const auto& [what, action, told] : rows)
+        EXPECT_EQ("init " + std::string(told) + "destroy ", Run({Once(action), Once([] {})}, item_)) << what;
     const auto endOfSession = [this] {
         EXPECT_TRUE(SendMessageW(Window().Handle(), WM_QUERYENDSESSION, 0, 0));
         Send(WM_ENDSESSION, FALSE);
@@ -158,19 +160,6 @@ TEST_F(DesktopTest, TellsTheDialogWhatItsUserDoes) {
     EXPECT_EQ("init destroy ", Run({Once([] { ADD_FAILURE() << "a tick after the quit"; })}));
     const auto quit = [this] { Window().Press(kImportButton), desktop_.PostQuit(); };
     EXPECT_EQ("init button 1006 destroy ", Run({Once(quit), [] { return false; }})) << "a quit holds for one dialog";
-}
-
-TEST_F(DesktopTest, PutsAnItemBelowTheWindowsMenu) {
-    const auto look = [] {
-        const HMENU menu = GetSystemMenu(Window().Handle(), FALSE);
-        const int last = GetMenuItemCount(menu) - 1;
-        wchar_t text[64] = {};
-        GetMenuStringW(menu, static_cast<UINT>(last), text, 64, MF_BYPOSITION);
-        EXPECT_STREQ(L"&About Halyrig32...", text);
-        EXPECT_EQ(16u, GetMenuItemID(menu, last));
-        EXPECT_NE(0u, GetMenuState(menu, static_cast<UINT>(last - 1), MF_BYPOSITION) & MF_SEPARATOR);
-    };
-    Run({Once(look)}, [this] { dialog_.window->AddMenuItem(16, u"&About Halyrig32..."); });
 }
 
 TEST_F(DesktopTest, ShowsTheTextOfTheAboutBoxInItsPlace) {
@@ -188,22 +177,17 @@ TEST_F(DesktopTest, EndsWithWhateverIsOpen) {
     const auto close = [this] { dialog_.window->PostClose(); };
     const auto ask = [this] { return desktop_.ShowBox(u"Exit?", u"Question", BoxButtons::kYesNo, BoxIcon::kQuestion); };
     const auto never = [] { return false; };
-    const struct {
-        const char* name;
-        Step open;
-        std::function<void()> shown;
-    } rows[] = {
+    const std::tuple<const char*, Step, std::function<void()>> rows[] = {
         {"a question and another", press_, [&] { EXPECT_TRUE(ask() == BoxAnswer::kNone && ask() == BoxAnswer::kNone); }},
         {"message", press_, [this] { desktop_.ShowBox(u"Text", u"Caption", BoxButtons::kOk, BoxIcon::kStop); }},
         {"about", press_, [&] { desktop_.ShowAbout(kAbout, u"Halyrig32 v1.0.0"); }},
         {"folders", Once([] { PostMessageW(GetWindow(Window().Control(kFolderField), GW_CHILD), BM_CLICK, 0, 0); }), {}},
         {"folders by F4", Once([] { Key(kFolderField, WM_KEYDOWN, VK_F4); }), {}},
         {"folders by space", Once([] { Key(kFolderField, WM_KEYDOWN, VK_SPACE); }), {}},
-        {"folders by Alt and down", Once([] { Key(kFolderField, WM_SYSKEYDOWN, VK_DOWN, 1 | 1 << 29); }), {}},
-    };
-    for (const auto& row : rows) {
-        const std::string events = Run({row.open, popup_, Once(close), never}, {}, row.shown);
-        EXPECT_EQ(row.shown ? "init button 1006 cancel destroy " : "init cancel destroy ", events) << row.name;
+        {"folders by Alt and down", Once([] { Key(kFolderField, WM_SYSKEYDOWN, VK_DOWN, 1 | 1 << 29); }), {}}};
+    for (const auto& [name, open, shown] : rows) {
+        const std::string events = Run({open, popup_, Once(close), never}, {}, shown);
+        EXPECT_EQ(shown ? "init button 1006 cancel destroy " : "init cancel destroy ", events) << name;
     }
 }
 
@@ -226,6 +210,41 @@ TEST_F(DesktopTest, TakesThePickedFolderIntoItsFieldEvenIfItIsTheSame) {
                   Run({Once([] { Key(kFolderField, WM_KEYDOWN, VK_F4); }), popup_, Once(pick), gone_, Once(taken)},
                       [&] { dialog_.window->SetText(kFolderField, shown); }));
     }
+}
+
+// The console.
+
+constexpr UINT kWestern = 850;
+
+// In a console of its own, which is that of a western command prompt.
+const testing::Role kConsole("console", [](const std::vector<std::string>&) {
+    FreeConsole();
+    if (!AllocConsole()) return 2;
+    const UniqueHandle screen(NullIfInvalid(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr)));
+    const HANDLE pipe = GetStdHandle(STD_OUTPUT_HANDLE);
+    SetStdHandle(STD_OUTPUT_HANDLE, screen.get());
+    SetConsoleOutputCP(kWestern);
+    DWORD before = 0, during = 0, after = 0;
+    GetConsoleMode(screen.get(), &before);
+    UINT codePage = 0;
+    {
+        const std::unique_ptr<Console> console = MakeConsole();
+        codePage = GetConsoleOutputCP();
+        GetConsoleMode(screen.get(), &during);
+    }
+    GetConsoleMode(screen.get(), &after);
+    SetStdHandle(STD_OUTPUT_HANDLE, pipe);
+    char text[100];
+    std::snprintf(text, sizeof text, "%u %d, then %u %d\n", codePage, (during & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0,
+                  GetConsoleOutputCP(), before == after);
+    DWORD written = 0;
+    WriteFile(pipe, text, static_cast<DWORD>(strlen(text)), &written, nullptr);
+    return 0;
+});
+
+TEST(WindowsConsole, GivesTheConsoleBackAsItWas) {
+    EXPECT_EQ("65001 1, then 850 1", testing::StartRole("console", {})->ReadLine());
 }
 
 }  // namespace

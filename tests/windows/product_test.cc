@@ -3,12 +3,8 @@
 // the tests' own: under Wine, in the prefix that run_wine makes.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <fstream>
-#include <functional>
-#include <iterator>
 #include <thread>
 
 #include "base/version.h"
@@ -17,9 +13,8 @@
 #include "core/core.h"
 #include "core/record_access.h"
 #include "support/child_process.h"
-#include "support/temp_folder.h"
+#include "support/test_system.h"
 #include "support/windows/window_probe.h"
-#include "support/wine.h"
 
 namespace twr::testing {
 namespace {
@@ -44,31 +39,18 @@ class ProductTest : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!UnderWine()) GTEST_SKIP() << "would touch the settings of the user";
-        Lay(kDeckman);
+        const fs::path deckman(folder.File(kDeckman)), mapping = fs::path(UserRoots().programData) / "Tidewright/instruments";
+        for (const fs::path& made : {deckman / "Data", mapping}) fs::create_directories(made);
+        for (const char* file : {"ShDfW2.dll", "Data/J_vars06.d"}) fs::copy(bin / file, deckman / file);
+        std::ofstream(mapping / "halyrig.xml") << "<halyrig><var twr='5' dfw='TWS'/><var twr='17' dfw='DEPTH'/></halyrig>";
         registry().Write(kSettings, u"DfwFolder", StringValue(folder.File(kDeckman)));
-        for (const char16_t* name : {u"DfwTags", u"DfwTrue", u"DfwDepth", u"DfwTimer"}) {
+        for (const char16_t* name : {u"DfwTags", u"DfwTrue", u"DfwDepth", u"DfwTimer"})
             registry().Write(kSettings, name, DwordValue(0));
-        }
-        WriteData("instruments/halyrig.xml", "<halyrig><var twr='5' dfw='TWS'/><var twr='17' dfw='DEPTH'/></halyrig>");
     }
 
     void TearDown() override { guest.reset(), program.reset(); }
 
     Registry& registry() { return system->Core().registry; }
-
-    // Puts the stand-in for Deckman into a folder.
-    void Lay(const std::string& name) {
-        folder.Write(name + "/Data/J_vars06.d", "");
-        fs::copy(bin / "ShDfW2.dll", fs::path(folder.File(name)));
-        fs::copy(bin / "Data" / "J_vars06.d", fs::path(folder.File(name)) / "Data", fs::copy_options::overwrite_existing);
-    }
-
-    // A file among those of the suite.
-    static fs::path DataFile(const char* name) { return fs::path(UserRoots().programData) / "Tidewright" / name; }
-    static void WriteData(const char* name, const std::string& text) {
-        fs::create_directories(DataFile(name).parent_path());
-        std::ofstream(DataFile(name), std::ios::binary) << text;
-    }
 
     std::unique_ptr<ChildProcess> Launch() const { return StartProgram((bin / "Halyrig32.exe").string(), {}); }
 
@@ -86,12 +68,14 @@ protected:
 
     double Own(ChannelId channel) const { return Load(guest->View()->fullBlocks[0].value[channel]); }
     double OwnTime(ChannelId channel) const { return Load(guest->View()->fullBlocks[0].time[channel]); }
-    void RequestQuit() { Put(guest->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1}); }
     void ExpectEnd() {
         EXPECT_EQ(0, program->Wait());
         guest.reset();
     }
-    void Quit() { RequestQuit(), ExpectEnd(); }
+    void Quit() {
+        Put(guest->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1});
+        ExpectEnd();
+    }
 
     // The channel is published anew.
     bool Lives(ChannelId channel) {
@@ -157,92 +141,27 @@ TEST_F(ProductTest, OpensWithTheStoredSettingsPublishesWhatDeckmanReadsAndHeedsA
     Quit();
 }
 
-TEST_F(ProductTest, SavesTheSettingsOfTheRunOnlyWhenItShould) {
-    const struct {
-        const char* name;
-        std::function<void()> leave;
-        std::optional<int> answer;
-        bool ends, saves;
-    } rows[] = {
-        {"Close, No", [&] { window->PostPress(kCloseButton); }, IDNO, false, false},
-        {"Close, Yes", [&] { window->PostPress(kCloseButton); }, IDYES, true, true},
-        {"window closed, No", [&] { window->PostClose(); }, IDNO, false, false},
-        {"window closed, Yes", [&] { window->PostClose(); }, IDYES, true, false},
-        {"Esc, Yes", [&] { PostMessageW(window->Handle(), WM_COMMAND, IDCANCEL, 0); }, IDYES, true, false},
-        {"asked to quit", [&] { RequestQuit(); }, {}, true, true},
-        {"asked to quit while it asks", [&] { window->PostPress(kCloseButton), Box(), RequestQuit(); }, {}, true, true},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+TEST_F(ProductTest, AsksBeforeItClosesAndSavesOnlyByItsButton) {
+    const std::tuple<const char*, std::function<void()>, unsigned> rows[] = {{"Close", [&] { window->PostPress(kCloseButton); }, 1},
+                                                                             {"window closed", [&] { window->PostClose(); }, 0}};
+    for (const auto& [name, leave, saved] : rows) {
+        SCOPED_TRACE(name);
         registry().Write(kSettings, u"DfwTags", DwordValue(0));
         Start();
         window->PostPress(kNamesCheck);
         ASSERT_TRUE(Until([&] { return window->Checked(kNamesCheck); }));
-        row.leave();
-        if (row.answer) {
+        for (const int answer : {IDNO, IDYES}) {
+            leave();
             const WindowProbe box = Box();
             EXPECT_EQ(u"Halyrig32", box.Caption());
             EXPECT_FALSE(IsWindowEnabled(window->Handle()));
             EXPECT_TRUE(Lives(kTws)) << "ticks go on while it asks";
-            box.PostPress(*row.answer);
-        }
-        if (!row.ends) {
+            box.PostPress(answer);
             EXPECT_TRUE(Until([&] { return !window->Popup(); }));
-            EXPECT_TRUE(Lives(kTws));
-            Quit();
-            continue;
         }
         ExpectEnd();
-        EXPECT_EQ(row.saves ? 1u : 0u, DwordOf(registry().Read(kSettings, u"DfwTags")));
+        EXPECT_EQ(saved, DwordOf(registry().Read(kSettings, u"DfwTags")));
     }
-}
-
-TEST_F(ProductTest, SwapsTheDeckmanFolderWhileItRuns) {
-    Start();
-    ASSERT_TRUE(Lives(kTws));
-    window->SetText(kFolderField, folder.File("missing"));
-    const double before = OwnTime(kTws);
-    guest->StampTime();
-    EXPECT_TRUE(Until([&] { return guest->StampTime(), OwnTime(kTime) - before > 1.5 / 86400; }));
-    EXPECT_EQ(before, OwnTime(kTws)) << "idle, and no message";
-    EXPECT_FALSE(window->Popup());
-    Lay("Second");
-    window->SetText(kFolderField, folder.File("Second"));
-    EXPECT_TRUE(Lives(kTws));
-    EXPECT_TRUE(fs::remove(fs::path(folder.File(kDeckman)) / "ShDfW2.dll")) << "the former library has been freed";
-    Quit();
-    EXPECT_EQ(folder.File("Second"), TextOf(registry().Read(kSettings, u"DfwFolder")));
-}
-
-TEST_F(ProductTest, ImportsALegacyMappingOrSaysThatItCant) {
-    const auto mapping = [] {
-        std::ifstream file(DataFile("instruments/halyrig.xml"), std::ios::binary);
-        return std::string{std::istreambuf_iterator<char>(file), {}};
-    };
-    const struct {
-        const char* line;
-        int answer;
-        bool replaced, message;
-    } rows[] = {{"1,1\n", IDNO, false, false}, {"999,1\n", IDYES, false, true}, {"1,1\n", IDYES, true, false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
-        WriteData("halyrig/halyrig.csv", row.line);
-        Start();
-        const std::string before = mapping();
-        window->PostPress(kImportButton);
-        Box().PostPress(row.answer);
-        EXPECT_TRUE(Until([&] { return !window->Popup() || row.message; }));
-        if (row.message) {
-            ASSERT_TRUE(Until([&] { return window->Popup() && GetDlgItem(window->Popup()->Handle(), IDYES) == nullptr; }));
-            Box().PostPress(IDOK);
-        }
-        const auto imported = [&] { return mapping().find("<var twr=\"1\" dfw=\"1\" />") != std::string::npos; };
-        EXPECT_TRUE(Until([&] { return imported() == row.replaced && !window->Popup(); }));
-        EXPECT_EQ(row.replaced, mapping() != before);
-        EXPECT_TRUE(Lives(row.replaced ? kBsp : kTws));
-        Quit();
-    }
-    fs::remove_all(DataFile("halyrig"));
 }
 
 }  // namespace

@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include <filesystem>
-#include <functional>
-
 #include "base/version.h"
 #include "bridge/application.h"
 #include "config/bridge_settings.h"
@@ -18,17 +15,36 @@ namespace {
 
 constexpr std::string_view kEsc = "\033", kF1 = "\033OP", kDown = "\033OB", kLeft = "\033OD";
 
-const Role bridge("bridge at a terminal", [](const std::vector<std::string>& arguments) {
+// A system on which the program is asked to end while its dialog is being made.
+class ImpatientSystem : public System {
+public:
+    explicit ImpatientSystem(System& system) : system_(system) {}
+    CoreServices Core() override { return system_.Core(); }
+    Libraries& GetLibraries() override {
+        raise(SIGTERM);
+        return system_.GetLibraries();
+    }
+    Instance& GetInstance() override { return system_.GetInstance(); }
+    Executable& GetExecutable() override { return system_.GetExecutable(); }
+    Console& GetConsole() override { return system_.GetConsole(); }
+
+private:
+    System& system_;
+};
+
+// With a third argument it is asked to end while it starts.
+const Role bridge("bridge", [](const std::vector<std::string>& arguments) {
     const auto system = SystemOf(arguments);
-    CHalyrig32App(*system).InitInstance();
+    ImpatientSystem impatient(*system);
+    CHalyrig32App(arguments.size() > 2 ? impatient : *system).InitInstance();
     return system->ExitStatus();
 });
 
 class TerminalTest : public ::testing::Test {
 protected:
     void Open() {
-        terminal = std::make_unique<PseudoTerminal>("bridge at a terminal", test.Arguments());
-        ASSERT_TRUE(terminal->Shows("Esc Exit")) << terminal->Picture().All();
+        terminal = std::make_unique<PseudoTerminal>("bridge", test.Arguments());
+        ASSERT_TRUE(terminal->Shows("Esc Exit")) << terminal->Picture();
     }
 
     // With the names' box ticked and its focus there.
@@ -36,7 +52,7 @@ protected:
         WriteSettings(Stored(), {});
         Open();
         terminal->Type("\t\t ");
-        ASSERT_TRUE(terminal->Shows("[x] Send names")) << terminal->Picture().All();
+        ASSERT_TRUE(terminal->Shows("[x] Send names")) << terminal->Picture();
     }
 
     Registry& Stored() { return test.system->Core().registry; }
@@ -48,15 +64,11 @@ protected:
 };
 
 // The dialog itself, and what can stand on it: the keys that lead there from the names' box, and what it shows.
-struct Opened {
-    std::string_view keys, shows;
-} const kOpened[] = {
-    {"", "Esc Exit"},
-    {kEsc, "Exit Halyrig?"},
-    {kF1, "Halyrig32 v" HALYRIG_VERSION},
-    {"\t\t\t\r", "Choose a folder"},
-    {"\t\t\t\t\r", "Import legacy Halyrig mappings?"},
-};
+constexpr std::pair<std::string_view, std::string_view> kOpened[] = {{"", "Esc Exit"},
+                                                                     {kEsc, "Exit Halyrig?"},
+                                                                     {kF1, "Halyrig32 v" HALYRIG_VERSION},
+                                                                     {"\t\t\t\r", "Choose a folder"},
+                                                                     {"\t\t\t\t\r", "Import legacy Halyrig mappings?"}};
 
 TEST_F(TerminalTest, ShowsTheDialogInItsTabOrderAtEverySize) {
     Open();
@@ -68,7 +80,7 @@ TEST_F(TerminalTest, ShowsTheDialogInItsTabOrderAtEverySize) {
         for (const char* focused :
              {"[ Close ]", "[x] Depth in feet from Dfw", "[ ] Send names to remote channels",
               "[ ] Use Dfw 'TIMER' channel to set Twr timer", "[ ] Heading, twd and cog in degrees true", "[...]", "[ Import ]"}) {
-            EXPECT_TRUE(terminal->Focuses(focused)) << focused << '\n' << terminal->Picture().All();
+            EXPECT_TRUE(terminal->Focuses(focused)) << focused << '\n' << terminal->Picture();
             terminal->Type("\t");
         }
     }
@@ -80,21 +92,16 @@ TEST_F(TerminalTest, ShowsTheDialogInItsTabOrderAtEverySize) {
     EXPECT_SHOWS_NO("Exit Halyrig?");
 }
 
-TEST_F(TerminalTest, EachWayOutSavesOrLeavesTheSettings) {
-    const struct {
-        std::vector<std::string_view> keys;  // that open and close the question in turn
-        bool saves;
-    } rows[] = {{{"\r", "n", "\r", "y"}, true}, {{kEsc, kEsc, kEsc, "\r"}, false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.saves);
-        OpenAndTick();
-        for (std::size_t i = 0; i < row.keys.size(); ++i) {
-            EXPECT_SHOWS(i % 2 == 0 ? "Esc Exit" : "Exit Halyrig?");
-            terminal->Type(row.keys[i]);
-        }
-        EXPECT_EQ(0, terminal->Wait());
-        EXPECT_EQ(row.saves, Saved().sendNames);
+TEST_F(TerminalTest, EscAsksAndLeavesTheSettings) {
+    OpenAndTick();
+    for (const std::string_view answer : {kEsc, std::string_view("\r")}) {
+        terminal->Type(kEsc);
+        EXPECT_SHOWS("Exit Halyrig?");
+        terminal->Type(answer);
+        EXPECT_SHOWS_NO("Exit Halyrig?");
     }
+    EXPECT_EQ(0, terminal->Wait());
+    EXPECT_FALSE(Saved().sendNames);
 }
 
 TEST_F(TerminalTest, ThatSettingsAreLostStandsInTheTerminalWhenTheScreenHasGone) {
@@ -106,7 +113,7 @@ TEST_F(TerminalTest, ThatSettingsAreLostStandsInTheTerminalWhenTheScreenHasGone)
     EXPECT_SHOWS("Exit Halyrig?");
     terminal->Type("y");
     EXPECT_EQ(0, terminal->Wait());
-    std::string shown = terminal->Picture().All();
+    std::string shown = terminal->Picture();
     std::erase(shown, '\n');  // the path may be longer than a row
     EXPECT_NE(shown.npos, shown.find("registry.reg: the settings can't be read: it is not a plain file")) << shown;
     std::filesystem::remove(file);
@@ -115,59 +122,50 @@ TEST_F(TerminalTest, ThatSettingsAreLostStandsInTheTerminalWhenTheScreenHasGone)
 TEST_F(TerminalTest, SaysWhyItEndsAtOnceInASuiteThatIsAskedToClose) {
     const CCore other(test.system->Core());
     other.View()->sysFlag[kFlagQuitRequest] = 1;
-    terminal = std::make_unique<PseudoTerminal>("bridge at a terminal", test.Arguments());
-    EXPECT_SHOWS("Halyrig32: The suite has been asked to close");
-    EXPECT_EQ(0, terminal->Wait());
+    for (const std::string type : {"TERM=xterm", "TERM=dumb"}) {
+        terminal = std::make_unique<PseudoTerminal>("bridge", test.Arguments(), std::vector{type});
+        EXPECT_SHOWS("Halyrig32: The suite has been asked to close");
+        EXPECT_EQ(0, terminal->Wait());
+    }
 }
 
 // Nobody answers what is asked. That the record's request is seen shows that ticks go on.
 TEST_F(TerminalTest, WhateverIsOpenItEndsFromOutside) {
-    const struct {
-        const char* name;
-        std::function<void()> end;
-        bool saves;
-    } rows[] = {
-        {"asked by the record", [&] { CCore(test.system->Core(), Attachment::kOpenOnly).View()->sysFlag[kFlagQuitRequest] = 1; },
-         true},
-        {"SIGTERM", [&] { terminal->Signal(SIGTERM); }, false},
-        {"SIGINT", [&] { terminal->Signal(SIGINT); }, false},
-        {"SIGHUP", [&] { terminal->Signal(SIGHUP); }, false},
-        {"SIGQUIT", [&] { terminal->Signal(SIGQUIT); }, false},
-        {"its terminal vanishes", [&] { terminal->HangUp(); }, false},
-    };
-    for (const Opened& opened : kOpened) {
-        for (const auto& row : rows) {
-            SCOPED_TRACE(::testing::Message() << opened.shows << ", " << row.name);
+    constexpr int kAskedByTheRecord = 0, kTerminalVanishes = -1;  // the others are signals
+    for (const auto& [keys, shows] : kOpened) {
+        for (const int end : {kAskedByTheRecord, SIGTERM, SIGINT, SIGHUP, SIGQUIT, kTerminalVanishes}) {
+            SCOPED_TRACE(::testing::Message() << shows << ", " << end);
             OpenAndTick();
-            terminal->Type(opened.keys);
-            EXPECT_SHOWS(opened.shows);
-            row.end();
+            terminal->Type(keys);
+            EXPECT_SHOWS(shows);
+            if (end == kAskedByTheRecord) CCore(test.system->Core(), Attachment::kOpenOnly).View()->sysFlag[kFlagQuitRequest] = 1;
+            if (end == kTerminalVanishes) terminal->HangUp();
+            if (end > 0) terminal->Signal(end);
             EXPECT_EQ(0, terminal->Wait());
-            EXPECT_EQ(row.saves, Saved().sendNames);
+            EXPECT_EQ(end == kAskedByTheRecord, Saved().sendNames);
         }
     }
 }
 
 TEST_F(TerminalTest, BeforeThereIsAScreenOrWithoutAnyItTellsOnALine) {
-    EXPECT_EQ(0, PseudoTerminal("bridge stopped at its start", test.Arguments()).Wait());
+    std::vector<std::string> stopped = test.Arguments();
+    stopped.emplace_back("stopped");
+    EXPECT_EQ(0, PseudoTerminal("bridge", stopped).Wait());
+    EXPECT_EQ(0, StartRole("bridge", stopped)->Wait());
     std::vector<std::string> recordless = test.Arguments();
     recordless[0].insert(0, "no/");  // no name of a block has a slash in it
-    const struct {
-        const char *type, *shows, *keys;
-        int status;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*, int> rows[] = {
         {"TERM=xterm", "Press Enter to continue.", "\003", 128 + SIGINT},
         {"TERM=xterm", "Press Enter to continue.", "\n", 1},  // the dialog then opens and ends at once
         {"TERM=dumb", "it can't be opened: ", "", 1},
         {"TERM=", "Halyrig32: ", "", 1},
-        {"TERM=never-heard-of", "Halyrig32: ", "", 1},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::Message() << row.type << " " << row.status);
-        terminal = std::make_unique<PseudoTerminal>("bridge at a terminal", recordless, std::vector<std::string>{row.type});
-        EXPECT_SHOWS(row.shows);
-        terminal->Type(row.keys);
-        EXPECT_EQ(row.status, terminal->Wait());
+        {"TERM=never-heard-of", "Halyrig32: ", "", 1}};
+    for (const auto& [type, shows, keys, status] : rows) {
+        SCOPED_TRACE(::testing::Message() << type << " " << status);
+        terminal = std::make_unique<PseudoTerminal>("bridge", recordless, std::vector<std::string>{type});
+        EXPECT_SHOWS(shows);
+        terminal->Type(keys);
+        EXPECT_EQ(status, terminal->Wait());
     }
 }
 
@@ -181,18 +179,15 @@ TEST_F(TerminalTest, AFolderIsChosenFromTheList) {
     WriteSettings(Stored(), settings);
     Open();
     terminal->Type("\t\t\t\t\t\r");
-    const struct {
-        std::string_view keys, focuses;
-    } steps[] = {
+    const std::pair<std::string_view, std::string_view> steps[] = {
         {"", "Choose this folder"}, {kDown, ".."},           {"\r", "Ashore/"},     {kDown, "Deck/"},
         {kDown, "Deckman/"},        {kDown, "ProgramData/"}, {kDown, "Zlink/"},     {kDown, "config/"},
         {kDown, ".hidden/"},        {"d", "Deck/"},          {"D", "Deckman/"},     {"\033[6~", ".hidden/"},
         {"\033[5~", "Choose this"}, {"a", "Ashore/"},        {"\r", "Choose this"}, {kLeft, "Ashore/"},
-        {kDown, "Deck/"},           {kDown, "Deckman/"},     {"\r", "Choose this"},
-    };
-    for (const auto& step : steps) {
-        terminal->Type(step.keys);
-        EXPECT_TRUE(terminal->Focuses(step.focuses)) << step.focuses << '\n' << terminal->Picture().All();
+        {kDown, "Deck/"},           {kDown, "Deckman/"},     {"\r", "Choose this"}};
+    for (const auto& [keys, focuses] : steps) {
+        terminal->Type(keys);
+        EXPECT_TRUE(terminal->Focuses(focuses)) << focuses << '\n' << terminal->Picture();
     }
     terminal->Type("\r");
     EXPECT_SHOWS_NO("Choose a folder");

@@ -6,14 +6,12 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
 
 #include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/registry/registry_text.h"
 #include "platform/paths.h"
 #include "support/test_system.h"
-#include "support/xml_outline.h"
 
 namespace twr {
 namespace {
@@ -69,10 +67,7 @@ TEST_F(RegistryFileTest, WhereItCantBeReadOrWrittenThatIsToldOnce) {
     const std::string noFile = ": the settings can't be read: it is not a plain file\n";
     const auto longLine = test_.folder.Write("long", '"' + std::string(kLongestLine, 'x')), large = test_.folder.Write("large", "");
     ASSERT_EQ(0, truncate(ToUtf8(large).c_str(), kLargestFile + 1));
-    const struct {
-        std::u16string path;
-        std::string told;
-    } rows[] = {
+    const std::pair<std::u16string, std::string> rows[] = {
         {test_.folder.Text(), noFile},
         {u"/dev/null", noFile},
         {u"/dev/null/x", ": the settings can't be read: Not a directory\n"},
@@ -81,19 +76,18 @@ TEST_F(RegistryFileTest, WhereItCantBeReadOrWrittenThatIsToldOnce) {
         {large, ": the settings can't be read: it is larger than 64 MiB\n"},
         {u"", none},
         {u"nowhere.reg", none},
-        {u"nowhere/x", none},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ToUtf8(row.path));
+        {u"nowhere/x", none}};
+    for (const auto& [path, told] : rows) {
+        SCOPED_TRACE(ToUtf8(path));
         Roots roots = testing::TestRoots(test_.name, test_.folder.Text());
-        roots.registry = row.path;
+        roots.registry = path;
         const auto system = MakeSystem(roots);
         Registry& registry = system->Core().registry;
         ::testing::internal::CaptureStderr();
         EXPECT_FALSE(registry.OpenOrCreate(kKey) || registry.OpenOrCreate(kKey));
         EXPECT_EQ(std::nullopt, registry.Read(kKey, u"a"));
-        const std::string told = ::testing::internal::GetCapturedStderr();
-        EXPECT_EQ("platform_test: " + (row.told == none ? "" : ToUtf8(row.path)) + row.told, told);
+        const std::string said = ::testing::internal::GetCapturedStderr();
+        EXPECT_EQ("platform_test: " + (told == none ? "" : ToUtf8(path)) + told, said);
         EXPECT_FALSE(registry.Write(kKey, u"a", DwordValue(1)));
     }
     for (const char* name : {"nowhere.reg", "nowhere"}) EXPECT_FALSE(std::filesystem::exists(name)) << name;
@@ -185,15 +179,13 @@ TEST(RegistryText, GivesAValueOrTheLineThatIsMeantForItAndCantBeRead) {
         {"\"a\"=dword:1\n\"a\"=x", DwordValue(1), 3},
         {"\"a\"=x\n\"a\"=dword:1\n", DwordValue(1)},
         {"\"b\"=x\n;a=x\n[x]\n\"a\"=x\n", kNone},
-        {"\"a\"=x\n[-HKEY_CURRENT_USER\\Software]\n", kNone},
-    };
+        {"\"a\"=x\n[-HKEY_CURRENT_USER\\Software]\n", kNone}};
     for (const char* value : {"", "x", "\"open", "\"x\"y", "dword:", "dword:100000000", "dword:-1", "dword:1x", "hex:0g", "hex:100",
                               "hex:01 02", "hex:01,\\x", "hex():01", "hex(100000000):01"}) {
         rows.push_back({"\"a\"=" + std::string(value) + "\n", kNone, 2});
     }
-    for (const char* key : {"HKEY_CURRENT_USER\\Software]", "HKEY_LOCAL_MACHINE\\Software\\Tidewright\\core]", "damaged", "]"}) {
+    for (const char* key : {"HKEY_CURRENT_USER\\Software]", "HKEY_LOCAL_MACHINE\\Software\\Tidewright\\core]", "damaged", "]"})
         rows.push_back({"[" + std::string(key) + "\n\"a\"=dword:1\n", kNone});
-    }
     for (const auto& row : rows) {
         const RegistryText text(kSection + row.lines);
         EXPECT_EQ(row.value, text.Find(kFullKey, u"a")) << row.lines;
@@ -221,23 +213,19 @@ TEST(RegistryText, SetsAValueAndKeepsAllElse) {
     const std::string before = "Windows Registry Editor Version 5.00\n\n; a comment\n" + kSection +
                                "\"other\"=hex(7):61,00,\\\n  00,00\nnonsense \xFF\n\"a\"=\"old\"\n\n";
     const std::string behind = "[U\\Gone]\n[-U\\Gone]\n[U\\Other]\n\"a\"=dword:00000007 ; it\n\"gone\"=-";
-    const struct {
-        std::u16string key, name;
-        std::string expected;
-    } rows[] = {
+    const std::tuple<std::u16string, std::u16string, std::string> rows[] = {
         {kFullKey, u"A", before.substr(0, before.find("\"a\"=")) + "\"A\"=dword:00000002\n\n" + behind},
         {kFullKey, u"b", before.substr(0, before.size() - 1) + "\"b\"=dword:00000002\n\n" + behind},
         {u"U\\other", u"a", before + behind.substr(0, behind.find("dword:00000007")) + "dword:00000002 ; it\n\"gone\"=-"},
         {u"U\\other", u"gone", before + behind + "\n\"gone\"=dword:00000002\n"},
         {u"U\\New", u"", before + behind + "\n\n[U\\New]\n@=dword:00000002\n"},
-        {u"U\\Gone", u"", before + behind + "\n\n[U\\Gone]\n@=dword:00000002\n"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(ToUtf8(row.key + u" " + row.name));
+        {u"U\\Gone", u"", before + behind + "\n\n[U\\Gone]\n@=dword:00000002\n"}};
+    for (const auto& [key, name, expected] : rows) {
+        SCOPED_TRACE(ToUtf8(key + u" " + name));
         RegistryText text(before + behind);
-        text.Set(row.key, row.name, DwordValue(2));
-        EXPECT_EQ(row.expected, text.Bytes());
-        EXPECT_EQ(DwordValue(2), text.Find(row.key, row.name));
+        text.Set(key, name, DwordValue(2));
+        EXPECT_EQ(expected, text.Bytes());
+        EXPECT_EQ(DwordValue(2), text.Find(key, name));
     }
 }
 

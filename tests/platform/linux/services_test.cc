@@ -6,16 +6,13 @@
 #include <unistd.h>
 
 #include <ctime>
-#include <filesystem>
 #include <fstream>
-#include <functional>
 
-#include "base/version.h"
 #include "base/wide_text.h"
 #include "platform/linux/signal_queue.h"
+#include "platform/linux/terminal/text.h"
 #include "platform/linux/window_state.h"
 #include "support/child_process.h"
-#include "support/linux/environment_variable.h"
 #include "support/linux/pseudo_terminal.h"
 #include "support/scripted_dialog.h"
 #include "support/test_system.h"
@@ -24,6 +21,24 @@ namespace twr::testing {
 namespace {
 
 namespace fs = std::filesystem;
+
+// A variable of the process's environment, as long as the object lives.
+class EnvironmentVariable {
+public:
+    // A null pointer for one that is not set.
+    EnvironmentVariable(const char* name, const char* value) : name_(name) {
+        if (const char* old = std::getenv(name)) old_ = old;
+        Set(value);
+    }
+    ~EnvironmentVariable() { Set(old_ ? old_->c_str() : nullptr); }
+    EnvironmentVariable(const EnvironmentVariable&) = delete;
+
+private:
+    void Set(const char* value) const { value ? setenv(name_, value, 1) : unsetenv(name_); }
+
+    const char* const name_;
+    std::optional<std::string> old_;
+};
 
 const Role kSize("console size", [](const std::vector<std::string>&) {
     const auto size = MakeConsole()->Size();
@@ -66,31 +81,23 @@ std::string Rule(int startFromToday, int endFromToday) {
 
 TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
     const TestSystem test;
-    const std::string on = Rule(-60, 60), off = Rule(60, -60);
-    const struct {
-        std::string zone;
-        std::int32_t bias, daylightBias;
-        bool daylight;
-    } rows[] = {
-        {"UTC", 0, 0, false},
-        {"CET-1", -60, 0, false},
-        {"<-0330>3:30", 210, 0, false},
-        {"EST5EDT" + on, 300, -60, true},
-        {"EST5EDT" + off, 300, -60, false},
-        {"<+1030>-10:30<+11>-11" + on, -630, -30, true},
-        {"IST-1GMT0" + on, -60, 60, true},
-        {"EST5EDT,J1/0,J365/25", 300, -60, true},
-    };
-    for (const auto& row : rows) {
-        const EnvironmentVariable zone("TZ", row.zone.c_str());
+    const auto told = [&](const std::string& zone) {
+        const EnvironmentVariable set("TZ", zone.c_str());
         const auto state = test.system->Core().zone.Now();
-        EXPECT_TRUE(state && row.daylight == state->daylight && row.bias == state->bias && row.daylightBias == state->daylightBias)
-            << row.zone;
-    }
-    for (const char* name : {"Nowhere/Atlantis", "/dev/null", "x", "12", "<+03"}) {
-        const EnvironmentVariable zone("TZ", name);
-        EXPECT_FALSE(test.system->Core().zone.Now()) << name;
-    }
+        if (!state) return std::string("none");
+        return std::to_string(state->bias) + ' ' + std::to_string(state->daylightBias) + (state->daylight ? " now" : "");
+    };
+    const std::string on = Rule(-60, 60), off = Rule(60, -60);
+    const std::pair<std::string, const char*> rows[] = {{"UTC", "0 0"},
+                                                        {"CET-1", "-60 0"},
+                                                        {"<-0330>3:30", "210 0"},
+                                                        {"EST5EDT" + on, "300 -60 now"},
+                                                        {"EST5EDT" + off, "300 -60"},
+                                                        {"<+1030>-10:30<+11>-11" + on, "-630 -30 now"},
+                                                        {"IST-1GMT0" + on, "-60 60 now"},
+                                                        {"EST5EDT,J1/0,J365/25", "300 -60 now"}};
+    for (const auto& [zone, state] : rows) EXPECT_EQ(state, told(zone)) << zone;
+    for (const char* name : {"Nowhere/Atlantis", "/dev/null", "x", "12", "<+03"}) EXPECT_EQ("none", told(name)) << name;
     if (!fs::exists("/usr/share/zoneinfo")) GTEST_SKIP() << "no zone data on this machine";
     for (const char* name : {"Europe/Dublin", "Australia/Lord_Howe", "America/St_Johns", "Africa/Casablanca", ":Europe/Paris"}) {
         const EnvironmentVariable zone("TZ", name);
@@ -107,21 +114,17 @@ TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
 TEST(UserRoots, FollowTheEnvironment) {
     const std::string user = std::to_string(geteuid()), session = "/run/user/" + user;
     const std::string always = (fs::exists(session) ? session + ' ' : "") + "/tmp-" + user + ' ';
-    const struct {
-        const char *home, *config, *data, *runtime;
-        std::string expected;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*, const char*, std::string> rows[] = {
         {"/h", nullptr, nullptr, nullptr, "/h/.config/tidewright/registry.reg /h/.local/share " + always},
         {"/h", "/c", "/d", "/dev", "/c/tidewright/registry.reg /d /dev " + always},
-        {"/h", "relative", "", "/no/such/folder", "/h/.config/tidewright/registry.reg /h/.local/share " + always},
-    };
-    for (const auto& row : rows) {
-        const EnvironmentVariable home("HOME", row.home), config("XDG_CONFIG_HOME", row.config);
-        const EnvironmentVariable data("XDG_DATA_HOME", row.data), runtime("XDG_RUNTIME_DIR", row.runtime);
+        {"/h", "relative", "", "/no/such/folder", "/h/.config/tidewright/registry.reg /h/.local/share " + always}};
+    for (const auto& [home, config, data, runtime, expected] : rows) {
+        const EnvironmentVariable a("HOME", home), b("XDG_CONFIG_HOME", config);
+        const EnvironmentVariable c("XDG_DATA_HOME", data), d("XDG_RUNTIME_DIR", runtime);
         const Roots roots = UserRoots();
         std::string all = ToUtf8(roots.namePrefix + roots.registry + u' ' + roots.programData) + ' ';
         for (const LockPlace& place : roots.locks) all += ToUtf8(place.folder + place.tag) + ' ';
-        EXPECT_EQ(row.expected, all);
+        EXPECT_EQ(expected, all);
     }
     const EnvironmentVariable homeless("HOME", nullptr), data("XDG_DATA_HOME", nullptr);
     EXPECT_TRUE(UserRoots().programData.ends_with(u"/.local/share")) << "from the list of users";
@@ -129,12 +132,9 @@ TEST(UserRoots, FollowTheEnvironment) {
 
 // Two starts of one user whose environments name different folders have one place in common.
 TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
-    const struct {
-        const char* what;
-        std::function<void(const fs::path&)> plant;  // at the file in the common folder
-        const char* told;
-        bool second;  // may start too
-    } rows[] = {
+    // plant: at the file in the common folder
+    // second: may start too
+    const std::tuple<const char*, std::function<void(const fs::path&)>, const char*, bool> rows[] = {
         {"nothing there", [](const auto&) {}, "", false},
         {"a link", [](const auto& path) { fs::create_symlink("/dev/null", path); }, "it is a link", true},
         {"a folder", [](const auto& path) { fs::create_directory(path); }, "Is a directory", true},
@@ -143,10 +143,9 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
              std::ofstream(path).put('x');
              if (chown(path.c_str(), 12345, 12345) != 0) fs::remove(path);  // only root can plant it
          },
-         geteuid() == 0 ? "it belongs to another user" : "", geteuid() == 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
+         geteuid() == 0 ? "it belongs to another user" : "", geteuid() == 0}};
+    for (const auto& [what, plant, told, second] : rows) {
+        SCOPED_TRACE(what);
         const TempFolder folder;
         for (const char* name : {"a", "b", "common"}) fs::create_directory(folder.Path() / name);
         const auto system = [&](const char* own) {
@@ -155,28 +154,20 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
             roots.locks = {{folder.File(own)}, {folder.File("a/../common"), u"-7"}, {folder.File("common"), u"-7"}};
             return MakeSystem(roots);
         };
-        row.plant(folder.Path() / "common/halyrig-7.lock");
+        plant(folder.Path() / "common/halyrig-7.lock");
         auto first = system("a");
         ::testing::internal::CaptureStderr();
         EXPECT_TRUE(first->GetInstance().Claim(u"Halyrig"));
-        const std::string told = ::testing::internal::GetCapturedStderr();
-        EXPECT_TRUE(told.empty() == !*row.told && told.find(row.told) != told.npos) << told;
+        const std::string said = ::testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(said.empty() == !*told && said.find(told) != said.npos) << said;
         EXPECT_TRUE(fs::exists(folder.Path() / "a/halyrig.lock"));
         ::testing::internal::CaptureStderr();
         EXPECT_FALSE(system("a")->GetInstance().Claim(u"Halyrig"));
-        EXPECT_EQ(row.second, system("b")->GetInstance().Claim(u"Halyrig"));
+        EXPECT_EQ(second, system("b")->GetInstance().Claim(u"Halyrig"));
         first.reset();
         EXPECT_TRUE(system("b")->GetInstance().Claim(u"Halyrig"));
         ::testing::internal::GetCapturedStderr();
     }
-}
-
-TEST(Executable, HasTheVersionOfTheBuild) {
-    const TestSystem test;
-    std::string text;
-    const auto version = test.system->GetExecutable().FileVersion().value();
-    for (const auto part : version) text += std::to_string(part) + '.';
-    EXPECT_EQ(HALYRIG_VERSION ".0.", text);
 }
 
 class HeadlessDesktopTest : public ::testing::Test {
@@ -252,20 +243,38 @@ TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEndsAndKeepsWhatItsControlsShow) 
               }));
 }
 
+TEST(TerminalTextTest, IsCutOrWrappedToCells) {
+    const EnvironmentVariable utf8("LC_ALL", "C.UTF-8");
+    const TerminalLocale locale;
+    const std::tuple<const wchar_t*, int, const wchar_t*, const wchar_t*> rows[] = {
+        {L"abcdef", 6, L"abcdef", L"abcdef"}, {L"abcdef", 5, L"abcde", L"...ef"}, {L"abcdef", 8, L"abcdef  ", L"abcdef"},
+        {L"海海海", 6, L"海海海", L"海海海"}, {L"海海海", 5, L"海海 ", L"...海"}, {L"海海海", 4, L"海海", L"..."}};
+    for (const auto& [text, width, head, tail] : rows) {
+        EXPECT_EQ(head, Fitted(text, width)) << width;
+        EXPECT_EQ(tail, TailThatFits(text, width)) << width;
+    }
+    const std::tuple<const char16_t*, int, std::vector<std::wstring>> wrapped[] = {{u"", 10, {L""}},
+                                                                                   {u"one two three", 7, {L"one two", L"three"}},
+                                                                                   {u"a\n\nb\n", 5, {L"a", L"", L"b", L""}},
+                                                                                   {u" abcdef", 3, {L" ab", L"cde", L"f"}},
+                                                                                   {u"海海", 1, {L"海", L"海"}},
+                                                                                   {u"\x1B[2Jab\t", 20, {L"?[2Jab?"}},
+                                                                                   {u"\U0001F6A2\xD83D", 20, {L"\U0001F6A2?"}}};
+    for (const auto& [text, width, lines] : wrapped) EXPECT_EQ(lines, Wrapped(text, width)) << width;
+}
+
 TEST(TimersTest, KeepTheBeatAndLeaveOutWhatWasMissed) {
     using namespace std::chrono_literals;
     const Steady::time_point begin{};
     Timers timers;
     timers.Start(1, 100, begin);
-    const struct {
-        std::chrono::milliseconds now, next;
-        int raised;
-    } rows[] = {{0ms, 100ms, 0}, {99ms, 100ms, 0}, {100ms, 200ms, 1}, {230ms, 300ms, 1}, {299ms, 300ms, 0}, {1000ms, 1100ms, 1}};
-    for (const auto& row : rows) {
-        int raised = 0;
-        timers.RaiseDue(begin + row.now, [&](std::uintptr_t) { ++raised; });
-        EXPECT_EQ(row.raised, raised) << row.now.count();
-        EXPECT_EQ(begin + row.next, timers.NextDue(begin + row.now)) << row.now.count();
+    const std::tuple<std::chrono::milliseconds, std::chrono::milliseconds, int> rows[] = {
+        {0ms, 100ms, 0}, {99ms, 100ms, 0}, {100ms, 200ms, 1}, {230ms, 300ms, 1}, {299ms, 300ms, 0}, {1000ms, 1100ms, 1}};
+    for (const auto& [now, next, raised] : rows) {
+        int count = 0;
+        timers.RaiseDue(begin + now, [&](std::uintptr_t) { ++count; });
+        EXPECT_EQ(raised, count) << now.count();
+        EXPECT_EQ(begin + next, timers.NextDue(begin + now)) << now.count();
     }
 }
 

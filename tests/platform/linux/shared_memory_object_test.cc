@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <barrier>
 #include <cerrno>
-#include <functional>
-#include <limits>
 #include <thread>
 
 #include "base/wide_text.h"
@@ -107,11 +105,7 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
     Descriptor other;
     const auto lock = [&](short type, off_t start, off_t length) { EXPECT_TRUE(SetLock(other, type, start, length)); };
     bool ownLook = false, ownHold = false;  // locked by it at the second look
-    const struct {
-        const char* what;
-        std::function<void()> before, first, second;
-        bool existed, looks;
-    } rows[] = {
+    const std::tuple<const char*, std::function<void()>, std::function<void()>, std::function<void()>, bool, bool> rows[] = {
         {"left in another size", [&] { EXPECT_EQ(0, ftruncate(other.Get(), 12)); }, [] {}, [] {}, false, true},
         {"the name is taken away", [] {}, [&] { shm_unlink(ObjectName().c_str()); }, [] {}, false, true},
         {"another takes the name", [] {}, [&] { shm_unlink(ObjectName().c_str()), Descriptor(creat(path.c_str(), 0600)); }, [] {},
@@ -119,26 +113,25 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
         {"held", [&] { lock(F_RDLCK, 0, 0); }, [] {}, [] {}, true, true},
         {"held, and left", [&] { lock(F_RDLCK, 0, 0); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, true},
         {"looked at", [&] { lock(F_RDLCK, 0, kLast); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, false},
-        {"written", [&] { lock(F_WRLCK, kLast, 0); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
+        {"written", [&] { lock(F_WRLCK, kLast, 0); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, false}};
+    for (const auto& [what, before, first, second, existed, looks] : rows) {
+        SCOPED_TRACE(what);
         other = Object(O_RDWR | O_CREAT);
         ASSERT_EQ(0, ftruncate(other.Get(), kSize));
-        row.before();
+        before();
         openings = 0;
         afterOpening = [&](int opening) {
-            if (opening == 1) row.first();
+            if (opening == 1) first();
             if (opening != 2) return;
             ownLook = LockOfOthers(other, 0) != "";
-            ownHold = row.existed && LockOfOthers(other, kLast) != "";
-            row.second();
+            ownHold = existed && LockOfOthers(other, kLast) != "";
+            second();
         };
         const auto block = memory_.CreateOrOpen(u"Block", kSize);
         afterOpening = nullptr;
         ASSERT_TRUE(block && block->Data());
-        EXPECT_EQ(row.existed, block->Existed());
-        EXPECT_EQ(row.looks, ownLook) << "it locks nothing before it has seen a holder";
+        EXPECT_EQ(existed, block->Existed());
+        EXPECT_EQ(looks, ownLook) << "it locks nothing before it has seen a holder";
         EXPECT_FALSE(ownHold) << "who only looks is no holder";
         EXPECT_NE(nullptr, memory_.OpenExisting(u"Block", kSize)) << "its name leads to it";
         other.Close();
@@ -147,13 +140,8 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
 
 TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
     std::unique_ptr<SharedBlock> held;
-    const struct {
-        const char* what;
-        std::function<void()> plant;
-        std::string told;
-        std::size_t size = kSize;
-    } rows[] = {
-        {"too large", [] {}, "there is no room for it: ", std::size_t{1} << 62},
+    const std::tuple<const char*, std::function<void()>, std::string> rows[] = {
+        {"too large", [] {}, "there is no room for it: "},
         {"open to others", [&] { fchmod(Object(O_RDWR | O_CREAT).Get(), 0666); },
          "other users have access by its mode 0666; remove it"},
         {"another user's", [&] { EXPECT_TRUE(geteuid() != 0 || fchown(Object(O_RDWR | O_CREAT).Get(), 12345, 12345) == 0); },
@@ -164,26 +152,26 @@ TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
         {"one descriptor left", [] { openingThatFails = 2; }, "it can't be opened: Too many open files"},
         {"no room to map it", [] { LimitMemory(1); }, kNeedsTheMemory ? "" : "it can't be mapped: Cannot allocate memory"},
         {"held in another size", [&] { held = memory_.CreateOrOpen(u"Block", kSize / 2); },
-         "a program that holds it created it with another size; end that program"},
-    };
-    for (const auto& row : rows) {
-        if (row.told.empty()) continue;  // only root can plant it, or a sanitizer can't bear it
-        SCOPED_TRACE(row.what);
+         "a program that holds it created it with another size; end that program"}};
+    for (const auto& [what, plant, why] : rows) {
+        if (why.empty()) continue;  // only root can plant it, or a sanitizer can't bear it
+        SCOPED_TRACE(what);
         shm_unlink(ObjectName().c_str());
-        row.plant();
+        plant();
+        const std::size_t size = why.starts_with("there is no room") ? std::size_t{1} << 62 : kSize;
         const auto system = testing::SystemOf(test_.Arguments());
         ::testing::internal::CaptureStderr();
         EXPECT_EQ(0, system->ExitStatus());
         openings = 0;
-        const auto block = system->Core().memory.CreateOrOpen(u"Block", row.size);
+        const auto block = system->Core().memory.CreateOrOpen(u"Block", size);
         EXPECT_TRUE(!block || !block->Data());
         EXPECT_GE(3, openings) << "it is not tried again";
         openingThatFails = 0;
         LimitMemory(RLIM_INFINITY);
         EXPECT_NE(0, system->ExitStatus());
-        EXPECT_EQ(block != nullptr, memory_.OpenExisting(u"Block", row.size) != nullptr) << "what can't be mapped is held";
+        EXPECT_EQ(block != nullptr, memory_.OpenExisting(u"Block", size) != nullptr) << "what can't be mapped is held";
         const std::string told = ::testing::internal::GetCapturedStderr();
-        EXPECT_TRUE(told.find("/dev/shm" + ObjectName() + ": " + row.told) != told.npos) << told;
+        EXPECT_TRUE(told.find("/dev/shm" + ObjectName() + ": " + why) != told.npos) << told;
     }
     EXPECT_EQ("read 0 0", LockOfOthers(Object(), 0)) << "who holds it is left alone";
 }

@@ -8,7 +8,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <functional>
 #include <map>
 
 #include "base/wide_text.h"
@@ -27,12 +26,10 @@ constexpr std::string_view kEsc = "\033", kF1 = "\033OP", kRight = "\033OC";
 constexpr int kTicks = 600;  // of some 180 bytes, far more than any terminal takes at once
 constexpr int kCheck = 10, kField = 11, kButton = 12, kClose = 13;
 
-constexpr ControlTemplate kControls[] = {
-    {kButton, ControlKind::kPushButton, u"Ask", {10, 60, 40, 14}},
-    {kCheck, ControlKind::kCheckBox, u"&Tick && tock", {10, 10, 80, 10}},
-    {kField, ControlKind::kFolderField, u"", {10, 30, 200, 14}},
-    {kClose, ControlKind::kDefaultButton, u"Close", {160, 60, 40, 14}},
-};
+constexpr ControlTemplate kControls[] = {{kButton, ControlKind::kPushButton, u"Ask", {10, 60, 40, 14}},
+                                         {kCheck, ControlKind::kCheckBox, u"&Tick && tock", {10, 10, 80, 10}},
+                                         {kField, ControlKind::kFolderField, u"", {10, 30, 200, 14}},
+                                         {kClose, ControlKind::kDefaultButton, u"Close", {160, 60, 40, 14}}};
 constexpr DialogTemplate kLayout{1, u"Host", 220, 90, kControls};
 
 // A dialog whose button does what the first argument says. With a pipe as the second, each tick is told there and changes the
@@ -46,15 +43,13 @@ int Play(const std::vector<std::string>& arguments) {
         static constexpr std::u16string_view kAnswers[] = {u"answer none", u"answer ok", u"answer yes", u"answer no"};
         show(kAnswers[static_cast<int>(desktop.ShowBox(u"Well?", u"Question", buttons, BoxIcon::kStop))]);
     };
-    const std::map<std::string, std::function<void()>> plays = {
-        {"ask", [&] { ask(BoxButtons::kYesNo); }},
-        {"tell", [&] { ask(BoxButtons::kOk); }},
-        {"make services", [&] { show(MakeSystem({}) ? u"made" : u""); }},
-        {"quit", [&] { desktop.PostQuit(); }},
-        {"abort", [] { std::abort(); }},
-        {"exit", [] { std::exit(3); }},
-        {"show", [&] { show(u"\u00A9 \u6D77\x1B[2J"); }},
-    };
+    const std::map<std::string, std::function<void()>> plays = {{"ask", [&] { ask(BoxButtons::kYesNo); }},
+                                                                {"tell", [&] { ask(BoxButtons::kOk); }},
+                                                                {"make services", [&] { show(MakeSystem({}) ? u"made" : u""); }},
+                                                                {"quit", [&] { desktop.PostQuit(); }},
+                                                                {"abort", [] { std::abort(); }},
+                                                                {"exit", [] { std::exit(3); }},
+                                                                {"show", [&] { show(u"\u00A9 \u6D77\x1B[2J"); }}};
     const int told = std::stoi(arguments[1]);
     dialog.onInit = [&] {
         dialog.window->AddMenuItem(7, u"&Menu item");
@@ -104,7 +99,7 @@ protected:
     }
     void OpenAndAsk(const std::string& play, const std::vector<std::string>& environment = {}) {
         Open(play, environment);
-        EXPECT_TRUE(terminal->Shows("[ Ask ]")) << terminal->Picture().All();
+        EXPECT_TRUE(terminal->Shows("[ Ask ]")) << terminal->Picture();
         terminal->Type("\r");
     }
     void OpenAndTick() {
@@ -129,21 +124,17 @@ protected:
 };
 
 TEST_F(TerminalHostTest, AnswersABoxByKey) {
-    const struct {
-        const char* play;
-        std::string_view keys, answer;
-    } rows[] = {
-        {"ask", "y", "yes"},        {"ask", "Y", "yes"},      {"ask", "n", "no"},   {"ask", "\r", "yes"},
-        {"ask", "\t\r", "no"},      {"ask", "\033[Z ", "no"}, {"ask", kEsc, "no"},  {"tell", "\r", "ok"},
-        {"ask", "x\033OC\r", "no"}, {"tell", "yn\t ", "ok"},  {"tell", kEsc, "ok"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(::testing::Message() << row.play << " keys " << row.keys);
-        OpenAndAsk(row.play);
+    const std::tuple<const char*, std::string_view, std::string_view> rows[] = {
+        {"ask", "y", "yes"},        {"ask", "Y", "yes"},      {"ask", "n", "no"},  {"ask", "\r", "yes"},
+        {"ask", "\t\r", "no"},      {"ask", "\033[Z ", "no"}, {"ask", kEsc, "no"}, {"tell", "\r", "ok"},
+        {"ask", "x\033OC\r", "no"}, {"tell", "yn\t ", "ok"},  {"tell", kEsc, "ok"}};
+    for (const auto& [play, keys, answer] : rows) {
+        SCOPED_TRACE(::testing::Message() << play << " keys " << keys);
+        OpenAndAsk(play);
         EXPECT_SHOWS("─ Question ─");
-        EXPECT_SHOWS(row.play == std::string_view("ask") ? "Esc Back" : "Enter OK");  // stands in the last row, which is drawn last
-        terminal->Type(row.keys);
-        EXPECT_SHOWS("answer " + std::string(row.answer));
+        EXPECT_SHOWS(play == std::string_view("ask") ? "Esc Back" : "Enter OK");  // stands in the last row, which is drawn last
+        terminal->Type(keys);
+        EXPECT_SHOWS("answer " + std::string(answer));
     }
 }
 
@@ -177,15 +168,12 @@ TEST_F(TerminalHostTest, ALibraryWithServicesOfItsOwnLeavesTheScreenAlone) {
 }
 
 TEST_F(TerminalHostTest, EachEndGivesTheTerminalBack) {
-    const struct {
-        const char* play;
-        int status;
-    } rows[] = {{"quit", 0}, {"abort", 128 + SIGABRT}, {"exit", 3}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.play);
-        OpenAndAsk(row.play);
+    const std::pair<const char*, int> rows[] = {{"quit", 0}, {"abort", 128 + SIGABRT}, {"exit", 3}};
+    for (const auto& [play, status] : rows) {
+        SCOPED_TRACE(play);
+        OpenAndAsk(play);
         EXPECT_FALSE(terminal->GivenBack());
-        EXPECT_EQ(row.status, terminal->Wait());
+        EXPECT_EQ(status, terminal->Wait());
         EXPECT_TRUE(terminal->GivenBack());
     }
 }

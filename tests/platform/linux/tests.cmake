@@ -3,5 +3,4 @@ list(APPEND sources
     linux/registry_file_test.cc
     linux/services_test.cc
     linux/shared_memory_object_test.cc
-    linux/terminal_host_test.cc
-    linux/terminal_text_test.cc)
+    linux/terminal_host_test.cc)

@@ -75,4 +75,6 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
 
 std::string OwnProgram() { return std::filesystem::read_symlink("/proc/self/exe"); }
 
+bool UnderWine() { return false; }
+
 }  // namespace twr::testing

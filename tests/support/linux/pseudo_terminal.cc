@@ -8,16 +8,18 @@
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
+#include <vterm.h>
 
 #include <algorithm>
 #include <cstdlib>
 
+#include "base/wide_text.h"
 #include "support/child_process.h"
 
 namespace twr::testing {
 namespace {
 
-constexpr int kRows = 24, kColumns = 80;
+constexpr int kUtf8 = 1, kWithAlternate = 1, kHard = 1;
 constexpr int kPauseMs = 5;
 constexpr int kPatienceMs = 20000;  // without any output: only a fault takes that long
 
@@ -37,12 +39,28 @@ constexpr int kPatienceMs = 20000;  // without any output: only a fault takes th
     _exit(127);
 }
 
+int OnProperty(VTermProp property, VTermValue* value, void* onOwnScreen) {
+    if (property == VTERM_PROP_ALTSCREEN) *static_cast<bool*>(onOwnScreen) = value->boolean != 0;
+    return 1;
+}
+
+VTermScreenCallbacks OnlyProperties() {
+    VTermScreenCallbacks only{};
+    only.settermprop = OnProperty;
+    return only;
+}
+
 }  // namespace
 
 PseudoTerminal::PseudoTerminal(const std::string& role, const std::vector<std::string>& arguments,
                                const std::vector<std::string>& environment)
-    : picture_(kRows, kColumns) {
-    winsize size{kRows, kColumns, 0, 0};
+    : picture_(vterm_new(rows_, columns_)), screen_(vterm_obtain_screen(picture_)) {
+    static const VTermScreenCallbacks callbacks = OnlyProperties();
+    vterm_set_utf8(picture_, kUtf8);
+    vterm_screen_enable_altscreen(screen_, kWithAlternate);
+    vterm_screen_set_callbacks(screen_, &callbacks, &onOwnScreen_);
+    vterm_screen_reset(screen_, kHard);
+    winsize size{static_cast<unsigned short>(rows_), static_cast<unsigned short>(columns_), 0, 0};
     process_ = forkpty(&terminal_, nullptr, nullptr, &size);
     if (process_ == 0) BecomeRole(role, arguments, environment);
     fcntl(terminal_, F_SETFD, FD_CLOEXEC);  // held by another role it could not hang up
@@ -51,6 +69,7 @@ PseudoTerminal::PseudoTerminal(const std::string& role, const std::vector<std::s
 PseudoTerminal::~PseudoTerminal() {
     HangUp();
     Wait();
+    vterm_free(picture_);
 }
 
 bool PseudoTerminal::ReadMore() {
@@ -60,8 +79,26 @@ bool PseudoTerminal::ReadMore() {
     const ssize_t got = read(terminal_, chunk, sizeof chunk);  // fails when nobody holds the other end any more
     if (got <= 0) return false;
     taken_ += static_cast<std::size_t>(got);
-    picture_.Write({chunk, static_cast<std::size_t>(got)});
+    TakeIn({chunk, static_cast<std::size_t>(got)});
     return true;
+}
+
+void PseudoTerminal::TakeIn(std::string_view bytes) { vterm_input_write(picture_, bytes.data(), bytes.size()); }
+
+// A cell that nothing was written to is a blank; the second of a wide character is empty.
+std::string PseudoTerminal::Picture(bool onlyReversed) const {
+    std::string text;
+    for (VTermPos at{0, 0}; at.row < rows_; ++at.row) {
+        for (at.col = 0; at.col < columns_; ++at.col) {
+            VTermScreenCell cell{};
+            vterm_screen_get_cell(screen_, at, &cell);
+            const std::uint32_t first = cell.chars[0] == 0 ? U' ' : cell.chars[0];
+            if (first != UINT32_MAX && (cell.attrs.reverse || !onlyReversed))
+                text += ToUtf8(std::u16string(1, static_cast<char16_t>(first)));
+        }
+        text += '\n';
+    }
+    return text;
 }
 
 bool PseudoTerminal::WaitUntil(const std::function<bool()>& holds) {
@@ -72,15 +109,15 @@ bool PseudoTerminal::WaitUntil(const std::function<bool()>& holds) {
 }
 
 bool PseudoTerminal::Shows(std::string_view text) {
-    return WaitUntil([&] { return picture_.Find(text).has_value(); });
+    return WaitUntil([&] { return Picture().find(text) != std::string::npos; });
 }
 
 bool PseudoTerminal::ShowsNo(std::string_view text) {
-    return WaitUntil([&] { return !picture_.Find(text); });
+    return WaitUntil([&] { return Picture().find(text) == std::string::npos; });
 }
 
 bool PseudoTerminal::Focuses(std::string_view text) {
-    return WaitUntil([&] { return picture_.Reversed().find(text) != std::string::npos; });
+    return WaitUntil([&] { return Picture(true).find(text) != std::string::npos; });
 }
 
 void PseudoTerminal::Type(std::string_view keys) {
@@ -88,7 +125,9 @@ void PseudoTerminal::Type(std::string_view keys) {
 }
 
 void PseudoTerminal::Resize(int rows, int columns) {
-    picture_.Resize(std::clamp(rows, 1, 200), std::clamp(columns, 1, 200));
+    rows_ = std::clamp(rows, 1, 200);
+    columns_ = std::clamp(columns, 1, 200);
+    vterm_set_size(picture_, rows_, columns_);
     const winsize size{static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
     ioctl(terminal_, TIOCSWINSZ, &size);
 }
@@ -122,7 +161,7 @@ bool PseudoTerminal::GivenBack() const {
     termios modes{};
     tcgetattr(terminal_, &modes);
     constexpr tcflag_t kLocal = ICANON | ECHO | ISIG | IEXTEN;
-    return !picture_.OnOwnScreen() && (modes.c_lflag & kLocal) == kLocal && modes.c_oflag & OPOST && modes.c_iflag & IXON;
+    return !onOwnScreen_ && (modes.c_lflag & kLocal) == kLocal && modes.c_oflag & OPOST && modes.c_iflag & IXON;
 }
 
 }  // namespace twr::testing

@@ -7,7 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "support/linux/terminal_picture.h"
+struct VTerm;
+struct VTermScreen;
 
 namespace twr::testing {
 
@@ -20,14 +21,15 @@ public:
     PseudoTerminal(const PseudoTerminal&) = delete;
     PseudoTerminal& operator=(const PseudoTerminal&) = delete;
 
-    // True as soon as the text is on the screen, or gone from it. False if the role ends or makes no progress without it.
+    // True as soon as the text is within a row of the screen, or gone from it, or stands out by being reversed. False when the role
+    // ends or does not move without it.
     bool Shows(std::string_view text);
     bool ShowsNo(std::string_view text);
     bool Focuses(std::string_view text);
 
     void Type(std::string_view keys);
-    void Resize(int rows, int columns);          // the picture follows up to 200 by 200
-    void Spoil() { picture_.Write("\033[2J"); }  // as another program would that writes there too
+    void Resize(int rows, int columns);       // the picture follows up to 200 by 200
+    void Spoil() { TakeIn({"\033[2J", 4}); }  // as another program would that writes there too
     void Signal(int number);
     void HangUp();  // takes the terminal away
 
@@ -37,21 +39,25 @@ public:
     // It is on the shell's screen, waits for lines and shows what is typed.
     bool GivenBack() const;
 
-    const TerminalPicture& Picture() const { return picture_; }
-    std::size_t Taken() const { return taken_; }  // bytes that the role has written and the picture shows
+    std::string Picture(bool onlyReversed = false) const;  // UTF-8, rows end in line feeds
+    std::size_t Taken() const { return taken_; }           // bytes that the role has written and the picture shows
 
 private:
     bool WaitUntil(const std::function<bool()>& holds);
     bool ReadMore();
+    void TakeIn(std::string_view bytes);
 
-    TerminalPicture picture_;
+    int rows_ = 24, columns_ = 80;
+    VTerm* const picture_;
+    VTermScreen* const screen_;
+    bool onOwnScreen_ = false;  // and not on the shell's
     std::size_t taken_ = 0;
     pid_t process_ = -1;
     int terminal_ = -1;
 };
 
 // Of a `terminal` that is a pointer to one.
-#define EXPECT_SHOWS(text) EXPECT_TRUE(terminal->Shows(text)) << (text) << " is not in\n" << terminal->Picture().All()
-#define EXPECT_SHOWS_NO(text) EXPECT_TRUE(terminal->ShowsNo(text)) << (text) << " is in\n" << terminal->Picture().All()
+#define EXPECT_SHOWS(text) EXPECT_TRUE(terminal->Shows(text)) << (text) << " is not in\n" << terminal->Picture()
+#define EXPECT_SHOWS_NO(text) EXPECT_TRUE(terminal->ShowsNo(text)) << (text) << " is in\n" << terminal->Picture()
 
 }  // namespace twr::testing

@@ -1,7 +1,5 @@
 #include "support/child_process.h"
 
-#include <utility>
-
 #include "base/wide_text.h"
 #include "platform/windows/module_path.h"
 #include "platform/windows/unique_handle.h"
@@ -99,5 +97,7 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
 }
 
 std::string OwnProgram() { return ToUtf8(FromWide(ModulePath(nullptr))); }
+
+bool UnderWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
 
 }  // namespace twr::testing

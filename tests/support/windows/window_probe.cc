@@ -53,18 +53,13 @@ ControlRect WindowProbe::Pixels(ControlRect rect) const {
 
 std::vector<int> WindowProbe::TabOrder() const {
     std::vector<int> order;
-    for (HWND control = GetWindow(window_, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    for (HWND control = GetWindow(window_, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
         order.push_back(GetDlgCtrlID(control));
-    }
     return order;
 }
 
 void WindowProbe::Press(int control) const { SendMessageW(Control(control), BM_CLICK, 0, 0); }
 void WindowProbe::PostPress(int control) const { PostMessageW(Control(control), BM_CLICK, 0, 0); }
-
-void WindowProbe::SetText(int control, std::u16string_view text) const {
-    SendMessageW(Control(control), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ToWide(text).c_str()));
-}
 
 void WindowProbe::PostClose() const { PostMessageW(window_, WM_CLOSE, 0, 0); }
 

@@ -23,7 +23,6 @@ public:
 
     HWND Handle() const { return window_; }
     HWND Control(int id) const { return GetDlgItem(window_, id); }
-    bool Exists() const { return IsWindow(window_); }
 
     std::u16string Caption() const;
     std::u16string Text(int control) const;
@@ -34,7 +33,6 @@ public:
 
     void Press(int control) const;  // returns once the press has been handled
     void PostPress(int control) const;
-    void SetText(int control, std::u16string_view text) const;
     void PostClose() const;
 
 private:
