@@ -76,6 +76,23 @@ TEST(TextLines, ReadsAsInTextMode) {
     }
 }
 
+TEST(TextLines, ReadsNoFurtherThanAnyHonestFile) {
+    // Endless.
+    class Line final : public ByteSource {
+    public:
+        std::size_t Read(char* to, std::size_t room) override {
+            std::fill_n(to, room, 'x');
+            to[room - 1] = '\n';
+            read += room;
+            return room;
+        }
+        std::size_t read = 0;
+    } source;
+    TextLines text(source);
+    for (std::string line; text.Next(line);) continue;
+    EXPECT_EQ(kLargestFile, source.read);
+}
+
 TEST(WideText, TrimsAndComparesAsciiOnly) {
     EXPECT_EQ(u"a b", Trimmed(u"\r\n \t\v\fa b\t\v\f\r\n "));
     EXPECT_EQ(u"\u00A0x\u2003", Trimmed(u"\u00A0x\u2003"));

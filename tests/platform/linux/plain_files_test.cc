@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 
 #include "base/wide_text.h"
+#include "platform/linux/signal_queue.h"
 #include "platform/paths.h"
 #include "support/test_system.h"
 
@@ -38,6 +41,22 @@ TEST_F(PlainFilesTest, LinksCountForWhatTheyLeadTo) {
     auto list = files_.List(test_.folder.File("list"), u"*");
     std::ranges::sort(list);
     EXPECT_EQ((std::vector<std::u16string>{test_.folder.File("list/link"), test_.folder.File("list/plain")}), list);
+}
+
+// The signals wait while the program starts, and its dialog, which takes them, comes after all files.
+TEST_F(PlainFilesTest, AHugeOneEndsWhereTheProgramIsToldToEnd) {
+    const auto path = test_.folder.Write("huge", std::string(3 << 20, '\n'));
+    const SignalQueue waiting;
+    for (const bool told : {false, true}) {
+        if (told) raise(SIGTERM);
+        const auto file = files_.Open(path);
+        ASSERT_NE(nullptr, file);
+        std::size_t size = 0;
+        std::array<char, 4096> part;
+        while (const std::size_t got = file->Read(part.data(), part.size())) size += got;
+        EXPECT_EQ(told, size < (2 << 20)) << size;
+        EXPECT_LE(std::size_t{1 << 20}, size) << "no honest one is cut";
+    }
 }
 
 // The reader keeps what has no end yet.
