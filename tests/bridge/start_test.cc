@@ -58,6 +58,7 @@ TEST(Start, AllComeToTheDataFolderOfTheRegistry) {
         ASSERT_TRUE(guest.DataFolderIs(test.folder.File("Ashore"))) << "in round " << round;
         sendOn();
     }
+    EXPECT_TRUE(allSay("ready")) << "all have let go of the record";
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "config/bridge_settings.h"
 #include "core/core.h"
 #include "support/child_process.h"
+#include "support/fakes.h"
 #include "support/linux/pseudo_terminal.h"
 #include "support/test_system.h"
 
@@ -15,13 +16,18 @@ namespace {
 
 constexpr std::string_view kEsc = "\033", kF1 = "\033OP", kDown = "\033OB", kLeft = "\033OD";
 
-// A system on which the program is asked to end while its dialog is being made.
-class ImpatientSystem : public System {
+// A system on which the program is asked to end while its dialog is being made, or whose log of last resort, which goes to the root
+// of the drive, stays in memory.
+class OddSystem : public System {
 public:
-    explicit ImpatientSystem(System& system) : system_(system) {}
-    CoreServices Core() override { return system_.Core(); }
+    OddSystem(System& system, bool stopped, bool recordless) : system_(system), stopped_(stopped), recordless_(recordless) {}
+    CoreServices Core() override {
+        const CoreServices real = system_.Core();
+        Files& files = recordless_ ? inMemory_ : real.files;
+        return {real.clock, real.zone, real.memory, real.registry, files, real.xml, real.desktop};
+    }
     Libraries& GetLibraries() override {
-        raise(SIGTERM);
+        if (stopped_) raise(SIGTERM);
         return system_.GetLibraries();
     }
     Instance& GetInstance() override { return system_.GetInstance(); }
@@ -30,13 +36,15 @@ public:
 
 private:
     System& system_;
+    bool stopped_, recordless_;
+    FakeFiles inMemory_;
 };
 
-// With a third argument it is asked to end while it starts.
+// With a third argument it is asked to end while it starts; under a name with a slash, which no block has, it gets no record.
 const Role bridge("bridge", [](const std::vector<std::string>& arguments) {
     const auto system = SystemOf(arguments);
-    ImpatientSystem impatient(*system);
-    CHalyrig32App(arguments.size() > 2 ? impatient : *system).InitInstance();
+    OddSystem odd(*system, arguments.size() > 2, arguments[0].starts_with("no/"));
+    CHalyrig32App(odd).InitInstance();
     return system->ExitStatus();
 });
 
