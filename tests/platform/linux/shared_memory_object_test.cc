@@ -123,8 +123,8 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
         afterOpening = [&](int opening) {
             if (opening == 1) first();
             if (opening != 2) return;
-            ownLook = LockOfOthers(other, 0) != "";
-            ownHold = existed && LockOfOthers(other, kLast) != "";
+            ownLook = !LockOfOthers(other, 0).empty();
+            ownHold = existed && !LockOfOthers(other, kLast).empty();
             second();
         };
         const auto block = memory_.CreateOrOpen(u"Block", kSize);
