@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "base/wide_text.h"
 #include "core/channel_catalogue.h"
@@ -51,18 +52,18 @@ std::string TsvRow(const ChannelInfo& info) {
                      info.type, info.min, info.max, info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());
 }
 
-std::string JsonRow(const ChannelInfo& info) {
+Json JsonRow(const ChannelInfo& info) {
     const std::string flags = Flags(info);
-    return "  " + JsonLine({{"id", info.id},
-                            {"name", TextOrNull(info.name)},
-                            {"longName", TextOrNull(info.longName)},
-                            {"type", static_cast<int>(info.type)},
-                            {"min", Told(HasRange(info), info.min)},
-                            {"max", Told(HasRange(info), info.max)},
-                            {"staleSeconds", Told(GetsStale(info), info.staleSeconds)},
-                            {"prec", Told(HasPrec(info), info.prec)},
-                            {"shortIndex", Told(HasShortIndex(info), info.shortIndex)},
-                            {"flags", Told(!flags.empty(), flags)}});
+    return {{"id", info.id},
+            {"name", TextOrNull(info.name)},
+            {"longName", TextOrNull(info.longName)},
+            {"type", static_cast<int>(info.type)},
+            {"min", Told(HasRange(info), info.min)},
+            {"max", Told(HasRange(info), info.max)},
+            {"staleSeconds", Told(GetsStale(info), info.staleSeconds)},
+            {"prec", Told(HasPrec(info), info.prec)},
+            {"shortIndex", Told(HasShortIndex(info), info.shortIndex)},
+            {"flags", Told(!flags.empty(), flags)}};
 }
 
 std::string TextTable() {
@@ -77,11 +78,10 @@ std::string TsvTable() {
     return table;
 }
 
-// One channel on each line.
-std::string JsonTable() {
-    std::string table;
-    for (const ChannelInfo& info : ChannelCatalogue()) table += (table.empty() ? "[\n" : ",\n") + JsonRow(info);
-    return table + "\n]\n";
+std::string JsonCatalogue() {
+    std::vector<Json> rows;
+    for (const ChannelInfo& info : ChannelCatalogue()) rows.push_back(JsonRow(info));
+    return JsonTable(rows);
 }
 
 }  // namespace
@@ -91,7 +91,7 @@ Status ListChannels(Console& console, TableForm form) {
         case TableForm::kTsv:
             return Print(console, TsvTable());
         case TableForm::kJson:
-            return Print(console, JsonTable());
+            return Print(console, JsonCatalogue());
         default:
             return Print(console, TextTable());
     }

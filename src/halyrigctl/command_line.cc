@@ -16,11 +16,16 @@ struct Commands {
     System& system;
     CLI::App app{"Looks at the data that the programs of the suite share, and asks them to close.", "halyrigctl"};
     TableForm form = TableForm::kText;
+    bool live = false;
     GetOptions get;
+    BoatsOptions boats;
     WatchOptions watch;
     QuitOptions quit;
     Status status = kDone;
 };
+
+// The line that ends the help of a command.
+void SetExample(CLI::App* command, const std::string& typed) { command->footer("Example: halyrigctl " + typed); }
 
 void AddChannels(Commands& all) {
     CLI::App* command = all.app.add_subcommand("channels", "List the channels that the suite knows");
@@ -30,15 +35,31 @@ void AddChannels(Commands& all) {
     };
     formFlag("--tsv", "As tab-separated values", TableForm::kTsv)
         ->excludes(formFlag("--json", "As JSON, with null for a missing value", TableForm::kJson));
-    command->callback([&all] { all.status = ListChannels(all.system.GetConsole(), all.form); });
+    command->add_flag(
+        "--live", all.live,
+        "What is in force now: names of your own, type, decimals, damping, log mark, whether published, blocked or held");
+    command->callback([&all] {
+        all.status = all.live ? ListLiveChannels(all.system, all.form) : ListChannels(all.system.GetConsole(), all.form);
+    });
+    SetExample(command, "channels --live");
 }
 
 void AddGet(Commands& all) {
-    CLI::App* command = all.app.add_subcommand("get", "Show one channel, or why it has no value");
-    command->add_option("ID", all.get.channel, "The channel's number, short name, or the name that you gave it")->required();
+    CLI::App* command = all.app.add_subcommand("get", "Show channels, or why they have no value");
+    command->add_option("ID", all.get.channels, "The channel's number, short name, or the name that you gave it")->required();
     command->add_option("--boat", all.get.boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
-    command->add_flag("--json", all.get.json, "As JSON, with the reason why there is no value as \"missing\"");
-    command->callback([&all] { all.status = GetChannelValue(all.system, all.get); });
+    command->add_flag("--json", all.get.json,
+                      "As JSON, a line for each channel, with the reason why there is no value as \"missing\"");
+    command->callback([&all] { all.status = GetChannelValues(all.system, all.get); });
+    SetExample(command, "get BSP HDG --json");
+}
+
+void AddBoats(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("boats", "List the boats that are in use, named or known by an MMSI");
+    command->add_flag("--all", all.boats.all, "All 100 boats");
+    command->add_flag("--json", all.boats.json, "As JSON, with null for a missing value");
+    command->callback([&all] { all.status = ListBoats(all.system, all.boats); });
+    SetExample(command, "boats --all");
 }
 
 void AddWatch(Commands& all) {
@@ -46,6 +67,7 @@ void AddWatch(Commands& all) {
     command->add_option("--interval", all.watch.intervalMs, "Milliseconds between two readings")->check(CLI::Range(50, 3600000));
     command->add_option("--snapshots", all.watch.snapshots, "End after this number of readings")->check(CLI::Range(1, 1000000));
     command->callback([&all] { all.status = Watch(all.system, all.watch); });
+    SetExample(command, "watch --interval 1000");
 }
 
 void AddQuit(Commands& all) {
@@ -53,6 +75,17 @@ void AddQuit(Commands& all) {
     command->add_flag_callback(
         "--no-wait", [&all] { all.quit.wait = false; }, "Do not wait");
     command->callback([&all] { all.status = Quit(all.system, all.quit); });
+    SetExample(command, "quit --no-wait");
+}
+
+// The general help shows the example of each command.
+void CollectExamples(CLI::App& app) {
+    std::string examples = "Examples:";
+    for (const CLI::App* command : app.get_subcommands({})) {
+        const std::string line = command->get_footer();
+        examples += "\n  " + line.substr(line.find("halyrigctl"));
+    }
+    app.footer(examples + "\n\n'halyrigctl COMMAND --help' explains a command.");
 }
 
 // The parser reports the missing command first, and only then the unknown word in its place.
@@ -72,8 +105,10 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     all.app.require_subcommand(1);
     AddChannels(all);
     AddGet(all);
+    AddBoats(all);
     AddWatch(all);
     AddQuit(all);
+    CollectExamples(all.app);
     try {
         std::ranges::reverse(arguments);  // the parser takes them from the back
         all.app.parse(std::move(arguments));

@@ -18,14 +18,25 @@ enum class TableForm { kText, kTsv, kJson };
 // Prints the channel catalogue.
 Status ListChannels(Console& console, TableForm form);
 
+// Prints what the record has in force for each channel.
+Status ListLiveChannels(System& system, TableForm form);
+
 struct GetOptions {
-    std::string channel;  // as FindChannel takes it
-    BoatSlot boat = 0;    // below kBoatCount
-    bool json = false;    // the reason for a missing value then goes to standard output too
+    std::vector<std::string> channels;  // as FindChannel takes them
+    BoatSlot boat = 0;                  // below kBoatCount
+    bool json = false;                  // the reason for a missing value then goes to standard output too
 };
 
-// Prints one channel of one boat: value and age, or why there is none.
-Status GetChannelValue(System& system, const GetOptions& options);
+// Prints channels of one boat: each one's value and age, or why there is none. Fails if any has none.
+Status GetChannelValues(System& system, const GetOptions& options);
+
+struct BoatsOptions {
+    bool all = false;  // those too of which the record has nothing to tell
+    bool json = false;
+};
+
+// Prints the boats that are in use, named or known by an MMSI.
+Status ListBoats(System& system, const BoatsOptions& options);
 
 struct WatchOptions {
     int intervalMs = 500;

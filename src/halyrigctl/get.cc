@@ -1,6 +1,7 @@
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "config/bridge_settings.h"
 #include "core/days.h"
@@ -21,19 +22,27 @@ std::string WithUnit(const std::string& figure, std::u16string_view unit) {
     return unit.empty() ? figure : figure + " " + ToUtf8(unit);
 }
 
-// As precise as is useful for a time stamp.
-double ToMilliseconds(double seconds) { return std::round(seconds * 1000) / 1000; }
-
 std::string Formatted(const char* format, double number) {
     char text[64];
     std::snprintf(text, sizeof text, format, number);
     return text;
 }
 
-std::string AsText(ChannelId channel, std::u16string_view name, BoatSlot boat, const ChannelReading& reading) {
-    std::string text = "channel  " + std::to_string(channel) + " " + Harmless(name);
+// A channel that the user has asked for.
+struct Found {
+    ChannelId channel;
+    std::u16string name;
+    BoatSlot boat;
+    ChannelReading reading;
+
+    bool HasValue() const { return reading.missing.empty(); }
+};
+
+std::string AsText(const Found& found) {
+    const ChannelReading& reading = found.reading;
+    std::string text = "channel  " + std::to_string(found.channel) + " " + Harmless(found.name);
     const auto line = [&](const char* label, const std::string& what) { text += std::string("\n") + label + what; };
-    line("boat     ", std::to_string(boat));
+    line("boat     ", std::to_string(found.boat));
     line("value    ", WithUnit(Formatted("%.10g", reading.value.value_or(kNoValue)), reading.valueUnit));
     line("text     ", WithUnit(Cut(Harmless(reading.text), kLongestText), reading.textUnit));
     line("age      ", Formatted("%.1f s", reading.age.value_or(0.0)));
@@ -41,11 +50,12 @@ std::string AsText(ChannelId channel, std::u16string_view name, BoatSlot boat, c
     return text + "\n";
 }
 
-std::string AsJson(ChannelId channel, std::u16string_view name, BoatSlot boat, const ChannelReading& reading) {
-    const bool there = reading.missing.empty();
-    return JsonLine({{"id", channel},
-                     {"name", TextOrNull(name)},
-                     {"boat", boat},
+std::string AsJson(const Found& found) {
+    const ChannelReading& reading = found.reading;
+    const bool there = found.HasValue();
+    return JsonLine({{"id", found.channel},
+                     {"name", TextOrNull(found.name)},
+                     {"boat", found.boat},
                      {"value", Told(there, reading.value.value_or(kNoValue))},
                      {"valueUnit", TextOrNull(reading.valueUnit)},
                      {"text", there ? TextOrNull(reading.text) : Json()},
@@ -56,32 +66,50 @@ std::string AsJson(ChannelId channel, std::u16string_view name, BoatSlot boat, c
            "\n";
 }
 
+Status SayAsJson(Console& console, const std::vector<Found>& all) {
+    std::string lines;
+    for (const Found& found : all) lines += AsJson(found);
+    const Status printed = Print(console, lines);
+    return std::ranges::all_of(all, &Found::HasValue) ? printed : kFailed;
+}
+
+// The values first, with an empty line between two channels; then what has none.
+Status SayAsText(Console& console, const std::vector<Found>& all) {
+    std::string text;
+    for (const Found& found : all) {
+        if (found.HasValue()) text += (text.empty() ? "" : "\n") + AsText(found);
+    }
+    Status status = text.empty() ? kDone : Print(console, text);
+    for (const Found& found : all) {
+        if (found.HasValue()) continue;
+        Complain(console, Harmless(found.name) + " has no value: " + found.reading.missing);
+        status = kFailed;
+    }
+    return status;
+}
+
 }  // namespace
 
-Status GetChannelValue(System& system, const GetOptions& options) {
+Status GetChannelValues(System& system, const GetOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;
     Console& console = system.GetConsole();
-    const auto channel = FindChannel(guest.Core(), options.channel);
-    if (!channel) {
-        guest.Leave();
-        Complain(console, "there is no channel " + Harmless(FromUtf8(options.channel)) +
-                              "; 'halyrigctl channels' lists them, 'halyrigctl get --help' explains how to name one");
-        return kMisunderstood;
-    }
     const CoreServices services = system.Core();
     const Circumstances circumstances{UtcNowDays(services.clock), ReadSettings(services.registry).degreesTrue};
-    const ChannelReading reading = ReadChannel(guest.Core(), *channel, options.boat, circumstances);
-    const std::u16string name = NameForPeople(guest.Core(), *channel);
-    guest.Leave();
-    const bool there = reading.missing.empty();
-    if (options.json) {
-        const Status printed = Print(console, AsJson(*channel, name, options.boat, reading));
-        return there ? printed : kFailed;
+    std::vector<Found> all;
+    for (const std::string& typed : options.channels) {
+        const auto channel = FindChannel(guest.Core(), typed);
+        if (!channel) {
+            guest.Leave();
+            Complain(console, "there is no channel " + Harmless(FromUtf8(typed)) +
+                                  "; 'halyrigctl channels' lists them, 'halyrigctl get --help' explains how to name one");
+            return kMisunderstood;
+        }
+        all.push_back({*channel, NameForPeople(guest.Core(), *channel), options.boat,
+                       ReadChannel(guest.Core(), *channel, options.boat, circumstances)});
     }
-    if (there) return Print(console, AsText(*channel, name, options.boat, reading));
-    Complain(console, Harmless(name) + " has no value: " + reading.missing);
-    return kFailed;
+    guest.Leave();
+    return options.json ? SayAsJson(console, all) : SayAsText(console, all);
 }
 
 }  // namespace twr

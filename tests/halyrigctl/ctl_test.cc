@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <iterator>
 #include <sstream>
 
@@ -87,7 +88,8 @@ protected:
 };
 
 TEST_F(CtlTest, WithoutARecordEveryCommandSaysWhatToStart) {
-    for (const char* command : {"get 1", "watch", "quit"}) ExpectIn(Said(command, 1), {"Start " HALYRIG_PROGRAM " first"});
+    for (const char* command : {"get 1", "watch", "quit", "boats", "channels --live"})
+        ExpectIn(Said(command, 1), {"Start " HALYRIG_PROGRAM " first"});
     EXPECT_FALSE(Held()) << "and none creates one";
 }
 
@@ -104,6 +106,49 @@ TEST_F(CtlTest, ListsTheCatalogueForPeopleAndPrograms) {
                      R"({"id":0,"name":null,"longName":"Time")",
                      R"("type":2,"min":null,"max":null,"staleSeconds":10,"prec":null,"shortIndex":null,"flags":null},)"}}});
     EXPECT_TRUE(console.written.starts_with("[\n") && console.written.ends_with("\"flags\":\"dl\"}\n]\n"));
+}
+
+TEST_F(CtlTest, ListsWhatIsInForceForChannels) {
+    test.folder.Write("ProgramData/Tidewright/config/channels.xml",
+                      R"(<channels><channel id="1" prec="1" damp="4" log="false"/><channel id="172" type="12" user="Jib lead"/>)"
+                      R"(<channel id="173" type="99"/></channels>)");
+    StartSuite();
+    Publish(kTws, 10.0);
+    Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
+    Record().Set<std::uint8_t>(RecordBytes::Channel(kAws) + 4, 1);
+    Record().SetText(RecordBytes::Channel(173) + 76, u"A\tB");
+    ExpectIn(Said("channels --live --tsv"), {"\n3\tAWS\t\t\t21\twind speed\t1\t0\t1\t0\t0\t0\n"});
+    Record().SetFlag(52, true);
+    ExpectSaid(0,
+               {{"channels --live",
+                 {"\n   1  BSP          12 boat speed         1     4  -    -         -       -     -\n",
+                  "\n   3  AWS          21 wind speed         1     -  yes  -         -       yes   -\n",
+                  "\n   5  TWS          21 wind speed         1     -  yes  yes       -       -     -\n",
+                  "\n  18  Heel          7 angle              1     -  yes  -         yes     -     -\n",
+                  "\n 172  User 0       12 boat speed ", "  Jib lead\n", "99 plain number"}},
+                {"channels --live --tsv", {"\n3\tAWS\t\t\t21\twind speed\t1\t0\t1\t0\t0\t1\n", "\n173\tUser 1\t\tA\u00B7B\t99\t"}},
+                {"channels --json --live",
+                 {R"({"id":0,"name":null,"userName":null,"userShortName":null,"type":1,"typeWord":"date and time","prec":null,)",
+                  R"({"id":172,"name":"User 0","userName":"Jib lead","userShortName":"Jib lead","type":12,)"
+                  R"("typeWord":"boat speed","prec":)"}}});
+}
+
+TEST_F(CtlTest, ListsTheBoatsThatHaveSomethingToTell) {
+    test.folder.Write(
+        "ProgramData/Tidewright/config/boats.xml",
+        R"(<boats><boat id="3" name="Aurora" mmsi="11234560" r="255" g="80" b="1"/><boat id="5" name="Zephyr"/></boats>)");
+    StartSuite();
+    const auto listed = [&](const char* typed) { return std::ranges::count(Said(typed), '\n') - 1; };
+    ExpectIn(Said("boats --json"), {R"([
+  {"boat":3,"name":"Aurora","mmsi":11234560,"colour":"#FF5001","ageLimit":32767,"inUse":false,"age":null},
+  {"boat":5,"name":"Zephyr","mmsi":null,)"});
+    suite->SetChannel(kHdg, 1, 90.0, UtcNowDays(Core().clock) - 20.0 / 86400);
+    suite->SetChannel(kBsp, 1, kNoValue, 0.0);
+    suite->StampTime();
+    ExpectIn(Said("boats"), {"\n   0          -  #", "\n   1          -  #", "        -  yes        20.0 s  Boat 1\n",
+                             "\n   3  011234560  #FF5001   32767 s  -               -  Aurora\n", "  Zephyr\n"});
+    EXPECT_EQ(4, listed("boats"));
+    EXPECT_EQ(100, listed("boats --all"));
 }
 
 TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
@@ -141,6 +186,12 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
                    {"get 161 --json", {R"("valueUnit":"\u00b0","text":"45 12.3420n","textUnit":null)", R"("limit":null)"}},
                    {"get sail --json", {R"("valueUnit":null,"text":null,)"}}});
     EXPECT_TRUE(Said("get 1").starts_with("channel"));
+    ExpectIn(Said("get 1 161"), {"limit    10 s\n\nchannel  161 Mk Lat\n"});
+    EXPECT_EQ(2, std::ranges::count(Said("get 1 161 --json"), '\n'));
+    ExpectIn(Said("get tws 1 awa", 1),
+             {"channel  1 BSP", "limit    10 s\nhalyrigctl: TWS has no value", "\nhalyrigctl: AWA has no"});
+    ExpectIn(Said("get tws 1 --json", 1), {R"("missing":"it was)", "\n{\"id\":1,"});
+    EXPECT_EQ(0u, Said("get 1 xyz", 2).find("halyrigctl: there is no channel xyz;"));
 }
 
 TEST_F(CtlTest, NoTextOfTheRecordCommandsTheTerminal) {
@@ -222,6 +273,21 @@ TEST_F(CtlTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
     console.closed = true;
     for (const char* command : {"--help", "channels", "get BSP", "get BSP --json", "watch", "quit --no-wait"})
         ExpectIn(Said(command, 1), {"halyrigctl: standard output can't be written"});
+}
+
+TEST_F(CtlTest, EveryHelpEndsWithAnExampleThatIsUnderstood) {
+    std::istringstream help(Said("--help"));
+    std::size_t examples = 0;
+    for (std::string line; std::getline(help, line);) {
+        if (!line.starts_with("  halyrigctl ")) continue;
+        ++examples;
+        const std::string typed = line.substr(13);
+        const std::string command = typed.substr(0, typed.find(' '));
+        EXPECT_TRUE(Said(command + " --help").ends_with("\nExample: halyrigctl " + typed + "\n")) << console.written;
+        std::istringstream words(typed);
+        EXPECT_NE(kMisunderstood, RunCommandLine(*this, {std::istream_iterator<std::string>(words), {}})) << typed;
+    }
+    EXPECT_LE(5u, examples);
 }
 
 TEST_F(CtlTest, WatchEndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
