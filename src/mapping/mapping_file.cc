@@ -14,14 +14,31 @@ constexpr std::u16string_view kVar = u"var";
 constexpr std::u16string_view kRemote = u"remote";
 
 // A value without a number leaves the field unchanged.
-bool TakeNumber(const XmlAttribute& attribute, std::u16string_view name, std::int32_t& field) {
+bool TakeNumber(const XmlAttribute& attribute, std::u16string_view name, std::int32_t& field, const Place& place) {
     if (!EqualsIgnoringCase(attribute.name, name)) return false;
-    if (const auto number = ScanInt(attribute.value)) field = *number;
+    if (const auto number = ScanInt(attribute.value)) {
+        field = *number;
+    } else {
+        place.Report(Flaw::kNotANumber, attribute.name + u"=\"" + attribute.value + u"\"");
+    }
     return true;
 }
 
-bool IsChannel(std::int32_t channel) { return channel >= 0 && channel < static_cast<std::int32_t>(kChannelCount); }
-bool IsBoat(std::int32_t boat) { return boat >= 0 && boat < static_cast<std::int32_t>(kBoatCount); }
+std::u16string Digits(std::int32_t number) { return FromBytes(std::to_string(number)); }
+
+bool IsChannel(std::int32_t channel, const Place& place) {
+    if (channel >= 0 && channel < static_cast<std::int32_t>(kChannelCount)) return true;
+    return channel == kNoInt ? place.Report(Flaw::kChannelMissing) : place.Report(Flaw::kNoSuchChannel, Digits(channel));
+}
+
+bool IsBoat(std::int32_t boat, const Place& place) {
+    return (boat >= 0 && boat < static_cast<std::int32_t>(kBoatCount)) || place.Report(Flaw::kNoSuchBoat, Digits(boat));
+}
+
+bool IsRemote(std::int32_t remote, const Place& place) {
+    if (remote >= 0 && remote != kNoInt) return true;
+    return remote == kNoInt ? place.Report(Flaw::kRemoteMissing) : place.Report(Flaw::kNoSuchRemote, Digits(remote));
+}
 
 // The first variable with the row's number or, where the file gives one, its name.
 const MappingVar* FindVariable(const std::vector<MappingVar>& catalogue, const MappingVar& row) {
@@ -29,6 +46,10 @@ const MappingVar* FindVariable(const std::vector<MappingVar>& catalogue, const M
         return variable.dfwId == row.dfwId || (!row.dfwName.empty() && variable.dfwName == row.dfwName);
     });
     return found == catalogue.end() ? nullptr : &*found;
+}
+
+bool IsMappingElement(const XmlElement& element) {
+    return EqualsIgnoringCase(element.name, kVar) || EqualsIgnoringCase(element.name, kRemote);
 }
 
 // A mapping file that is incomplete, for example after a full disk, has no end tag. In some encodings every other byte is zero.
@@ -42,52 +63,68 @@ bool IsWhole(Files& files, std::u16string_view path) {
 }
 
 bool WriteNumber(XmlWriter& writer, std::u16string_view name, std::int32_t number) {
-    return writer.Attribute(name, FromBytes(std::to_string(number)));
+    return writer.Attribute(name, Digits(number));
 }
 
 }  // namespace
 
-bool ParseVarElement(const XmlElement& element, MappingVar& row) {
+bool ParseVarElement(const XmlElement& element, MappingVar& row, const Place& place) {
     if (!EqualsIgnoringCase(element.name, kVar)) return false;
     for (const XmlAttribute& attribute : element.attributes) {
-        if (TakeNumber(attribute, u"twr", row.channel) || TakeNumber(attribute, u"boat", row.boat)) continue;
-        if (!EqualsIgnoringCase(attribute.name, u"dfw")) continue;
-        if (const auto number = ScanInt(attribute.value)) {
+        if (TakeNumber(attribute, u"twr", row.channel, place) || TakeNumber(attribute, u"boat", row.boat, place)) continue;
+        if (!EqualsIgnoringCase(attribute.name, u"dfw")) {
+            place.Report(Flaw::kUnknownAttribute, attribute.name);
+        } else if (const auto number = ScanInt(attribute.value)) {
             row.dfwId = *number;
         } else {
             row.dfwName = attribute.value;
         }
     }
-    return (row.dfwId != kNoInt || !row.dfwName.empty()) && IsChannel(row.channel) && IsBoat(row.boat);
+    if (row.dfwId == kNoInt && row.dfwName.empty()) return place.Report(Flaw::kVariableMissing);
+    return IsChannel(row.channel, place) && IsBoat(row.boat, place);
 }
 
-bool ParseRemoteElement(const XmlElement& element, MappingRemote& row) {
+bool ParseRemoteElement(const XmlElement& element, MappingRemote& row, const Place& place) {
     if (!EqualsIgnoringCase(element.name, kRemote)) return false;
     for (const XmlAttribute& attribute : element.attributes) {
-        if (TakeNumber(attribute, u"remote", row.remote) || TakeNumber(attribute, u"twr", row.channel) ||
-            TakeNumber(attribute, u"boat", row.boat)) {
+        if (TakeNumber(attribute, u"remote", row.remote, place) || TakeNumber(attribute, u"twr", row.channel, place) ||
+            TakeNumber(attribute, u"boat", row.boat, place)) {
             continue;
         }
-        if (EqualsIgnoringCase(attribute.name, u"damp")) row.damp = EqualsIgnoringCase(attribute.value, u"false") ? 0 : 1;
+        if (EqualsIgnoringCase(attribute.name, u"damp")) {
+            row.damp = EqualsIgnoringCase(attribute.value, u"false") ? 0 : 1;
+        } else {
+            place.Report(Flaw::kUnknownAttribute, attribute.name);
+        }
     }
-    return IsChannel(row.channel) && row.remote != kNoInt && row.remote >= 0 && IsBoat(row.boat);
+    return IsChannel(row.channel, place) && IsRemote(row.remote, place) && IsBoat(row.boat, place);
 }
 
-Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<MappingVar>& catalogue) {
+Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<MappingVar>& catalogue, Findings* findings) {
     Mapping mapping;
+    const Place file{findings, path};
     const auto reader = xml.OpenReader(path);
     if (!reader) return mapping;
     XmlElement element;
-    while (reader->Next(element)) {
-        if (MappingVar row; ParseVarElement(element, row)) {
+    for (bool first = true; reader->Next(element); first = false) {
+        const Place place = file.At(element.line);
+        if (MappingVar row; ParseVarElement(element, row, place)) {
             const MappingVar* variable = FindVariable(catalogue, row);
-            if (!variable) continue;
+            if (!variable) {
+                place.Report(Flaw::kNoSuchVariable, row.dfwName.empty() ? Digits(row.dfwId) : row.dfwName);
+                continue;
+            }
             BindVariable(row, *variable);
+            row.line = element.line;
             mapping.varRows.push_back(row);
-        } else if (MappingRemote remote; ParseRemoteElement(element, remote)) {
+        } else if (MappingRemote remote; ParseRemoteElement(element, remote, place)) {
+            remote.line = element.line;
             mapping.remoteRows.push_back(remote);
+        } else if (!first && !IsMappingElement(element)) {
+            place.Report(Flaw::kUnknownElement, element.name);
         }
     }
+    if (const auto fault = reader->Fault()) file.At(fault->line, fault->column).Report(Flaw::kNotWellFormed, fault->text);
     return mapping;
 }
 

@@ -1,6 +1,8 @@
 // Reading and writing XML files.
 #pragma once
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,13 @@ struct XmlAttribute {
 struct XmlElement {
     std::u16string name;                   // without its prefix
     std::vector<XmlAttribute> attributes;  // in the order of the file, declarations of name spaces left out
+    std::size_t line = 0;                  // of its start tag, from 1
+};
+
+// Where a document stops being XML that is read.
+struct XmlFault {
+    std::size_t line, column;  // from 1
+    std::u16string text;       // what is wrong, in the parser's words; may be empty
 };
 
 // No ordinary file nests its elements deeper. Open elements take memory.
@@ -28,6 +37,9 @@ public:
     // False at the end of the document, at byte kLargestFile, below kDeepestElement and at its first fault, a document type
     // declaration included; all elements before it have been given by then, and none follows.
     virtual bool Next(XmlElement& element) = 0;
+
+    // Why Next has returned false; nullopt at the end of a sound document.
+    virtual std::optional<XmlFault> Fault() const = 0;
 };
 
 // Writes an indented document: mark and declaration of UTF-8, lines ended by CR LF, two blanks a level. Each operation returns

@@ -89,6 +89,39 @@ TEST_F(MappingTest, ElementsBecomeRows) {
     EXPECT_EQ("", Told(LoadMapping(xml, folder.File("missing.xml"), catalogue)));
 }
 
+TEST_F(MappingTest, TellsWhatItPassesOverAndWhere) {
+    struct Heard : Findings {
+        void Add(Finding finding) override { found.push_back(std::move(finding)); }
+        std::vector<Finding> found;
+    };
+    const std::tuple<std::string, Flaw, std::string> rows[] = {
+        {R"(<var twr="1" dfw="hdg"/>)", Flaw::kNoSuchVariable, "hdg"},
+        {R"(<var twr="1" dfw="99"/>)", Flaw::kNoSuchVariable, "99"},
+        {R"(<var twr="1300" dfw="12"/>)", Flaw::kNoSuchChannel, "1300"},
+        {R"(<var dfw="12"/>)", Flaw::kChannelMissing, ""},
+        {R"(<var twr="1"/>)", Flaw::kVariableMissing, ""},
+        {R"(<var twr="1" dfw="12" boat="100"/>)", Flaw::kNoSuchBoat, "100"},
+        {R"(<var twr="1" dfw="12" boat="x"/>)", Flaw::kNotANumber, R"(boat="x")"},
+        {R"(<var twr="1" dfw="12" colour="x"/>)", Flaw::kUnknownAttribute, "colour"},
+        {R"(<remote twr="1"/>)", Flaw::kRemoteMissing, ""},
+        {R"(<remote remote="-2" twr="1"/>)", Flaw::kNoSuchRemote, "-2"},
+        {R"(<vra twr="1" dfw="12"/>)", Flaw::kUnknownElement, "vra"}};
+    for (const auto& [element, flaw, text] : rows) {
+        SCOPED_TRACE(element);
+        Heard heard;
+        const std::u16string path = folder.Write("halyrig.xml", "<x>\n\n" + element + "\n<var twr='2' dfw='12'/></x>");
+        EXPECT_EQ(4u, LoadMapping(xml, path, catalogue, &heard).varRows.back().line);
+        ASSERT_EQ(1u, heard.found.size());
+        const auto& [itsPath, itsLine, column, itsFlaw, itsText] = heard.found[0];
+        EXPECT_TRUE(itsPath == path && itsLine == 3 && itsFlaw == flaw) << static_cast<int>(itsFlaw) << " in line " << itsLine;
+        EXPECT_EQ(text, ToBytes(itsText));
+    }
+    Heard heard;
+    LoadMapping(xml, folder.Write("halyrig.xml", "<x>\n<var>\n</x>"), catalogue, &heard);
+    ASSERT_EQ(2u, heard.found.size());
+    EXPECT_TRUE(heard.found[1].flaw == Flaw::kNotWellFormed && heard.found[1].line == 3);
+}
+
 TEST_F(MappingTest, SavesTheSameBytesOnEverySystem) {
     Mapping mapping = Load(R"(<x><var twr="13" dfw="HDG"/><var twr="13" dfw="12" boat="2"/>)"
                            R"(<remote twr="117" remote="1"/><remote twr="117" remote="3" damp="true" boat="2"/></x>)");

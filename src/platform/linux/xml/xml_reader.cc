@@ -41,6 +41,8 @@ public:
         return true;
     }
 
+    std::optional<XmlFault> Fault() const override { return fault_; }
+
 private:
     void Begin(std::string_view firstBytes) {
         parser_ = XML_ParserCreateNS(MarkedEncoding(firstBytes), kSeparator);
@@ -60,7 +62,16 @@ private:
         if (!parser_) Begin({chunk, filled});
         read_ += filled;
         const bool last = filled < sizeof chunk;
-        ended_ = !parser_ || XML_Parse(parser_, chunk, static_cast<int>(filled), last) != XML_STATUS_OK || last || IsBeyondReason();
+        const bool sound = parser_ && XML_Parse(parser_, chunk, static_cast<int>(filled), last) == XML_STATUS_OK;
+        ended_ = !sound || last || IsBeyondReason();
+        if (parser_ && ended_ && !(sound && last)) NoteFault();
+    }
+
+    void NoteFault() {
+        const XML_Error error = XML_GetErrorCode(parser_);
+        const bool ours = error == XML_ERROR_NONE || error == XML_ERROR_ABORTED;
+        fault_ = {XML_GetCurrentLineNumber(parser_), XML_GetCurrentColumnNumber(parser_) + 1,
+                  ours ? u"a document type declaration, or too large" : FromUtf8(XML_ErrorString(error))};
     }
 
     // The parser keeps unfinished input in memory.
@@ -73,6 +84,7 @@ private:
         auto* const self = static_cast<ExpatReader*>(reader);
         if (++self->depth_ > kDeepestElement) return static_cast<void>(XML_StopParser(self->parser_, XML_FALSE));
         XmlElement& element = self->elements_.emplace_back();
+        element.line = XML_GetCurrentLineNumber(self->parser_);
         element.name = LocalName(name);
         for (; *attributes; attributes += 2) element.attributes.push_back({LocalName(attributes[0]), FromUtf8(attributes[1])});
     }
@@ -86,6 +98,7 @@ private:
     const std::unique_ptr<ByteSource> source_;
     XML_Parser parser_ = nullptr;
     std::deque<XmlElement> elements_;
+    std::optional<XmlFault> fault_;
     std::size_t read_ = 0;  // bytes
     int depth_ = 0;
     bool ended_ = false;

@@ -30,20 +30,42 @@ constexpr std::string_view kFault = "\"'-->]]>?></>                ";
 // XmlLite finds every fault by itself on Windows; Wine's misses some.
 class LiteReader : public XmlReader {
 public:
-    explicit LiteReader(ComPtr<IXmlReader> reader) : reader_(std::move(reader)) {}
+    // `end` is where the document ends, or has a fault that shows in its characters if it is not `whole`.
+    LiteReader(ComPtr<IXmlReader> reader, XmlFault end, bool whole)
+        : reader_(std::move(reader)), end_(std::move(end)), whole_(whole) {}
 
     bool Next(XmlElement& element) override {
         XmlNodeType node = XmlNodeType_None;
         while (!ended_) {
             ended_ = reader_->Read(&node) != S_OK || (node == XmlNodeType_Element && !TakeElement(element));
+            if (node == XmlNodeType_EndElement) --depth_;
             if (!ended_ && node == XmlNodeType_Element) return true;
         }
         return false;
     }
 
+    // What is appended to a sound document is always a fault, but behind its end.
+    std::optional<XmlFault> Fault() const override {
+        if (!ended_) return std::nullopt;
+        const XmlFault at = Position();
+        const bool before = at.line < end_.line || (at.line == end_.line && at.column < end_.column);
+        if (before) return at;
+        return whole_ && found_ && depth_ == 0 ? std::nullopt : std::optional(end_);
+    }
+
 private:
+    XmlFault Position() const {
+        UINT line = 0, column = 0;
+        reader_->GetLineNumber(&line);
+        reader_->GetLinePosition(&column);
+        return {line, column, {}};
+    }
+
     // False if the element has a prefix without a name space or an attribute twice.
     bool TakeElement(XmlElement& element) {
+        found_ = true;
+        if (!reader_->IsEmptyElement()) ++depth_;
+        element.line = Position().line;
         element.attributes.clear();
         qualifiedNames_.clear();
         if (!TakeName(element.name)) return false;
@@ -77,16 +99,28 @@ private:
     }
 
     ComPtr<IXmlReader> reader_;
+    const XmlFault end_;
+    const bool whole_;
+    int depth_ = 0;
+    bool found_ = false;                          // an element
     std::vector<std::u16string> qualifiedNames_;  // of the attributes of the element at hand
     bool ended_ = false;
 };
+
+// The place behind a text.
+XmlFault EndOf(std::u16string_view text) {
+    const auto lines = static_cast<std::size_t>(std::ranges::count(text, u'\n'));
+    return {lines + 1, text.size() - (text.rfind(u'\n') + 1) + 1, {}};  // the last line starts at 0 if it is the only one
+}
 
 // XmlLite knows other encodings than UTF-8 and UTF-16 on some machines only, and Wine's fails in UTF-16 beyond some thousand
 // characters; so it always gets UTF-8. The mark is for Wine's, which otherwise rejects blanks before the first element.
 std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
     const auto source = MakeFiles({})->Open(path);
     if (!source) return nullptr;
-    const std::string document = "\xEF\xBB\xBF" + ToUtf8(WellFormedPrefix(DecodeXml(Contents(*source)))).append(kFault);
+    const std::u16string text = DecodeXml(Contents(*source));
+    const std::u16string_view sound = WellFormedPrefix(text);
+    const std::string document = "\xEF\xBB\xBF" + ToUtf8(sound).append(kFault);
     const ComPtr<IStream> stream(
         SHCreateMemStream(reinterpret_cast<const BYTE*>(document.data()), static_cast<UINT>(document.size())));
     ComPtr<IXmlReader> reader;
@@ -96,7 +130,7 @@ std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
         return nullptr;
     }
     reader->SetProperty(XmlReaderProperty_MaxElementDepth, kDeepestElement);  // in place of its 256
-    return std::make_unique<LiteReader>(std::move(reader));
+    return std::make_unique<LiteReader>(std::move(reader), EndOf(sound), sound.size() == text.size());
 }
 
 class WindowsXml final : public Xml {
