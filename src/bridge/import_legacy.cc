@@ -13,6 +13,7 @@ void CHalyrig32Dlg::OnImportLegacy() {
     if (answer != BoxAnswer::kYes) return;
     if (ImportLegacyVars()) {
         ImportLegacyRemotes();
+        NoteMapping();
         SaveMapping(services_.files, services_.xml, MappingPath(), mapping_);
         return;
     }

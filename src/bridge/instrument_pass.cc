@@ -38,7 +38,7 @@ float MagneticBearing(float trueBearing, double variation) {
     return static_cast<float>(bearing);
 }
 
-InstrumentPass::InstrumentPass(CCore& core, const Clock& clock) : core_(core), clock_(clock) {
+InstrumentPass::InstrumentPass(CCore& core, const Clock& clock, float* readings) : core_(core), clock_(clock), readings_(readings) {
     sentTime_.fill(0.0);
     sentValue_.fill(kNoValue);
 }
@@ -62,6 +62,7 @@ void InstrumentPass::ReadRows(UsrRead read, std::span<const MappingVar> rows, co
         if (!positionFromDeckman && FollowsPositionSource(channel)) continue;
         float reading = 0.0f;
         read(row.dfwId, &reading);
+        if (readings_) Put(readings_[channel], reading);
         units.variation = OwnVariation(*core_.View());  // an earlier row may have published it
         const double value = InstrumentValue(channel, reading, units);
         if (value == sentValue_[channel] && std::fabs(now - sentTime_[channel]) <= kRepeatAfter) continue;

@@ -25,7 +25,8 @@ float MagneticBearing(float trueBearing, double variation);
 
 class InstrumentPass {
 public:
-    InstrumentPass(CCore& core, const Clock& clock);
+    // `readings`, if given, has a place for each channel, in which the last reading of Deckman is noted for other processes.
+    InstrumentPass(CCore& core, const Clock& clock, float* readings = nullptr);
 
     // Publishes every mapped variable that has changed or was last published more than a second ago, the position where Deckman is
     // its source, and the moment of the gun while variable `timer` counts down (-1 if there is no such variable). The record must
@@ -44,6 +45,7 @@ private:
 
     CCore& core_;
     const Clock& clock_;
+    float* const readings_;
     std::array<double, kChannelCount> sentTime_;   // days, per channel: its last publication
     std::array<double, kChannelCount> sentValue_;  // per channel: the value last published
     double lastTimer_ = kNoTimer;                  // seconds to the gun

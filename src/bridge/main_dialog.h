@@ -12,6 +12,7 @@
 #include "mapping/mapping_rows.h"
 #include "mapping/variable_file.h"
 #include "platform/system.h"
+#include "status/bridge_status.h"
 
 namespace twr {
 
@@ -41,6 +42,7 @@ private:
     void ReloadMapping();
     void FindVariableFile();
     void LoadMapping();
+    void NoteMapping();  // for other processes
     std::u16string MappingPath();
 
     // Reloads the mapping when the record names another data folder than the one that it was loaded from.
@@ -70,6 +72,7 @@ private:
     DeckmanCatalogue catalogue_;
     Mapping mapping_;
     std::u16string mappingFolder_;  // the data folder that mapping_ was loaded from
+    BridgeStatusWriter status_;
     InstrumentPass instruments_;
     RemotePass remotes_;
 };

@@ -2,8 +2,10 @@
 #pragma once
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/core.h"
+#include "status/bridge_status.h"
 
 namespace twr {
 
@@ -19,8 +21,9 @@ struct ChannelReading {
 
 // What a reading depends on besides the record.
 struct Circumstances {
-    double now;        // days
-    bool degreesTrue;  // Deckman's bearings are true, as far as is known
+    double now;                                      // days
+    const std::optional<BridgeStatus>& bridge = {};  // nullopt if the bridge is not running
+    std::string_view mappingFaults = {};             // what the bridge passes over in its mapping; empty if nothing is known
 };
 
 // An alternating channel is read as the one that it stands for.

@@ -3,13 +3,13 @@
 #include <string>
 #include <vector>
 
-#include "config/bridge_settings.h"
 #include "core/days.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/json.h"
+#include "halyrigctl/mapping_faults.h"
 #include "halyrigctl/screen.h"
 
 namespace twr {
@@ -95,7 +95,9 @@ Status GetChannelValues(System& system, const GetOptions& options) {
     if (!guest) return kFailed;
     Console& console = system.GetConsole();
     const CoreServices services = system.Core();
-    const Circumstances circumstances{UtcNowDays(services.clock), ReadSettings(services.registry).degreesTrue};
+    const auto bridge = ReadBridgeStatus(services.memory);
+    const std::string faults = bridge ? MappingFaults(services, guest.Record(), *bridge) : "";
+    const Circumstances circumstances{UtcNowDays(services.clock), bridge, faults};
     std::vector<Found> all;
     for (const std::string& typed : options.channels) {
         const auto channel = FindChannel(guest.Core(), typed);

@@ -4,6 +4,7 @@
 
 #include "core/instrument_channels.h"
 #include "core/record_access.h"
+#include "halyrigctl/say.h"
 
 namespace twr {
 namespace {
@@ -35,14 +36,37 @@ std::string PositionNote(const CoreRecord& record, ChannelId channel) {
            std::to_string(Load(record.sysInt[kIntPositionSource]));
 }
 
-// The user may have set the bridge to true bearings since it last saved its settings.
+std::string Number(double number) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.10g", number);
+    return text;
+}
+
+// How far the way of a value from Deckman to the record leads: the first link that is broken.
+std::string WhyNeverPublished(const BridgeStatus* bridge, std::string_view mappingFaults) {
+    if (!bridge) return "the bridge is not running; start " HALYRIG_PROGRAM;
+    const std::string folder = Harmless(bridge->settings.dfwFolder);
+    if (!bridge->library.loaded)
+        return "the bridge could not load Deckman's library from the Dfw folder " + folder + "; choose Deckman's own folder";
+    if (!bridge->library.read) return "the library in " + folder + " has no function Usr_Read, so it is not Deckman's";
+    if (bridge->mapping.variables == 0)
+        return "there is no file of variables (Data/J_vars06.d) with a variable in the Dfw folder " + folder;
+    const std::string faults = mappingFaults.empty() ? "" : " (" + std::string(mappingFaults) + ")";
+    if (bridge->mapping.varRows == 0)
+        return "no line of the mapping (halyrig.xml in the folder instruments of the data folder) names a variable of Deckman" +
+               faults;
+    return "no line of the mapping (halyrig.xml) feeds it" + faults;
+}
+
 std::string WhyEmpty(const CoreRecord& record, const MissingChannel& missing) {
-    const std::string plain = "its source gives no value, or one outside the channel's range";
-    if (!IsInstrumentBearing(missing.channel) || KnowsVariation(record)) return plain;
-    if (missing.degreesTrue) {
+    const float reading = missing.bridge ? missing.bridge->readings[missing.channel] : kNoReading;
+    if (reading == kNoReading) return "its source gives no value, or one outside the channel's range";
+    if (IsInstrumentBearing(missing.channel) && missing.bridge->settings.degreesTrue && !KnowsVariation(record))
         return "Deckman's bearings are taken as true, and there is no variation (MagVar, channel 93) to make this one magnetic";
-    }
-    return plain + "; or Deckman's bearings are taken as true, and there is no variation (MagVar, channel 93)";
+    if (static_cast<double>(reading) == kNoValue) return "Deckman gives no value for it";
+    const ChannelInfo& info = ChannelCatalogue()[missing.channel];
+    return "Deckman gives " + Number(reading) + ", outside the channel's range of " + std::to_string(info.min) + " to " +
+           std::to_string(info.max);
 }
 
 }  // namespace
@@ -59,7 +83,7 @@ std::string WhyMissing(CCore& core, const MissingChannel& missing) {
         return "the channel is held: another program of the suite has stopped new values for it (system flag 52)";
     const std::string note = PositionNote(record, channel);
     if (!missing.age)
-        return "it was never published" + (note.empty() ? ": no source is mapped to it, or the source has sent no value" : note);
+        return "it was never published" + (note.empty() ? ": " + WhyNeverPublished(missing.bridge, missing.mappingFaults) : note);
     if (!missing.stored) return WhyEmpty(record, missing);
     if (missing.limit > 0 && *missing.age > missing.limit) {
         return "it is stale: last published " + Seconds(*missing.age) + " ago, and the limit is " + std::to_string(missing.limit) +

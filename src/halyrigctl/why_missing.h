@@ -2,8 +2,10 @@
 #pragma once
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/core.h"
+#include "status/bridge_status.h"
 
 namespace twr {
 
@@ -11,10 +13,11 @@ namespace twr {
 struct MissingChannel {
     ChannelId channel;  // not an alternating one
     BoatSlot boat;
-    bool stored;                // its entry holds a value, even so
-    std::optional<double> age;  // seconds since the last publication; nullopt if it was never published
-    std::int32_t limit;         // seconds after which a value is stale; 0 or less for never
-    bool degreesTrue;           // Deckman's bearings are true, as far as is known
+    bool stored;                          // its entry holds a value, even so
+    std::optional<double> age;            // seconds since the last publication; nullopt if it was never published
+    std::int32_t limit;                   // seconds after which a value is stale; 0 or less for never
+    const BridgeStatus* bridge;           // nullptr if the bridge is not running
+    std::string_view mappingFaults = {};  // what the bridge passes over in its mapping; empty if nothing is known
 };
 
 // The first reason that applies, in the order in which a value is processed.

@@ -1,6 +1,7 @@
 // What every host of the dialog can rely on. The tests of a host show that it passes on what its user does.
 #include "bridge/about.h"
 #include "bridge_fixture.h"
+#include "status/bridge_status.h"
 
 namespace twr::testing {
 namespace {
@@ -8,7 +9,10 @@ namespace {
 using R = RecordBytes;
 using Reads = std::vector<int>;
 
-class DialogTest : public BridgeTest {};
+class DialogTest : public BridgeTest {
+protected:
+    std::optional<BridgeStatus> Status() { return ReadBridgeStatus(machine.Core().memory); }
+};
 
 TEST_F(DialogTest, OpensWithTheStoredSettingsAndSavesWhatItShows) {
     const std::tuple<std::u16string_view, int, bool Settings::*> boxes[] = {{u"DfwTags", kNamesCheck, &Settings::sendNames},
@@ -196,14 +200,22 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
         EXPECT_EQ((Reads{20, 50}), TickReads()) << "the name has found its new number";
         EXPECT_EQ((std::vector<std::string>{"3=6.00", "3=6.00"}), deckman.sent) << "all is sent once more";
         EXPECT_EQ(1.0, record.F64(R::SysValue(36))) << "the first reading of the timer sets no gun";
+        const auto status = Status();
+        EXPECT_EQ(second, status->settings.dfwFolder);
+        EXPECT_TRUE(status->settings.useTimer && status->library.read && status->library.setName);
+        EXPECT_TRUE(status->mapping.variables == 1 && status->mapping.timer == 50 && status->mapping.varRows == 1 &&
+                    status->mapping.remoteRows == 1);
+        EXPECT_TRUE(status->readings[kBsp] == 6.0f && status->readings[kHdg] == kNoReading);
         host.PickFolder(test.folder.File("nowhere"));
         EXPECT_EQ(0, deckman.loaded);
         EXPECT_EQ(Reads{}, TickReads()) << "idle without a library";
         EXPECT_TRUE(host.boxes.empty()) << "and silent";
+        EXPECT_TRUE(!Status()->library.loaded && Status()->ticks > status->ticks) << "but for other processes";
         host.PickFolder(test.folder.File("Deckman"));
         EXPECT_EQ((Reads{12, 50}), TickReads());
     });
     EXPECT_EQ(0, deckman.loaded) << "freed at the end";
+    EXPECT_FALSE(Status()) << "it doesn't run";
 }
 
 TEST_F(DialogTest, ItFollowsTheDataFolderOfTheRecord) {

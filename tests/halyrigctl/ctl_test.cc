@@ -4,12 +4,14 @@
 #include <iterator>
 #include <sstream>
 
+#include "base/wide_text.h"
 #include "config/bridge_settings.h"
 #include "core/core.h"
 #include "core/days.h"
 #include "displays/displays.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/commands.h"
+#include "status/bridge_status.h"
 #include "support/record_bytes.h"
 #include "support/test_system.h"
 
@@ -222,7 +224,7 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
     suite->SetChannel(kHdg, 2, 90.0, UtcNowDays(Core().clock) - 70.0 / 86400);
     Record().Set<std::uint32_t>(RecordBytes::Boat(2) + 72, 211234560);
     Record().Set<std::int32_t>(RecordBytes::Boat(2), 60);
-    ExpectSaid(1, {{"get bsp", {"never published: no source"}},
+    ExpectSaid(1, {{"get bsp", {"never published: the bridge"}},
                    {"get sog", {"(Sys_i6) is 3, and it is 6"}},
                    {"get rot --boat 5", {"no place"}},
                    {"get tws", {"gives no value"}},
@@ -239,20 +241,42 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
                    {"get 120 --json", {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}}});
 }
 
-TEST_F(CtlTest, NamesWhatElseKeepsABearingOrAPositionSilent) {
+TEST_F(CtlTest, NamesTheFirstBrokenLinkBetweenDeckmanAndTheRecord) {
     StartSuite();
     Publish(kTwd, kNoValue);
     Publish(kLat, 50.0, 20.0);
-    ExpectSaid(1,
-               {{"get twd", {"gives no value, or one outside the channel's range; or Deckman's bearings are taken as true, and"}},
-                {"get lat", {"limit is 10 s; position", "(Sys_i6) is 3, and it is 6"}}});
-    WriteSettings(Core().registry, {.degreesTrue = true});
+    ExpectSaid(1, {{"get twd", {"gives no value, or one outside the channel's range\n"}},
+                   {"get lat", {"limit is 10 s; position", "(Sys_i6) is 3, and it is 6"}},
+                   {"get bsp", {"never published: the bridge is not running; start " HALYRIG_PROGRAM}}});
     Record().SetInt(6, 3);
-    ExpectSaid(1, {{"get twd", {"no value: Deckman's bearings are taken as true, and there is no variation (MagVar, channel 93)"}},
-                   {"get lat", {"limit is 10 s\n"}},
-                   {"get lon", {"never published: no source"}}});
-    Publish(kMagVar, 4.0);
-    ExpectSaid(1, {{"get twd", {"outside the channel's range\n"}}});
+    BridgeStatusWriter bridge(Core().memory, Core().clock);
+    std::string expected;
+    const auto reads = [&](float value) { bridge.Readings()[kTwd] = value; };
+    const std::tuple<const char*, std::function<void()>, const char*> rows[] = {
+        {"get lon", [&] { bridge.LibraryLoaded(u"/dfw", {}); },
+         "could not load Deckman's library from the Dfw folder /dfw; choose"},
+        {"get lon", [&] { bridge.LibraryLoaded(u"/dfw", {.loaded = true}); }, "has no function Usr_Read"},
+        {"get lon", [&] { bridge.LibraryLoaded(u"/dfw", {.loaded = true, .read = true}); }, "no file of variables"},
+        {"get lon", [&] { bridge.MappingLoaded({.variables = 3}); }, "no line of the mapping (halyrig.xml in the folder"},
+        {"get lon", [&] { bridge.MappingLoaded({.variables = 3, .varRows = 1}); }, "no line of the mapping (halyrig.xml) feeds it"},
+        {"get lon",
+         [&] {
+             const std::u16string mapping =
+                 test.folder.Write("ProgramData/Tidewright/instruments/halyrig.xml",
+                                   "<x>\n<var twr='1' dfw='hdg'/><var twr='2'/>\n<var twr='414' dfw='9'/>");
+             expected = "(halyrig.xml) feeds it (" + ToUtf8(mapping) +
+                        ":2: Deckman's list has no variable hdg; capitals count, and 3 more faults)";
+         },
+         ""},
+        {"get lat", [] {}, "limit is 10 s\n"},
+        {"get twd", [&] { reads(400.0f); }, "Deckman gives 400, outside the channel's range of 0 to 360"},
+        {"get twd", [&] { reads(32767.0f); }, "Deckman gives no value for it"},
+        {"get twd", [&] { bridge.Ticked({.degreesTrue = true}); }, "taken as true, and there is no variation (MagVar, channel 93)"},
+        {"get twd", [&] { Publish(kMagVar, 4.0); }, "Deckman gives no value for it"}};
+    for (const auto& [command, change, said] : rows) {
+        change();
+        ExpectIn(Said(command, 1), {*said ? said : expected.c_str()});
+    }
 }
 
 TEST_F(CtlTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
