@@ -242,6 +242,8 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
 }
 
 TEST_F(CtlTest, NamesTheFirstBrokenLinkBetweenDeckmanAndTheRecord) {
+    constexpr const char* kMapping = "ProgramData/Tidewright/instruments/halyrig.xml";
+    test.folder.Write(kMapping, "<x/>");
     StartSuite();
     Publish(kTwd, kNoValue);
     Publish(kLat, 50.0, 20.0);
@@ -262,8 +264,7 @@ TEST_F(CtlTest, NamesTheFirstBrokenLinkBetweenDeckmanAndTheRecord) {
         {"get lon",
          [&] {
              const std::u16string mapping =
-                 test.folder.Write("ProgramData/Tidewright/instruments/halyrig.xml",
-                                   "<x>\n<var twr='1' dfw='hdg'/><var twr='2'/>\n<var twr='414' dfw='9'/>");
+                 test.folder.Write(kMapping, "<x>\n<var twr='1' dfw='hdg'/><var twr='2'/>\n<var twr='414' dfw='9'/>");
              expected = "(halyrig.xml) feeds it (" + ToUtf8(mapping) +
                         ":2: Deckman's list has no variable hdg; capitals count, and 3 more faults)";
          },
