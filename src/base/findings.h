@@ -13,7 +13,7 @@ enum class Flaw {
     kUnknownAttribute,  // text: its name
     kNotANumber,        // text: name="value"; the attribute counts as missing
 
-    // Lines of a mapping, in XML or comma-separated.
+    // The mapping.
     kChannelMissing,   // the line names none
     kNoSuchChannel,    // text: its number
     kNoSuchBoat,       // text: its number

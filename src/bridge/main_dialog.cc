@@ -30,7 +30,7 @@ CHalyrig32Dlg::CHalyrig32Dlg(System& system)
       executable_(system.GetExecutable()),
       library_(system.GetLibraries()),
       core_(services_),
-      status_(services_.memory, services_.clock),
+      status_(services_.memory),
       instruments_(core_, services_.clock, status_.Readings()),
       remotes_(core_) {}
 
@@ -51,9 +51,9 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
     }
     if (id != timerId_ || !core_.View()) return;
     FollowDataFolder();
-    ReadBoxes();
-    status_.Ticked(settings_);
     if (!library_) return;
+    ReadBoxes();
+    status_.BoxesInForce(settings_);
     ReadInstruments();
     WriteRemotes();  // sees what has just been published
 }
@@ -79,11 +79,7 @@ void CHalyrig32Dlg::OnFolderChange() {
 void CHalyrig32Dlg::LoadDfwLibrary() {
     if (library_) UnloadDfwLibrary();
     library_.Load(settings_.dfwFolder);
-    status_.LibraryLoaded(settings_.dfwFolder, {.loaded = bool(library_),
-                                                .read = library_.fnRead != nullptr,
-                                                .getPosition = library_.fnGetPosition != nullptr,
-                                                .setData = library_.fnSetISData != nullptr,
-                                                .setName = library_.fnSetISName != nullptr});
+    status_.LibraryLoaded(settings_.dfwFolder, {.loaded = bool(library_), .reads = library_.fnRead != nullptr});
 }
 
 void CHalyrig32Dlg::UnloadDfwLibrary() {
@@ -109,9 +105,7 @@ void CHalyrig32Dlg::LoadMapping() {
 
 void CHalyrig32Dlg::NoteMapping() {
     status_.MappingLoaded({.variables = static_cast<std::int32_t>(catalogue_.rows.size()),
-                           .timer = catalogue_.timerVariableId,
-                           .varRows = static_cast<std::int32_t>(mapping_.varRows.size()),
-                           .remoteRows = static_cast<std::int32_t>(mapping_.remoteRows.size())});
+                           .varRows = static_cast<std::int32_t>(mapping_.varRows.size())});
 }
 
 // A bridge that joins a record still being filled finds no data folder, or the default, and loads from there; its creator names the

@@ -50,8 +50,8 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, const 
     core.GetFreshChannel(resolved, shown, boat, false, Load(record.sysFlag[kFlagMagnetic]) != 0, kNoValue);
     reading.text = core.ChannelText(resolved, shown);
     if (shown == kNoValue) {
-        reading.missing = WhyMissing(core, {source, boat, stored != kNoValue, reading.age, reading.limit,
-                                            circumstances.bridge ? &*circumstances.bridge : nullptr, circumstances.mappingFaults});
+        reading.missing = WhyMissing(core, {source, boat, stored != kNoValue, reading.age, reading.limit, circumstances.bridge,
+                                            circumstances.mappingFaults});
         return reading;
     }
     reading.value = stored;

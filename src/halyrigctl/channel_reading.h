@@ -1,5 +1,6 @@
 // One channel of one boat as its user would see it, and why it has no value.
 #pragma once
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,9 +22,9 @@ struct ChannelReading {
 
 // What a reading depends on besides the record.
 struct Circumstances {
-    double now;                                      // days
-    const std::optional<BridgeStatus>& bridge = {};  // nullopt if the bridge is not running
-    std::string_view mappingFaults = {};             // what the bridge passes over in its mapping; empty if nothing is known
+    double now;                                                                 // days
+    const BridgeStatus* bridge = nullptr;                                       // nullptr if it is not running
+    std::function<std::string()> mappingFaults = [] { return std::string(); };  // as MappingFaults gives them
 };
 
 // An alternating channel is read as the one that it stands for.

@@ -96,8 +96,9 @@ Status GetChannelValues(System& system, const GetOptions& options) {
     Console& console = system.GetConsole();
     const CoreServices services = system.Core();
     const auto bridge = ReadBridgeStatus(services.memory);
-    const std::string faults = bridge ? MappingFaults(services, guest.Record(), *bridge) : "";
-    const Circumstances circumstances{UtcNowDays(services.clock), bridge, faults};
+    const Circumstances circumstances{.now = UtcNowDays(services.clock),
+                                      .bridge = bridge ? &*bridge : nullptr,
+                                      .mappingFaults = [&] { return MappingFaults(services, guest.Record(), *bridge); }};
     std::vector<Found> all;
     for (const std::string& typed : options.channels) {
         const auto channel = FindChannel(guest.Core(), typed);

@@ -18,7 +18,7 @@ std::vector<ChannelLine> ReadChannels(CCore& core, double now) {
     std::vector<ChannelLine> lines;
     for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
         if (Load(core.View()->fullBlocks[0].time[channel]) == 0.0) continue;
-        const ChannelReading reading = ReadChannel(core, channel, 0, {.now = now, .bridge = {}});
+        const ChannelReading reading = ReadChannel(core, channel, 0, {.now = now});
         lines.push_back({channel, Harmless(core.ChannelName(channel)), Harmless(reading.text), ToUtf8(reading.textUnit),
                          reading.age.value_or(0.0), reading.missing.empty()});
     }

@@ -43,15 +43,19 @@ std::string Number(double number) {
 }
 
 // How far the way of a value from Deckman to the record leads: the first link that is broken.
-std::string WhyNeverPublished(const BridgeStatus* bridge, std::string_view mappingFaults) {
+std::string WhyNeverPublished(const MissingChannel& missing) {
+    const BridgeStatus* const bridge = missing.bridge;
     if (!bridge) return "the bridge is not running; start " HALYRIG_PROGRAM;
     const std::string folder = Harmless(bridge->settings.dfwFolder);
     if (!bridge->library.loaded)
         return "the bridge could not load Deckman's library from the Dfw folder " + folder + "; choose Deckman's own folder";
-    if (!bridge->library.read) return "the library in " + folder + " has no function Usr_Read, so it is not Deckman's";
+    if (missing.channel == kLat || missing.channel == kLon)
+        return "the library in " + folder + " has no function Usr_GetPosition, which gives the position";
+    if (!bridge->library.reads) return "the library in " + folder + " has no function Usr_Read, so it is not Deckman's";
     if (bridge->mapping.variables == 0)
         return "there is no file of variables (Data/J_vars06.d) with a variable in the Dfw folder " + folder;
-    const std::string faults = mappingFaults.empty() ? "" : " (" + std::string(mappingFaults) + ")";
+    std::string faults = missing.mappingFaults();
+    if (!faults.empty()) faults = " (" + faults + ")";
     if (bridge->mapping.varRows == 0)
         return "no line of the mapping (halyrig.xml in the folder instruments of the data folder) names a variable of Deckman" +
                faults;
@@ -60,11 +64,14 @@ std::string WhyNeverPublished(const BridgeStatus* bridge, std::string_view mappi
 
 std::string WhyEmpty(const CoreRecord& record, const MissingChannel& missing) {
     const float reading = missing.bridge ? missing.bridge->readings[missing.channel] : kNoReading;
-    if (reading == kNoReading) return "its source gives no value, or one outside the channel's range";
+    const std::string unknown = "its source gives no value, or one outside the channel's range";
+    if (reading == kNoReading) return unknown;
     if (IsInstrumentBearing(missing.channel) && missing.bridge->settings.degreesTrue && !KnowsVariation(record))
         return "Deckman's bearings are taken as true, and there is no variation (MagVar, channel 93) to make this one magnetic";
     if (static_cast<double>(reading) == kNoValue) return "Deckman gives no value for it";
     const ChannelInfo& info = ChannelCatalogue()[missing.channel];
+    if (reading >= info.min && reading <= info.max)
+        return unknown;  // another program, or a line for another boat, gave the last one
     return "Deckman gives " + Number(reading) + ", outside the channel's range of " + std::to_string(info.min) + " to " +
            std::to_string(info.max);
 }
@@ -82,8 +89,7 @@ std::string WhyMissing(CCore& core, const MissingChannel& missing) {
     if (IsHeld(record, channel))
         return "the channel is held: another program of the suite has stopped new values for it (system flag 52)";
     const std::string note = PositionNote(record, channel);
-    if (!missing.age)
-        return "it was never published" + (note.empty() ? ": " + WhyNeverPublished(missing.bridge, missing.mappingFaults) : note);
+    if (!missing.age) return "it was never published" + (note.empty() ? ": " + WhyNeverPublished(missing) : note);
     if (!missing.stored) return WhyEmpty(record, missing);
     if (missing.limit > 0 && *missing.age > missing.limit) {
         return "it is stale: last published " + Seconds(*missing.age) + " ago, and the limit is " + std::to_string(missing.limit) +

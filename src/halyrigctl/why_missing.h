@@ -1,8 +1,8 @@
 // Why a channel shows no value.
 #pragma once
+#include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "core/core.h"
 #include "status/bridge_status.h"
@@ -13,11 +13,11 @@ namespace twr {
 struct MissingChannel {
     ChannelId channel;  // not an alternating one
     BoatSlot boat;
-    bool stored;                          // its entry holds a value, even so
-    std::optional<double> age;            // seconds since the last publication; nullopt if it was never published
-    std::int32_t limit;                   // seconds after which a value is stale; 0 or less for never
-    const BridgeStatus* bridge;           // nullptr if the bridge is not running
-    std::string_view mappingFaults = {};  // what the bridge passes over in its mapping; empty if nothing is known
+    bool stored;                                        // its entry holds a value, even so
+    std::optional<double> age;                          // seconds since the last publication; nullopt if it was never published
+    std::int32_t limit;                                 // seconds after which a value is stale; 0 or less for never
+    const BridgeStatus* bridge;                         // nullptr if the bridge is not running
+    const std::function<std::string()>& mappingFaults;  // as MappingFaults gives them; asked only if that is the reason
 };
 
 // The first reason that applies, in the order in which a value is processed.

@@ -5,61 +5,51 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "config/bridge_settings.h"
 #include "core/channel_catalogue.h"
-#include "platform/clock.h"
 #include "platform/shared_memory.h"
 
 namespace twr {
 
-// Which of the library's functions were found.
-struct LibraryParts {
+struct LibraryState {
     bool loaded = false;
-    bool read = false, getPosition = false, setData = false, setName = false;
+    bool reads = false;  // it has Usr_Read
 };
 
 // What came of the last load of Deckman's variables and the mapping.
 struct LoadedMapping {
     std::int32_t variables = 0;  // TIMER not counted
-    std::int32_t timer = -1;     // the number of TIMER, -1 if there is none
     std::int32_t varRows = 0;
-    std::int32_t remoteRows = 0;
-};
-
-// One look at a running bridge.
-struct BridgeStatus {
-    double startedAt = 0.0;      // days
-    double mappingReadAt = 0.0;  // days
-    double tickedAt = 0.0;       // days, 0 before the first tick
-    std::uint32_t ticks = 0;     // since the start
-    Settings settings;           // in force, saved or not; of the folder as much as 1023 characters
-    LibraryParts library;
-    LoadedMapping mapping;
-    std::array<float, kChannelCount> readings{};  // per channel: what Deckman gave last; kNoReading before the first reading
 };
 
 // No variable of an instrument gives it.
 inline constexpr float kNoReading = -3.4e38f;
+
+// One look at a running bridge.
+struct BridgeStatus {
+    Settings settings;  // in force, saved or not; at most 1023 characters of the folder
+    LibraryState library;
+    LoadedMapping mapping;
+    std::array<float, kChannelCount> readings{};  // per channel: what Deckman gave last; kNoReading before the first reading
+};
 
 struct StatusBlock;
 
 // The bridge's side. Without a block every operation does nothing.
 class BridgeStatusWriter {
 public:
-    BridgeStatusWriter(SharedMemory& memory, const Clock& clock);
+    explicit BridgeStatusWriter(SharedMemory& memory);
 
-    void LibraryLoaded(std::u16string_view dfwFolder, const LibraryParts& library);
-    void MappingLoaded(const LoadedMapping& mapping);  // forgets the readings
-    void Ticked(const Settings& settings);
+    void LibraryLoaded(std::u16string_view dfwFolder, LibraryState library);
+    void MappingLoaded(LoadedMapping mapping);  // forgets the readings
+    void BoxesInForce(const Settings& settings);
 
     // Where each channel's last reading is noted; nullptr without a block.
     float* Readings() const;
 
 private:
-    const Clock& clock_;
     std::unique_ptr<SharedBlock> memory_;
     StatusBlock* block_ = nullptr;
 };
