@@ -3,6 +3,7 @@
 #include "base/wide_text.h"
 #include "bridge/about.h"
 #include "bridge/controls.h"
+#include "core/days.h"
 #include "mapping/mapping_file.h"
 #include "platform/paths.h"
 
@@ -50,6 +51,7 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
         return;
     }
     if (id != timerId_ || !core_.View()) return;
+    status_.Ticked();
     FollowDataFolder();
     if (!library_) return;
     ReadBoxes();
@@ -105,7 +107,8 @@ void CHalyrig32Dlg::LoadMapping() {
 
 void CHalyrig32Dlg::NoteMapping() {
     status_.MappingLoaded({.variables = static_cast<std::int32_t>(catalogue_.rows.size()),
-                           .varRows = static_cast<std::int32_t>(mapping_.varRows.size())});
+                           .varRows = static_cast<std::int32_t>(mapping_.varRows.size()),
+                           .readAt = UtcNowDays(services_.clock)});
 }
 
 // A bridge that joins a record still being filled finds no data folder, or the default, and loads from there; its creator names the

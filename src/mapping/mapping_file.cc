@@ -115,8 +115,10 @@ Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<Mappin
                 continue;
             }
             BindVariable(row, *variable);
+            row.line = element.line;
             mapping.varRows.push_back(row);
         } else if (MappingRemote remote; ParseRemoteElement(element, remote, place)) {
+            remote.line = element.line;
             mapping.remoteRows.push_back(remote);
         } else if (!first && !IsMappingElement(element)) {
             place.Report(Flaw::kUnknownElement, element.name);

@@ -1,5 +1,6 @@
 // The mapping: which Deckman variable feeds which channel, and which channel feeds which of Deckman's remotes.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -18,6 +19,7 @@ struct MappingVar {
     std::int32_t dfwColumn6 = 0;
     std::u16string dfwName;  // at most 15 characters once it comes from Deckman's file
     std::u16string dfwColumn3;
+    std::size_t line = 0;  // of the file that it was read from, from 1
 };
 
 // One channel that feeds one remote.
@@ -29,6 +31,7 @@ struct MappingRemote {
 
     std::int32_t lastChannel = kNoInt;  // the channel whose name the remote last received
     double lastValue = kNoValue;        // the value last sent
+    std::size_t line = 0;               // as above
 };
 
 struct Mapping {

@@ -12,7 +12,9 @@ struct StatusBlock {
     std::uint32_t filled;  // 1 once all else stands
     std::uint8_t sendNames, degreesTrue, depthInFeet, useTimer;
     std::uint8_t loaded, reads;
+    std::uint32_t ticks;
     std::int32_t variables, varRows;
+    double readAt;
     float readings[kChannelCount];
     char16_t dfwFolder[1024];
 };
@@ -53,6 +55,7 @@ void BridgeStatusWriter::MappingLoaded(LoadedMapping mapping) {
     for (float& reading : block_->readings) Put(reading, kNoReading);
     Put(block_->variables, mapping.variables);
     Put(block_->varRows, mapping.varRows);
+    Put(block_->readAt, mapping.readAt);
 }
 
 void BridgeStatusWriter::BoxesInForce(const Settings& settings) {
@@ -61,6 +64,10 @@ void BridgeStatusWriter::BoxesInForce(const Settings& settings) {
     PutFlag(block_->degreesTrue, settings.degreesTrue);
     PutFlag(block_->depthInFeet, settings.depthInFeet);
     PutFlag(block_->useTimer, settings.useTimer);
+}
+
+void BridgeStatusWriter::Ticked() {
+    if (block_) Put(block_->ticks, Load(block_->ticks) + 1);
 }
 
 float* BridgeStatusWriter::Readings() const { return block_ ? block_->readings : nullptr; }
@@ -76,7 +83,8 @@ std::optional<BridgeStatus> ReadBridgeStatus(SharedMemory& memory) {
                      .depthInFeet = IsSet(block->depthInFeet),
                      .useTimer = IsSet(block->useTimer)},
         .library = {IsSet(block->loaded), IsSet(block->reads)},
-        .mapping = {Load(block->variables), Load(block->varRows)},
+        .mapping = {Load(block->variables), Load(block->varRows), Load(block->readAt)},
+        .ticks = Load(block->ticks),
     };
     std::ranges::transform(block->readings, status.readings.begin(), [](const float& reading) { return Load(reading); });
     return status;

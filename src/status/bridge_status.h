@@ -22,6 +22,7 @@ struct LibraryState {
 struct LoadedMapping {
     std::int32_t variables = 0;  // TIMER not counted
     std::int32_t varRows = 0;
+    double readAt = 0.0;  // days
 };
 
 // No variable of an instrument gives it.
@@ -32,6 +33,7 @@ struct BridgeStatus {
     Settings settings;  // in force, saved or not; at most 1023 characters of the folder
     LibraryState library;
     LoadedMapping mapping;
+    std::uint32_t ticks = 0;                      // ten times a second
     std::array<float, kChannelCount> readings{};  // per channel: what Deckman gave last; kNoReading before the first reading
 };
 
@@ -45,6 +47,7 @@ public:
     void LibraryLoaded(std::u16string_view dfwFolder, LibraryState library);
     void MappingLoaded(LoadedMapping mapping);  // forgets the readings
     void BoxesInForce(const Settings& settings);
+    void Ticked();
 
     // Where each channel's last reading is noted; nullptr without a block.
     float* Readings() const;

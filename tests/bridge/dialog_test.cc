@@ -1,6 +1,9 @@
 // What every host of the dialog can rely on. The tests of a host show that it passes on what its user does.
+#include <cmath>
+
 #include "bridge/about.h"
 #include "bridge_fixture.h"
+#include "core/days.h"
 #include "status/bridge_status.h"
 
 namespace twr::testing {
@@ -205,9 +208,11 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
         EXPECT_TRUE(status->settings.useTimer && status->library.reads && status->mapping.variables == 1 &&
                     status->mapping.varRows == 1);
         EXPECT_TRUE(status->readings[kBsp] == 6.0f && status->readings[kHdg] == kNoReading);
+        EXPECT_EQ(1, std::round((UtcNowDays(machine.clock) - status->mapping.readAt) * 864000)) << "tick ago";
         host.PickFolder(test.folder.File("nowhere"));
         EXPECT_EQ(0, deckman.loaded);
         EXPECT_EQ(Reads{}, TickReads()) << "idle without a library";
+        EXPECT_EQ(status->ticks + 1, Status()->ticks) << "though it ticks";
         EXPECT_TRUE(host.boxes.empty()) << "and silent";
         EXPECT_FALSE(Status()->library.loaded) << "but for other processes";
         host.PickFolder(test.folder.File("Deckman"));

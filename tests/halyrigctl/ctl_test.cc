@@ -1,92 +1,13 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <iterator>
-#include <sstream>
 
 #include "config/bridge_settings.h"
-#include "core/core.h"
-#include "core/days.h"
 #include "displays/displays.h"
 #include "halyrigctl/channel_names.h"
-#include "halyrigctl/commands.h"
+#include "halyrigctl/ctl_fixture.h"
 #include "status/bridge_status.h"
-#include "support/record_bytes.h"
-#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
-
-// Keeps what is written; the user goes on for as long as the test says.
-class FakeConsole : public Console {
-public:
-    std::optional<ConsoleSize> Size() const override { return size; }
-    Output Write(std::string_view utf8, const std::function<bool()>& stillWanted) override {
-        int asked = 0;
-        while (held && asked < 1000 && stillWanted()) ++asked;
-        EXPECT_LT(asked, 1000) << "waits for ever";
-        if (held) return Output::kGivenUp;
-        written += utf8;
-        ++writes;
-        return closed ? Output::kRefused : Output::kWritten;
-    }
-    void WriteError(std::string_view utf8) override {
-        if (beforeError) beforeError();
-        written += utf8;
-    }
-    bool Wait(int milliseconds) override {
-        waited += milliseconds;
-        EXPECT_LE(milliseconds, 100) << "the suite may ask to close at any time";
-        return goOn();
-    }
-
-    std::optional<ConsoleSize> size;
-    std::string written;
-    bool closed = false;  // what is written is refused
-    bool held = false;    // it is taken by nobody
-    int writes = 0;
-    int waited = 0;  // milliseconds
-    std::function<bool()> goOn = [] { return false; };
-    std::function<void()> beforeError;
-};
-
-void ExpectIn(const std::string& text, const std::vector<const char*>& parts) {
-    for (const char* part : parts) EXPECT_NE(std::string::npos, text.find(part)) << part << "\nis not in\n" << text;
-}
-
-class CtlTest : public ::testing::Test, public System {
-protected:
-    CoreServices Core() override { return test.system->Core(); }
-    Libraries& GetLibraries() override { return test.system->GetLibraries(); }
-    Instance& GetInstance() override { return test.system->GetInstance(); }
-    Executable& GetExecutable() override { return test.system->GetExecutable(); }
-    Console& GetConsole() override { return console; }
-
-    // Another program of the suite starts.
-    void StartSuite() { suite = std::make_unique<CCore>(Core()); }
-    RecordBytes Record() { return RecordBytes(suite->View()); }
-    void Publish(ChannelId channel, double value, double secondsAgo = 0.0) {
-        suite->SetChannel(channel, 0, value, UtcNowDays(Core().clock) - secondsAgo / 86400);
-    }
-
-    // All that a command says, as it is typed.
-    std::string Said(const std::string& command, int status = 0) {
-        std::istringstream words(command);
-        console.written.clear();
-        EXPECT_EQ(status, RunCommandLine(*this, {std::istream_iterator<std::string>(words), {}})) << command;
-        return console.written;
-    }
-    // A guest would find the record.
-    bool Held() { return CCore(Core(), Attachment::kOpenOnly).View() != nullptr; }
-    // Parts of what each command says.
-    void ExpectSaid(int status, const std::vector<std::pair<const char*, std::vector<const char*>>>& rows) {
-        for (const auto& [typed, said] : rows) ExpectIn(Said(typed, status), said);
-    }
-
-    TestSystem test;
-    FakeConsole console;
-    std::unique_ptr<CCore> suite;
-};
 
 TEST_F(CtlTest, WithoutARecordEveryCommandSaysWhatToStart) {
     for (const char* command : {"get 1", "watch", "quit", "boats", "channels --live"})
