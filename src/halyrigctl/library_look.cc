@@ -73,34 +73,56 @@ bool IsAbsolute(std::u16string_view path) {
     return path.starts_with(u'/') || path.starts_with(u'\\') || path.substr(1).starts_with(u':');
 }
 
-std::string FolderFault(Files& files, std::u16string_view folder) {
+Advice FolderFault(Files& files, std::u16string_view folder) {
     const std::string name = "the Dfw folder " + Harmless(folder);
-    if (folder.empty()) return std::string("no Dfw folder is chosen; ") + kChoose;
-    if (folder.starts_with(u'~')) return name + " begins with ~, which only a shell understands; write the whole path";
-    if (!IsAbsolute(folder)) return name + " is not a whole path; write it from the root on";
-    if (!files.Exists(folder)) return name + " does not exist; " + kChoose;
-    if (files.Open(folder)) return name + " is a file, not a folder; " + kChoose;
+    if (folder.empty()) return {"no Dfw folder is chosen", kChoose};
+    if (folder.starts_with(u'~')) return {name + " begins with ~, which only a shell understands", "write the whole path"};
+    if (!IsAbsolute(folder)) return {name + " is not a whole path", "write it from the root on"};
+    if (!files.Exists(folder)) return {name + " does not exist", kChoose};
+    if (files.Open(folder)) return {name + " is a file, not a folder", kChoose};
     return {};
 }
 
-std::string AbsentFault(Files& files, std::u16string_view folder, const std::u16string& library) {
+Advice AbsentFault(Files& files, std::u16string_view folder, const std::u16string& library) {
     const std::string none = "the Dfw folder " + Harmless(folder) + " holds no " + Harmless(library);
     const auto parent = folder.substr(0, std::min(folder.size(), folder.find_last_of(u"/\\")));
-    if (files.Exists(JoinPath(parent, library))) return none + ", but the folder above it does; choose that one";
+    if (files.Exists(JoinPath(parent, library))) return {none + ", but the folder above it does", "choose that one"};
     for (const std::u16string& path : files.List(folder, std::u16string(kName).append(u".*"))) {
-        return none + ", only " + Harmless(path.substr(path.find_last_of(u"/\\") + 1)) + "; the bridge here needs the first name";
+        return {none + ", only " + Harmless(path.substr(path.find_last_of(u"/\\") + 1)),
+                "choose a folder with a library for this system"};
     }
-    return none + "; " + kChoose;
+    return {none, kChoose};
 }
 
-std::string KindFault(const Kind& kind, const std::string& path) {
-    if (kind.bits == 0) return path + " is no library but another kind of file; put Deckman's own there, or " + kChoose;
+Advice KindFault(const Kind& kind, const std::string& path) {
+    const std::string remedy = std::string("put Deckman's own there, or ") + kChoose;
+    if (kind.bits == 0) return {path + " is no library but another kind of file", remedy};
     const Kind own{.windows = OnWindows(), .bits = kBits};
     if (kind.windows != own.windows || kind.bits != own.bits)
-        return path + " is for another kind of program (" + SystemOf(kind) + "), and the bridge is for " + SystemOf(own) +
-               "; it needs the library for that";
-    if (!kind.library) return path + " is a program, not a library; put Deckman's own there, or " + kChoose;
+        return {path + " is for another kind of program (" + SystemOf(kind) + "), and the bridge is for " + SystemOf(own),
+                "put the library for that there"};
+    if (!kind.library) return {path + " is a program, not a library", remedy};
     return {};
+}
+
+// The library itself, where it could be loaded.
+std::unique_ptr<Library> Loaded(Files& files, Libraries& libraries, std::u16string_view folder, Advice& fault) {
+    fault = FolderFault(files, folder);
+    if (fault) return nullptr;
+    const std::u16string name = std::u16string(kName).append(kLibrarySuffix);
+    const std::u16string path = JoinPath(folder, name);
+    const std::string shown = Harmless(path);
+    const auto file = files.Open(path);
+    if (!file) {
+        fault = files.Exists(path) ? Advice{shown + " can't be read", "let this user read it"} : AbsentFault(files, folder, name);
+        return nullptr;
+    }
+    fault = KindFault(KindOf(Header(*file)), shown);
+    if (fault) return nullptr;
+    auto library = libraries.Load(path);
+    if (!library)
+        fault = {shown + " can't be loaded: it is damaged, or a library that it needs is missing", "install Deckman again"};
+    return library;
 }
 
 }  // namespace
@@ -108,25 +130,11 @@ std::string KindFault(const Kind& kind, const std::string& path) {
 bool LibraryLook::Lacks(std::string_view name) const { return std::ranges::find(missing, name) != missing.end(); }
 
 LibraryLook LookAtLibrary(Files& files, Libraries& libraries, std::u16string_view dfwFolder) {
-    LibraryLook look{.fault = FolderFault(files, dfwFolder)};
-    if (!look.fault.empty()) return look;
-    const std::u16string name = std::u16string(kName).append(kLibrarySuffix);
-    const std::u16string path = JoinPath(dfwFolder, name);
-    const std::string shown = Harmless(path);
-    const auto file = files.Open(path);
-    if (!file) {
-        look.fault = files.Exists(path) ? shown + " can't be read; let this user read it" : AbsentFault(files, dfwFolder, name);
-        return look;
-    }
-    look.fault = KindFault(KindOf(Header(*file)), shown);
-    if (!look.fault.empty()) return look;
-    const auto library = libraries.Load(path);
-    if (!library) {
-        look.fault = shown + " can't be loaded: it is damaged, or a library that it needs is missing; install Deckman again";
-        return look;
-    }
-    for (const char* function : kFunctions) {
-        if (!library->Find(function)) look.missing.emplace_back(function);
+    LibraryLook look;
+    if (const auto library = Loaded(files, libraries, dfwFolder, look.fault)) {
+        for (const char* function : kFunctions) {
+            if (!library->Find(function)) look.missing.emplace_back(function);
+        }
     }
     return look;
 }

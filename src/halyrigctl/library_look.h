@@ -4,13 +4,14 @@
 #include <string_view>
 #include <vector>
 
+#include "halyrigctl/say.h"
 #include "platform/files.h"
 #include "platform/library.h"
 
 namespace twr {
 
 struct LibraryLook {
-    std::string fault = {};                 // why the bridge can't load it, and what to do; empty if it can
+    Advice fault = {};                      // why the bridge can't load it; none if it can
     std::vector<std::string> missing = {};  // the functions for the bridge that it lacks, while there is no fault
 
     bool Lacks(std::string_view name) const;

@@ -14,6 +14,15 @@ enum Status : int {
     kMisunderstood = 2,  // an unknown command, option or channel; also on standard error
 };
 
+// What is wrong, and what to do; nothing is wrong while the first is empty.
+struct Advice {
+    std::string what = {};
+    std::string todo = {};
+
+    explicit operator bool() const { return !what.empty(); }
+    std::string Line() const { return todo.empty() ? what : what + "; " + todo; }
+};
+
 // Writes to standard error what is wrong and what to do: one line of UTF-8, without its end.
 void Complain(Console& console, const std::string& message);
 

@@ -69,7 +69,7 @@ TEST(LibraryLookTest, NamesWhatKeepsTheBridgeFromLoadingIt) {
         {test.folder.File("right/ShDfW2" + suffix), "is a file, not a folder"},
         {test.folder.File("none"), "holds no ShDfW2"},
         {test.folder.File("right/Data"), "but the folder above it does"},
-        {test.folder.File("other"), "only ShDfW2.lib; the bridge here needs"},
+        {test.folder.File("other"), "only ShDfW2.lib; choose"},
         {test.folder.File("text"), "is no library but another kind of file"},
         {test.folder.File("empty"), "is no library but another kind of file"},
         {test.folder.File("stub"), "is no library but another kind of file"},
@@ -78,12 +78,12 @@ TEST(LibraryLookTest, NamesWhatKeepsTheBridgeFromLoadingIt) {
         {test.folder.File("cut"), "can't be loaded: it is damaged"}};
     for (const auto& [folder, said] : rows) {
         const LibraryLook look = LookAtLibrary(test.system->Core().files, test.system->GetLibraries(), folder);
-        EXPECT_NE(std::string::npos, look.fault.find(said)) << look.fault << "\ndoes not say\n" << said;
+        EXPECT_NE(std::string::npos, look.fault.Line().find(said)) << look.fault.Line() << "\ndoes not say\n" << said;
         EXPECT_TRUE(look.missing.empty());
     }
     const auto missing = [&](const char* folder) {
         const LibraryLook look = LookAtLibrary(test.system->Core().files, test.system->GetLibraries(), test.folder.File(folder));
-        EXPECT_EQ("", look.fault);
+        EXPECT_EQ("", look.fault.Line());
         return look.missing.size();
     };
     EXPECT_EQ(0u, missing("right"));
