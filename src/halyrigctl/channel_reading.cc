@@ -5,7 +5,7 @@
 #include "core/days.h"
 #include "core/record_access.h"
 #include "core/units.h"
-#include "halyrigctl/why_missing.h"
+#include "halyrigctl/value_chain.h"
 
 namespace twr {
 namespace {
@@ -30,18 +30,17 @@ bool SaysItsUnit(std::u16string_view text) { return text.find(u'°') != std::u16
 
 }  // namespace
 
-ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, const Circumstances& circumstances) {
+ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
     CoreRecord& record = *core.View();
     ChannelReading reading;
     const ChannelId resolved = core.ResolveAlternate(channel, true);
     const ChannelId source = core.ResolveAlternate(resolved, true);  // a longer chain is followed when its value is read
     if (source >= kChannelCount) {
         reading.text = u"- -";
-        reading.missing = "it stands for no channel now: alternate.csv names none for this state";
+        reading.missing = ValueChain(core, channel, boat, circumstances).Fault();
         return reading;
     }
     const Entry entry = EntryOf(record, source, boat);
-    const double stored = entry ? Load(*entry.value) : kNoValue;
     const double time = entry ? Load(*entry.time) : 0.0;
     if (time != 0.0) reading.age = std::fabs(circumstances.now - time) * kSecondsPerDay;
     reading.limit = core.StaleSeconds(source, boat);
@@ -50,11 +49,10 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, const 
     core.GetFreshChannel(resolved, shown, boat, false, Load(record.sysFlag[kFlagMagnetic]) != 0, kNoValue);
     reading.text = core.ChannelText(resolved, shown);
     if (shown == kNoValue) {
-        reading.missing = WhyMissing(core, {source, boat, stored != kNoValue, reading.age, reading.limit, circumstances.bridge,
-                                            circumstances.mappingFaults});
+        reading.missing = ValueChain(core, channel, boat, circumstances).Fault();
         return reading;
     }
-    reading.value = stored;
+    reading.value = Load(*entry.value);
     if (!SaysItsUnit(reading.text)) reading.textUnit = UnitLabel(core.ChannelTypeOf(source), UnitSettingsOf(record));
     return reading;
 }

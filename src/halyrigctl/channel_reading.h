@@ -1,12 +1,11 @@
 // One channel of one boat as its user would see it, and why it has no value.
 #pragma once
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "core/core.h"
-#include "status/bridge_status.h"
+#include "halyrigctl/circumstances.h"
 
 namespace twr {
 
@@ -17,17 +16,10 @@ struct ChannelReading {
     std::u16string_view textUnit;   // empty if there is none, or the text contains it
     std::optional<double> age;      // seconds since the last publication; nullopt if it was never published
     std::int32_t limit = 0;         // seconds after which a value is stale; 0 for never
-    std::string missing;            // why there is no fresh value; empty if there is one
-};
-
-// What a reading depends on besides the record.
-struct Circumstances {
-    double now;                                                                 // days
-    const BridgeStatus* bridge = nullptr;                                       // nullptr if it is not running
-    std::function<std::string()> mappingFaults = [] { return std::string(); };  // as MappingFaults gives them
+    Advice missing;                 // why there is no fresh value; nothing if there is one
 };
 
 // An alternating channel is read as the one that it stands for.
-ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, const Circumstances& circumstances);
+ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances);
 
 }  // namespace twr

@@ -18,6 +18,7 @@ struct Commands {
     TableForm form = TableForm::kText;
     bool live = false;
     GetOptions get;
+    ExplainOptions explain;
     BoatsOptions boats;
     WatchOptions watch;
     QuitOptions quit;
@@ -52,6 +53,16 @@ void AddGet(Commands& all) {
                       "As JSON, a line for each channel, with the reason why there is no value as \"missing\"");
     command->callback([&all] { all.status = GetChannelValues(all.system, all.get); });
     SetExample(command, "get BSP HDG --json");
+}
+
+void AddExplain(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("explain", "Explain link by link where values come from, or why there are none");
+    command->add_option("CHANNEL", all.explain.channels,
+                        "The channel's number, short name, or the name that you gave it; without one, all that the mapping names");
+    command->add_option("--boat", all.explain.boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
+    command->add_flag("--json", all.explain.json, "As JSON, a line for each channel");
+    command->callback([&all] { all.status = Explain(all.system, all.explain); });
+    SetExample(command, "explain HDG");
 }
 
 void AddBoats(Commands& all) {
@@ -105,6 +116,7 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     all.app.require_subcommand(1);
     AddChannels(all);
     AddGet(all);
+    AddExplain(all);
     AddBoats(all);
     AddWatch(all);
     AddQuit(all);

@@ -30,6 +30,16 @@ struct GetOptions {
 // Prints channels of one boat: each one's value and age, or why there is none. Fails if any has none.
 Status GetChannelValues(System& system, const GetOptions& options);
 
+struct ExplainOptions {
+    std::vector<std::string> channels;  // as FindChannel takes them; none for all that the mapping names
+    BoatSlot boat = 0;                  // of the channels named; below kBoatCount
+    bool json = false;
+};
+
+// Prints the way of each value from Deckman to its user, link by link, with the first broken link as the reason. Fails if one is
+// broken.
+Status Explain(System& system, const ExplainOptions& options);
+
 struct BoatsOptions {
     bool all = false;  // those too of which the record has nothing to tell
     bool json = false;

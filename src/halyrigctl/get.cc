@@ -3,13 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "core/days.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/json.h"
-#include "halyrigctl/mapping_faults.h"
 #include "halyrigctl/screen.h"
 
 namespace twr {
@@ -35,7 +33,7 @@ struct Found {
     BoatSlot boat;
     ChannelReading reading;
 
-    bool HasValue() const { return reading.missing.empty(); }
+    bool HasValue() const { return !reading.missing; }
 };
 
 std::string AsText(const Found& found) {
@@ -62,7 +60,7 @@ std::string AsJson(const Found& found) {
                      {"textUnit", TextOrNull(reading.textUnit)},
                      {"age", Told(reading.age.has_value(), ToMilliseconds(reading.age.value_or(0.0)))},
                      {"limit", Told(reading.limit > 0, reading.limit)},
-                     {"missing", Told(!there, reading.missing)}}) +
+                     {"missing", Told(!there, reading.missing.Line())}}) +
            "\n";
 }
 
@@ -82,7 +80,7 @@ Status SayAsText(Console& console, const std::vector<Found>& all) {
     Status status = text.empty() ? kDone : Print(console, text);
     for (const Found& found : all) {
         if (found.HasValue()) continue;
-        Complain(console, Harmless(found.name) + " has no value: " + found.reading.missing);
+        Complain(console, Harmless(found.name) + " has no value: " + found.reading.missing.Line());
         status = kFailed;
     }
     return status;
@@ -94,19 +92,13 @@ Status GetChannelValues(System& system, const GetOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;
     Console& console = system.GetConsole();
-    const CoreServices services = system.Core();
-    const auto bridge = ReadBridgeStatus(services.memory);
-    const Circumstances circumstances{.now = UtcNowDays(services.clock),
-                                      .bridge = bridge ? &*bridge : nullptr,
-                                      .mappingFaults = [&] { return MappingFaults(services, guest.Record(), *bridge); }};
+    Circumstances circumstances(system, guest.Record());
     std::vector<Found> all;
     for (const std::string& typed : options.channels) {
         const auto channel = FindChannel(guest.Core(), typed);
         if (!channel) {
             guest.Leave();
-            Complain(console, "there is no channel " + Harmless(FromUtf8(typed)) +
-                                  "; 'halyrigctl channels' lists them, 'halyrigctl get --help' explains how to name one");
-            return kMisunderstood;
+            return ComplainOfChannel(console, typed);
         }
         all.push_back({*channel, NameForPeople(guest.Core(), *channel), options.boat,
                        ReadChannel(guest.Core(), *channel, options.boat, circumstances)});

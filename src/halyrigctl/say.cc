@@ -18,6 +18,12 @@ bool TurnsDirection(char16_t c) {
 
 void Complain(Console& console, const std::string& message) { console.WriteError("halyrigctl: " + message + "\n"); }
 
+Status ComplainOfChannel(Console& console, const std::string& typed) {
+    Complain(console, "there is no channel " + Harmless(FromUtf8(typed)) +
+                          "; 'halyrigctl channels' lists them, 'halyrigctl get --help' explains how to name one");
+    return kMisunderstood;
+}
+
 Status Print(Console& console, std::string_view utf8) {
     return StatusOf(console, console.Write(utf8, [] { return true; }));
 }

@@ -26,6 +26,9 @@ struct Advice {
 // Writes to standard error what is wrong and what to do: one line of UTF-8, without its end.
 void Complain(Console& console, const std::string& message);
 
+// Complains of a channel that the user has typed and that does not exist.
+Status ComplainOfChannel(Console& console, const std::string& typed);
+
 // Prints UTF-8, waiting as long as needed. Complains if it can't be written.
 Status Print(Console& console, std::string_view utf8);
 

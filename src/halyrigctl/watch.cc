@@ -14,13 +14,13 @@ namespace twr {
 namespace {
 
 // Every channel that has ever been published for the own boat.
-std::vector<ChannelLine> ReadChannels(CCore& core, double now) {
+std::vector<ChannelLine> ReadChannels(CCore& core, Circumstances& circumstances) {
     std::vector<ChannelLine> lines;
     for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
         if (Load(core.View()->fullBlocks[0].time[channel]) == 0.0) continue;
-        const ChannelReading reading = ReadChannel(core, channel, 0, {.now = now});
+        const ChannelReading reading = ReadChannel(core, channel, 0, circumstances);
         lines.push_back({channel, Harmless(core.ChannelName(channel)), Harmless(reading.text), ToUtf8(reading.textUnit),
-                         reading.age.value_or(0.0), reading.missing.empty()});
+                         reading.age.value_or(0.0), !reading.missing});
     }
     return lines;
 }
@@ -62,7 +62,8 @@ Status Watch(System& system, const WatchOptions& options) {
     Output output;
     int shown = 0;
     do {
-        const auto channels = ReadChannels(guest.Core(), UtcNowDays(services.clock));
+        Circumstances circumstances(system, guest.Record());
+        const auto channels = ReadChannels(guest.Core(), circumstances);
         picture += DrawScreen(channels, ReadRemotes(services), console.Size());
         output = console.Write(picture, goOn);
         picture.clear();

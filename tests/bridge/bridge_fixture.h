@@ -16,7 +16,7 @@ namespace twr::testing {
 
 class BridgeMachine : public System, public Instance, public Executable {
 public:
-    explicit BridgeMachine(System& real) : real_(real) {
+    explicit BridgeMachine(System& real) : console(&real.GetConsole()), real_(real) {
         host.beforeTick = [this] { clock.AdvanceMs(100); };
     }
 
@@ -24,10 +24,10 @@ public:
         const CoreServices real = real_.Core();
         return {clock, real.zone, real.memory, real.registry, real.files, real.xml, host};
     }
-    Libraries& GetLibraries() override { return deckman; }
+    Libraries& GetLibraries() override { return *libraries; }
     Instance& GetInstance() override { return *this; }
     Executable& GetExecutable() override { return *this; }
-    Console& GetConsole() override { return real_.GetConsole(); }
+    Console& GetConsole() override { return *console; }
 
     bool Claim(std::u16string_view name) override { return claimed = name, !otherRuns; }
     void RaiseOther(std::u16string_view caption) override { raised = caption; }
@@ -36,6 +36,8 @@ public:
     FakeClock clock;
     ScriptedHost host;
     StubDeckman deckman;
+    Libraries* libraries = &deckman;
+    Console* console;
     bool otherRuns = false;
     std::u16string claimed, raised;
     std::optional<std::array<std::uint16_t, 4>> version = {{2, 5, 1, 0}};

@@ -1,0 +1,83 @@
+#include "halyrigctl/circumstances.h"
+
+#include <algorithm>
+#include <ranges>
+
+#include "base/wide_text.h"
+#include "config/bridge_settings.h"
+#include "core/days.h"
+#include "core/record_access.h"
+#include "halyrigctl/finding_words.h"
+#include "mapping/mapping_file.h"
+#include "platform/paths.h"
+
+namespace twr {
+namespace {
+
+bool Feeds(const MappingVar& row, ChannelId channel, BoatSlot boat) {
+    return row.channel == static_cast<std::int32_t>(channel) && row.boat == static_cast<std::int32_t>(boat);
+}
+
+std::vector<MappingVar> ReadMeant(Xml& xml, std::u16string_view path) {
+    std::vector<MappingVar> meant;
+    const auto reader = xml.OpenReader(path);
+    XmlElement element;
+    while (reader && reader->Next(element)) {
+        if (MappingVar row; ParseVarElement(element, row)) {
+            row.line = element.line;
+            meant.push_back(row);
+        }
+    }
+    return meant;
+}
+
+}  // namespace
+
+const MappingVar* MappingLook::LineOf(ChannelId channel, BoatSlot boat) const {
+    for (const MappingVar& row : mapping.varRows | std::views::reverse) {
+        if (Feeds(row, channel, boat)) return &row;
+    }
+    return nullptr;
+}
+
+const Finding* MappingLook::FaultOf(ChannelId channel, BoatSlot boat) const {
+    for (const Finding& fault : faults) {
+        const auto feeds = [&](const MappingVar& row) { return row.line == fault.line && Feeds(row, channel, boat); };
+        if (std::ranges::any_of(meant, feeds)) return &fault;
+    }
+    return nullptr;
+}
+
+Circumstances::Circumstances(System& system, const CoreRecord& record)
+    : services_(system.Core()), libraries_(system.GetLibraries()), dataFolder_(FieldText(record.dataFolder)) {
+    now = UtcNowDays(services_.clock);
+    bridge = ReadBridgeStatus(services_.memory);
+    settings = bridge ? bridge->settings : ReadSettings(services_.registry);
+    settings.dfwFolder = Trimmed(std::u16string_view(settings.dfwFolder));
+}
+
+const LibraryLook& Circumstances::Library() {
+    if (!library_) library_ = LookAtLibrary(services_.files, libraries_, settings.dfwFolder);
+    return *library_;
+}
+
+const DeckmanCatalogue& Circumstances::Variables() {
+    // Deckman's list is not copied if it is locked: only the bridge may write to the data folder.
+    if (!variables_) variables_ = FindVariableFile(services_.files, settings.dfwFolder, {});
+    return *variables_;
+}
+
+const MappingLook& Circumstances::TheMapping() {
+    if (!mapping_) {
+        mapping_.emplace();
+        mapping_->path = JoinPath(JoinPath(dataFolder_, u"instruments"), u"halyrig.xml");
+        mapping_->exists = services_.files.Exists(mapping_->path);
+        CollectedFindings faults;
+        mapping_->mapping = LoadMapping(services_.xml, mapping_->path, Variables().rows, &faults);
+        mapping_->faults = std::move(faults.found);
+        mapping_->meant = ReadMeant(services_.xml, mapping_->path);
+    }
+    return *mapping_;
+}
+
+}  // namespace twr

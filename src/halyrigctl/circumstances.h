@@ -1,0 +1,56 @@
+// What decides besides the record whether a channel has a value: the bridge's state, and the user's files as they are now.
+#pragma once
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/findings.h"
+#include "core/core_record.h"
+#include "halyrigctl/library_look.h"
+#include "mapping/mapping_rows.h"
+#include "mapping/variable_file.h"
+#include "platform/system.h"
+#include "status/bridge_status.h"
+
+namespace twr {
+
+// The mapping file as the bridge would read it now.
+struct MappingLook {
+    std::u16string path;
+    bool exists = false;
+    Mapping mapping;
+    std::vector<Finding> faults;
+
+    // The line of the file that feeds the channel of a boat; of several the last, whose value stays. nullptr if none does.
+    const MappingVar* LineOf(ChannelId channel, BoatSlot boat) const;
+    // The fault of a line that was meant to feed the channel; nullptr if there is none.
+    const Finding* FaultOf(ChannelId channel, BoatSlot boat) const;
+
+    std::vector<MappingVar> meant;  // every line that names a variable and a channel, usable or not
+};
+
+// One moment. The files are read when they are first asked for, and nothing is written.
+class Circumstances {
+public:
+    Circumstances(System& system, const CoreRecord& record);
+
+    const LibraryLook& Library();
+    const DeckmanCatalogue& Variables();
+    const MappingLook& TheMapping();
+
+    double now;                          // days
+    std::optional<BridgeStatus> bridge;  // nullopt if it is not running
+    bool standsStill = false;            // the bridge runs, but does not tick
+    Settings settings;                   // the bridge's; the saved ones while it is not running
+
+private:
+    CoreServices services_;
+    Libraries& libraries_;
+    std::u16string dataFolder_;
+    std::optional<LibraryLook> library_;
+    std::optional<DeckmanCatalogue> variables_;
+    std::optional<MappingLook> mapping_;
+};
+
+}  // namespace twr

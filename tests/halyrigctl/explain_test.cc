@@ -1,0 +1,135 @@
+// For each reason the real bridge over the stand-in is brought to it, and the reason is seen first, and no other.
+#include <filesystem>
+#include <fstream>
+
+#include "bridge/bridge_fixture.h"
+#include "halyrigctl/ctl_fixture.h"
+#include "platform/paths.h"
+
+namespace twr::testing {
+namespace {
+
+std::string BytesOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class ExplainTest : public BridgeTest {
+protected:
+    ExplainTest() {
+        machine.libraries = &test.system->GetLibraries();
+        machine.console = &console;
+    }
+
+    // A set-up that is right, in folders of its own: a library at the same place would not be loaded anew.
+    void SetUpAll(int row) {
+        folder = "Deckman" + std::to_string(row);
+        stored = Settings{.dfwFolder = test.folder.File(folder), .depthInFeet = true};
+        InstallLibrary(BytesOf(STAND_IN_LIBRARY));
+        test.folder.Write(folder + "/Data/J_vars06.d", BytesOf(STAND_IN_VARIABLES));
+        Recording("$IIVHW,,T,,M,6.5,N,,K\n$IIHDT,90,T\n$IIMWV,30,R,12,N,A\n$IIROT,2,A\n");
+        MappingXml(kLines);
+        test.folder.Write("ProgramData/Tidewright/config/alternate.csv", "0,0,0,1,1,1,1,1,1,1\n");
+        console.goOn = [this] { return host.Tick(), true; };
+        atStart = [] {};
+    }
+    void InstallLibrary(const std::string& bytes) {
+        test.folder.Write(folder + "/ShDfW2" + std::string(kLibrarySuffix.begin(), kLibrarySuffix.end()), bytes);
+    }
+    void Recording(const std::string& lines) { test.folder.Write(folder + "/recording.nmea", lines); }
+    // The library has not all of its functions.
+    void Lacks(const char* function) {
+        deckman.Install(stored->dfwFolder);
+        deckman.missing = {function};
+        machine.libraries = &deckman;
+    }
+    std::string Explained(const std::string& typed) {
+        std::istringstream words("explain " + typed);
+        console.written.clear();
+        RunCommandLine(machine, {std::istream_iterator<std::string>(words), {}});
+        return console.written;
+    }
+    void Publish(ChannelId channel, double value, BoatSlot boat = 0, double secondsAgo = 0.0) {
+        other->SetChannel(channel, boat, value, machine.clock.Days() - secondsAgo / 86400);
+    }
+    void Mark(ChannelId channel, std::size_t byte) { record.Set<std::uint8_t>(RecordBytes::Channel(channel) + byte, 1); }
+
+    static constexpr const char* kLines =
+        "<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/><var twr='3' dfw='AWS'/><var twr='17' dfw='DEPTH'/>"
+        "<remote remote='1' twr='1'/>";
+    FakeConsole console;
+    std::string folder;
+    std::function<void()> atStart;
+};
+
+TEST_F(ExplainTest, NamesTheFirstBrokenLinkAndNoOther) {
+    struct Row {
+        const char* asked;
+        const char* reason;
+        std::function<void()> before = [] {};  // the bridge starts
+        std::function<void()> during = [] {};
+    };
+    const auto remap = [&](const char* lines) { return [this, lines] { MappingXml(lines); }; };
+    const auto choose = [&](std::u16string path) { return [this, path] { stored->dfwFolder = path; }; };
+    const std::vector<Row> rows = {
+        {"BSP", "all is well"},
+        {"117", "all is well"},
+        {"AWA", "all is well", [] {}, [&] { Publish(kAwa, 30.0); }},
+        // the bridge and its library
+        {"BSP", "the bridge stands still", [] {}, [&] { console.goOn = [] { return true; }; }},
+        {"BSP", "nowhere does not exist", choose(test.folder.File("nowhere"))},
+        {"BSP", "is no library but another kind of file", [&] { InstallLibrary("Read me\n"); }},
+        {"BSP", "could not load Deckman's library when it looked", [&] { InstallLibrary(""); },
+         [&] { InstallLibrary(BytesOf(STAND_IN_LIBRARY)); }},
+        {"BSP", "has no function Usr_Read", [&] { InstallLibrary(BytesOf(LOADABLE)); }},
+        {"Lat", "has no function Usr_GetPosition", [&] { Lacks("Usr_GetPosition"); }, [&] { record.SetInt(6, 3); }},
+        {"BSP", "no functions Usr_SetISData", [&] { Lacks("Usr_SetISData"); }},
+        {"Lat", "position source (Sys_i6) is 3, and it is 6"},
+        // the variables and the mapping
+        {"BSP", "no file of variables", [&] { test.folder.Write(folder + "/Data/J_vars06.d", "[variables]\n"); }},
+        {"HDG", "xml:1: Deckman's list has no variable hdg", remap("<var twr='13' dfw='hdg'/>")},
+        {"TWS", "feeds it\n  to do       'halyrigctl map add TWS 5' adds one"},
+        {"RoT", "set Sys_b27 to 1 in the registry to have it computed from HDG (13)"},
+        {"HDG", "but line 1: there is no channel 1300, and 1 more fault", remap("<var twr='1300' dfw='HDG'/><var/>")},
+        {"BSP", "there is no mapping", [&] { std::filesystem::remove(test.folder.Path() / kMappingFile); }},
+        {"TWS", "which the bridge has not read yet", [] {}, remap("<var twr='5' dfw='TWS'/>")},
+        // Deckman and the boxes
+        {"HDG", "Deckman gives no value for its variable HDG", [&] { Recording("$IIVHW,,T,,M,6.5,N,,K\n"); }},
+        {"Depth", "Deckman gives no value for its variable DEPTH\n  to do       a depth of 9987 m"},
+        {"HDG", "no variation (MagVar, channel 93) to make", [&] { stored->degreesTrue = true; }},
+        {"AWS", "Deckman gives 200, outside the channel's range of 0 to 150", [&] { Recording("$IIMWV,30,R,200,N,A\n"); }},
+        // the suite
+        {"BSP", "the channel is blocked", [] {}, [&] { Mark(kBsp, 1); }},
+        {"BSP", "the channel is held", [] {}, [&] { Mark(kBsp, 4), record.SetFlag(52, true); }},
+        {"RoT --boat 5", "boat 5 has no place for this channel"},
+        {"TWA", "its source gives no value", [] {}, [&] { Publish(kTwa, kNoValue); }},
+        {"TWA", "it is stale: last published 20.", [] {}, [&] { Publish(kTwa, 30.0, 0, 20.0); }},
+        {"Cog", "and the limit is 10 s\n  to do       see whether the program that gives it still runs; Deckman", [] {},
+         [&] { Publish(kCog, 30.0, 0, 20.0); }},
+        {"HDG", "bearings are shown true", [] {}, [&] { record.SetFlag(3, false); }},
+        {"Depth", "the unit chosen for it does not exist", [&] { Recording("$SDDPT,3.0,0\n"); }, [&] { record.SetInt(1, 7); }},
+        {"118", "it stands for no channel now"},
+        // the displays
+        {"BSP", "and no program of the suite damps it", remap("<var twr='1' dfw='BSP'/><remote remote='2' twr='1' damp='true'/>")},
+    };
+    int number = 0;
+    for (const auto& [asked, reason, before, during] : rows) {
+        SCOPED_TRACE(reason);
+        SetUpAll(++number);
+        before();
+        std::string said;
+        Run([&, theSuite = during, typed = asked] {
+            host.Tick(2);
+            theSuite();
+            said = Explained(typed);
+        });
+        machine.libraries = &test.system->GetLibraries();
+        EXPECT_NE(std::string::npos, said.substr(0, said.find("\n  suite")).find(reason)) << said;
+        EXPECT_EQ(reason == std::string("all is well"), said.find("\nx ") == said.npos) << said;
+        EXPECT_EQ(said.find("\nx "), said.rfind("\nx ")) << said;
+    }
+    ExpectIn(Explained("BSP"), {"BSP (1): the bridge is not running\n  to do       start"});
+}
+
+}  // namespace
+}  // namespace twr::testing
