@@ -60,7 +60,8 @@ void AddExplain(Commands& all) {
     command->add_option("CHANNEL", all.explain.channels,
                         "The channel's number, short name, or the name that you gave it; without one, all that the mapping names");
     command->add_option("--boat", all.explain.boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
-    command->add_flag("--json", all.explain.json, "As JSON, a line for each channel");
+    command->add_flag("--links", all.explain.links, "Each link of every channel, even if none is named");
+    command->add_flag("--json", all.explain.json, "As JSON, a line for each channel, with each link");
     command->callback([&all] { all.status = Explain(all.system, all.explain); });
     SetExample(command, "explain HDG");
 }

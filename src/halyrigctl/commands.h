@@ -33,6 +33,7 @@ Status GetChannelValues(System& system, const GetOptions& options);
 struct ExplainOptions {
     std::vector<std::string> channels;  // as FindChannel takes them; none for all that the mapping names
     BoatSlot boat = 0;                  // of the channels named; below kBoatCount
+    bool links = false;                 // each link of all channels too, not only of those named
     bool json = false;
 };
 

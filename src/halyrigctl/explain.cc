@@ -60,26 +60,23 @@ std::string AsText(const Explained& one) {
     return text;
 }
 
-// Channels with the same fault, such as a library that is not loaded, come together: the fault once, then the links of the first
-// of them. Faults come before what is well.
+// A line for each channel with a fault, those with the same remedy together; then all that is well.
 std::string AsOverview(std::vector<Explained> left) {
-    std::ranges::stable_partition(left, [](const Explained& one) { return bool(one.links.Fault()); });
-    std::string text;
+    std::string well, text;
+    for (const Explained& one : left) {
+        if (!one.links.Fault()) well += (well.empty() ? "" : ", ") + one.title;
+    }
+    std::erase_if(left, [](const Explained& one) { return !one.links.Fault(); });
     while (!left.empty()) {
-        const Explained first = left.front();
-        const std::string fault = first.links.Fault().Line();
-        std::string others;
-        std::size_t count = 0;
+        const std::string todo = left.front().links.Fault().todo;
         std::erase_if(left, [&](const Explained& one) {
-            if (one.links.Fault().Line() != fault) return false;
-            if (count++ > 0) others += ", " + one.title;
+            if (one.links.Fault().todo != todo) return false;
+            text += one.title + ": " + one.links.Fault().what + "\n";
             return true;
         });
-        if (!text.empty()) text += "\n";
-        text += fault.empty() ? first.title + others + ": all is well\n" : AsText(first);
-        if (!fault.empty() && count > 1) text += "the same:     " + others.substr(2) + "\n";
+        text += (todo.empty() ? "" : "  to do: " + todo + "\n") + std::string("\n");
     }
-    return text;
+    return text + (well.empty() ? "" : "all is well: " + well + "\n");
 }
 
 std::string AsJson(const Explained& one) {
@@ -136,7 +133,7 @@ Status Explain(System& system, const ExplainOptions& options) {
     std::string text;
     if (options.json) {
         for (const Explained& one : all) text += AsJson(one);
-    } else if (options.channels.empty()) {
+    } else if (options.channels.empty() && !options.links) {
         text = AsOverview(all);
     } else {
         for (const Explained& one : all) text += (text.empty() ? "" : "\n") + AsText(one);

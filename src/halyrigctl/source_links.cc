@@ -164,7 +164,9 @@ private:
         const bool inFeet = channel_ == kDepth && now_.settings.depthInFeet;
         Advice fault;
         if (static_cast<double>(reading_) == kNoValue) {
-            fault = {"Deckman gives no value" + (line_ ? " for its variable " + Harmless(line_->dfwName) : std::string()),
+            const bool ever = Load(subject_.record.channels[channel_].published) != 0;
+            fault = {(ever ? "Deckman gives no value now" : "Deckman has never given a value") +
+                         (line_ ? " for its variable " + Harmless(line_->dfwName) : std::string()),
                      inFeet ? "a depth of 9987 m on the displays is Deckman's mark for none, turned from feet into metres"
                             : "see in Deckman whether the sensor is there"};
         }

@@ -94,8 +94,8 @@ TEST_F(ExplainTest, NamesTheFirstBrokenLinkAndNoOther) {
         {"BSP", "there is no mapping", [&] { std::filesystem::remove(test.folder.Path() / kMappingFile); }},
         {"TWS", "which the bridge has not read yet", [] {}, remap("<var twr='5' dfw='TWS'/>")},
         // Deckman and the boxes
-        {"HDG", "Deckman gives no value for its variable HDG", [&] { Recording("$IIVHW,,T,,M,6.5,N,,K\n"); }},
-        {"Depth", "Deckman gives no value for its variable DEPTH\n  to do       a depth of 9987 m"},
+        {"HDG", "Deckman has never given a value for its variable HDG", [&] { Recording("$IIVHW,,T,,M,6.5,N,,K\n"); }},
+        {"Depth", "Deckman gives no value now for its variable DEPTH\n  to do       a depth of 9987 m"},
         {"HDG", "no variation (MagVar, channel 93) to make", [&] { stored->degreesTrue = true; }},
         {"AWS", "Deckman gives 200, outside the channel's range of 0 to 150", [&] { Recording("$IIMWV,30,R,200,N,A\n"); }},
         // the suite
