@@ -9,7 +9,7 @@ install(TARGETS ShDfW2 LIBRARY DESTINATION lib/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/src/stand_in/Data/J_vars06.d DESTINATION lib/halyrig/Data)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig.service DESTINATION lib/systemd/user)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/completions/halyrigctl DESTINATION share/bash-completion/completions)
-install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright DESTINATION share/doc/halyrig)
+install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/packaging/THIRD-PARTY.txt DESTINATION share/doc/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/demo/halyrig.xml DESTINATION share/doc/halyrig/examples)
 
 # The user's texts as pages for a browser.
