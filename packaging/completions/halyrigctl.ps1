@@ -2,7 +2,7 @@
 # there is no list of them here. It also makes halyrigctl, which lies beside this file, known in every folder.
 Set-Alias -Name halyrigctl -Value (Join-Path $PSScriptRoot 'halyrigctl.exe')
 
-Register-ArgumentCompleter -Native -CommandName halyrigctl, halyrigctl.exe -ScriptBlock {
+Register-ArgumentCompleter -Native -CommandName 'halyrigctl', 'halyrigctl.exe' -ScriptBlock {
     param($typed, $line)
 
     # What a command's help lists. Value is what the help shows behind the name; that of a flag is empty.
