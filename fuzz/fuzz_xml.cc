@@ -1,12 +1,14 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <iterator>
 #include <string>
 
 #include "base/wide_text.h"
 #include "core/core.h"
 #include "mapping/mapping_file.h"
+#include "mapping/mapping_text.h"
 #include "platform/linux/services.h"
 #include "support/fakes.h"
 
@@ -40,11 +42,46 @@ std::string Document(const unsigned char* data, std::size_t size) {
     return kBeginnings[*data % std::size(kBeginnings)] + std::string(reinterpret_cast<const char*>(data) + 1, size - 1);
 }
 
+std::vector<std::u16string> NamesIn(twr::Xml& xml, bool& sound) {
+    std::vector<std::u16string> names;
+    const auto reader = xml.OpenReader(u"");
+    for (twr::XmlElement element; reader->Next(element);) names.push_back(element.name);
+    sound = !reader->Fault();
+    return names;
+}
+
+// Where a sound document in ASCII has its elements is found without a parser, and a line added there is read.
+void CheckElementsAreFound(const std::string& document) {
+    if (std::ranges::any_of(document, [](char c) { return c <= 0; }) || document.find("encoding") != document.npos) return;
+    OneFile xml(document);
+    bool sound = false;
+    const auto names = NamesIn(xml, sound);
+    if (!sound) return;
+    const auto spans = twr::FindElements(document);
+    const auto agrees = [](const twr::ElementSpan& span, const std::u16string& name) {
+        return twr::FromUtf8(twr::LocalName(span)) == name;
+    };
+    if (!spans || !std::ranges::equal(*spans, names, agrees)) __builtin_trap();
+    for (const char* kind : {"var", "remote"}) {
+        OneFile longer(twr::WithElement(document, *spans, kind, "<added/>"));
+        const auto now = NamesIn(longer, sound);
+        if (!sound || now.size() != names.size() + 1) __builtin_trap();
+    }
+    for (std::size_t i = 0; i < spans->size(); ++i) {
+        if (!twr::IsRemovable(document, *spans, i)) continue;
+        OneFile shorter(twr::WithoutElements(document, *spans, {i}));
+        const auto now = NamesIn(shorter, sound);
+        if (!sound || now.size() != names.size() - 1) __builtin_trap();
+    }
+}
+
 }  // namespace
 
 // The mapping file, and the boats and channels of a new record.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    OneFile xml(Document(data, size));
+    const std::string document = Document(data, size);
+    CheckElementsAreFound(document);
+    OneFile xml(document);
 
     std::vector<twr::MappingVar> catalogue(1);
     catalogue[0].dfwId = 1;

@@ -27,7 +27,7 @@ std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text)
     for (ChannelId id = 0; id < kChannelCount; ++id) {
         if (EqualsIgnoringCase(CatalogueName(id), wide)) return id;
     }
-    for (ChannelId id = 0; id < kChannelCount; ++id) {
+    for (ChannelId id = 0; core.View() && id < kChannelCount; ++id) {
         const ChannelRow& row = core.View()->channels[id];
         if (EqualsIgnoringCase(FieldText(row.userName), wide) || EqualsIgnoringCase(FieldText(row.userShortName), wide)) return id;
     }

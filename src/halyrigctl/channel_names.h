@@ -15,7 +15,7 @@ std::u16string_view CatalogueName(ChannelId channel);
 std::u16string NameForPeople(CCore& core, ChannelId channel);
 
 // The channel with this number, with this short name, or with this name in the user's own words (letter case is ignored); nullopt
-// if there is none. The core must be attached.
+// if there is none. A core that is not attached knows no names of the user's.
 std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text);
 
 }  // namespace twr

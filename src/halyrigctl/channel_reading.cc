@@ -26,9 +26,30 @@ std::u16string_view InternalUnit(std::int16_t type) {
     }
 }
 
-bool SaysItsUnit(std::u16string_view text) { return text.find(u'°') != std::u16string_view::npos; }
+// The unit behind a value's text; empty if there is none, or the text contains it.
+std::u16string_view TextUnit(const CCore& core, ChannelId source, std::u16string_view text) {
+    return text.find(u'°') != text.npos ? std::u16string_view()
+                                        : UnitLabel(core.ChannelTypeOf(source), UnitSettingsOf(*core.View()));
+}
+
+// A fresh value in the user's units; kNoValue if there is none.
+double ShownValue(const CCore& core, ChannelId channel, BoatSlot boat, bool damped) {
+    double shown = kNoValue;
+    core.GetFreshChannel(channel, shown, boat, damped, Load(core.View()->sysFlag[kFlagMagnetic]) != 0, kNoValue);
+    return shown;
+}
 
 }  // namespace
+
+std::u16string LiveText(CCore& core, ChannelId channel, BoatSlot boat, bool damped) {
+    const ChannelId resolved = core.ResolveAlternate(channel, true);
+    const ChannelId source = core.ResolveAlternate(resolved, true);
+    if (source >= kChannelCount) return u"- -";
+    const double shown = ShownValue(core, resolved, boat, damped);
+    const std::u16string text = core.ChannelText(resolved, shown);
+    const std::u16string_view unit = shown == kNoValue ? std::u16string_view() : TextUnit(core, source, text);
+    return unit.empty() ? text : text + u" " + std::u16string(unit);
+}
 
 ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
     CoreRecord& record = *core.View();
@@ -45,15 +66,14 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     if (time != 0.0) reading.age = std::fabs(circumstances.now - time) * kSecondsPerDay;
     reading.limit = core.StaleSeconds(source, boat);
     reading.valueUnit = InternalUnit(core.ChannelTypeOf(source));
-    double shown = kNoValue;
-    core.GetFreshChannel(resolved, shown, boat, false, Load(record.sysFlag[kFlagMagnetic]) != 0, kNoValue);
+    const double shown = ShownValue(core, resolved, boat, false);
     reading.text = core.ChannelText(resolved, shown);
     if (shown == kNoValue) {
         reading.missing = ValueChain(core, channel, boat, circumstances).Fault();
         return reading;
     }
     reading.value = Load(*entry.value);
-    if (!SaysItsUnit(reading.text)) reading.textUnit = UnitLabel(core.ChannelTypeOf(source), UnitSettingsOf(record));
+    reading.textUnit = TextUnit(core, source, reading.text);
     return reading;
 }
 

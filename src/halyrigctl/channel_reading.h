@@ -19,6 +19,9 @@ struct ChannelReading {
     Advice missing;                 // why there is no fresh value; nothing if there is one
 };
 
+// The text of a channel in the user's units, with the unit, and "- -" without a fresh value. `damped`: of the damped value.
+std::u16string LiveText(CCore& core, ChannelId channel, BoatSlot boat, bool damped);
+
 // An alternating channel is read as the one that it stands for.
 ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances);
 

@@ -5,6 +5,7 @@
 #include "base/version.h"
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
+#include "halyrigctl/map_command_line.h"
 
 namespace twr {
 namespace {
@@ -102,9 +103,14 @@ void CollectExamples(CLI::App& app) {
 
 // The parser reports the missing command first, and only then the unknown word in its place.
 std::string Complaint(const CLI::App& app, const CLI::Error& error) {
-    const auto given = app.get_subcommands();
-    const std::string help = "; see 'halyrigctl " + (given.empty() ? "" : given.front()->get_name() + " ") + "--help'";
-    if (!given.empty()) return error.what() + help;
+    std::string command;
+    const CLI::App* innermost = &app;
+    for (auto given = app.get_subcommands(); !given.empty(); given = innermost->get_subcommands()) {
+        innermost = given.front();
+        command += innermost->get_name() + " ";
+    }
+    const std::string help = "; see 'halyrigctl " + command + "--help'";
+    if (innermost != &app) return error.what() + help;
     const auto unknown = app.remaining();
     return (unknown.empty() ? "a command is missing" : "there is no command or option " + unknown.front()) + help;
 }
@@ -119,6 +125,7 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddGet(all);
     AddExplain(all);
     AddBoats(all);
+    AddMap(all.app, system, all.status);
     AddWatch(all);
     AddQuit(all);
     CollectExamples(all.app);

@@ -58,6 +58,27 @@ struct WatchOptions {
 // table after another.
 Status Watch(System& system, const WatchOptions& options);
 
+struct MapOptions {
+    bool json = false;
+    std::string variable;  // Deckman's name or number; empty for any
+    std::string channel;   // as FindChannel takes it
+    BoatSlot boat = 0;     // below kBoatCount
+    std::int32_t remote = 0;
+    bool damped = false;
+};
+
+// Prints the mapping with the values of now, then the lines of its file that are passed over.
+Status ListMap(System& system, bool json);
+
+// Prints commands that map what is not mapped yet, as far as the names leave no doubt, and what is to be decided.
+Status SuggestMap(System& system);
+
+// Change one line of the mapping file, or say why not.
+Status AddToMap(System& system, const MapOptions& options);
+Status AddRemoteToMap(System& system, const MapOptions& options);
+Status RemoveFromMap(System& system, const MapOptions& options);
+Status RemoveRemoteFromMap(System& system, const MapOptions& options);
+
 struct QuitOptions {
     bool wait = true;  // until all have closed, 10 s at most
 };

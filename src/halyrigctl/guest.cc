@@ -4,9 +4,9 @@
 
 namespace twr {
 
-Guest::Guest(System& system) : console_(system.GetConsole()) {
+Guest::Guest(System& system, WithoutRecord without) : console_(system.GetConsole()) {
     core_.emplace(system.Core(), Attachment::kOpenOnly);
-    if (core_->View()) return;
+    if (core_->View() || without == WithoutRecord::kGoOn) return;
     core_.reset();
     Complain(console_, "there is no record, since no program of the suite is running. Start " HALYRIG_PROGRAM " first.");
 }

@@ -6,13 +6,18 @@
 
 namespace twr {
 
+enum class WithoutRecord {
+    kComplain,  // on standard error, with what to start
+    kGoOn,      // with a core that is not attached
+};
+
 class Guest {
 public:
-    // Joins the record. If there is none, says so on standard error, with what to start.
-    explicit Guest(System& system);
+    // Joins the record if there is one.
+    explicit Guest(System& system, WithoutRecord without = WithoutRecord::kComplain);
 
     explicit operator bool() const { return core_ && core_->View(); }
-    CCore& Core() { return *core_; }
+    CCore& Core() { return *core_; }  // unattached without a record, and none if that was a complaint
     CoreRecord& Record() { return *core_->View(); }
 
     // Releases the record, which ends the use of both, then explains on standard error a request to close if the record has one. To

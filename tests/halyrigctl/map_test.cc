@@ -1,0 +1,313 @@
+#include <algorithm>
+#include <map>
+#include <random>
+
+#include "base/wide_text.h"
+#include "config/bridge_settings.h"
+#include "halyrigctl/ctl_fixture.h"
+#include "halyrigctl/map_match.h"
+#include "mapping/mapping_file.h"
+#include "mapping/variable_file.h"
+#include "status/bridge_status.h"
+
+namespace twr::testing {
+namespace {
+
+constexpr const char* kPath = "ProgramData/Tidewright/instruments/halyrig.xml";
+constexpr const char* kBak = "ProgramData/Tidewright/instruments/halyrig.xml.bak";
+constexpr const char* kNew = "ProgramData/Tidewright/instruments/halyrig.xml.new";
+constexpr const char* kVariables =
+    "[variables]\n1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 TWD degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n"
+    "7 MKBRG degT 0 0 1\n8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING deg 0 0 1\n";
+constexpr const char* kMapping =
+    "<?xml version=\"1.0\"?>\n<halyrig>\n  <!-- one -->\n  <var twr=\"13\" dfw=\"HDG\" />  <!-- two -->\n"
+    "  <note>kept</note>\n  <var twr=\"9\" dfw=\"course\" x=\"1\"/>\n  <remote remote=\"1\" twr=\"117\"/>\n  <!-- three -->\n"
+    "</halyrig>\n<!-- four -->\n";
+
+// The disk is full, or the machine stops, at one of the operations that change something.
+class FailingFiles : public Files {
+public:
+    explicit FailingFiles(Files& real) : real_(real) {}
+    bool Exists(std::u16string_view path) const override { return real_.Exists(path); }
+    void MakeFolder(std::u16string_view path) override { real_.MakeFolder(path); }
+    std::unique_ptr<ByteSource> Open(std::u16string_view path) override { return real_.Open(path); }
+    bool Append(std::u16string_view path, std::string_view bytes) override {
+        if (!Fails()) return real_.Append(path, bytes);
+        if (!stopped || calls == failing + 1) real_.Append(path, bytes.substr(0, bytes.size() / 2));
+        return false;
+    }
+    bool Copy(std::u16string_view from, std::u16string_view to) override {
+        if (!Fails()) return real_.Copy(from, to);
+        if (!stopped || calls == failing + 1) {
+            real_.Remove(to);
+            real_.Append(to, "<hal");
+        }
+        return false;
+    }
+    bool Rename(std::u16string_view from, std::u16string_view to) override { return !Fails() && real_.Rename(from, to); }
+    void Remove(std::u16string_view path) override {
+        if (!stopped || !Fails()) real_.Remove(path);
+    }
+    std::vector<std::u16string> List(std::u16string_view folder, std::u16string_view pattern) const override {
+        return real_.List(folder, pattern);
+    }
+    std::u16string ProgramDataFolder() const override { return real_.ProgramDataFolder(); }
+
+    int failing = -1;
+    bool stopped = false;  // nothing is done from the failing call on
+    int calls = 0;
+
+private:
+    bool Fails() {
+        const int call = calls++;
+        return failing >= 0 && (call == failing || (stopped && call > failing));
+    }
+    Files& real_;
+};
+
+class MapTest : public CtlTest {
+protected:
+    void SetUp() override {
+        test.folder.Write("dfw/Data/J_vars06.d", kVariables);
+        test.folder.Write("ProgramData/any", "");
+        WriteSettings(Core().registry, {.dfwFolder = u" " + test.folder.File("dfw") + u"\t"});
+    }
+    CoreServices Core() override {
+        const CoreServices real = test.system->Core();
+        return {real.clock, real.zone, real.memory, real.registry, files, real.xml, real.desktop};
+    }
+    std::string File() { return test.folder.Read(kPath); }
+    Mapping Rows() {
+        const auto list = FindVariableFile(Core().files, test.folder.File("dfw"), {});
+        return LoadMapping(Core().xml, test.folder.File(kPath), list.rows);
+    }
+    FailingFiles files{test.system->Core().files};
+};
+
+TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
+    ExpectIn(Said("map"), {"instruments", "there is no mapping yet; 'halyrigctl map suggest'"});
+    test.folder.Write(kPath, kMapping);
+    ExpectIn(Said("map"), {"\n    4  HDG (2)              13 HDG              0          no record\n",
+                           "\n    7  1                    117 Alt 0           0  -       no record\n",
+                           "Passed over:\n    5  there is no element note", "\n    6  there is no attribute x",
+                           "\n    6  Deckman's list has no variable course"});
+    StartSuite();
+    Publish(kHdg, 90.0);
+    Record().SetText(RecordBytes::Channel(kHdg) + 76, u"Kurs");
+    Record().SetSlot(0, 1, kHdg);
+    Said("map add-remote 2 kurs --damped");
+    ExpectIn(Said("map"), {" 13 Kurs             0          090 \u00B0M\n", " 117 Kurs            0  -       090 \u00B0M\n",
+                           "\n    8  2                    13 Kurs             0  yes     - -\n"});
+    ExpectIn(Said("map --json"),
+             {R"([
+  {"kind":"var","line":4,"channel":13,"name":"Kurs","boat":0,"text":"090 \u00b0M","variable":"HDG","number":2},
+  {"kind":"remote","line":7,"channel":117,)",
+              R"("remote":1,"damped":false},)", R"({"kind":"fault","line":6,"fault":"there is no attribute x"})"});
+    WriteSettings(Core().registry, {.dfwFolder = u"/none"});
+    ExpectIn(Said("map"), {"no list of Deckman's variables in the Dfw folder, /none;"});
+    for (const char* command : {"map suggest", "map add HDG 13"}) ExpectIn(Said(command, 1), {"in the Dfw folder, /none;"});
+}
+
+TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
+    std::string said = Said("map suggest");
+    ExpectIn(said, {"LAT: comes with the position", "MKBRG: perhaps 106 MkBrg: Deckman gives it in degrees true",
+                    "MKTIME: perhaps 88 Mark Tm: Deckman gives it in s", "LOG: perhaps 140 Log Bsp or 141 Log Sog",
+                    "X;Y: no channel has such a name", "HEADING: 13 HDG is fed by HDG", "TIMER: needs no line"});
+    const std::string commands = said.substr(0, said.find("\n\n") + 1);
+    EXPECT_EQ(
+        "halyrigctl map add VARIATION 93\nhalyrigctl map add BSP 1\nhalyrigctl map add HDG 13\nhalyrigctl map add TWD 6\n"
+        "halyrigctl map add TARGTWA 237\n",
+        commands);
+    std::istringstream lines(commands);
+    for (std::string line; std::getline(lines, line);)
+        ExpectIn(Said(line.substr(11)), {HALYRIG_PROGRAM " reads it when it starts"});
+    EXPECT_EQ(5u, Rows().varRows.size());
+    ExpectIn(Said("map suggest"), {"Every variable whose name leaves no doubt is mapped.\n"});
+    const std::pair<const char16_t*, ChannelId> names[] = {{u"SeaTemp", 15}, {u"Mast_Angle", 24}, {u"PolBsp%", 58},
+                                                           {u"SET", 11},     {u"COURSE", 9},      {u"COG", 50}};
+    for (const auto& [name, channel] : names) {
+        MappingVar variable;
+        variable.dfwName = name;
+        const ChannelMatch match = MatchChannel(variable);
+        EXPECT_TRUE(match.sure && match.channels.front() == channel) << ToUtf8(name);
+    }
+}
+
+TEST_F(MapTest, ChangesOneLineAndSaysHowItIsRead) {
+    ExpectSaid(
+        0, {{"map add-remote 3 BSP --boat 2 --damped", {"Remote 3 shows channel 1 BSP of boat 2 now, damped.\n", "when it starts"}},
+            {"map add 10 172 --boat 1", {"Deckman's variable X;Y feeds channel 172 User 0 of boat 1 now"}}});
+    EXPECT_NE(std::string::npos,
+              File().find("<remote remote=\"3\" twr=\"1\" damp=\"true\" boat=\"2\" />\r\n  <var twr=\"172\" dfw=\"X;Y\" boat"))
+        << File();
+    BridgeStatusWriter bridge(Core().memory);
+    bridge.LibraryLoaded(test.folder.File("dfw"), {});
+    WriteSettings(Core().registry, {.dfwFolder = u"/none"});
+    test.folder.Write(kPath, kMapping);
+    ExpectSaid(0, {{"map add BSP bsp", {"BSP feeds channel 1 BSP now.\n", "press ...", "restart it"}},
+                   {"map add HDG 13 --boat 1", {"line 4 feeds the same channel of the own boat"}},
+                   {"map add LAT lat", {"Sys_i6 must be 3"}},
+                   {"map remove 9", {"Nothing feeds channel 9 Course now"}},
+                   {"map remove 2 13", {"2 no longer feeds channel 13 HDG"}},
+                   {"map remove BSP 1", {}},
+                   {"map remove 13 --boat 1", {"channel 13 HDG of boat 1 now"}},
+                   {"map remove 48", {}},
+                   {"map remove-remote 1", {"Remote 1 is sent nothing now"}}});
+    EXPECT_EQ(
+        "<?xml version=\"1.0\"?>\n<halyrig>\n  <!-- one -->\n    <!-- two -->\n  <note>kept</note>\n  <!-- three -->\n"
+        "</halyrig>\n<!-- four -->\n",
+        File());
+    EXPECT_NE(std::string::npos, test.folder.Read(kBak).find("remote=\"1\"")) << "the file before the last change";
+}
+
+TEST_F(MapTest, FindsTheDataFolderAsTheBridgeWould) {
+    const std::u16string folder = test.folder.File("elsewhere");
+    Core().registry.Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(folder));
+    Said("map add HDG 13");
+    EXPECT_FALSE(File().empty()) << "a folder that is not there is not taken";
+    test.folder.Write("elsewhere/any", "");
+    Said("map add HDG 13");
+    EXPECT_FALSE(test.folder.Read("elsewhere/instruments/halyrig.xml").empty());
+    Core().registry.Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(u""));
+    StartSuite();
+    Core().registry.Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(folder));
+    ExpectIn(Said("map remove HDG"), {"Nothing feeds"});
+    EXPECT_EQ(std::string::npos, File().find("HDG")) << "the record's folder counts";
+    EXPECT_FALSE(Said("map").empty());
+    suite.reset();
+    EXPECT_FALSE(Held());
+}
+
+TEST_F(MapTest, RefusesWhatWouldNotWork) {
+    test.folder.Write(kPath, kMapping);
+    ExpectSaid(
+        1, {{"map add TWD 13", {"channel 13 HDG is already fed by HDG, in line 4; to take that away: halyrigctl map remove 13\n"}},
+            {"map add BSP 0", {"channel 0 Time can't be fed"}},
+            {"map add BSP 117", {"stands for another channel"}},
+            {"map add BSP 172 --boat 2", {"boat 2 has no place for channel 172"}},
+            {"map add TIMER 34", {"TIMER needs no mapping"}},
+            {"map add-remote 1 BSP", {"remote 1 already shows channel 117, in line 7;", "map remove-remote 1\n"}},
+            {"map add-remote 2 172 --boat 99", {"boat 99 has no place"}},
+            {"map remove TWD 13", {"no line feeds channel 13 HDG from variable TWD; 'halyrigctl map' lists"}},
+            {"map remove 1", {"no line feeds channel 1 BSP;"}},
+            {"map remove-remote 2", {"no line is for remote 2;"}}});
+    ExpectSaid(2, {{"map add hdg 13", {"has no variable hdg; did you mean HDG?\n"}},
+                   {"map add WIND 5", {"has no variable WIND; capitals count"}},
+                   {"map add 13 13", {"has no variable 13;"}},
+                   {"map add HDG HGD", {"there is no channel HGD; did you mean HDG?\n"}},
+                   {"map remove XYZXYZ", {"there is no channel XYZXYZ; 'halyrigctl channels'"}},
+                   {"map add-remote 0 1", {"not in range 1 to 32766; see 'halyrigctl map add-remote --help'\n"}},
+                   {"map add HDG 13 --boat 100", {"not in range 0 to 99"}},
+                   {"map remove 1 2 3", {"see 'halyrigctl map remove --help'\n"}},
+                   {"map bogus", {"bogus; see 'halyrigctl map --help'\n"}}});
+    EXPECT_EQ(kMapping, File());
+    EXPECT_EQ("", test.folder.Read(kBak));
+}
+
+TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
+    using namespace std::string_literals;
+    const std::pair<std::string, const char*> refused[] = {
+        {"\xFF\xFE" + Utf16Bytes(u"<r/>", false), "is not in UTF-8"},
+        {"<?xml version='1.0' encoding='ISO-8859-1'?><r a='\xE9'/>", "another encoding than UTF-8"},
+        {"<r>\n<var></r>", "line 2: from column"},
+        {"<!DOCTYPE r><r/>", "line 1: from column"},
+        {"", "it is empty"},
+        {"<r a='\xE9'/>", "it is not XML"}};
+    for (const auto& [text, why] : refused) {
+        test.folder.Write(kPath, text);
+        for (const char* command : {"map add HDG 13", "map remove HDG", "map add-remote 1 1"})
+            ExpectIn(Said(command, 1), {"halyrig.xml can't be changed by command: ", why});
+        EXPECT_EQ(text, File()) << why;
+    }
+    const std::string nested = "<r>\n<var twr='13' dfw='HDG'><note/></var></r>";
+    test.folder.Write(kPath, nested);
+    ExpectIn(Said("map remove HDG", 1), {"line 2 of ", "holds more than the mapping"});
+    EXPECT_EQ(nested, File());
+    for (const std::string text : {"\xEF\xBB\xBF<r a='\u00E9'/>", "<?xml version='1.0' encoding='ISO-8859-1'?><r/>"}) {
+        test.folder.Write(kPath, text);
+        Said("map add HDG 13");
+        EXPECT_EQ(text.substr(0, text.size() - 2) + ">\n  <var twr=\"13\" dfw=\"HDG\" />\n</r>", File());
+    }
+}
+
+TEST_F(MapTest, AThousandChangesLoseNothingElse) {
+    test.folder.Write(kPath, kMapping);
+    Said("map remove HDG");
+    Said("map remove-remote 1");
+    const char* names[] = {"BSP", "HDG", "TWD", "HEADING"};
+    std::map<std::pair<int, int>, std::string> fed;
+    std::map<int, int> shown;
+    std::mt19937 random(7);
+    const auto below = [&](int bound) { return static_cast<int>(random() % static_cast<unsigned>(bound)); };
+    for (int step = 0; step < 1000; ++step) {
+        const int channel = 1 + below(6), boat = below(3), remote = 1 + below(5);
+        const std::string name = names[below(4)], onBoat = std::to_string(channel) + " --boat " + std::to_string(boat);
+        switch (below(4)) {
+            case 0:
+                Said("map add " + name + " " + onBoat, fed.try_emplace({channel, boat}, name).second ? 0 : 1);
+                break;
+            case 1:
+                Said("map remove " + onBoat, fed.erase({channel, boat}) ? 0 : 1);
+                break;
+            case 2:
+                Said("map add-remote " + std::to_string(remote) + " " + std::to_string(channel),
+                     shown.try_emplace(remote, channel).second ? 0 : 1);
+                break;
+            default:
+                Said("map remove-remote " + std::to_string(remote), shown.erase(remote) ? 0 : 1);
+        }
+        const Mapping rows = Rows();
+        std::map<std::pair<int, int>, std::string> fedNow;
+        std::map<int, int> shownNow;
+        for (const MappingVar& row : rows.varRows) fedNow[{row.channel, row.boat}] = ToUtf8(row.dfwName);
+        for (const MappingRemote& row : rows.remoteRows) shownNow[row.remote] = row.channel;
+        ASSERT_TRUE(fed == fedNow && shown == shownNow) << step << "\n" << File();
+        ASSERT_EQ(fed.size() + shown.size(), rows.varRows.size() + rows.remoteRows.size()) << step;
+        const std::string text = File();
+        for (const char* kept : {"  <!-- one -->\n", "<!-- two -->\n  <note>kept</note>\n",
+                                 "<var twr=\"9\" dfw=\"course\" x=\"1\"/>\n", "  <!-- three -->\n", "</halyrig>\n<!-- four -->\n"})
+            ASSERT_NE(std::string::npos, text.find(kept)) << step << " " << kept << "\n" << text;
+    }
+}
+
+TEST_F(MapTest, AtEveryMomentTheOldOrTheNewFileIsWhole) {
+    test.folder.Write(kPath, kMapping);
+    Said("map add BSP 1");
+    const std::string changed = File();
+    for (const bool stopped : {false, true}) {
+        files.stopped = stopped;
+        int tried = 0;
+        for (std::string said = "halyrigctl: "; said.starts_with("halyrigctl: "); ++tried) {
+            test.folder.Write(kPath, kMapping);
+            test.folder.Write(kBak, "older");
+            files.calls = 0;
+            files.failing = tried;
+            std::istringstream words("map add BSP 1");
+            console.written.clear();
+            const Status status = RunCommandLine(*this, {std::istream_iterator<std::string>(words), {}});
+            said = console.written;
+            EXPECT_EQ(said.starts_with("halyrigctl: ") ? kFailed : kDone, status);
+            const std::string bak = test.folder.Read(kBak);
+            EXPECT_EQ(status == kDone ? changed : kMapping, File()) << tried;
+            EXPECT_TRUE(bak == "older" || bak == kMapping) << tried << bak;
+            EXPECT_TRUE(status != kDone || bak == kMapping);
+            EXPECT_TRUE(stopped || test.folder.Read(kNew).empty()) << tried;
+            if (status != kDone) ExpectIn(said, {"; nothing is changed\n"});
+            ASSERT_LT(tried, 20);
+        }
+        EXPECT_LE(4, tried) << "each operation has failed once";
+    }
+}
+
+TEST_F(MapTest, EveryHelpEndsWithAnExampleThatIsUnderstood) {
+    for (const char* command : {"suggest", "add", "add-remote", "remove", "remove-remote"}) {
+        const std::string help = Said(std::string("map ") + command + " --help");
+        const std::size_t example = help.find("\nExample: halyrigctl map " + std::string(command));
+        ASSERT_NE(std::string::npos, example) << help;
+        std::istringstream words(help.substr(help.find("map", example)));
+        EXPECT_NE(kMisunderstood, RunCommandLine(*this, {std::istream_iterator<std::string>(words), {}})) << help;
+    }
+}
+
+}  // namespace
+}  // namespace twr::testing
