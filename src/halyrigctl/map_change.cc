@@ -6,16 +6,20 @@
 #include "halyrigctl/guest.h"
 #include "halyrigctl/nearest_name.h"
 #include "mapping/mapping_text.h"
+#include "platform/paths.h"
 
 namespace twr {
 namespace {
 
-// A bridge without a dialog reads the mapping again only if the suite's data folder changes.
-constexpr const char* kHowToReread =
-    "The running " HALYRIG_PROGRAM
-    " still has the former mapping: in its dialog press ... beside the Dfw folder and choose the\n"
-    "same folder again. As a service it has no dialog; restart it: systemctl --user restart halyrig\n";
-constexpr const char* kReadAtStart = HALYRIG_PROGRAM " reads it when it starts.\n";
+// A bridge without a dialog, as Linux has it, reads the mapping again only if the suite's data folder changes.
+std::string HowItIsRead(bool bridgeRuns) {
+    if (!bridgeRuns) return HALYRIG_PROGRAM " reads it when it starts.\n";
+    const bool mayBeService = kPathSeparator == u'/';
+    return std::string("The running " HALYRIG_PROGRAM
+                       " still has the former mapping: in its dialog press ... beside the Dfw folder and "
+                       "choose the\nsame folder again.") +
+           (mayBeService ? " As a service it has no dialog; restart it: systemctl --user restart halyrig\n" : "\n");
+}
 
 std::vector<std::u16string> CatalogueNames() {
     std::vector<std::u16string> names;
@@ -92,7 +96,7 @@ Status MapChange::Remove(const std::function<bool(const XmlElement&)>& goes, con
 
 Status MapChange::Write(const std::string& text, const Mapping& intended, const std::string& done) {
     if (const std::string failure = ReplaceMapFile(services_, inForce_, text, intended); !failure.empty()) return Refuse(failure);
-    return Print(system_.GetConsole(), done + ".\n" + (inForce_.bridgeRuns ? kHowToReread : kReadAtStart));
+    return Print(system_.GetConsole(), done + ".\n" + HowItIsRead(inForce_.bridgeRuns));
 }
 
 Status MapChange::Refuse(const std::string& why, Status status) {

@@ -144,7 +144,7 @@ TEST_F(MapTest, ChangesOneLineAndSaysHowItIsRead) {
     bridge.LibraryLoaded(test.folder.File("dfw"), {});
     WriteSettings(Core().registry, {.dfwFolder = u"/none"});
     test.folder.Write(kPath, kMapping);
-    ExpectSaid(0, {{"map add BSP bsp", {"BSP feeds channel 1 BSP now.\n", "press ...", "restart it"}},
+    ExpectSaid(0, {{"map add BSP bsp", {"BSP feeds channel 1 BSP now.\n", "press ... beside the Dfw folder"}},
                    {"map add HDG 13 --boat 1", {"line 4 feeds the same channel of the own boat"}},
                    {"map add LAT lat", {"Sys_i6 must be 3"}},
                    {"map remove 9", {"Nothing feeds channel 9 Course now"}},
