@@ -219,10 +219,13 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
             ExpectIn(Said(command, 1), {"halyrig.xml can't be changed by command: ", why});
         EXPECT_EQ(text, File()) << why;
     }
+    test.folder.Write("dfw/Data/J_vars06.d", "[variables]\n2 HDG deg 0 0 1\n32767 NONE kn 0 0 1\n32768 LOST kn 0 0 1\n");
     const std::string nested = "<r>\n<var twr='13' dfw='HDG'><note/></var></r>";
     test.folder.Write(kPath, nested);
     ExpectIn(Said("map remove HDG", 1), {"line 2 of ", "holds more than the mapping"});
+    ExpectIn(Said("map add LOST 5", 1), {"would not be read as intended"});  // 32767 stands for no number
     EXPECT_EQ(nested, File());
+    EXPECT_EQ("", test.folder.Read(kNew));
     for (const std::string text : {"\xEF\xBB\xBF<r a='\u00E9'/>", "<?xml version='1.0' encoding='ISO-8859-1'?><r/>"}) {
         test.folder.Write(kPath, text);
         Said("map add HDG 13");
