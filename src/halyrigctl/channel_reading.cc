@@ -5,6 +5,7 @@
 #include "core/days.h"
 #include "core/record_access.h"
 #include "core/units.h"
+#include "halyrigctl/source_links.h"
 #include "halyrigctl/value_chain.h"
 
 namespace twr {
@@ -24,6 +25,12 @@ std::u16string_view InternalUnit(std::int16_t type) {
         default:
             return UnitLabel(type, internal);
     }
+}
+
+ChannelState StateWithoutValue(const Subject& subject, std::string_view brokenLink) {
+    if (!subject.entry) return ChannelState::kMissing;
+    if (brokenLink == "suite" || brokenLink == "range") return ChannelState::kRefused;
+    return subject.stored != kNoValue && subject.IsStale() ? ChannelState::kStale : ChannelState::kMissing;
 }
 
 // The unit behind a value's text; empty if there is none, or the text contains it.
@@ -51,6 +58,11 @@ std::u16string LiveText(CCore& core, ChannelId channel, BoatSlot boat, bool damp
     return unit.empty() ? text : text + u" " + std::u16string(unit);
 }
 
+std::string_view StateWord(ChannelState state) {
+    static constexpr std::string_view kWords[] = {"fresh", "stale", "refused", "missing"};
+    return kWords[static_cast<std::size_t>(state)];
+}
+
 ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
     CoreRecord& record = *core.View();
     ChannelReading reading;
@@ -69,9 +81,12 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     const double shown = ShownValue(core, resolved, boat, false);
     reading.text = core.ChannelText(resolved, shown);
     if (shown == kNoValue) {
-        reading.missing = ValueChain(core, channel, boat, circumstances).Fault();
+        const Links links = ValueChain(core, channel, boat, circumstances);
+        reading.missing = links.Fault();
+        reading.state = StateWithoutValue({core, source, boat, circumstances.now}, links.Broken());
         return reading;
     }
+    reading.state = ChannelState::kFresh;
     reading.value = Load(*entry.value);
     reading.textUnit = TextUnit(core, source, reading.text);
     return reading;

@@ -9,7 +9,20 @@
 
 namespace twr {
 
+// What became of a channel's value.
+enum class ChannelState {
+    kFresh,
+    kStale,    // it stopped coming
+    kRefused,  // one comes, but is not taken: the channel is blocked or held, or the value outside its range
+    kMissing,  // none comes, or it can't be shown
+};
+
+// One lower-case word for it, at most kStateWidth letters; the first letters differ.
+inline constexpr std::size_t kStateWidth = 7;
+std::string_view StateWord(ChannelState state);
+
 struct ChannelReading {
+    ChannelState state = ChannelState::kMissing;
     std::optional<double> value;    // as stored, in the internal unit; nullopt without a fresh value
     std::u16string_view valueUnit;  // its label; empty if there is none
     std::u16string text;            // in the user's units; "- -" without a fresh value

@@ -1,7 +1,9 @@
 #include "halyrigctl/circumstances.h"
 
 #include <algorithm>
+#include <cmath>
 #include <ranges>
+#include <utility>
 
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
@@ -48,12 +50,28 @@ const Finding* MappingLook::FaultOf(ChannelId channel, BoatSlot boat) const {
     return nullptr;
 }
 
+bool MappingLook::Means(ChannelId channel, BoatSlot boat) const {
+    return std::ranges::any_of(meant, [&](const MappingVar& row) { return Feeds(row, channel, boat); });
+}
+
 Circumstances::Circumstances(System& system, const CoreRecord& record)
     : services_(system.Core()), libraries_(system.GetLibraries()), dataFolder_(FieldText(record.dataFolder)) {
+    LookAgain();
+}
+
+void Circumstances::LookAgain() {
+    constexpr double kFilesLast = 5.0 / kSecondsPerDay;
+    const auto before = std::pair(bridge ? std::optional(bridge->mapping.readAt) : std::nullopt, settings.dfwFolder);
     now = UtcNowDays(services_.clock);
     bridge = ReadBridgeStatus(services_.memory);
     settings = bridge ? bridge->settings : ReadSettings(services_.registry);
     settings.dfwFolder = Trimmed(std::u16string_view(settings.dfwFolder));
+    const bool anew = before != std::pair(bridge ? std::optional(bridge->mapping.readAt) : std::nullopt, settings.dfwFolder);
+    if (anew) library_.reset();
+    if (!anew && std::fabs(now - filesSince_) < kFilesLast) return;
+    variables_.reset();
+    mapping_.reset();
+    filesSince_ = now;
 }
 
 const LibraryLook& Circumstances::Library() {

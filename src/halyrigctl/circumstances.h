@@ -27,6 +27,9 @@ struct MappingLook {
     // The fault of a line that was meant to feed the channel; nullptr if there is none.
     const Finding* FaultOf(ChannelId channel, BoatSlot boat) const;
 
+    // Whether a line was meant to feed it.
+    bool Means(ChannelId channel, BoatSlot boat) const;
+
     std::vector<MappingVar> meant;  // every line that names a variable and a channel, usable or not
 };
 
@@ -35,11 +38,15 @@ class Circumstances {
 public:
     Circumstances(System& system, const CoreRecord& record);
 
+    // The next moment. The user's files are read anew if asked for again after five seconds, or after the bridge has read them; the
+    // library only if the bridge has chosen anew.
+    void LookAgain();
+
     const LibraryLook& Library();
     const DeckmanCatalogue& Variables();
     const MappingLook& TheMapping();
 
-    double now;                          // days
+    double now = 0.0;                    // days
     std::optional<BridgeStatus> bridge;  // nullopt if it is not running
     bool standsStill = false;            // the bridge runs, but does not tick
     Settings settings;                   // the bridge's; the saved ones while it is not running
@@ -48,6 +55,7 @@ private:
     CoreServices services_;
     Libraries& libraries_;
     std::u16string dataFolder_;
+    double filesSince_ = 0.0;  // days: none was read before
     std::optional<LibraryLook> library_;
     std::optional<DeckmanCatalogue> variables_;
     std::optional<MappingLook> mapping_;

@@ -76,11 +76,24 @@ void AddBoats(Commands& all) {
 }
 
 void AddWatch(Commands& all) {
-    CLI::App* command = all.app.add_subcommand("watch", "Show what is published, live, until Ctrl-C");
+    CLI::App* command = all.app.add_subcommand(
+        "watch", "Show channels live, or why they have no value, until q, Esc or Ctrl-C; plain text if not on a terminal");
+    command->add_option("CHANNEL", all.watch.channels,
+                        "Only these, by number or name, even if never published; without any, all that are published");
+    command->add_option("--boat", all.watch.boat, "Boat 0 to 99; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
+    command->add_option("--only", "'mapped': only channels that the mapping feeds, even if never published")
+        ->check(CLI::IsMember({"mapped"}))
+        ->each([&all](const std::string&) { all.watch.onlyMapped = true; });
+    command->add_option("--sort", "By 'id', 'name' or 'age', the oldest first; the key s changes it")
+        ->check(CLI::IsMember({"id", "name", "age"}))
+        ->each([&all](const std::string& order) {
+            all.watch.order = order == "id" ? RowOrder::kId : order == "name" ? RowOrder::kName : RowOrder::kAge;
+        });
     command->add_option("--interval", all.watch.intervalMs, "Milliseconds between two readings")->check(CLI::Range(50, 3600000));
-    command->add_option("--snapshots", all.watch.snapshots, "End after this number of readings")->check(CLI::Range(1, 1000000));
+    command->add_option("--snapshots", all.watch.snapshots, "Plain text, and end after this number of readings")
+        ->check(CLI::Range(1, 1000000));
     command->callback([&all] { all.status = Watch(all.system, all.watch); });
-    SetExample(command, "watch --interval 1000");
+    SetExample(command, "watch --only mapped --sort name");
 }
 
 void AddQuit(Commands& all) {

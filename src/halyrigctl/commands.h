@@ -49,13 +49,19 @@ struct BoatsOptions {
 // Prints the boats that are in use, named or known by an MMSI.
 Status ListBoats(System& system, const BoatsOptions& options);
 
+enum class RowOrder { kId, kName, kAge };  // kAge: the oldest first
+
 struct WatchOptions {
+    std::vector<std::string> channels;  // as FindChannel takes them; all that are published if empty
+    BoatSlot boat = 0;                  // below kBoatCount
+    bool onlyMapped = false;            // those that the mapping feeds
+    RowOrder order = RowOrder::kId;
     int intervalMs = 500;
-    std::optional<int> snapshots;  // end after so many
+    std::optional<int> snapshots;  // plain text, and end after so many
 };
 
-// Shows the published channels of the own boat until the user or the suite asks to stop: a live table on a terminal, else one plain
-// table after another.
+// Shows channels of a boat until the user or the suite asks to stop: a live table on a terminal, else one plain table after
+// another.
 Status Watch(System& system, const WatchOptions& options);
 
 struct MapOptions {

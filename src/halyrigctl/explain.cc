@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "core/instrument_channels.h"
+#include "halyrigctl/cells.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/json.h"
-#include "halyrigctl/screen.h"
 #include "halyrigctl/source_links.h"
 #include "halyrigctl/value_chain.h"
 

@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
+#include "halyrigctl/cells.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/json.h"
-#include "halyrigctl/screen.h"
 
 namespace twr {
 namespace {

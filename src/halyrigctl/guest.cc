@@ -12,10 +12,14 @@ Guest::Guest(System& system, WithoutRecord without) : console_(system.GetConsole
 }
 
 // The request lasts as long as the record, so while one program stays, any that starts ends at once.
-void Guest::Leave() {
-    const bool closing = core_ && core_->QuitRequested();
+void Guest::Release() {
+    closing_ = closing_ || (core_ && core_->QuitRequested());
     core_.reset();
-    if (!closing) return;
+}
+
+void Guest::Leave() {
+    Release();
+    if (!closing_) return;
     Complain(console_,
              "the suite has been asked to close; " HALYRIG_PROGRAM " stays open again only when all its programs have ended.");
 }

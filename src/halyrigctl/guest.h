@@ -20,13 +20,17 @@ public:
     CCore& Core() { return *core_; }  // unattached without a record, and none if that was a complaint
     CoreRecord& Record() { return *core_->View(); }
 
-    // Releases the record, which ends the use of both, then explains on standard error a request to close if the record has one. To
-    // be called before anything is written: while output is held up, the request would persist with the record.
+    // Releases the record, which ends the use of both.
+    void Release();
+
+    // The same, then explains on standard error a request to close if the record had one. To be called before anything is written:
+    // while output is held up, the request would persist with the record.
     void Leave();
 
 private:
     Console& console_;
     std::optional<CCore> core_;
+    bool closing_ = false;  // the suite had been asked to close
 };
 
 }  // namespace twr

@@ -1,6 +1,8 @@
 // The links of a chain: each holds, or is broken, or lies behind the broken one.
 #pragma once
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -37,7 +39,12 @@ public:
     }
 
     const std::vector<Link>& All() const { return all_; }
-    // What the broken link says; nothing if all hold.
+    // The broken link's name; empty if all hold.
+    std::string_view Broken() const {
+        const auto broken = std::ranges::find(all_, LinkState::kBroken, &Link::state);
+        return broken == all_.end() ? std::string_view() : broken->name;
+    }
+    // What it says; nothing if all hold.
     const Advice& Fault() const { return fault_; }
 
 private:

@@ -1,46 +1,83 @@
 #include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
+#include "base/calendar.h"
 #include "base/wide_text.h"
-#include "config/bridge_settings.h"
 #include "core/days.h"
-#include "core/record_access.h"
-#include "displays/displays.h"
-#include "halyrigctl/channel_reading.h"
+#include "halyrigctl/bridge_pulse.h"
+#include "halyrigctl/cells.h"
+#include "halyrigctl/channel_names.h"
+#include "halyrigctl/circumstances.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/guest.h"
-#include "halyrigctl/screen.h"
+#include "halyrigctl/remotes.h"
+#include "halyrigctl/watch_table.h"
+#include "halyrigctl/watch_view.h"
+#include "halyrigctl/watched_channels.h"
 
 namespace twr {
 namespace {
 
-// Every channel that has ever been published for the own boat.
-std::vector<ChannelLine> ReadChannels(CCore& core, Circumstances& circumstances) {
-    std::vector<ChannelLine> lines;
-    for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
-        if (Load(core.View()->fullBlocks[0].time[channel]) == 0.0) continue;
-        const ChannelReading reading = ReadChannel(core, channel, 0, circumstances);
-        lines.push_back({channel, Harmless(core.ChannelName(channel)), Harmless(reading.text), ToUtf8(reading.textUnit),
-                         reading.age.value_or(0.0), !reading.missing});
-    }
-    return lines;
-}
-
-std::string ShownBytes(const std::string& bytes) { return Harmless(FromBytes(bytes)); }
-
-// The texts sent to the stand-in for Deckman; none with the real one, whose displays are on the mast.
-std::vector<RemoteLine> ReadRemotes(const CoreServices& services) {
-    const std::u16string folder = ReadSettings(services.registry).dfwFolder;
-    const DisplayReader displays(services.memory, Trimmed(std::u16string_view(folder)));
-    std::vector<RemoteLine> lines;
-    for (int remote = 1; remote <= kRemoteCount; ++remote) {
-        const DisplayedText value = displays.Value(remote);
-        if (value.updates > 0) lines.push_back({remote, ShownBytes(value.text), ShownBytes(displays.Name(remote).text)});
-    }
-    return lines;
-}
-
 // The next look may be an hour away, and holding the record until then would keep a request to close alive.
 constexpr int kSliceMs = 100;
+
+// Looks at everything that is shown.
+class Watcher {
+public:
+    Watcher(System& system, Guest& guest, const WatchOptions& options, std::vector<ChannelId> named)
+        : memory_(system.Core().memory),
+          core_(guest.Core()),
+          circumstances_(system, guest.Record()),
+          channels_(core_, options, std::move(named)) {}
+
+    // Times of day as "12:34:56", or with the date.
+    WatchedLook Look(bool dated) {
+        circumstances_.LookAgain();
+        pulse_.Look(circumstances_.bridge, circumstances_.now * kSecondsPerDay);
+        circumstances_.standsStill = pulse_.StandsStill();
+        const double time = core_.ToDisplayTime(circumstances_.now);
+        return {ToUtf8(DateTimeFormat(time, dated ? u"%d-%b-%Y %H:%M:%S" : u"%H:%M:%S")), pulse_.Words(), pulse_.Works(),
+                channels_.Look(circumstances_), ReadRemotes(memory_, circumstances_.settings.dfwFolder)};
+    }
+
+private:
+    SharedMemory& memory_;
+    CCore& core_;
+    Circumstances circumstances_;
+    WatchedChannels channels_;
+    BridgePulse pulse_;
+};
+
+// The first that does not exist is given as `unknown`.
+std::vector<ChannelId> FindChannels(const CCore& core, const std::vector<std::string>& typed, std::optional<std::string>& unknown) {
+    std::vector<ChannelId> channels;
+    for (const std::string& text : typed) {
+        const auto channel = FindChannel(core, text);
+        if (channel) channels.push_back(*channel);
+        if (!channel && !unknown) unknown = text;
+    }
+    return channels;
+}
+
+// Until the user or the suite asks to stop. A key is answered by a look of its own.
+void WatchLive(ConsoleScreen& screen, const CCore& core, Watcher& watcher, const WatchOptions& options) {
+    WatchView view(options.order);
+    int left = 0;
+    while (!core.QuitRequested()) {
+        if (left <= 0) left = options.intervalMs;
+        screen.Draw(view.Draw(watcher.Look(false), screen.Size()));
+        std::optional<char32_t> key;
+        while (left > 0 && !key && !core.QuitRequested()) {
+            const int slice = std::min(left, kSliceMs);
+            key = screen.Wait(slice);
+            if (!key) left -= slice;
+        }
+        if (key && (*key == Key::kStop || !view.OnKey(*key))) return;
+    }
+}
 
 // False as soon as the user or the suite asks to stop.
 bool WaitForNextLook(Console& console, const CCore& core, int milliseconds) {
@@ -50,25 +87,50 @@ bool WaitForNextLook(Console& console, const CCore& core, int milliseconds) {
     return !core.QuitRequested();
 }
 
+std::string PlainText(WatchedLook look, RowOrder order) {
+    Sort(look.rows, order);
+    std::string text = look.clock + "  " + look.bridge + "\n" + PlainTableHeading();
+    for (const WatchedRow& row : look.rows) text += PlainTableRow(row);
+    if (look.rows.empty()) text += std::string(kNothingToShow) + "\n";
+    for (const RemoteLine& remote : look.remotes) {
+        text += "remote " + PaddedLeft(std::to_string(remote.number), 2) + "  " + Padded(remote.name, 10) + remote.value + "\n";
+    }
+    return text + "\n";
+}
+
+Output WatchAsText(Console& console, const CCore& core, Watcher& watcher, const WatchOptions& options) {
+    const auto goOn = [&] { return !core.QuitRequested() && console.Wait(0); };
+    Output output;
+    int shown = 0;
+    do output = console.Write(PlainText(watcher.Look(true), options.order), goOn);
+    while (output == Output::kWritten && ++shown != options.snapshots && WaitForNextLook(console, core, options.intervalMs));
+    return output;
+}
+
 }  // namespace
 
 Status Watch(System& system, const WatchOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;
-    const CoreServices services = system.Core();
     Console& console = system.GetConsole();
-    const auto goOn = [&] { return !guest.Core().QuitRequested() && console.Wait(0); };
-    std::string picture = console.Size() ? kClearScreen : "";
-    Output output;
-    int shown = 0;
-    do {
-        Circumstances circumstances(system, guest.Record());
-        const auto channels = ReadChannels(guest.Core(), circumstances);
-        picture += DrawScreen(channels, ReadRemotes(services), console.Size());
-        output = console.Write(picture, goOn);
-        picture.clear();
-    } while (output == Output::kWritten && ++shown != options.snapshots &&
-             WaitForNextLook(console, guest.Core(), options.intervalMs));
+    std::optional<std::string> unknown;
+    auto named = FindChannels(guest.Core(), options.channels, unknown);
+    if (unknown) {
+        guest.Leave();
+        return ComplainOfChannel(console, *unknown);
+    }
+    Output output = Output::kWritten;
+    {
+        Watcher watcher(system, guest, options, std::move(named));
+        // A screen that vanishes with the last snapshot would show nothing.
+        auto screen = options.snapshots ? nullptr : console.TakeScreen();
+        if (screen) {
+            WatchLive(*screen, guest.Core(), watcher, options);
+            guest.Release();
+        } else {
+            output = WatchAsText(console, guest.Core(), watcher, options);
+        }
+    }
     guest.Leave();
     return StatusOf(console, output);
 }

@@ -1,14 +1,12 @@
 // The output of a command-line program, and the user's request to stop it.
 #pragma once
 #include <functional>
-#include <optional>
+#include <memory>
 #include <string_view>
 
-namespace twr {
+#include "platform/console_screen.h"
 
-struct ConsoleSize {
-    int columns, rows;
-};
+namespace twr {
 
 enum class Output {
     kWritten,
@@ -20,9 +18,8 @@ class Console {
 public:
     virtual ~Console() = default;
 
-    // nullopt if standard output can't be redrawn: a file, a pipe, or a terminal without escape sequences. The numbers are as the
-    // terminal reports them, however odd.
-    virtual std::optional<ConsoleSize> Size() const = 0;
+    // nullptr unless standard input and output are a terminal that can show pictures.
+    virtual std::unique_ptr<ConsoleScreen> TakeScreen() = 0;
 
     // Writes UTF-8 to standard output and flushes. While that is held up (Ctrl-S at a terminal, a full pipe), calls `goOn` ten
     // times a second, and drops what is not written yet once it returns false.

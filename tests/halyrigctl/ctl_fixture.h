@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/wide_text.h"
 #include "core/core.h"
 #include "core/days.h"
 #include "halyrigctl/commands.h"
@@ -16,10 +17,26 @@
 
 namespace twr::testing {
 
-// Keeps what is written; the user goes on for as long as the test says.
+// What a screen of this size shows.
+inline std::string Shown(const std::vector<ScreenText>& texts, ConsoleSize size) {
+    std::vector<std::u16string> rows(static_cast<std::size_t>(size.rows),
+                                     std::u16string(static_cast<std::size_t>(size.columns), u' '));
+    for (const ScreenText& text : texts) {
+        EXPECT_TRUE(text.row >= 0 && text.row < size.rows && text.column >= 0) << text.row << ' ' << text.column;
+        auto column = static_cast<std::size_t>(text.column);
+        for (const char16_t c : FromUtf8(text.text)) {
+            if (column < rows[0].size()) rows[static_cast<std::size_t>(text.row)][column++] = c;
+        }
+    }
+    std::string shown;
+    for (const std::u16string& row : rows) shown += ToUtf8(row) + '\n';
+    return shown;
+}
+
+// Keeps what is written; the user goes on for as long as the test says. With a size it has a screen too.
 class FakeConsole : public Console {
 public:
-    std::optional<ConsoleSize> Size() const override { return size; }
+    std::unique_ptr<ConsoleScreen> TakeScreen() override { return size ? std::make_unique<Screen>(*this) : nullptr; }
     Output Write(std::string_view utf8, const std::function<bool()>& stillWanted) override {
         int asked = 0;
         while (held && asked < 1000 && stillWanted()) ++asked;
@@ -40,6 +57,9 @@ public:
     }
 
     std::optional<ConsoleSize> size;
+    std::u32string keys;                // typed at the screen, one for each wait
+    std::vector<std::string> pictures;  // drawn there
+    bool screenTaken = false;
     std::string written;
     bool closed = false;  // what is written is refused
     bool held = false;    // it is taken by nobody
@@ -47,6 +67,26 @@ public:
     int waited = 0;  // milliseconds
     std::function<bool()> goOn = [] { return false; };
     std::function<void()> beforeError;
+
+private:
+    class Screen : public ConsoleScreen {
+    public:
+        explicit Screen(FakeConsole& of) : console_(of) { console_.screenTaken = true; }
+        ~Screen() override { console_.screenTaken = false; }
+        ConsoleSize Size() override { return *console_.size; }
+        void Draw(const std::vector<ScreenText>& texts) override { console_.pictures.push_back(Shown(texts, Size())); }
+        std::optional<char32_t> Wait(int milliseconds) override {
+            if (!console_.keys.empty()) {
+                const char32_t key = console_.keys.front();
+                console_.keys.erase(0, 1);
+                return key;
+            }
+            return console_.Wait(milliseconds) ? std::nullopt : std::optional<char32_t>(Key::kStop);
+        }
+
+    private:
+        FakeConsole& console_;
+    };
 };
 
 inline void ExpectIn(const std::string& text, const std::vector<const char*>& parts) {

@@ -196,62 +196,6 @@ TEST_F(CtlTest, EveryHelpEndsWithAnExampleThatIsUnderstood) {
     EXPECT_LE(5u, examples);
 }
 
-TEST_F(CtlTest, WatchEndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
-    StartSuite();
-    constexpr const char* kWatch = "watch --interval 250";
-    const auto userEnds = [&] { return console.waited < 700; };
-    const auto suiteEnds = [&] { return Record().SetFlag(35, true), true; };
-    console.goOn = userEnds;
-    Said(kWatch);
-    EXPECT_EQ(700, console.waited);
-    EXPECT_EQ(3, console.writes) << "one look for each interval begun";
-    console.goOn = suiteEnds;
-    ExpectIn(Said(kWatch), {"asked to close"});
-    EXPECT_EQ(800, console.waited);
-    ExpectIn(Said("get bsp", 1), {"asked to close", "not running"});
-
-    Record().SetFlag(35, false);
-    console.held = true;
-    console.goOn = [asked = 0]() mutable { return ++asked < 3; };
-    Said("watch");
-    console.goOn = suiteEnds;
-    console.beforeError = [&] {
-        suite.reset();
-        EXPECT_FALSE(Held()) << "the request would stay with it";
-    };
-    ExpectIn(Said("watch"), {"asked to close"});
-    EXPECT_EQ(800, console.waited);
-}
-
-TEST_F(CtlTest, WatchShowsWhatIsPublishedAndTheRemotesOfTheStandIn) {
-    StartSuite();
-    Publish(kBsp, 7.25);
-    Publish(kAws, 12.5, 20.0);
-    Publish(kMagVar, -3.0);
-    const std::u16string folder = test.folder.File("Deckman");
-    WriteSettings(Core().registry, {.dfwFolder = folder});
-    DisplayWriter displays(Core().memory, folder);
-    displays.ShowValue(3, "7.25");
-    displays.ShowName(3, "BSP");
-    displays.ShowValue(12, "3.00\xB0W");
-    // shown, absent: absent: what is stale, was never published, was never shown
-    const std::tuple<std::optional<ConsoleSize>, std::vector<const char*>, std::vector<const char*>> rows[] = {
-        {{},
-         {"   1  BSP                         7.25 kt", "  93  MagVar                    3.00\u00B0w ",
-          "remote  3  BSP       7.25\n", "remote 12            3.00\u00B0W\n"},
-         {"12.5", "Depth", "remote  4", "\x1b"}},
-        {ConsoleSize{100, 24},
-         {"\x1b[2m   3  AWS                          - -", "   1  BSP                         7.25 kt", "\u256D 3 \u2500",
-          "\u256D 12 \u2500", "   7.25    ", "  3.00\u00B0W   "},
-         {"12.5", "Depth", "\u256D 4"}}};
-    for (const auto& [size, shown, absent] : rows) {
-        console.size = size;
-        const std::string said = Said("watch --snapshots 1");
-        ExpectIn(said, shown);
-        for (const char* none : absent) EXPECT_EQ(said.npos, said.find(none)) << none;
-    }
-}
-
 TEST_F(CtlTest, QuitWaitsUntilAllHaveLeft) {
     // leaves: ms after which the suite lets go of the record
     // patience: ms after which the user has enough

@@ -2,17 +2,16 @@
 
 #include <poll.h>
 #include <signal.h>
-#include <sys/ioctl.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 
 #include "platform/held_output.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
 #include "platform/linux/signal_queue.h"
+#include "platform/linux/terminal/screen.h"
 
 namespace twr {
 namespace {
@@ -38,19 +37,11 @@ std::function<bool()> Writer(int to, std::string_view text) {
     return [to, owned = std::string(text)] { return WriteAll(to, owned); };
 }
 
-// For example the shell window of an editor.
-bool TerminalIsDumb() {
-    const char* const terminal = std::getenv("TERM");
-    return !terminal || !*terminal || std::string_view(terminal) == "dumb";
-}
-
 class PosixConsole final : public Console {
 public:
-    std::optional<ConsoleSize> Size() const override {
-        winsize size{};
-        if (!isatty(STDOUT_FILENO) || TerminalIsDumb()) return std::nullopt;
-        if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) return ConsoleSize{80, 24};
-        return ConsoleSize{size.ws_col, size.ws_row};
+    std::unique_ptr<ConsoleScreen> TakeScreen() override {
+        const bool terminal = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO);
+        return terminal && TerminalCanShowScreens() ? MakeConsoleScreen() : nullptr;
     }
 
     Output Write(std::string_view utf8, const std::function<bool()>& goOn) override {

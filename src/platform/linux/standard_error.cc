@@ -27,7 +27,7 @@ void ShowOnStandardError(std::u16string_view text, std::u16string_view caption) 
 void TellUser(const std::string& text) {
     const std::string line = std::string(program_invocation_short_name) + ": " + text + '\n';
     if (waits) {
-        waiting += line;
+        if (!waiting.ends_with(line)) waiting += line;
     } else {
         IgnoreBrokenPipes();
         std::fputs(line.c_str(), stderr);

@@ -1,30 +1,31 @@
 #include "platform/console.h"
 
 #include "platform/held_output.h"
+#include "platform/windows/console_screen.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
 
 namespace twr {
 namespace {
 
-// Sets the encoding and modes of the process's console for the life of the object.
+// Sets the encoding of the process's console for the life of the object.
 class WindowsConsole final : public Console {
 public:
     WindowsConsole();
     ~WindowsConsole() override;
     WindowsConsole(const WindowsConsole&) = delete;
     WindowsConsole& operator=(const WindowsConsole&) = delete;
-    std::optional<ConsoleSize> Size() const override;
+    std::unique_ptr<ConsoleScreen> TakeScreen() override;
     Output Write(std::string_view utf8, const std::function<bool()>& goOn) override;
     void WriteError(std::string_view utf8) override;
     bool Wait(int milliseconds) override;
 
 private:
+    void Listen();
+
     HANDLE output_;
     HANDLE error_;
-    UINT formerCodePage_;              // 0 without a console
-    std::optional<DWORD> formerMode_;  // nullopt if standard output is not a console
-    bool supportsEscapes_ = false;
+    UINT formerCodePage_;  // 0 without a console
     bool listening_ = false;
 };
 
@@ -51,26 +52,20 @@ std::function<bool()> Writer(HANDLE to, std::string_view text) {
 
 }  // namespace
 
-// UTF-8, on standard error too, and the escape sequences that clear the screen and move on it.
+// UTF-8, on standard error too.
 WindowsConsole::WindowsConsole()
     : output_(GetStdHandle(STD_OUTPUT_HANDLE)), error_(GetStdHandle(STD_ERROR_HANDLE)), formerCodePage_(GetConsoleOutputCP()) {
     if (formerCodePage_ != 0) SetConsoleOutputCP(CP_UTF8);
-    DWORD mode = 0;
-    if (!GetConsoleMode(output_, &mode)) return;
-    formerMode_ = mode;
-    supportsEscapes_ = SetConsoleMode(output_, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
 // The console outlives the program and is then used by the command prompt.
 WindowsConsole::~WindowsConsole() {
-    if (formerMode_) SetConsoleMode(output_, *formerMode_);
     if (formerCodePage_ != 0) SetConsoleOutputCP(formerCodePage_);
 }
 
-std::optional<ConsoleSize> WindowsConsole::Size() const {
-    CONSOLE_SCREEN_BUFFER_INFO info;
-    if (!supportsEscapes_ || !GetConsoleScreenBufferInfo(output_, &info)) return std::nullopt;
-    return ConsoleSize{info.srWindow.Right - info.srWindow.Left + 1, info.srWindow.Bottom - info.srWindow.Top + 1};
+std::unique_ptr<ConsoleScreen> WindowsConsole::TakeScreen() {
+    Listen();
+    return MakeConsoleScreen(GetStdHandle(STD_INPUT_HANDLE), output_, StopEvent());
 }
 
 Output WindowsConsole::Write(std::string_view utf8, const std::function<bool()>& goOn) {
@@ -80,8 +75,12 @@ Output WindowsConsole::Write(std::string_view utf8, const std::function<bool()>&
 void WindowsConsole::WriteError(std::string_view utf8) { RunShortWrite(Writer(error_, utf8)); }
 
 // Only from the first wait or check on, so that Ctrl-C ends a command that never waits as usual.
-bool WindowsConsole::Wait(int milliseconds) {
+void WindowsConsole::Listen() {
     if (!listening_) listening_ = SetConsoleCtrlHandler(OnStop, TRUE);
+}
+
+bool WindowsConsole::Wait(int milliseconds) {
+    Listen();
     return WaitForSingleObject(StopEvent(), static_cast<DWORD>(milliseconds)) == WAIT_TIMEOUT;
 }
 

@@ -18,7 +18,7 @@ std::unique_ptr<Desktop> MakeDesktop();
 std::unique_ptr<Instance> MakeInstance(const std::u16string& namePrefix);
 std::unique_ptr<Executable> MakeExecutable();
 
-// Sets the encoding and modes of the process's console for the life of the object.
+// Sets the encoding of the process's console for the life of the object.
 std::unique_ptr<Console> MakeConsole();
 
 }  // namespace twr

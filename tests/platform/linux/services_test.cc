@@ -41,8 +41,11 @@ private:
 };
 
 const Role kSize("console size", [](const std::vector<std::string>&) {
-    const auto size = MakeConsole()->Size();
-    std::printf("%s\n", size ? (std::to_string(size->columns) + "x" + std::to_string(size->rows)).c_str() : "no pictures");
+    const auto screen = MakeConsole()->TakeScreen();
+    const ConsoleSize size = screen ? screen->Size() : ConsoleSize{};
+    const std::string told = screen ? std::to_string(size.columns) + "x" + std::to_string(size.rows) : "no pictures";
+    if (screen) screen->Draw({{0, 0, told}});
+    if (!screen) std::printf("%s\n", told.c_str());
     std::fflush(stdout);
     return getchar() == 'q' ? 0 : 1;
 });

@@ -47,8 +47,8 @@ Panel BoxLayer::Shown(CellSize area) {
 
 void BoxLayer::OnKey(char32_t key) {
     MoveFocus(key, answers_.size());
-    if (key == kEnter || key == U' ') answer_ = answers_[focus_];
-    if (key == kEscape) answer_ = answers_.back();  // No, or the only one
+    if (key == Key::kEnter || key == U' ') answer_ = answers_[focus_];
+    if (key == Key::kEscape) answer_ = answers_.back();  // No, or the only one
     if (answers_.size() > 1 && (key == U'y' || key == U'Y')) answer_ = BoxAnswer::kYes;
     if (answers_.size() > 1 && (key == U'n' || key == U'N')) answer_ = BoxAnswer::kNo;
     if (answer_ != BoxAnswer::kNone) Close();

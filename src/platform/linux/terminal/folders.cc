@@ -73,13 +73,13 @@ Panel FolderLayer::Shown(CellSize area) {
 }
 
 void FolderLayer::OnKey(char32_t key) {
-    if (key == kEscape) return Close();
-    if (key == kEnter || (key == kRight && focus_ != kHere)) return OnEnter();
-    if (key == kLeft) return GoUp();
-    if (key == kPageUp) focus_ -= std::min(focus_, rows_);
-    if (key == kPageDown) focus_ = std::min(focus_ + rows_, entries_.size() - 1);
-    if (key > U' ' && key < kOther) return Seek(key);
-    if (key != kRight) MoveFocus(key, entries_.size());
+    if (key == Key::kEscape) return Close();
+    if (key == Key::kEnter || (key == Key::kRight && focus_ != kHere)) return OnEnter();
+    if (key == Key::kLeft) return GoUp();
+    if (key == Key::kPageUp) focus_ -= std::min(focus_, rows_);
+    if (key == Key::kPageDown) focus_ = std::min(focus_ + rows_, entries_.size() - 1);
+    if (key > U' ' && key < Key::kOther) return Seek(key);
+    if (key != Key::kRight) MoveFocus(key, entries_.size());
 }
 
 void FolderLayer::OnEnter() {

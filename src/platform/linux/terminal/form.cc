@@ -36,8 +36,8 @@ int LeastWidth(const ControlTemplate& control) {
 }  // namespace
 
 void Layer::MoveFocus(char32_t key, std::size_t count) {
-    if (key == kTab || key == kDown || key == kRight) focus_ = (focus_ + 1) % count;
-    if (key == kBackTab || key == kUp || key == kLeft) focus_ = (focus_ + count - 1) % count;
+    if (key == Key::kTab || key == Key::kDown || key == Key::kRight) focus_ = (focus_ + 1) % count;
+    if (key == Key::kBackTab || key == Key::kUp || key == Key::kLeft) focus_ = (focus_ + count - 1) % count;
 }
 
 FormLayer::FormLayer(const DialogTemplate& layout, Dialog& dialog, DialogWindow& window, std::function<void(Layer&)> run)
@@ -84,13 +84,13 @@ std::wstring FormLayer::TextOf(const ControlTemplate& control, int width) const 
 }
 
 void FormLayer::OnKey(char32_t key) {
-    if (key == kEscape) return dialog_.OnCancel();
-    if (key >= kF1 && key - kF1 < menu_.size()) return dialog_.OnMenu(menu_[key - kF1].first);
+    if (key == Key::kEscape) return dialog_.OnCancel();
+    if (key >= Key::kF1 && key - Key::kF1 < menu_.size()) return dialog_.OnMenu(menu_[key - Key::kF1].first);
     if (stops_.empty()) return;
     MoveFocus(key, stops_.size());
     const ControlTemplate& control = *stops_[focus_];
-    if (key == kEnter && control.kind == ControlKind::kCheckBox) return dialog_.OnOk();
-    if (key == kEnter || key == U' ') Press(control);
+    if (key == Key::kEnter && control.kind == ControlKind::kCheckBox) return dialog_.OnOk();
+    if (key == Key::kEnter || key == U' ') Press(control);
 }
 
 void FormLayer::Press(const ControlTemplate& control) {

@@ -1,11 +1,10 @@
 // An open dialog in the terminal: its loop, and the layers on top of it.
 #pragma once
-#include <memory>
 #include <string_view>
 #include <vector>
 
-#include "platform/linux/signal_queue.h"
 #include "platform/linux/terminal/layers.h"
+#include "platform/linux/terminal/session.h"
 #include "platform/linux/window_state.h"
 
 namespace twr {
@@ -31,29 +30,20 @@ private:
 
     // One round of the loop. An event that it raises can run further rounds while it shows a box.
     void Step();
-    void OnSignal(int signal);
     void OnKey(char32_t key);
     void Wait();
 
     // The window is closed from outside, as confirmed: a question whether to leave is answered with yes.
     void CloseFromOutside();
-    void OnTerminalGone();
-    void Suspend();
 
-    bool TakeScreen();  // false while there is none to draw on
     void Draw();
-    bool HasScreen() const { return screen_ && !stale_ && !gone_; }
-    bool Busy() const { return HasScreen() && screen_->Device().Busy(); }
 
     Dialog& dialog_;
-    SignalQueue signals_;
+    TerminalSession session_;
     FormLayer form_;
     std::vector<Layer*> layers_;
-    std::unique_ptr<TerminalScreen> screen_;
     bool dirty_ = true;      // the picture is out of date
-    bool stale_ = false;     // another program may have drawn on the screen
     bool tooSmall_ = false;  // nothing but a notice is shown
-    bool gone_ = false;      // the terminal has vanished
     bool closing_ = false;
     bool quit_ = false;
 };

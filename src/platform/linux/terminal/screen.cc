@@ -8,7 +8,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <utility>
 
+#include "base/wide_text.h"
 #include "platform/linux/terminal/text.h"
 
 // Names that the library's headers define as macros.
@@ -20,6 +23,8 @@ namespace {
 
 // A lone Esc waits this long for the rest of a key's sequence, which a slow line may bring in pieces.
 constexpr int kEscapeDelayMs = 50;
+
+constexpr wint_t kDelete = 127;  // what the Backspace key sends on most terminals
 
 // The library sets handlers of its own for these. They are events of the host's loop instead.
 constexpr std::array kHandled = {SIGINT, SIGTERM, SIGTSTP, SIGWINCH};
@@ -36,18 +41,45 @@ SCREEN* NewTerminal(std::FILE* to) {
 char32_t KeyOfCode(wint_t code) {
     static constexpr struct {
         wint_t code;
-        Key key;
-    } kKeys[] = {{KEY_BTAB, kBackTab}, {KEY_UP, kUp},        {KEY_DOWN, kDown},      {KEY_LEFT, kLeft},
-                 {KEY_RIGHT, kRight},  {KEY_PPAGE, kPageUp}, {KEY_NPAGE, kPageDown}, {KEY_ENTER, kEnter}};
-    if (code >= KEY_F(1) && code <= KEY_F(12)) return kF1 + (code - KEY_F(1));
+        Key::Code key;
+    } kKeys[] = {{KEY_BTAB, Key::kBackTab},       {KEY_UP, Key::kUp},        {KEY_DOWN, Key::kDown},      {KEY_LEFT, Key::kLeft},
+                 {KEY_RIGHT, Key::kRight},        {KEY_PPAGE, Key::kPageUp}, {KEY_NPAGE, Key::kPageDown}, {KEY_ENTER, Key::kEnter},
+                 {KEY_HOME, Key::kHome},          {KEY_FIND, Key::kHome},    {KEY_END, Key::kEnd},        {KEY_SELECT, Key::kEnd},
+                 {KEY_BACKSPACE, Key::kBackspace}};
+    if (code >= KEY_F(1) && code <= KEY_F(12)) return Key::kF1 + (code - KEY_F(1));
     const auto* const found = std::ranges::find(kKeys, code, [](const auto& row) { return row.code; });
-    return found == std::end(kKeys) ? kOther : found->key;
+    return found == std::end(kKeys) ? Key::kOther : found->key;
 }
 
 void Put(int row, int column, const std::wstring& text, attr_t attributes = A_NORMAL) {
     attrset(static_cast<int>(attributes));
     mvaddwstr(row, column, text.c_str());
     attrset(A_NORMAL);
+}
+
+// The library's pairs of colours: these on the terminal's own background.
+constexpr std::pair<Look, short> kColours[] = {{Look::kGreen, COLOR_GREEN}, {Look::kYellow, COLOR_YELLOW}, {Look::kRed, COLOR_RED}};
+
+// Users who want no colours set NO_COLOR.
+void TakeColours() {
+    const char* const none = std::getenv("NO_COLOR");
+    if ((none && *none) || !has_colors() || start_color() != OK || use_default_colors() != OK) return;
+    for (const auto& [look, colour] : kColours) init_pair(static_cast<short>(look), colour, -1);
+}
+
+attr_t AttributesOf(Look look) {
+    switch (look) {
+        case Look::kPlain:
+            return A_NORMAL;
+        case Look::kBold:
+            return A_BOLD;
+        case Look::kFaint:
+            return A_DIM;
+        case Look::kReversed:
+            return A_REVERSE;
+        default:
+            return COLOR_PAIR(static_cast<int>(look));
+    }
 }
 
 }  // namespace
@@ -71,6 +103,7 @@ TerminalScreen::TerminalScreen() : picture_(fdopen(memfd_create("picture", MFD_C
     TakeSize();
     typeahead(-1);
     set_escdelay(kEscapeDelayMs);
+    TakeColours();
     curs_set(0);
     keys_ = newpad(1, 1);  // reading from a pad never draws
     keypad(keys_, TRUE);
@@ -101,7 +134,8 @@ std::optional<char32_t> TerminalScreen::Read() {
     const int kind = wget_wch(keys_, &read);
     if (kind == ERR) return std::nullopt;
     if (kind == KEY_CODE_YES) return KeyOfCode(read);
-    if (read == kEscape && wget_wch(keys_, &behind) != ERR) return kOther;
+    if (read == Key::kEscape && wget_wch(keys_, &behind) != ERR) return Key::kOther;
+    if (read == kDelete) return Key::kBackspace;
     return read == L'\n' ? U'\r' : static_cast<char32_t>(read);
 }
 
@@ -113,7 +147,9 @@ void TerminalScreen::TakeSize() {
 
 void TerminalScreen::Redraw() { clearok(curscr, TRUE); }
 
-CellSize TerminalScreen::Area() const { return {getmaxy(stdscr) - 1, getmaxx(stdscr)}; }
+CellSize TerminalScreen::Size() const { return {getmaxy(stdscr), getmaxx(stdscr)}; }
+
+CellSize TerminalScreen::Area() const { return {Size().rows - 1, Size().columns}; }
 
 void TerminalScreen::Show(const std::vector<Panel>& panels) {
     const TerminalLocale locale;
@@ -125,6 +161,21 @@ void TerminalScreen::Show(const std::vector<Panel>& panels) {
         Put(Area().rows, column, hint);
         column += WidthOf(hint) + 2;
     }
+    Finish();
+}
+
+void TerminalScreen::Show(const std::vector<ScreenText>& texts) {
+    const TerminalLocale locale;
+    erase();
+    for (const ScreenText& text : texts) {
+        const int room = Size().columns - text.column;
+        if (text.row < Size().rows && room > 0)
+            Put(text.row, text.column, Beginning(Printable(FromUtf8(text.text)), room), AttributesOf(text.look));
+    }
+    Finish();
+}
+
+void TerminalScreen::Finish() {
     refresh();
     device_.Write(TakePicture());
 }

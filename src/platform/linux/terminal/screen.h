@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/console_screen.h"
 #include "platform/linux/terminal/device.h"
 
 // Of the library behind it.
@@ -13,23 +14,6 @@ struct _win_st;
 struct screen;
 
 namespace twr {
-
-// Keys that are not characters are above all of those.
-enum Key : char32_t {
-    kTab = U'\t',
-    kRedraw = 12,  // Ctrl-L
-    kEnter = U'\r',
-    kEscape = 27,
-    kOther = 0x110000,
-    kBackTab,
-    kUp,
-    kDown,
-    kLeft,
-    kRight,
-    kPageUp,
-    kPageDown,
-    kF1,  // and kF1 + 1, ...
-};
 
 // A framed box in the middle of the screen, and its contents.
 struct Panel {
@@ -64,14 +48,20 @@ public:
     void TakeSize();  // that the terminal has now
     void Redraw();    // the next picture is drawn in full, whatever the screen shows
 
+    CellSize Size() const;
+
     // The area for panels.
     CellSize Area() const;
 
     // The last panel covers the others, and has the focus and the hints.
     void Show(const std::vector<Panel>& panels);
 
+    // Texts at their places, and blanks.
+    void Show(const std::vector<ScreenText>& texts);
+
 private:
     void Draw(const Panel& panel, bool topmost);
+    void Finish();  // passes the picture on
     std::string TakePicture();
 
     TerminalDevice device_;

@@ -26,6 +26,16 @@ std::size_t Fitting(std::wstring_view text, int width) {
     return count;
 }
 
+// For a terminal that shows plain characters only.
+wchar_t Substitute(char32_t character) {
+    constexpr char32_t kLowestBlock = U'\u2581';
+    constexpr std::wstring_view kBlocks = L"_.-~=+*#";
+    if (character >= kLowestBlock && character - kLowestBlock < kBlocks.size()) return kBlocks[character - kLowestBlock];
+    if (character == U'\u2500') return L'-';
+    if (character == U'\u2502') return L'|';
+    return character >= U'\u256D' && character <= U'\u2570' ? L'+' : L'?';  // rounded corners
+}
+
 void AppendWrapped(std::vector<std::wstring>& lines, std::wstring_view paragraph, int width) {
     while (WidthOf(paragraph) > width && paragraph.size() > 1) {
         const std::size_t fits = std::max<std::size_t>(1, Fitting(paragraph, width));
@@ -52,7 +62,7 @@ std::wstring Printable(std::u16string_view text) {
         if ((character & 0xFC00) == 0xD800 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00) {
             character = 0x10000 + ((character & 0x3FF) << 10) + (text[++i] & 0x3FF);
         }
-        result += iswprint(static_cast<wint_t>(character)) ? static_cast<wchar_t>(character) : L'?';
+        result += iswprint(static_cast<wint_t>(character)) ? static_cast<wchar_t>(character) : Substitute(character);
     }
     return result;
 }
@@ -68,8 +78,10 @@ std::wstring PlainCaption(std::u16string_view marked) {
 
 int WidthOf(std::wstring_view text) { return std::max(0, wcswidth(text.data(), text.size())); }
 
+std::wstring Beginning(std::wstring_view text, int width) { return std::wstring(text.substr(0, Fitting(text, width))); }
+
 std::wstring Fitted(std::wstring_view text, int width) {
-    std::wstring fitted(text.substr(0, Fitting(text, width)));
+    std::wstring fitted = Beginning(text, width);
     fitted.append(static_cast<std::size_t>(std::max(0, width - WidthOf(fitted))), L' ');
     return fitted;
 }

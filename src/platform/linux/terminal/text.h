@@ -21,7 +21,7 @@ private:
     const locale_t before_;
 };
 
-// Each character that the terminal can't show, or would act upon, becomes '?'.
+// Each character that the terminal can't show, or would act upon, becomes '?', but lines and blocks a similar plain one.
 std::wstring Printable(std::u16string_view text);
 
 // A caption without the "&" that marks its access key on a desktop; "&&" is a plain "&".
@@ -29,7 +29,10 @@ std::wstring PlainCaption(std::u16string_view marked);
 
 int WidthOf(std::wstring_view text);  // cells
 
-// As much of the beginning as fits, padded with blanks to `width` cells.
+// As much of the beginning as fits into `width` cells.
+std::wstring Beginning(std::wstring_view text, int width);
+
+// The same, padded with blanks to `width`.
 std::wstring Fitted(std::wstring_view text, int width);
 
 // As much of the end as fits, after three points if that is not all.

@@ -1,0 +1,29 @@
+// Whether the bridge works, from looks at its count of ticks.
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "status/bridge_status.h"
+
+namespace twr {
+
+class BridgePulse {
+public:
+    // Takes a look; `bridge` is nullopt if it is not running, `seconds` count from any moment.
+    void Look(const std::optional<BridgeStatus>& bridge, double seconds);
+
+    bool StandsStill() const { return rate_ == 0.0; }
+    bool Works() const { return from_ && !StandsStill(); }
+    std::string Words() const;
+
+private:
+    struct Count {
+        std::uint32_t ticks;
+        double seconds;
+    };
+    std::optional<Count> from_;   // the rate is counted from here; nullopt while there is no bridge
+    std::optional<double> rate_;  // ticks a second, over a second or more; nullopt before that
+};
+
+}  // namespace twr

@@ -1,0 +1,81 @@
+// watch at a pseudo-terminal, over a record of the test's own. It looks anew with each key alone, so that it is silent in between.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include "core/core.h"
+#include "core/days.h"
+#include "halyrigctl/commands.h"
+#include "support/child_process.h"
+#include "support/linux/pseudo_terminal.h"
+#include "support/record_bytes.h"
+#include "support/test_system.h"
+
+namespace twr::testing {
+namespace {
+
+const Role kWatch("watch", [](const std::vector<std::string>& arguments) {
+    const auto system = SystemOf(arguments);
+    return static_cast<int>(RunCommandLine(*system, {"watch", "--interval", "3600000"}));
+});
+
+class WatchTerminalTest : public ::testing::Test {
+protected:
+    WatchTerminalTest() {
+        for (ChannelId channel = 1; channel <= 40; ++channel)
+            suite.SetChannel(channel, 0, 1.0, UtcNowDays(test.system->Core().clock));
+    }
+    void Open(const std::vector<std::string>& environment = {}) {
+        terminal = std::make_unique<PseudoTerminal>("watch", test.Arguments(), environment);
+        EXPECT_SHOWS("Scroll");  // stands in the last row, which is drawn last
+    }
+
+    TestSystem test;
+    CCore suite{test.system->Core()};
+    std::unique_ptr<PseudoTerminal> terminal;
+};
+
+TEST_F(WatchTerminalTest, ScrollsFiltersAndEndsByKeysAtAnySize) {
+    Open();
+    EXPECT_SHOWS("  the bridge is not running  ");
+    EXPECT_SHOWS("fresh     1 BSP ");
+    for (const auto& [keys, shown] : {std::pair("\033OB", "2-22 of 42"),
+                                      {"\033[5~", "1-21 of 42"},
+                                      {"\033[6~", "22-42 of 42"},
+                                      {"\033OH", "1-21 of 42"},
+                                      {"\033OF", "22-42 of"}}) {
+        terminal->Type(keys);
+        EXPECT_SHOWS(shown);
+    }
+    terminal->Type("/twqx\x7F\b");
+    EXPECT_SHOWS("/tw_ ");
+    EXPECT_SHOWS_NO("BSP");
+    terminal->Resize(3, 20);
+    EXPECT_SHOWS_NO("Enter Keep");
+    EXPECT_SHOWS("f TWA ");
+    terminal->Resize(30, 100);
+    EXPECT_SHOWS("last minute");
+    terminal->Type("\033");
+    EXPECT_SHOWS("BSP");
+    terminal->Type("q");
+    EXPECT_EQ(0, terminal->Wait());
+    EXPECT_TRUE(terminal->GivenBack());
+}
+
+TEST_F(WatchTerminalTest, EndsForTheUserAndTheSuiteAndGivesTheTerminalBack) {
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"Ctrl-C", [&] { terminal->Type("\x03"); }},
+        {"a signal", [&] { terminal->Signal(SIGTERM); }},
+        {"the suite", [&] { RecordBytes(suite.View()).SetFlag(35, true); }}};
+    for (const auto& [what, end] : rows) {
+        SCOPED_TRACE(what);
+        Open({"LC_ALL=C"});
+        EXPECT_SHOWS("   = ");  // a bar, as a plain character
+        end();
+        EXPECT_EQ(0, terminal->Wait());
+        EXPECT_TRUE(terminal->GivenBack());
+    }
+    EXPECT_SHOWS("the suite has been asked to close");
+}
+
+}  // namespace
+}  // namespace twr::testing

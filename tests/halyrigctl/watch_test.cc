@@ -1,0 +1,192 @@
+#include <algorithm>
+
+#include "config/bridge_settings.h"
+#include "displays/displays.h"
+#include "halyrigctl/ctl_fixture.h"
+#include "status/bridge_status.h"
+
+namespace twr::testing {
+namespace {
+
+class WatchTest : public CtlTest {
+protected:
+    void ExpectAbsent(const std::string& text, const std::vector<const char*>& parts) {
+        for (const char* part : parts) EXPECT_EQ(std::string::npos, text.find(part)) << part << "\nis in\n" << text;
+    }
+    std::string PictureAfter(const std::u32string& keys, const std::string& command = "watch") {
+        console.keys = keys;
+        console.pictures.clear();
+        Said(command);
+        return console.pictures.empty() ? "" : console.pictures.back();
+    }
+    // Channels in the order in which their names stand in a text.
+    static bool InOrder(const std::string& text, const std::vector<const char*>& names) {
+        std::vector<std::size_t> places;
+        for (const char* name : names) places.push_back(text.find(name));
+        return std::ranges::is_sorted(places) && places.back() != text.npos;
+    }
+};
+
+TEST_F(WatchTest, EndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
+    constexpr const char* kWatch = "watch --interval 250";
+    const auto userEnds = [&] { return console.waited < 700; };
+    const auto suiteEnds = [&] { return Record().SetFlag(35, true), true; };
+    for (const bool live : {false, true}) {
+        SCOPED_TRACE(live);
+        if (live) console.size = ConsoleSize{80, 24};
+        console.held = false;
+        console.waited = console.writes = 0;
+        console.beforeError = {};
+        StartSuite();
+        Record().SetFlag(35, false);
+        console.goOn = userEnds;
+        Said(kWatch);
+        EXPECT_EQ(700, console.waited);
+        EXPECT_EQ(3u, live ? console.pictures.size() : static_cast<std::size_t>(console.writes))
+            << "one look for each interval begun";
+        console.goOn = suiteEnds;
+        ExpectIn(Said(kWatch), {"asked to close"});
+        EXPECT_EQ(800, console.waited);
+        ExpectIn(Said("get bsp", 1), {"asked to close", "not running"});
+
+        Record().SetFlag(35, false);
+        console.held = !live;
+        console.goOn = [asked = 0]() mutable { return ++asked < 3; };
+        Said("watch");
+        const int before = console.waited;
+        console.goOn = suiteEnds;
+        console.beforeError = [&] {
+            EXPECT_FALSE(console.screenTaken) << "it would cover the message";
+            suite.reset();
+            EXPECT_FALSE(Held()) << "the request would stay with it";
+        };
+        ExpectIn(Said("watch"), {"asked to close"});
+        EXPECT_EQ(before + (live ? 100 : 0), console.waited);
+    }
+}
+
+TEST_F(WatchTest, ShowsWhatIsPublishedAndTheRemotesOfTheStandIn) {
+    StartSuite();
+    Publish(kBsp, 7.25);
+    Publish(kAws, 12.5, 20.0);
+    Publish(kMagVar, -3.0);
+    const std::u16string folder = test.folder.File("Deckman");
+    WriteSettings(Core().registry, {.dfwFolder = folder});
+    DisplayWriter displays(Core().memory, folder);
+    displays.ShowValue(3, "7.25");
+    displays.ShowName(3, "BSP");
+    displays.ShowValue(12, "3.00\xB0W");
+    const std::string said = Said("watch --snapshots 1");
+    ExpectIn(said, {"  the bridge is not running\n  id  channel ", "   1  BSP                         7.25 kt         0.",
+                    "   3  AWS                          - -           20.", "  93  MagVar                    3.00\u00B0w ",
+                    "remote  3  BSP       7.25\n", "remote 12            3.00\u00B0W\n"});
+    ExpectAbsent(said, {"12.5", "Depth", "remote  4", "\x1b"});
+    EXPECT_EQ(':', said[14]) << "the time of day";
+    console.size = ConsoleSize{110, 24};
+    const std::string picture = PictureAfter(U"q");
+    ExpectIn(
+        picture,
+        {"  the bridge is not running  5 channels, 2 fresh", "stale     3 AWS             it is stale: last published 20.",
+         "fresh     1 BSP                      7.25 kt", "\u256D 3 \u2500", "\u256D 12 \u2500", "   7.25    ", "  3.00\u00B0W   "});
+    ExpectAbsent(picture, {"12.5", "Depth", "\u256D 4"});
+}
+
+TEST_F(WatchTest, ChoosesChannels) {
+    test.folder.Write("ProgramData/Tidewright/instruments/halyrig.xml",
+                      "<x><var twr='4' dfw='7'/><var twr='1' dfw='6'/><var twr='5' boat='1' dfw='6'/></x>");
+    StartSuite();
+    Publish(kBsp, 7.25, 3.0);
+    Publish(kTws, 10.0, 5.0);
+    Publish(kAwa, 20.0);
+    suite->SetChannel(kTws, 1, 11.0, UtcNowDays(Core().clock));
+    const std::tuple<const char*, std::vector<const char*>, std::vector<const char*>> rows[] = {
+        {"", {"AWA", "BSP", "TWS"}, {"TWA"}},
+        {" --sort id", {"BSP", "AWA", "TWS"}, {}},
+        {" --sort age", {"TWS", "BSP", "AWA"}, {}},
+        {" --boat 1", {" TWS "}, {" BSP", " AWA"}},
+        {" twa tws", {"TWA", "TWS"}, {"BSP"}},
+        {" 4", {"TWA"}, {"TWS"}},
+        {" --only mapped --sort id", {"BSP", "TWA"}, {" TWS", " AWA"}},
+        {" --only mapped --boat 1", {"TWS"}, {"BSP"}},
+        {" --only mapped bsp tws", {"BSP"}, {" TWS"}}};
+    for (const auto& [options, shown, absent] : rows) {
+        SCOPED_TRACE(options);
+        const std::string byName = *options ? options : " --sort name";
+        console.size = ConsoleSize{100, 24};
+        for (const std::string& said : {PictureAfter(U"q", "watch" + byName), Said("watch --snapshots 1" + byName)}) {
+            EXPECT_TRUE(InOrder(said, shown)) << said;
+            ExpectAbsent(said, absent);
+        }
+    }
+    ExpectIn(Said("watch --snapshots 1 twa"),
+             {"   4  TWA                          - -                -  missing: the bridge is not running"});
+    ExpectSaid(2, {{"watch speed", {"there is no channel speed"}},
+                   {"watch --only all", {"--only: all not in {mapped}; see"}},
+                   {"watch --sort size", {"--sort: size not in {"}},
+                   {"watch --boat 100", {"not in range 0 to 99"}}});
+}
+
+TEST_F(WatchTest, TellsTheStateOfEachChannel) {
+    StartSuite();
+    Publish(kTws, kNoValue);
+    Publish(kBsp, 7.0);
+    Publish(kAwa, 30.0, 20.0);
+    for (const ChannelId channel : {kHeel, kTrim}) Publish(channel, 5.0, 70.0);
+    Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
+    Record().Set<std::uint8_t>(RecordBytes::Channel(kTrim) + 4, 1);
+    Record().SetFlag(52, true);
+    BridgeStatusWriter bridge(Core().memory);
+    bridge.LibraryLoaded(u"/dfw", {.loaded = true, .reads = true});
+    bridge.MappingLoaded({.variables = 3, .varRows = 1});
+    bridge.Readings()[kTws] = 151.0f;
+    ExpectSaid(0, {{"watch --snapshots 1 bsp", {"  fresh\n", "  the bridge is running\n"}},
+                   {"watch --snapshots 1 tws", {"  refused: Deckman gives 151, outside"}},
+                   {"watch --snapshots 1 heel", {"  refused: the channel is blocked"}},
+                   {"watch --snapshots 1 trim", {"  refused: the channel is held"}},
+                   {"watch --snapshots 1 awa", {"  stale: it is stale"}},
+                   {"watch --snapshots 1 aws", {"  missing: "}},
+                   {"watch --snapshots 1 120", {"  missing: it stands for no channel"}}});
+    bridge.Readings()[kTws] = 32767.0f;
+    ExpectIn(Said("watch --snapshots 1 tws"), {"  missing: Deckman has never given a value"});
+}
+
+TEST_F(WatchTest, ObeysItsKeys) {
+    StartSuite();
+    for (ChannelId channel = 1; channel <= 20; ++channel) Publish(channel, 1.0);
+    console.size = ConsoleSize{80, 13};  // ten of the rows
+    using K = Key;
+    const std::u32string down{K::kDown}, page{K::kPageDown}, end{K::kEnd}, escape{K::kEscape}, enter{K::kEnter},
+        back{K::kBackspace};
+    const std::tuple<const char*, std::u32string, std::vector<const char*>, std::vector<const char*>> rows[] = {
+        {"at first", U"", {"1-10 of 22", " 1 BSP", "q End", "Sort (id)"}, {"20 Rudder"}},
+        {"a line down", down + down + std::u32string{K::kUp}, {"2-11 of 22"}, {"BSP"}},
+        {"a page down", page, {"11-20 of 22", "20 Rudder "}, {" 10 "}},
+        {"beyond the end and back", page + page + std::u32string{K::kPageUp}, {"3-12 of 22"}, {}},
+        {"to the end", end, {"13-22 of 22"}, {}},
+        {"to the start", end + std::u32string{K::kHome}, {"1-10 of 22"}, {}},
+        {"by name", U"s", {"Sort (name)"}, {}},
+        {"a filter, in which q and s are letters",
+         U"/Qsx" + back + back + back + U"tw",
+         {"/tw_", "TWA", "TWD", "TWS"},
+         {"BSP", "of 22"}},
+        {"kept", U"/tw" + enter, {"/tw  Esc Clear", "TWS"}, {"BSP", "/tw_"}},
+        {"kept, then cleared", U"/tw" + enter + escape, {"1-10 of 22"}, {"/tw"}},
+        {"cleared at once", U"/tw" + escape, {"1-10 of 22"}, {"/tw"}},
+        {"with nothing found", U"/xyz", {"No channel's name contains"}, {"TWS"}},
+        {"a key without meaning", U"x", {"1-10 of 22"}, {}}};
+    for (const auto& [what, keys, shown, absent] : rows) {
+        SCOPED_TRACE(what);
+        const std::string picture = PictureAfter(keys);
+        ExpectIn(picture, shown);
+        ExpectAbsent(picture, absent);
+    }
+    const int waited = console.waited;
+    for (const std::u32string& ending : {std::u32string(U"q"), escape, U"/tw" + enter + U"q", U"/tw" + escape + escape}) {
+        console.goOn = [] { return ADD_FAILURE() << "it goes on", false; };
+        PictureAfter(ending);
+        EXPECT_EQ(waited, console.waited);
+    }
+}
+
+}  // namespace
+}  // namespace twr::testing
