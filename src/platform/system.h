@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "base/findings.h"
 #include "platform/clock.h"
 #include "platform/console.h"
 #include "platform/desktop.h"
@@ -24,6 +25,7 @@ struct CoreServices {
     Files& files;
     Xml& xml;
     Desktop& desktop;
+    Findings* findings = nullptr;  // told what the readers of the user's files and settings pass over
 };
 
 // A folder of lock files.

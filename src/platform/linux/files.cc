@@ -70,7 +70,12 @@ public:
 
     bool Exists(std::u16string_view path) const override { return access(NativePath(path).c_str(), F_OK) == 0; }
 
-    void MakeFolder(std::u16string_view path) override { mkdir(NativePath(path).c_str(), 0700); }
+    // On Windows the system makes the folder for data that all share; here the program does, if it can, with the first one in it.
+    void MakeFolder(std::u16string_view path) override {
+        if (!programData_.empty() && path.substr(0, path.rfind(kPathSeparator)) == programData_)
+            MakeFolders(NativePath(programData_));
+        mkdir(NativePath(path).c_str(), 0700);
+    }
 
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override {
         Descriptor file = OpenPlainFile(NativePath(path), O_RDONLY);
@@ -116,11 +121,7 @@ public:
         return paths;
     }
 
-    // On Windows the system creates the folder; here the program does, if it can.
-    std::u16string ProgramDataFolder() const override {
-        if (!programData_.empty()) MakeFolders(NativePath(programData_));
-        return programData_;
-    }
+    std::u16string ProgramDataFolder() const override { return programData_; }
 
 private:
     const std::u16string programData_;

@@ -1,0 +1,21 @@
+// All that a test's system keeps in files and registry.
+#pragma once
+#include <filesystem>
+#include <map>
+#include <string>
+
+#include "support/test_system.h"
+
+namespace twr::testing {
+
+// Paths with their bytes, folders with none. On Windows the registry lies elsewhere.
+inline std::map<std::string, std::string> Snapshot(const TestSystem& test) {
+    std::map<std::string, std::string> all;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(test.folder.Path())) {
+        const std::string name = entry.path().lexically_relative(test.folder.Path()).generic_string();
+        all[name] = entry.is_regular_file() ? test.folder.Read(name) : "";
+    }
+    return all;
+}
+
+}  // namespace twr::testing
