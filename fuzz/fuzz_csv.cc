@@ -7,7 +7,10 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     const std::string bytes(reinterpret_cast<const char*>(data), size);
     twr::testing::FakeMachine machine;
     machine.files.files = {{u"/data/Tidewright/config/alternate.csv", bytes}, {u"/legacy.csv", bytes}};
-    const twr::CCore core(machine.Services());
+    twr::CollectedFindings heard;
+    twr::CoreServices services = machine.Services();
+    services.findings = &heard;
+    const twr::CCore core(services);
     for (const twr::AlternateRow& row : core.View()->alternates) {
         for (const std::int32_t slot : row.slot) {
             if (slot != twr::kNoInt && (slot < 1 || slot > 413)) __builtin_trap();
@@ -15,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     }
     std::vector<twr::MappingVar> catalogue(1);
     catalogue[0].dfwId = 1;
-    twr::ImportLegacyVars(machine.files, u"/legacy.csv", catalogue);
-    twr::ImportLegacyRemotes(machine.files, u"/legacy.csv");
+    twr::ImportLegacyVars(machine.files, u"/legacy.csv", catalogue, &heard);
+    twr::ImportLegacyRemotes(machine.files, u"/legacy.csv", &heard);
     return 0;
 }

@@ -18,6 +18,10 @@ public:
         return text_.Find(kKey, name);
     }
     bool Write(std::u16string_view, std::u16string_view, const twr::RegistryValue&) override { return false; }
+    std::vector<std::u16string> Names(std::u16string_view) const override { return text_.Names(kKey); }
+    twr::RegistryPlace PlaceOf(std::u16string_view, std::u16string_view name) const override {
+        return {u"registry.reg", text_.LineOf(kKey, name)};
+    }
 
 private:
     const twr::RegistryText& text_;
@@ -26,9 +30,11 @@ private:
 // The settings of a new record.
 void LoadSettings(const twr::RegistryText& text) {
     TextRegistry registry(text);
+    twr::CollectedFindings heard;
+    text.Check(u"HKEY_CURRENT_USER", {&heard, u"registry.reg"});
     twr::testing::FakeMachine machine;
     const twr::CoreServices fakes = machine.Services();
-    const twr::CCore core({fakes.clock, fakes.zone, fakes.memory, registry, fakes.files, fakes.xml, fakes.desktop});
+    const twr::CCore core({fakes.clock, fakes.zone, fakes.memory, registry, fakes.files, fakes.xml, fakes.desktop, &heard});
     const twr::CoreRecord& record = *core.View();
     if (!(record.sysValue[0] >= 1.0) || record.sysInt[6] < 0 || record.sysInt[6] > 6) __builtin_trap();
     if (record.dataFolder[259] != 0 || record.databasePath[259] != 0 || record.marksXmlPath[259] != 0) __builtin_trap();

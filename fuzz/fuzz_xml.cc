@@ -86,7 +86,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     std::vector<twr::MappingVar> catalogue(1);
     catalogue[0].dfwId = 1;
     catalogue[0].dfwName = u"BSP";
-    const twr::Mapping mapping = twr::LoadMapping(xml, u"", catalogue);
+    twr::CollectedFindings heard;
+    const twr::Mapping mapping = twr::LoadMapping(xml, u"", catalogue, &heard);
     const auto check = [](const auto& row) {
         if (row.channel < 0 || row.channel > 413 || row.boat < 0 || row.boat > 99) __builtin_trap();
     };
@@ -95,7 +96,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
 
     twr::testing::FakeMachine machine;
     const twr::CoreServices fakes = machine.Services();
-    twr::CCore core({fakes.clock, fakes.zone, fakes.memory, fakes.registry, fakes.files, xml, fakes.desktop});
+    twr::CCore core({fakes.clock, fakes.zone, fakes.memory, fakes.registry, fakes.files, xml, fakes.desktop, &heard});
     for (const twr::BoatRow& boat : core.View()->boats) {
         if (boat.name[31] != 0 || boat.colour > 0xFFFFFF) __builtin_trap();
     }

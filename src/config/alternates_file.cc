@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/text_lines.h"
+#include "base/wide_text.h"
 #include "core/core.h"
 #include "core/record_access.h"
 
@@ -30,16 +31,27 @@ bool Scan(const std::string& text, const char (&format)[Size], Line& line) {
     return line.filled >= kFieldsNeeded;
 }
 
-void ReadLine(const std::string& text, CoreRecord& record) {
+constexpr std::u16string_view kForm = u"row,slot,slot,slot,slot,slot,slot,slot,slot,slot";
+
+Flaw WhyNotRead(const std::string& text) {
+    if (text.starts_with("\xEF\xBB\xBF")) return Flaw::kByteOrderMark;
+    return text.find(';') != text.npos ? Flaw::kSemicolons : Flaw::kLineNotRead;
+}
+
+std::u16string Digits(long long number) { return FromBytes(std::to_string(number)); }
+
+void ReadLine(const std::string& text, CoreRecord& record, const Place& place) {
     if (text.empty() || text.front() == '!') return;
     Line line;
-    if (!Scan(text, kCommas, line) && !Scan(text, kBlanks, line)) return;
+    if (!Scan(text, kCommas, line) && !Scan(text, kBlanks, line)) return static_cast<void>(place.Report(WhyNotRead(text), kForm));
     const auto row = static_cast<std::uint32_t>(line.row);
-    if (row >= kAlternateCount) return;
+    if (row >= kAlternateCount) return static_cast<void>(place.Report(Flaw::kNoSuchRow, Digits(static_cast<long long>(line.row))));
     for (std::size_t i = 0; i + 1 < static_cast<std::size_t>(line.filled); ++i) {
         const auto channel = static_cast<std::int16_t>(line.slot[i]);
         if (channel > 0 && channel < static_cast<std::int16_t>(kChannelCount)) {
             Put(record.alternates[row].slot[i], std::int32_t{channel});
+        } else if (line.slot[i] != 0) {
+            place.Report(Flaw::kNoSuchChannel, Digits(line.slot[i]));
         }
     }
 }
@@ -51,11 +63,15 @@ void CCore::LoadAlternatesFile() {
     for (AlternateRow& row : view_->alternates) {
         for (std::int32_t& slot : row.slot) Put(slot, kNoInt);
     }
-    const auto file = services_.files.Open(GetDataFile(u"config", u"alternate.csv"));
+    const std::u16string path = GetDataFile(u"config", u"alternate.csv");
+    const auto file = services_.files.Open(path);
     if (!file) return;
     TextLines lines(*file);
     std::string line;
-    while (lines.Next(line)) ReadLine(line, *view_);
+    for (std::size_t number = 1; lines.Next(line); ++number) {
+        const std::u16string spelled = services_.findings ? FromBytes(line) : std::u16string();
+        ReadLine(line, *view_, Place{services_.findings, path}.At(number).Of(spelled));
+    }
 }
 
 }  // namespace twr

@@ -34,24 +34,41 @@ void ResetBoats(CoreRecord& record) {
     }
 }
 
-void ReadBoat(const XmlElement& element, CoreRecord& record) {
+BoatRow* BoatOf(const XmlAttribute& id, CoreRecord& record, const Place& place) {
+    const std::int32_t slot = NumberOf(id, place);
+    if (slot >= 0 && slot < static_cast<std::int32_t>(kBoatCount)) return &record.boats[slot];
+    place.Report(Flaw::kNoSuchBoat, id.value);
+    return nullptr;
+}
+
+std::int32_t PartOf(const XmlAttribute& attribute, const Place& place) {
+    const std::int32_t part = NumberOf(attribute, place);
+    CheckRange(part, 0, 255, attribute, place);
+    return part;
+}
+
+void ReadBoat(const XmlElement& element, CoreRecord& record, const Place& place) {
+    CheckIdIsFirst(element, {u"name", u"mmsi"}, place);
     BoatRow* boat = nullptr;
     Colour colour;
-    ForEachAttribute(element, [&](std::u16string_view name, std::u16string_view value) {
-        if (EqualsIgnoringCase(name, u"id")) {
-            const std::int32_t slot = LeadingInt(value);
-            boat = slot >= 0 && slot < static_cast<std::int32_t>(kBoatCount) ? &record.boats[slot] : nullptr;
-        } else if (EqualsIgnoringCase(name, u"name")) {
-            if (boat) SetName(*boat, value);
-        } else if (EqualsIgnoringCase(name, u"mmsi")) {
-            const auto mmsi = ScanUnsigned(value);
+    ForEachAttribute(element, place, [&](const XmlAttribute& attribute) {
+        if (Is(attribute, u"id")) {
+            boat = BoatOf(attribute, record, place);
+        } else if (Is(attribute, u"name")) {
+            CheckLength(attribute, kNameLength, place);
+            if (boat) SetName(*boat, attribute.value);
+        } else if (Is(attribute, u"mmsi")) {
+            const auto mmsi = ScanUnsigned(attribute.value);
+            if (!mmsi) place.Report(Flaw::kNotANumber, Spelled(attribute));
             if (boat && mmsi) Put(boat->mmsi, *mmsi);
-        } else if (EqualsIgnoringCase(name, u"r")) {
-            colour.red = LeadingInt(value);
-        } else if (EqualsIgnoringCase(name, u"g")) {
-            colour.green = LeadingInt(value);
-        } else if (EqualsIgnoringCase(name, u"b")) {
-            colour.blue = LeadingInt(value);
+        } else if (Is(attribute, u"r")) {
+            colour.red = PartOf(attribute, place);
+        } else if (Is(attribute, u"g")) {
+            colour.green = PartOf(attribute, place);
+        } else if (Is(attribute, u"b")) {
+            colour.blue = PartOf(attribute, place);
+        } else {
+            place.Report(Flaw::kUnknownAttribute, attribute.name);
         }
     });
     if (boat) Put(boat->colour, colour.Packed());
@@ -63,7 +80,8 @@ bool CCore::LoadBoatsFile() {
     if (!view_) return false;
     const std::u16string path = GetDataFile(u"config", u"boats.xml");
     ResetBoats(*view_);
-    return ForEachElement(services_.xml, path, u"boats", u"boat", [&](const XmlElement& boat) { ReadBoat(boat, *view_); });
+    return ForEachElement(services_.xml, {services_.findings, path}, u"boats", u"boat",
+                          [&](const XmlElement& boat, const Place& place) { ReadBoat(boat, *view_, place); });
 }
 
 }  // namespace twr

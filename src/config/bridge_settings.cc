@@ -1,5 +1,7 @@
 #include "config/bridge_settings.h"
 
+#include "config/saved_values.h"
+
 namespace twr {
 namespace {
 
@@ -19,12 +21,14 @@ constexpr Flag kFlags[] = {
 
 }  // namespace
 
-Settings ReadSettings(const Registry& registry) {
+Settings ReadSettings(const Registry& registry, Findings* findings) {
     Settings settings;
+    SavedValues saved(registry, kBridgeSettingsKey, findings);
     for (const Flag& flag : kFlags) {
-        if (const auto number = DwordOf(registry.Read(kBridgeSettingsKey, flag.name))) settings.*flag.field = *number != 0;
+        if (const auto number = saved.Dword(flag.name)) settings.*flag.field = *number != 0;
     }
-    if (auto folder = TextOf(registry.Read(kBridgeSettingsKey, kFolder))) settings.dfwFolder = *folder;
+    if (auto folder = saved.Text(kFolder)) settings.dfwFolder = *folder;
+    saved.ReportOthers(Flaw::kUnknownSetting);
     return settings;
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/findings.h"
 #include "platform/registry.h"
 
 namespace twr {
@@ -17,8 +18,8 @@ struct Settings {
     bool useTimer = false;
 };
 
-// A value that is missing or of another type keeps its default.
-Settings ReadSettings(const Registry& registry);
+// A value that is missing or of another type keeps its default. What is passed over is reported to `findings`, if given.
+Settings ReadSettings(const Registry& registry, Findings* findings = nullptr);
 
 void WriteSettings(Registry& registry, const Settings& settings);
 

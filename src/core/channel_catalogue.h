@@ -36,6 +36,8 @@ enum UnitType : std::int16_t {
     kTypePressure = 23,   // pascals
 };
 
+constexpr bool IsUnitType(std::int32_t number) { return number >= kTypeNumber && number <= kTypePressure && number != 20; }
+
 struct ChannelInfo {
     std::uint16_t id;            // the row's own index
     std::uint16_t shortIndex;    // place in the short store of the far boats, below kShortChannelCount; 32767 for none

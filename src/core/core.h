@@ -20,6 +20,8 @@
 
 namespace twr {
 
+class SavedValues;
+
 enum class Attachment {
     kCreateOrOpen,  // as every program of the suite does
     kOpenOnly,      // as a guest, which joins a record that other processes hold but never creates one
@@ -183,8 +185,8 @@ private:
     void Attach();
     void AttachAsGuest();
     void LoadSavedSettings();
-    void LoadSavedPaths();
-    void LoadSavedValues();
+    void LoadSavedPaths(SavedValues& saved);
+    void LoadSavedValues(SavedValues& saved);
 
     bool MayNameDataFolder() const;
 

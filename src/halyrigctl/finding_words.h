@@ -1,21 +1,18 @@
 // What the readers of the user's files pass over, in words that say what to do.
 #pragma once
 #include <string>
-#include <utility>
-#include <vector>
+#include <string_view>
 
 #include "base/findings.h"
+#include "halyrigctl/say.h"
 
 namespace twr {
 
-class CollectedFindings : public Findings {
-public:
-    void Add(Finding finding) override { found.push_back(std::move(finding)); }
+// Without the place.
+Advice AdviceFor(const Finding& finding);
+inline std::string Words(const Finding& finding) { return AdviceFor(finding).Line(); }
 
-    std::vector<Finding> found;
-};
-
-// One line, without the place.
-std::string Words(const Finding& finding);
+// The flaw as a word for programs, which stays the same: "no-such-channel".
+std::string_view WordFor(Flaw flaw);
 
 }  // namespace twr

@@ -37,6 +37,9 @@ public:
         return registry_.Read(key, name);
     }
     bool Write(std::u16string_view, std::u16string_view, const RegistryValue&) override { return false; }
+    std::vector<std::u16string> Names(std::u16string_view key) const override { return registry_.Names(key); }
+    RegistryPlace PlaceOf(std::u16string_view key, std::u16string_view name) const override { return registry_.PlaceOf(key, name); }
+    void Check(Findings& findings) const override { registry_.Check(findings); }
 
 private:
     const Registry& registry_;
@@ -47,6 +50,7 @@ public:
     explicit ReadOnlyFiles(Files& files) : files_(files) {}
 
     bool Exists(std::u16string_view path) const override { return made_.contains(path) || files_.Exists(path); }
+    std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return files_.ChangedAt(path); }
     void MakeFolder(std::u16string_view path) override { made_.emplace(path); }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override { return files_.Open(path); }
     bool Append(std::u16string_view, std::string_view) override { return false; }

@@ -135,7 +135,7 @@ private:
         std::string what = "no line of the mapping (" + path + ") feeds it";
         if (!look.faults.empty()) {
             const std::size_t more = look.faults.size() - 1;
-            what += ", but line " + Digits(look.faults.front().line) + ": " + Words(look.faults.front());
+            what += ", but line " + Digits(look.faults.front().line) + ": " + AdviceFor(look.faults.front()).what;
             if (more > 0) what += ", and " + Digits(more) + (more == 1 ? " more fault" : " more faults");
         }
         return {what, ToMap()};

@@ -7,6 +7,7 @@
 
 #include "base/channel_ids.h"
 #include "base/text_lines.h"
+#include "base/wide_text.h"
 
 namespace twr {
 namespace {
@@ -22,31 +23,49 @@ std::size_t ScanFields(const std::string& line, Fields& fields) {
 }
 
 template <class Take>
-bool ForEachLine(Files& files, std::u16string_view path, Take take) {
+bool ForEachLine(Files& files, std::u16string_view path, Findings* findings, Take take) {
     const auto source = files.Open(path);
     if (!source) return false;
     TextLines lines(*source);
     std::string line;
     Fields fields{};
-    while (lines.Next(line)) take(fields, ScanFields(line, fields));
+    Place place{findings, path};
+    while (lines.Next(line)) {
+        ++place.line;
+        const std::u16string spelled = findings ? FromBytes(line) : std::u16string();
+        if (!line.empty()) take(fields, ScanFields(line, fields), place.Of(spelled));
+    }
     return true;
 }
 
-bool InRange(std::int32_t value, std::int32_t least, std::uint32_t count) {
-    return value >= least && value < static_cast<std::int32_t>(count);
+bool InRange(std::int32_t value, std::int32_t least, std::uint32_t count, const Place& place, Flaw flaw) {
+    if (value >= least && value < static_cast<std::int32_t>(count)) return true;
+    return place.Report(flaw, FromBytes(std::to_string(value)));
+}
+
+bool HasFields(std::size_t filled, std::size_t needed, std::u16string_view form, const Place& place) {
+    return filled >= needed ||
+           place.Report(place.of.starts_with(u"\u00EF\u00BB\u00BF") ? Flaw::kByteOrderMark : Flaw::kLineNotRead, form);
 }
 
 }  // namespace
 
 std::optional<std::vector<MappingVar>> ImportLegacyVars(Files& files, std::u16string_view path,
-                                                        const std::vector<MappingVar>& catalogue) {
+                                                        const std::vector<MappingVar>& catalogue, Findings* findings) {
     std::vector<MappingVar> rows;
-    ForEachLine(files, path, [&](const Fields& fields, std::size_t filled) {
+    ForEachLine(files, path, findings, [&](const Fields& fields, std::size_t filled, const Place& place) {
         const auto [id, channel, third, unused] = fields;
         const std::int32_t boat = filled >= 3 ? third : 0;
-        if (filled < 2 || !InRange(channel, 1, kChannelCount) || !InRange(boat, 0, kBoatCount)) return;
+        if (!HasFields(filled, 2, u"variable,channel,boat", place) ||
+            !InRange(channel, 1, kChannelCount, place, Flaw::kNoSuchChannel) ||
+            !InRange(boat, 0, kBoatCount, place, Flaw::kNoSuchBoat)) {
+            return;
+        }
         const auto variable = std::ranges::find(catalogue, id, &MappingVar::dfwId);
-        if (variable == catalogue.end()) return;
+        if (variable == catalogue.end()) {
+            place.Report(Flaw::kNoSuchVariable, FromBytes(std::to_string(id)));
+            return;
+        }
         MappingVar& row = rows.emplace_back();
         row.channel = channel;
         row.boat = boat;
@@ -55,11 +74,15 @@ std::optional<std::vector<MappingVar>> ImportLegacyVars(Files& files, std::u16st
     return rows.empty() ? std::nullopt : std::optional(std::move(rows));
 }
 
-std::vector<MappingRemote> ImportLegacyRemotes(Files& files, std::u16string_view path) {
+std::vector<MappingRemote> ImportLegacyRemotes(Files& files, std::u16string_view path, Findings* findings) {
     std::vector<MappingRemote> rows;
-    ForEachLine(files, path, [&](const Fields& fields, std::size_t filled) {
+    ForEachLine(files, path, findings, [&](const Fields& fields, std::size_t filled, const Place& place) {
         const auto [remote, channel, boat, damp] = fields;
-        if (filled < 4 || !InRange(channel, 0, kChannelCount) || !InRange(boat, 0, kBoatCount)) return;
+        if (!HasFields(filled, 4, u"remote,channel,boat,damp", place) ||
+            !InRange(channel, 0, kChannelCount, place, Flaw::kNoSuchChannel) ||
+            !InRange(boat, 0, kBoatCount, place, Flaw::kNoSuchBoat)) {
+            return;
+        }
         MappingRemote& row = rows.emplace_back();
         row.channel = channel;
         row.boat = boat;

@@ -19,7 +19,7 @@ bool TakeNumber(const XmlAttribute& attribute, std::u16string_view name, std::in
     if (const auto number = ScanInt(attribute.value)) {
         field = *number;
     } else {
-        place.Report(Flaw::kNotANumber, attribute.name + u"=\"" + attribute.value + u"\"");
+        place.Report(Flaw::kNotANumber, Spelled(attribute));
     }
     return true;
 }
@@ -107,7 +107,8 @@ Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<Mappin
     if (!reader) return mapping;
     XmlElement element;
     for (bool first = true; reader->Next(element); first = false) {
-        const Place place = file.At(element.line);
+        const std::u16string spelled = findings ? Spelled(element) : std::u16string();
+        const Place place = file.At(element.line).Of(spelled);
         if (MappingVar row; ParseVarElement(element, row, place)) {
             const MappingVar* variable = FindVariable(catalogue, row);
             if (!variable) {

@@ -1,5 +1,6 @@
 #include "mapping/variable_file.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -31,13 +32,14 @@ std::optional<MappingVar> ParseRow(const std::string& line) {
     return row;
 }
 
-DeckmanCatalogue ParseLines(TextLines lines) {
+DeckmanCatalogue ParseLines(TextLines lines, Place place) {
     DeckmanCatalogue catalogue;
     catalogue.rows.reserve(kUsualRows);
     std::string line;
     bool inSection = false;
     std::int32_t previous = 0;
     while (lines.Next(line)) {
+        ++place.line;
         line = Trimmed(std::string_view(line));
         if (line.empty()) continue;
         if (!inSection) {
@@ -46,7 +48,10 @@ DeckmanCatalogue ParseLines(TextLines lines) {
         }
         if (line.front() == '[') break;
         const auto row = ParseRow(line);
-        if (!row || row->dfwId < previous) break;
+        if (!row || row->dfwId < previous) {
+            place.Report(Flaw::kListEnds, FromBytes(line));
+            break;
+        }
         previous = row->dfwId;
         if (row->dfwName == kTimer) {
             catalogue.timerVariableId = row->dfwId;
@@ -54,17 +59,19 @@ DeckmanCatalogue ParseLines(TextLines lines) {
             catalogue.rows.push_back(*row);
         }
     }
+    if (!inSection) place.At(0).Report(Flaw::kNoVariables);
     return catalogue;
 }
 
 }  // namespace
 
-DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::u16string_view copyPath) {
-    if (const auto source = files.Open(path)) return ParseLines(TextLines(*source));
+DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::u16string_view copyPath, Findings* findings) {
+    const Place place{findings, path};
+    if (const auto source = files.Open(path)) return ParseLines(TextLines(*source), place);
     // Deckman may hold its file so that it can be copied but not opened.
     DeckmanCatalogue catalogue;
     if (files.Copy(path, copyPath)) {
-        if (const auto source = files.Open(copyPath)) catalogue = ParseLines(TextLines(*source));
+        if (const auto source = files.Open(copyPath)) catalogue = ParseLines(TextLines(*source), place);
     }
     files.Remove(copyPath);
     return catalogue;
@@ -72,12 +79,13 @@ DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::
 
 DeckmanCatalogue FindVariableFile(Files& files, std::u16string_view dfwFolder, std::u16string_view copyPath) {
     const std::u16string folder = JoinPath(dfwFolder, u"Data");
-    DeckmanCatalogue catalogue = ParseVariableFile(files, JoinPath(folder, u"J_vars06.d"), copyPath);
-    if (!catalogue.rows.empty()) return catalogue;
-    for (const std::u16string& path : files.List(folder, u"J_vars*.d")) {
+    DeckmanCatalogue catalogue;
+    const auto hasRows = [&](const std::u16string& path) {
         catalogue = ParseVariableFile(files, path, copyPath);
-        if (!catalogue.rows.empty()) break;
-    }
+        if (!catalogue.rows.empty()) catalogue.path = path;
+        return !catalogue.rows.empty();
+    };
+    if (!hasRows(JoinPath(folder, u"J_vars06.d"))) std::ranges::any_of(files.List(folder, u"J_vars*.d"), hasRows);
     return catalogue;
 }
 

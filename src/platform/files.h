@@ -1,7 +1,9 @@
 // Files and folders. Paths are absolute and use the system's own separator (paths.h).
 #pragma once
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,9 @@ public:
     virtual ~Files() = default;
 
     virtual bool Exists(std::u16string_view path) const = 0;
+
+    // When a file or folder last changed, in ticks as a Clock gives them; nullopt if there is none.
+    virtual std::optional<std::int64_t> ChangedAt(std::u16string_view path) const = 0;
 
     // Makes one folder level. On failure the folder does not exist afterwards.
     virtual void MakeFolder(std::u16string_view path) = 0;

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/findings.h"
+
 namespace twr {
 
 // The type numbers of a registry. Others exist and pass through as they are.
@@ -24,6 +26,12 @@ struct RegistryValue {
     bool operator==(const RegistryValue&) const = default;
 };
 
+// Where a value is kept, for messages: a file and the line in it, or the key's full path and line 0.
+struct RegistryPlace {
+    std::u16string path;
+    std::size_t line = 0;
+};
+
 // The case of key and value names is ignored. A key is given below the user's root, its levels separated by backslashes.
 class Registry {
 public:
@@ -37,6 +45,14 @@ public:
 
     // Writes a value, and the key if missing. False on failure.
     virtual bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) = 0;
+
+    // The names of a key's values; none without the key, or if it can't be read.
+    virtual std::vector<std::u16string> Names(std::u16string_view key) const = 0;
+
+    virtual RegistryPlace PlaceOf(std::u16string_view key, std::u16string_view name) const = 0;
+
+    // Reports what of the store itself can't be read. What is reported here is not told elsewhere again.
+    virtual void Check(Findings&) const {}
 };
 
 RegistryValue DwordValue(std::uint32_t number);

@@ -20,6 +20,10 @@ struct XmlElement {
     std::size_t line = 0;                  // of its start tag, from 1
 };
 
+// As they stand in a file, for messages.
+std::u16string Spelled(const XmlAttribute& attribute);
+std::u16string Spelled(const XmlElement& element);  // without brackets
+
 // Where a document stops being XML that is read.
 struct XmlFault {
     std::size_t line, column;  // from 1

@@ -90,10 +90,6 @@ TEST_F(MappingTest, ElementsBecomeRows) {
 }
 
 TEST_F(MappingTest, TellsWhatItPassesOverAndWhere) {
-    struct Heard : Findings {
-        void Add(Finding finding) override { found.push_back(std::move(finding)); }
-        std::vector<Finding> found;
-    };
     const std::tuple<std::string, Flaw, std::string> rows[] = {
         {R"(<var twr="1" dfw="hdg"/>)", Flaw::kNoSuchVariable, "hdg"},
         {R"(<var twr="1" dfw="99"/>)", Flaw::kNoSuchVariable, "99"},
@@ -108,14 +104,15 @@ TEST_F(MappingTest, TellsWhatItPassesOverAndWhere) {
         {R"(<vra twr="1" dfw="12"/>)", Flaw::kUnknownElement, "vra"}};
     for (const auto& [element, flaw, text] : rows) {
         SCOPED_TRACE(element);
-        Heard heard;
+        CollectedFindings heard;
         const std::u16string path = folder.Write("halyrig.xml", "<x>\n\n" + element + "\n<var twr='2' dfw='12'/></x>");
         EXPECT_EQ(2, LoadMapping(xml, path, catalogue, &heard).varRows.back().channel) << "what follows counts";
         ASSERT_EQ(1u, heard.found.size());
-        const auto& [itsPath, itsLine, column, itsFlaw, itsText] = heard.found[0];
-        EXPECT_EQ(std::tuple(path, 3u, flaw, text), std::tuple(itsPath, itsLine, itsFlaw, ToBytes(itsText)));
+        const Finding& its = heard.found[0];
+        EXPECT_EQ(std::tuple(path, 3u, flaw, text, element),
+                  std::tuple(its.path, its.line, its.flaw, ToBytes(its.text), "<" + ToBytes(its.of) + "/>"));
     }
-    Heard heard;
+    CollectedFindings heard;
     LoadMapping(xml, folder.Write("halyrig.xml", "<x>\n<var>\n</x>"), catalogue, &heard);
     ASSERT_EQ(2u, heard.found.size());
     EXPECT_TRUE(heard.found[1].flaw == Flaw::kNotWellFormed && heard.found[1].line == 3);

@@ -52,6 +52,8 @@ public:
     bool OpenOrCreate(std::u16string_view key) override;
     std::optional<RegistryValue> Read(std::u16string_view key, std::u16string_view name) const override;
     bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) override;
+    std::vector<std::u16string> Names(std::u16string_view) const override { return {}; }
+    RegistryPlace PlaceOf(std::u16string_view key, std::u16string_view) const override { return {std::u16string(key)}; }
 
     bool unavailable = false;
     std::map<std::u16string, std::map<std::u16string, RegistryValue>> keys;
@@ -86,6 +88,7 @@ public:
 class FakeFiles : public Files {
 public:
     bool Exists(std::u16string_view path) const override { return Find(path) || std::ranges::find(folders, path) != folders.end(); }
+    std::optional<std::int64_t> ChangedAt(std::u16string_view) const override { return std::nullopt; }
     void MakeFolder(std::u16string_view path) override {
         if (!foldersFail) folders.emplace_back(path);
     }

@@ -70,6 +70,12 @@ public:
 
     bool Exists(std::u16string_view path) const override { return access(NativePath(path).c_str(), F_OK) == 0; }
 
+    std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override {
+        struct stat status {};
+        if (stat(NativePath(path).c_str(), &status) != 0) return std::nullopt;
+        return std::int64_t{status.st_mtim.tv_sec} * 10'000'000 + status.st_mtim.tv_nsec / 100;
+    }
+
     // On Windows the system makes the folder for data that all share; here the program does, if it can, with the first one in it.
     void MakeFolder(std::u16string_view path) override {
         if (!programData_.empty() && path.substr(0, path.rfind(kPathSeparator)) == programData_)

@@ -1,5 +1,6 @@
 #include "platform/clock.h"
 
+#include "platform/windows/file_time.h"
 #include "platform/windows/services.h"
 #include "platform/windows/win32.h"
 
@@ -20,8 +21,6 @@ private:
     void(WINAPI* now_)(FILETIME*);
 };
 
-constexpr std::int64_t kTicksFrom1601To1970 = 116444736000000000;
-
 }  // namespace
 
 // The precise clock came with Windows 8; the other one steps by some 15 ms.
@@ -33,7 +32,7 @@ WindowsClock::WindowsClock() : now_(GetSystemTimeAsFileTime) {
 std::int64_t WindowsClock::Ticks() const {
     FILETIME time;
     now_(&time);
-    return (static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) - kTicksFrom1601To1970;
+    return TicksOf(time);
 }
 
 std::optional<ZoneState> WindowsZone::Now() const {

@@ -4,6 +4,7 @@
 #include <wchar.h>
 
 #include "platform/paths.h"
+#include "platform/windows/file_time.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
@@ -15,6 +16,7 @@ class WindowsFiles final : public Files {
 public:
     explicit WindowsFiles(std::u16string programData) : programData_(std::move(programData)) {}
     bool Exists(std::u16string_view path) const override;
+    std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override;
     void MakeFolder(std::u16string_view path) override;
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override;
     bool Append(std::u16string_view path, std::string_view bytes) override;
@@ -46,6 +48,12 @@ private:
 }  // namespace
 
 bool WindowsFiles::Exists(std::u16string_view path) const { return _waccess(ToWide(path).c_str(), 0) == 0; }
+
+std::optional<std::int64_t> WindowsFiles::ChangedAt(std::u16string_view path) const {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!GetFileAttributesExW(ToWide(path).c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
+    return TicksOf(data.ftLastWriteTime);
+}
 
 void WindowsFiles::MakeFolder(std::u16string_view path) { _wmkdir(ToWide(path).c_str()); }
 

@@ -13,6 +13,10 @@ public:
     bool OpenOrCreate(std::u16string_view key) override;
     std::optional<RegistryValue> Read(std::u16string_view key, std::u16string_view name) const override;
     bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) override;
+    std::vector<std::u16string> Names(std::u16string_view key) const override;
+    RegistryPlace PlaceOf(std::u16string_view key, std::u16string_view) const override {
+        return {u"HKEY_CURRENT_USER\\" + FromWide(Path(key).c_str())};
+    }
 
 private:
     std::wstring Path(std::u16string_view key) const;
@@ -58,6 +62,19 @@ std::optional<RegistryValue> WindowsRegistry::Read(std::u16string_view key, std:
         if (status == ERROR_SUCCESS) value.data.resize(size);
     }
     return value;
+}
+
+std::vector<std::u16string> WindowsRegistry::Names(std::u16string_view key) const {
+    std::vector<std::u16string> names;
+    UniqueKey opened;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, Path(key).c_str(), 0, KEY_READ, opened.Receive()) != ERROR_SUCCESS) return names;
+    wchar_t name[16384];  // no name is longer
+    for (DWORD size = std::size(name); RegEnumValueW(opened.get(), static_cast<DWORD>(names.size()), name, &size, nullptr, nullptr,
+                                                     nullptr, nullptr) == ERROR_SUCCESS;
+         size = std::size(name)) {
+        names.push_back(FromWide(name));
+    }
+    return names;
 }
 
 bool WindowsRegistry::Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) {

@@ -68,9 +68,9 @@ bool ReplaceFile(const std::string& path, std::string_view bytes) {
     return true;
 }
 
-constexpr std::u16string_view kUserRoot = u"HKEY_CURRENT_USER\\";
+constexpr std::u16string_view kUserRoot = u"HKEY_CURRENT_USER";
 
-std::u16string FullKey(std::u16string_view key) { return std::u16string(kUserRoot) += key; }
+std::u16string FullKey(std::u16string_view key) { return (std::u16string(kUserRoot) += u'\\') += key; }
 
 // A larger file is not one that the suite wrote, and must not delay a program that has been asked to end.
 constexpr off_t kUninterrupted = 1 << 20;  // bytes
@@ -126,7 +126,7 @@ public:
         const RegistryText* text = Current();
         if (!text) return std::nullopt;
         if (const auto line = text->DamagedLine(FullKey(key), name)) {
-            Tell(":" + std::to_string(*line) + ": the value of " + ToUtf8(name) + " can't be read and is ignored");
+            TellUnread(":" + std::to_string(*line) + ": the value of " + ToUtf8(name) + " can't be read and is ignored");
         }
         return text->Find(FullKey(key), name);
     }
@@ -138,6 +138,27 @@ public:
         if (text->Find(FullKey(key), name) == value) return true;
         text->Set(FullKey(key), name, value);
         return Save("the settings");
+    }
+
+    std::vector<std::u16string> Names(std::u16string_view key) const override {
+        const RegistryText* text = Current();
+        return text ? text->Names(FullKey(key)) : std::vector<std::u16string>();
+    }
+
+    RegistryPlace PlaceOf(std::u16string_view key, std::u16string_view name) const override {
+        const RegistryText* text = Current();
+        return {FromUtf8(path_), text ? text->LineOf(FullKey(key), name) : 0};
+    }
+
+    void Check(Findings& findings) const override {
+        checked_ = true;
+        const std::u16string path = FromUtf8(path_);
+        const Place file{&findings, path};
+        if (const RegistryText* text = Current()) {
+            text->Check(kUserRoot, file);
+        } else {
+            file.Report(Flaw::kStoreNotRead, FromUtf8(cause_));
+        }
     }
 
 private:
@@ -182,7 +203,8 @@ private:
     }
 
     RegistryText* Refuse(const std::string& cause) const {
-        Tell(": the settings can't be read: " + cause);
+        TellUnread(": the settings can't be read: " + cause);
+        cause_ = cause;
         return nullptr;
     }
 
@@ -197,6 +219,11 @@ private:
         return false;
     }
 
+    // Unless someone has asked for it.
+    void TellUnread(const std::string& text) const {
+        if (!checked_) Tell(text);
+    }
+
     // Once, however many values are affected. Without a folder for settings there is no file to name.
     void Tell(const std::string& text) const {
         const bool named = path_.starts_with('/');
@@ -208,6 +235,8 @@ private:
     mutable std::optional<RegistryText> text_;
     mutable std::optional<Stamp> stamp_;
     mutable std::set<std::string> told_;
+    mutable std::string cause_;     // why the file could not be read the last time that it couldn't
+    mutable bool checked_ = false;  // what can't be read is reported to findings
 };
 
 }  // namespace

@@ -29,6 +29,32 @@ std::optional<std::u16string> FromMarkedUtf16(std::string_view bytes) {
     return text;
 }
 
+std::size_t LinesIn(const RegistryEntry& entry) { return static_cast<std::size_t>(std::ranges::count(entry.raw, '\n')); }
+
+// Empty lines, remarks and the line that begins a registry file may stand between the entries.
+bool MayStand(std::string_view line) {
+    return line.empty() || line.starts_with(';') || line.starts_with("Windows Registry Editor") || line == "REGEDIT4" ||
+           line == kUtf8Mark;
+}
+
+void CheckOther(std::string_view lines, Place place) {
+    for (; !lines.empty(); ++place.line) {
+        const std::string_view whole = lines.substr(0, lines.find('\n'));
+        lines.remove_prefix(std::min(whole.size() + 1, lines.size()));
+        const std::string_view line = Trimmed(whole);
+        const std::u16string spelled = FromUtf8(line);
+        if (!MayStand(line)) place.Of(spelled).Report(Flaw::kLineNotRead, u"\"name\"=value");
+    }
+}
+
+// What stands below another root may be right but for that root, which is often given in short.
+void CheckKey(std::u16string_view key, std::u16string_view root, const Place& place) {
+    if (key.empty()) return static_cast<void>(place.Report(Flaw::kKeyNotRead));
+    if (IsSameOrBelow(key, root)) return;
+    const std::size_t first = key.find(u'\\');
+    place.Report(Flaw::kOtherKey, std::u16string(root).append(first == key.npos ? u"" : key.substr(first)));
+}
+
 bool EndsWithBlankLine(std::string_view text) {
     if (text.ends_with('\n')) text.remove_suffix(1);
     return Trimmed(text.substr(text.rfind('\n') + 1)).empty();
@@ -72,8 +98,8 @@ std::string RegistryText::Bytes() const {
     return bytes;
 }
 
-RegistryText::Place RegistryText::Locate(std::u16string_view key, std::u16string_view name) const {
-    Place place;
+RegistryText::Spot RegistryText::Locate(std::u16string_view key, std::u16string_view name) const {
+    Spot place;
     bool inKey = false;
     for (std::size_t i = 0; i < entries_.size(); ++i) {
         const RegistryEntry& entry = entries_[i];
@@ -114,10 +140,54 @@ std::optional<RegistryValue> RegistryText::Find(std::u16string_view key, std::u1
 
 std::optional<std::size_t> RegistryText::DamagedLine(std::u16string_view key, std::u16string_view name) const {
     const auto at = Locate(key, name).damagedAt;
-    if (!at) return std::nullopt;
+    return at ? std::optional(LineAt(*at)) : std::nullopt;
+}
+
+std::size_t RegistryText::LineAt(std::size_t index) const {
     std::size_t line = 1;
-    for (std::size_t i = 0; i < *at; ++i) line += static_cast<std::size_t>(std::ranges::count(entries_[i].raw, '\n'));
+    for (std::size_t i = 0; i < index; ++i) line += LinesIn(entries_[i]);
     return line;
+}
+
+std::vector<std::u16string> RegistryText::Names(std::u16string_view key) const {
+    std::vector<std::u16string> names;
+    bool inKey = false;
+    for (const RegistryEntry& entry : entries_) {
+        if (entry.kind == Kind::kKey || entry.kind == Kind::kKeyDeletion) {
+            inKey = entry.kind == Kind::kKey && EqualsIgnoringCase(entry.name, key);
+        } else if (inKey && entry.kind == Kind::kValue && Find(key, entry.name) &&
+                   std::ranges::find(names, entry.name) == names.end()) {
+            names.push_back(entry.name);
+        }
+    }
+    return names;
+}
+
+std::size_t RegistryText::LineOf(std::u16string_view key, std::u16string_view name) const {
+    const auto at = Locate(key, name).valueAt;
+    return at ? LineAt(*at) : 0;
+}
+
+void RegistryText::Check(std::u16string_view root, const Place& file) const {
+    std::size_t line = 1;
+    for (const RegistryEntry& entry : entries_) {
+        const std::u16string spelled = FromUtf8(Trimmed(entry.raw));
+        const Place place = file.At(line).Of(spelled);
+        switch (entry.kind) {
+            case Kind::kOther:
+                CheckOther(entry.raw, file.At(line));
+                break;
+            case Kind::kDamagedValue:
+                place.Report(Flaw::kValueNotRead);
+                break;
+            case Kind::kKey:
+                CheckKey(entry.name, root, place);
+                break;
+            default:
+                break;
+        }
+        line += LinesIn(entry);
+    }
 }
 
 void RegistryText::AddKey(std::u16string_view key) {
@@ -125,7 +195,7 @@ void RegistryText::AddKey(std::u16string_view key) {
 }
 
 void RegistryText::Set(std::u16string_view key, std::u16string_view name, const RegistryValue& value) {
-    const Place place = Locate(key, name);
+    const Spot place = Locate(key, name);
     std::string entry = FormatRegistryValue(name, value, lineEnd_);
     if (place.valueAt) {
         entry.insert(entry.size() - lineEnd_.size(), RemarkOf(entries_[*place.valueAt]));

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/findings.h"
 #include "platform/linux/registry/registry_syntax.h"
 
 namespace twr {
@@ -27,17 +28,27 @@ public:
     // The line, counted from 1, of an entry that is meant for the value but can't be read, unless a later one can.
     std::optional<std::size_t> DamagedLine(std::u16string_view key, std::u16string_view name) const;
 
+    // The names of the values under a key, in the order of their first entries.
+    std::vector<std::u16string> Names(std::u16string_view key) const;
+
+    // The line, counted from 1, of a value; 0 if there is none.
+    std::size_t LineOf(std::u16string_view key, std::u16string_view name) const;
+
+    // Reports what can't be read, and keys that are not below `root`.
+    void Check(std::u16string_view root, const Place& file) const;
+
     void AddKey(std::u16string_view key);
     void Set(std::u16string_view key, std::u16string_view name, const RegistryValue& value);
 
 private:
-    struct Place {
+    struct Spot {
         bool keyPresent = false;               // the key itself or one below it
         std::optional<std::size_t> keyEnd;     // index after the key's last value
         std::optional<std::size_t> valueAt;    // index of the value in effect
         std::optional<std::size_t> damagedAt;  // index of an entry after it that can't be read
     };
-    Place Locate(std::u16string_view key, std::u16string_view name) const;
+    Spot Locate(std::u16string_view key, std::u16string_view name) const;
+    std::size_t LineAt(std::size_t index) const;
     void Read(std::string_view utf8, bool (*stop)());
     void Insert(std::size_t at, std::string_view entries);
     void Append(std::string_view entries);
