@@ -1,4 +1,6 @@
 // Filling a new record from what the user's machine has saved.
+#include "config/saved_settings.h"
+
 #include <string>
 
 #include "base/wide_text.h"
@@ -9,11 +11,6 @@
 namespace twr {
 namespace {
 
-constexpr std::u16string_view kKey = u"Software\\Tidewright\\core";
-constexpr std::uint32_t kSavedValues = 16;
-constexpr std::uint32_t kSavedFlags = 34;
-constexpr std::uint32_t kSavedInts = 11;
-
 std::u16string Numbered(std::u16string_view family, std::uint32_t index) {
     return std::u16string(family) + FromBytes(std::to_string(index));
 }
@@ -23,8 +20,8 @@ constexpr std::size_t kLongest = 1024;  // bytes of a text, for every program of
 }  // namespace
 
 void CCore::LoadSavedSettings() {
-    if (services_.registry.OpenOrCreate(kKey)) {
-        SavedValues saved(services_.registry, kKey, services_.findings);
+    if (services_.registry.OpenOrCreate(kSavedSettingsKey)) {
+        SavedValues saved(services_.registry, kSavedSettingsKey, services_.findings);
         LoadSavedPaths(saved);
         LoadSavedValues(saved);
         saved.ReportOthers(Flaw::kForeignSetting);

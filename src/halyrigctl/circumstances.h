@@ -15,6 +15,9 @@
 
 namespace twr {
 
+// What makes the bridge look at the library, Deckman's list and the mapping again.
+inline constexpr const char* kReadAgain = "choose the Dfw folder once more in the dialog, even the same one, or restart the bridge";
+
 // The mapping file as the bridge would read it now.
 struct MappingLook {
     std::u16string path;

@@ -20,6 +20,7 @@ struct Commands {
     bool live = false;
     GetOptions get;
     ExplainOptions explain;
+    CheckOptions check;
     BoatsOptions boats;
     WatchOptions watch;
     QuitOptions quit;
@@ -65,6 +66,15 @@ void AddExplain(Commands& all) {
     command->add_flag("--json", all.explain.json, "As JSON, a line for each channel, with each link");
     command->callback([&all] { all.status = Explain(all.system, all.explain); });
     SetExample(command, "explain HDG");
+}
+
+void AddCheck(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("check", "Check all files and settings that the bridge reads, without a change");
+    command->add_option("FOLDER", all.check.folder, "Deckman's folder, in place of the one in force or saved");
+    CLI::Option* json = command->add_flag("--json", all.check.json, "As one JSON object, with null for a missing value");
+    command->add_flag("--summary", all.check.summary, "In a few lines, for a journal")->excludes(json);
+    command->callback([&all] { all.status = Check(all.system, all.check); });
+    SetExample(command, "check");
 }
 
 void AddBoats(Commands& all) {
@@ -137,6 +147,7 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddChannels(all);
     AddGet(all);
     AddExplain(all);
+    AddCheck(all);
     AddBoats(all);
     AddMap(all.app, system, all.status);
     AddWatch(all);

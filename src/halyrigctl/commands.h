@@ -41,6 +41,16 @@ struct ExplainOptions {
 // broken.
 Status Explain(System& system, const ExplainOptions& options);
 
+struct CheckOptions {
+    std::optional<std::string> folder;  // the Dfw folder to look at, in place of the one in force or saved
+    bool json = false;
+    bool summary = false;  // a few lines for a journal
+};
+
+// Reads all files and settings that the bridge would read, and prints what comes of them. Writes nothing. Fails if something is
+// passed over or missing.
+Status Check(System& system, const CheckOptions& options);
+
 struct BoatsOptions {
     bool all = false;  // those too of which the record has nothing to tell
     bool json = false;

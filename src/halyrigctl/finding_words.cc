@@ -78,6 +78,9 @@ Advice AdviceFor(const Finding& finding) {
     const FlawWords& words = WordsOf(finding.flaw);
     std::string text = Harmless(finding.text);
     if (finding.flaw == Flaw::kNotWellFormed && !text.empty()) text = " (" + text + ")";
+    const bool number = !text.empty() && text.front() >= '0' && text.front() <= '9';
+    if (finding.flaw == Flaw::kNoSuchVariable && number)
+        return {Filled(words.what, text), "its numbers may have changed; use names"};
     return {Filled(words.what, text), Filled(words.todo, text)};
 }
 

@@ -109,7 +109,7 @@ Rehearsal::Rehearsal(const CoreServices& services, Findings* findings) : stage_(
 
 Rehearsal::~Rehearsal() = default;
 
-CCore& Rehearsal::Core() { return stage_->core; }
+CCore& Rehearsal::Core() const { return stage_->core; }
 
 const CoreRecord& Rehearsal::Record() const { return *stage_->core.View(); }
 

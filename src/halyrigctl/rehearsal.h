@@ -14,7 +14,7 @@ public:
     ~Rehearsal();
 
     // Over the record; never without a view. Its writing operations have no effect outside.
-    CCore& Core();
+    CCore& Core() const;
     const CoreRecord& Record() const;
 
     // The machine's services, as they were given, but of those that could write none does: what a reader of the bridge is to be

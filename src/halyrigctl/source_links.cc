@@ -13,7 +13,6 @@
 namespace twr {
 namespace {
 
-constexpr const char* kReadAgain = "choose the Dfw folder once more in the dialog, even the same one, or restart the bridge";
 constexpr const char* kOwnLibrary = "install Deckman's own library there";
 constexpr const char* kMapVariation = "map Deckman's variation to channel 93, or untick the box for degrees true";
 
