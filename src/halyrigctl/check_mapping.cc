@@ -1,6 +1,7 @@
 // The mapping line by line: what is passed over, and what has no effect.
 #include <algorithm>
 
+#include "base/wide_text.h"
 #include "core/instrument_channels.h"
 #include "core/record_access.h"
 #include "halyrigctl/check_setup.h"
@@ -11,10 +12,18 @@ namespace {
 
 std::string Digits(std::int64_t number) { return std::to_string(number); }
 
+// The fault for which a line is not used; another may only cost it an attribute.
+bool DropsVar(const Finding& finding) {
+    constexpr Flaw kFlaws[] = {Flaw::kVariableMissing, Flaw::kNoSuchVariable, Flaw::kChannelMissing, Flaw::kNoSuchChannel,
+                               Flaw::kNoSuchBoat};
+    return std::ranges::find(kFlaws, finding.flaw) != std::end(kFlaws) && EqualsIgnoringCase(finding.of.substr(0, 3), u"var");
+}
+
 void CheckFile(const CheckedSetup& setup) {
     const MappingLook& look = setup.now.TheMapping();
     const auto& [vars, remotes] = look.mapping;
-    setup.report.mapping = {look.path, look.exists, look.meant.size(), vars.size(), remotes.size()};
+    const auto dropped = static_cast<std::size_t>(std::ranges::count_if(look.faults, DropsVar));
+    setup.report.mapping = {look.path, look.exists, vars.size() + dropped, vars.size(), remotes.size()};
     const auto add = [&](const char* flaw, Advice says) {
         setup.Add({.weight = Weight::kMapping, .path = look.path, .flaw = flaw, .says = std::move(says)});
     };
@@ -28,7 +37,7 @@ void CheckFile(const CheckedSetup& setup) {
         setup.Add(weight, finding);
         ++told;
     }
-    if (told == 0 && look.meant.empty() && remotes.empty())
+    if (told == 0 && vars.empty() && dropped == 0 && remotes.empty())
         add("nothing-mapped", {"it can't be read or maps nothing", "'halyrigctl map suggest' shows what to map"});
 }
 

@@ -67,8 +67,8 @@ std::string Table(const CheckReport& report) {
     row("data folder", Harmless(report.dataFolder) + (report.dataFolderExists ? "" : ", which will be made"));
     const auto& mapping = report.mapping;
     row("mapping", !mapping.exists ? "none"
-                                   : Harmless(mapping.path) + ": " + Digits(mapping.used) + " of " + Counted(mapping.lines, "var") +
-                                         ", " + Counted(mapping.remotes, "remote"));
+                                   : Harmless(mapping.path) + ": " + Digits(mapping.used) + " of " +
+                                         Counted(mapping.lines, "variable") + ", " + Counted(mapping.remotes, "remote"));
     return table;
 }
 

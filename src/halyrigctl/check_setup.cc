@@ -26,6 +26,7 @@ Weight WeightOf(const Finding& finding) {
         case Flaw::kStoreNotRead:
         case Flaw::kKeyNotRead:
         case Flaw::kOtherKey:
+        case Flaw::kUnknownSetting:
             return Weight::kSettings;
         case Flaw::kForeignSetting:
             return Weight::kNote;

@@ -4,16 +4,20 @@
 #include <map>
 #include <string>
 
+#include "base/wide_text.h"
 #include "support/test_system.h"
 
 namespace twr::testing {
 
-// Paths with their bytes, folders with none. On Windows the registry lies elsewhere.
+// Paths with their bytes, folders with none. The registry's values by their names, where it is no file.
 inline std::map<std::string, std::string> Snapshot(const TestSystem& test) {
     std::map<std::string, std::string> all;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(test.folder.Path())) {
         const std::string name = entry.path().lexically_relative(test.folder.Path()).generic_string();
         all[name] = entry.is_regular_file() ? test.folder.Read(name) : "";
+    }
+    for (const auto& key : {u"Software\\Tidewright\\core", u"Software\\Tidewright\\Halyrig32\\settings"}) {
+        for (const std::u16string& name : test.system->Core().registry.Names(key)) all[ToUtf8(key) + ToUtf8(name)];
     }
     return all;
 }

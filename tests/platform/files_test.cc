@@ -70,6 +70,16 @@ TEST_F(FilesTest, MakesOneLevelOfFolders) {
     EXPECT_EQ(test_.folder.File("ProgramData"), files_.ProgramDataFolder());
 }
 
+TEST_F(FilesTest, KnowsWhenAFileChanged) {
+    const Clock& clock = test_.system->Core().clock;
+    constexpr std::int64_t kCoarse = 20'000'000;  // 2 s: file systems round
+    const std::int64_t before = clock.Ticks() - kCoarse;
+    const auto changed = files_.ChangedAt(test_.folder.Write("x", ""));
+    ASSERT_TRUE(changed);
+    EXPECT_TRUE(before < *changed && *changed < clock.Ticks() + kCoarse) << *changed;
+    EXPECT_EQ(std::nullopt, files_.ChangedAt(test_.folder.File("y")));
+}
+
 TEST_F(FilesTest, ListsTheFilesThatFitAPattern) {
     for (const char* name : {"J_vars06.d", "j_VARS7.D", "J_vars.d", "J_vars06.dx", "xJ_vars06.d", "[1].txt", "J_varsfolder.d/x"})
         test_.folder.Write("d/" + std::string(name), "");

@@ -1,6 +1,7 @@
 // The small services of a system: its clock, arguments, console, instance, libraries and registry.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <iostream>
@@ -123,6 +124,10 @@ TEST_F(RegistryTest, GivesBackValuesOfEveryType) {
         {u"\"\\name\"", DwordValue(7)}};
     for (const auto& [name, value] : rows) EXPECT_TRUE(registry_.Write(key_, name, value)) << ::testing::PrintToString(name);
     for (const auto& [name, value] : rows) EXPECT_EQ(value, registry_.Read(key_, name)) << ::testing::PrintToString(name);
+    auto names = registry_.Names(key_);
+    ASSERT_EQ(std::size(rows), names.size());
+    for (const auto& [name, value] : rows) EXPECT_NE(names.end(), std::ranges::find(names, name));
+    EXPECT_TRUE(registry_.Names(u"Software\\Nobody").empty());
 }
 
 TEST_F(RegistryTest, HasNothingBeforeItIsWrittenAndThenUnderNamesInAnyCase) {

@@ -117,6 +117,35 @@ TEST_F(RegistryFileTest, NamesTheLineOfAValueThatCantBeRead) {
               ::testing::internal::GetCapturedStderr());
 }
 
+TEST_F(RegistryFileTest, ReportsEachLineThatCantBeReadInPlaceOfTellingIt) {
+    test_.folder.Write(kFile,
+                       "\xEF\xBB\xBFWindows Registry Editor Version 5.00\r\n\r\n; remark\r\n[HKCU\\Software\\Tidewright\\core]\r\n"
+                       "\"a\"=dword:1\r\n[Software]\n[HKEY_CURRENT_USER\\Software\\Tidewright\\core]\n\"a\"=dword:x\njunk\n\n"
+                       "\"c\"=dword:2 ; remark\n\"b\"=hex:1,\\\n 2\n\"c\"=-\n\"d\"=\"\"\n[HKEY_CURRENT_USER\\x\n");
+    CollectedFindings heard;
+    ::testing::internal::CaptureStderr();
+    registry_.Check(heard);
+    EXPECT_EQ(std::nullopt, registry_.Read(kKey, u"a"));
+    EXPECT_EQ("", ::testing::internal::GetCapturedStderr());
+    const std::tuple<std::size_t, Flaw, std::u16string> rows[] = {
+        {4, Flaw::kOtherKey, u"HKEY_CURRENT_USER\\Software\\Tidewright\\core"},
+        {6, Flaw::kOtherKey, u"HKEY_CURRENT_USER"},
+        {8, Flaw::kValueNotRead, u""},
+        {9, Flaw::kLineNotRead, u"\"name\"=value"},
+        {16, Flaw::kKeyNotRead, u""}};
+    ASSERT_EQ(std::size(rows), heard.found.size());
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        EXPECT_EQ(rows[i], std::tuple(heard.found[i].line, heard.found[i].flaw, heard.found[i].text)) << i;
+    }
+    EXPECT_EQ((std::vector<std::u16string>{u"b", u"d"}), registry_.Names(kKey));
+    EXPECT_EQ(12u, registry_.PlaceOf(kKey, u"b").line);
+    EXPECT_EQ(0u, registry_.PlaceOf(kKey, u"x").line);
+    test_.folder.Write(kFile, std::string(kLongestLine + 2, 'x'));
+    registry_.Check(heard);
+    EXPECT_EQ(Flaw::kStoreNotRead, heard.found.back().flaw);
+    EXPECT_EQ(u"it has a line longer than 1 MiB", heard.found.back().text);
+}
+
 TEST_F(RegistryFileTest, WaitsForAnotherProgramThatIsWritingButNotForEver) {
     ASSERT_TRUE(registry_.Write(kKey, u"a", DwordValue(1)));
     const Descriptor folder(open(Path("config").c_str(), O_RDONLY | O_DIRECTORY));

@@ -33,11 +33,11 @@ std::size_t LinesIn(const RegistryEntry& entry) { return static_cast<std::size_t
 
 // Empty lines, remarks and the line that begins a registry file may stand between the entries.
 bool MayStand(std::string_view line) {
-    return line.empty() || line.starts_with(';') || line.starts_with("Windows Registry Editor") || line == "REGEDIT4" ||
-           line == kUtf8Mark;
+    return line.empty() || line.starts_with(';') || line.starts_with("Windows Registry Editor") || line == "REGEDIT4";
 }
 
 void CheckOther(std::string_view lines, Place place) {
+    if (lines.starts_with(kUtf8Mark)) lines.remove_prefix(kUtf8Mark.size());
     for (; !lines.empty(); ++place.line) {
         const std::string_view whole = lines.substr(0, lines.find('\n'));
         lines.remove_prefix(std::min(whole.size() + 1, lines.size()));

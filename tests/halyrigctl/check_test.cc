@@ -1,0 +1,318 @@
+// Set-ups with one fault each: what is said of it first, and that nothing is changed by looking.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "base/wide_text.h"
+#include "config/bridge_settings.h"
+#include "config/saved_settings.h"
+#include "halyrigctl/ctl_fixture.h"
+#include "halyrigctl/snapshot.h"
+#include "platform/paths.h"
+#include "status/bridge_status.h"
+
+namespace twr::testing {
+namespace {
+
+constexpr const char* kMapping = "ProgramData/Tidewright/instruments/halyrig.xml";
+constexpr const char* kList = "Deckman/Data/J_vars06.d";
+const std::string kLibrary = "Deckman/ShDfW2" + std::string(kLibrarySuffix.begin(), kLibrarySuffix.end());
+const bool kRegistryIsAFile = kPathSeparator == u'/';
+
+std::string BytesOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class CheckTest : public CtlTest {
+protected:
+    CheckTest() { SetUpWell(); }
+
+    void SetUpWell() {
+        if (test.folder.Read(kLibrary).size() < 1000) test.folder.Write(kLibrary, BytesOf(STAND_IN_LIBRARY));
+        test.folder.Write(kList, "[variables]\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n3 VARIATION u 0 0 0\n9 TIMER u 0 0 0\n");
+        Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<remote remote='1' twr='13'/>");
+        settings = {.dfwFolder = test.folder.File("Deckman")};
+        Remove("config");  // where the registry is a file
+        Save();
+    }
+    void Map(const std::string& lines) { test.folder.Write(kMapping, "<halyrig>\n" + lines + "</halyrig>"); }
+    void Save() { WriteSettings(Core().registry, settings); }
+    void Remove(const char* name) { std::filesystem::remove_all(test.folder.Path() / name); }
+
+    // What is found in the set-up, line by line, without the verdict and the table.
+    std::vector<std::string> Found(int status, const std::string& typed = "check") {
+        const auto before = Snapshot(test);
+        std::istringstream said(Said(typed, status));
+        EXPECT_EQ(before, Snapshot(test)) << "looking changes nothing";
+        std::vector<std::string> lines;
+        std::getline(said, verdict);
+        for (std::string line; std::getline(said, line) && !line.empty();) lines.push_back(line);
+        return lines;
+    }
+    // One thing is found, in the file and the line.
+    void ExpectFound(int status, const char* fragment, const std::string& where) {
+        const auto lines = Found(status);
+        ASSERT_EQ(1u, lines.size()) << where << "\n" << console.written;
+        ExpectIn(lines[0], {fragment});
+        EXPECT_NE(std::string::npos, lines[0].find(where)) << where << "\nis not in\n" << lines[0];
+        EXPECT_EQ(status == 0, lines[0].starts_with("note: ")) << lines[0];
+    }
+    void Start() {
+        StartSuite();
+        bridge = std::make_unique<BridgeStatusWriter>(Core().memory);
+        bridge->LibraryLoaded(settings.dfwFolder, {true, true});
+        bridge->MappingLoaded({3, 2, UtcNowDays(Core().clock) + 1.0});
+        bridge->BoxesInForce(settings);
+    }
+
+    Settings settings;
+    std::string verdict;
+    std::unique_ptr<BridgeStatusWriter> bridge;
+};
+
+TEST_F(CheckTest, ARightSetUpIsOneLine) {
+    EXPECT_TRUE(Found(0).empty()) << console.written;
+    ExpectIn(verdict, {"All is well: 2 of 2 variables mapped, 1 remote (" HALYRIG_PROGRAM " is not running)"});
+    EXPECT_FALSE(Held());
+    Start();
+    EXPECT_TRUE(Found(0).empty()) << console.written;
+    EXPECT_EQ("All is well: 2 of 2 variables mapped, 1 remote", verdict);
+    ExpectIn(console.written, {"library      can be used\n", "J_vars06.d: 3 and TIMER\n", "depth in feet on, names off, TIMER off",
+                               "(in force)", "halyrig.xml: 2 of 2 variables, 1 remote\n"});
+    EXPECT_EQ(verdict + "\n", Said("check --summary"));
+    ExpectIn(Said("check --json"),
+             {R"({"status":"well","running":true,"folder":")", R"("library":{"usable":true,"fault":null,)",
+              R"("count":3,"timer":true})", R"("depthInFeet":true)", R"("vars":2,"varsUsed":2,"remotes":1})", R"("findings":[]})"});
+}
+
+TEST_F(CheckTest, NamesTheCauseFirst) {
+    const auto choose = [&](std::u16string folder) {
+        return [this, folder] {
+            settings.dfwFolder = folder;
+            Save();
+        };
+    };
+    struct Row {
+        const char* stands;
+        std::function<void()> put;
+        std::vector<const char*> first;
+        const char* comes = "Nothing can come from Deckman; ";
+    };
+    std::vector<Row> rows = {
+        {"a wrong folder", choose(test.folder.File("nowhere")), {"nowhere does not exist; choose Deckman's own folder"}},
+        {"a shell's folder", choose(u" ~/Deckman"), {"~/Deckman begins with ~"}},
+        {"a file in its place", choose(test.folder.File(kList)), {"is a file, not a folder"}},
+        {"no list", [&] { Remove("Deckman/Data"); }, {"Data: there is no J_vars06.d", "; choose Deckman's own folder"}},
+        {"an empty list", [&] { test.folder.Write(kList, "1 BSP u 0 0 0\n"); }, {"J_vars06.d: it has no line [variables]"}},
+        {"a broken list", [&] { test.folder.Write(kList, "[variables]\nx\n"); }, {"J_vars06.d:2: ", "is read only up to here"}},
+        {"a text as library", [&] { test.folder.Write(kLibrary, "Read me"); }, {"is no library but another kind of file"}},
+        {"no mapping", [&] { Remove(kMapping); }, {"halyrig.xml: there is no mapping"}},
+        {"no data folder", [&] { Remove("ProgramData/Tidewright"); }, {"halyrig.xml: there is no mapping"}},
+        {"an empty mapping", [&] { Map(""); }, {"halyrig.xml: it can't be read or maps nothing"}},
+        {"case", [&] { Map("<var twr='1' dfw='bsp'/>"); }, {R"(halyrig.xml:2: var twr="1" dfw="bsp": )", "did you mean BSP?"}},
+        {"a number", [&] { Map("<var twr='1' dfw='7'/>"); }, {"no variable 7; its numbers may have changed"}},
+        {"twr", [&] { Map("<var twr='1300' dfw='BSP'/>"); }, {R"(halyrig.xml:2: var twr="1300")", "there is no channel 1300; "}},
+        {"XML", [&] { Map("<var>\n<remote remote='1' twr='1'/>"); }, {R"(halyrig.xml:2: var: it names no variable)"}},
+        {"one of two", [&] { Map("<var twr='1' dfw='BSP'/><var twr='13' dfw='hdg'/>"); }, {"hdg; did you mean HDG?"}, "1 fault; "},
+    };
+    if (kRegistryIsAFile) {
+        rows.push_back(
+            {"HKCU",
+             [&] {
+                 test.folder.Write("config/registry.reg",
+                                   "[HKCU\\" + ToUtf8(kBridgeSettingsKey) + "]\n\"DfwFolder\"=\"/opt/Deckman\"\n");
+             },
+             {R"(registry.reg:1: [HKCU\)", R"(write it as [HKEY_CURRENT_USER\Software\Tidewright\Halyrig32\settings])"}});
+    }
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.stands);
+        row.put();
+        const auto lines = Found(1);
+        EXPECT_TRUE(verdict.starts_with(row.comes)) << verdict;
+        ASSERT_FALSE(lines.empty());
+        ExpectIn(lines[0], row.first);
+        EXPECT_FALSE(Held());
+        SetUpWell();
+    }
+    const std::string other = ToUtf8(test.folder.File("nowhere"));
+    ExpectIn(Found(1, "check " + other).at(0), {"nowhere does not exist"});
+    EXPECT_TRUE(Found(0, "check " + ToUtf8(settings.dfwFolder)).empty()) << console.written;
+    Said("check --json --summary", 2);
+}
+
+TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
+    const std::tuple<const char*, std::string, const char*, int> rows[] = {
+        {"halyrig.xml:4", "<var twr='0' dfw='BSP'/>", "the Time channel follows the clock", 1},
+        {"halyrig.xml:4", "<var twr='117' dfw='BSP'/>", "stands for other channels", 1},
+        {"halyrig.xml:4", "<var twr='13' dfw='BSP' boat='1'/>", "line 3 feeds HDG (13) too", 1},
+        {"halyrig.xml:4", "<var twr='172' dfw='BSP' boat='2'/>", "boat 2 has no place for User 0 (172)", 1},
+        {"halyrig.xml:4", "<var twr='51' dfw='BSP'/>",
+         "is taken from Deckman only while the position source (Sys_i6) is 3, and it is 6", 1},
+        {"halyrig.xml:4", "<var twr='93' dfw='VARIATION' x='1'/>", "there is no attribute x", 1},
+        {"halyrig.xml:4", "<remote remote='7' twr='1'/><remote remote='7' twr='13'/>", nullptr, 0},
+        {"halyrig.xml:5", "<remote remote='7' twr='1'/>\n<remote remote='7' twr='13'/>", "line 4 shows on remote 7 too", 1},
+        {"halyrig.xml:4", "<remote remote='0' twr='1'/>", "there is no remote 0", 1},
+        {"halyrig.xml:4", "<vra twr='1' dfw='BSP'/>", "there is no element vra", 1},
+        {"halyrig.xml:4:", "<<", "it is not XML", 1},
+        {"halyrig.xml:4", "<remote remote='7' twr='31'/>", "nothing feeds that yet", 0},
+        {"halyrig.xml:4", "<remote remote='7' twr='48'/>", "while the position source (Sys_i6) is 3", 0},
+        {"", "<remote remote='7' twr='0'/>", nullptr, 0},
+        {"alternate.csv:2", "!x\n3;13;14;0;0;0;0;0;0;0\n", "the line has semicolons in the place of commas", 1},
+        {"alternate.csv:1", "3,13,14\n", "the line can't be read; write it as row,slot", 1},
+        {"alternate.csv:1", "3,x,14,0,0,0,0,0,0,0\n", "the line can't be read", 1},
+        {"alternate.csv:1",
+         "\xEF\xBB\xBF"
+         "3,13,14,0,0,0,0,0,0,0\n",
+         "byte-order mark", 1},
+        {"alternate.csv:1", "10,13,14,0,0,0,0,0,0,0\n", "there is no row 10", 1},
+        {"alternate.csv:1", "3,13,414,0,0,0,0,0,0,0\n", "there is no channel 414", 1},
+        {"channels.xml:1", "<chanels/>", "begin it with <channels>", 1},
+        {"channels.xml:2", "<channels>\n<chanel id='1'/></channels>", "there is no element chanel", 1},
+        {"channels.xml:1", "<channels><channel id='1' colour='1'/></channels>", "there is no attribute colour", 1},
+        {"channels.xml:1", "<channels><channel id='414' prec='1'/></channels>", "there is no channel 414", 1},
+        {"channels.xml:1", "<channels><channel prec='1' id='1'/></channels>", "prec stands before id", 1},
+        {"channels.xml:1", "<channels><channel prec='1' log='1'/></channels>", "it has no id", 1},
+        {"channels.xml:1", "<channels><channel id='1' prec='255'/></channels>", R"(prec="255" is out of range)", 1},
+        {"channels.xml:1", "<channels><channel id='48' prec='1'/></channels>", "prec has no effect", 1},
+        {"channels.xml:1", "<channels><channel id='117' prec='1'/></channels>", "prec has no effect", 1},
+        {"channels.xml:1", "<channels><channel id='1' type='1'/></channels>", "type has no effect here", 1},
+        {"channels.xml:1", "<channels><channel id='172' type='20'/></channels>", "there is no type 20", 1},
+        {"channels.xml:1", "<channels><channel id='48' damp='1'/></channels>", "damp has no effect", 1},
+        {"channels.xml:1", "<channels><channel id='1' damp='x'/></channels>", R"(damp="x" is not a number)", 1},
+        {"channels.xml:1", "<channels><channel id='1' damp=''/></channels>", "damp is empty", 1},
+        {"channels.xml:1", "<channels><channel id='172' user='012345678901234567890123456789012'/></channels>",
+         "cut to 0123456789012345678901234567890;", 1},
+        {"channels.xml:1:", "<channels>", "it is not XML", 1},
+        {"boats.xml:1", "<boats><boat id='100' name='A'/></boats>", "there is no boat 100", 1},
+        {"boats.xml:1", "<boats><boat id='7' r='256'/></boats>", R"(r="256" is out of range)", 1},
+        {"boats.xml:1", "<boats><boat name='A' id='7'/></boats>", "name stands before id", 1},
+        {"boats.xml:1", "<boats><boat r='1' id='7'/></boats>", nullptr, 0},
+        {"boats.xml:1", "<boats><boat id='7' mmsi='x'/></boats>", R"(mmsi="x" is not a number)", 1},
+        {"J_vars06.d:6", "", "is read only up to here", 1}};
+    for (const auto& [where, content, fragment, status] : rows) {
+        SCOPED_TRACE(content);
+        SetUpWell();
+        const std::string place(where), config = "ProgramData/Tidewright/config/";
+        for (const char* name : {"alternate.csv", "channels.xml", "boats.xml"}) Remove((config + name).c_str());
+        if (place.starts_with("halyrig.xml") || place.empty()) {
+            Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n" + content);
+        } else if (place.starts_with("J_vars")) {
+            test.folder.Write(kList, "[variables]\n\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n9 TIMER u 0 0 0\n8 X u 0 0 0\n");
+        } else {
+            test.folder.Write(config + place.substr(0, place.find(':')), content);
+        }
+        if (fragment) {
+            ExpectFound(status, fragment, place);
+        } else {
+            EXPECT_EQ(0u, Found(status).size()) << console.written;
+        }
+    }
+}
+
+// Each is put right again, but for those at the end, whose names stay.
+TEST_F(CheckTest, NamesEachSettingThatIsNotUsed) {
+    constexpr std::u16string_view kCore = kSavedSettingsKey, kOwn = kBridgeSettingsKey;
+    const RegistryValue one = DwordValue(1), length = StringValue(u"14.2"), none = StringValue(u"");
+    const std::tuple<std::u16string_view, std::u16string_view, RegistryValue, const char*, RegistryValue> rows[] = {
+        {kCore, u"Sys_b3", StringValue(u"1"), "Sys_b3: the value is not read: it is not a DWORD", one},
+        {kCore, u"Sys_v0", DwordValue(14), "Sys_v0: the value is not read: it is not a text", length},
+        {kCore, u"Sys_v0", StringValue(u"long"), R"(Sys_v0: "long" is not a number)", length},
+        {kCore, u"Sys_v0", StringValue(u"0.5"), "Sys_v0: the number is out of bounds, and 1.0", length},
+        {kCore, u"Sys_i2", DwordValue(3), "Sys_i2: the number is out of bounds, and 2 is used", one},
+        {kCore, u"DataFolder", StringValue(u"/no/such"), "the folder /no/such does not exist", none},
+        {kOwn, u"DfwDepth", StringValue(u"0"), "DfwDepth: the value is not read: it is not a DWORD", one},
+        {kCore, u"Sys_i99", DwordValue(3), "note: ", one},
+        {kOwn, u"DfwDept", DwordValue(0), "DfwDept: there is no setting of this name", one}};
+    for (const auto& [key, name, wrong, fragment, right] : rows) {
+        Core().registry.Write(key, name, wrong);
+        const auto lines = Found(name == u"Sys_i99" ? 0 : 1);
+        ASSERT_EQ(name == u"DfwDept" ? 2u : 1u, lines.size()) << fragment << "\n" << console.written;
+        ExpectIn(lines[0], {fragment, ToUtf8(name).c_str()});
+        Core().registry.Write(key, name, right);
+    }
+}
+
+TEST_F(CheckTest, TellsOfAnOlderMappingAndWhatOfItCouldNotBeTakenOver) {
+    test.folder.Write("ProgramData/Tidewright/halyrig/halyrig.csv", "1,13\n7,13,0\n1,0,0\nx\n1,13,100\n");
+    test.folder.Write("ProgramData/Tidewright/halyrig/halyrigremotes.csv", "0,13,0,1\n0,13,0\n");
+    const char* expected[] = {"halyrig.csv: an older mapping, which the button Import takes over on request: 1 line",
+                              "halyrigremotes.csv: an older mapping",
+                              "halyrig.csv:2: 7,13,0: Deckman's list has no variable 7",
+                              "halyrig.csv:3: 1,0,0: there is no channel 0",
+                              "halyrig.csv:4: x: the line can't be read; write it as variable,channel,boat",
+                              "halyrig.csv:5: 1,13,100: there is no boat 100",
+                              "halyrigremotes.csv:2: 0,13,0: the line can't be read; write it as remote,channel,boat,damp"};
+    const auto lines = Found(0);
+    ASSERT_EQ(std::size(expected), lines.size()) << console.written;
+    for (std::size_t i = 0; i < lines.size(); ++i) ExpectIn(lines[i], {"note: ", expected[i]});
+}
+
+TEST_F(CheckTest, KnowsWhatFeedsWhatIsShown) {
+    test.folder.Write("ProgramData/Tidewright/config/alternate.csv",
+                      "0,0,118,0,0,0,0,0,0,0\n1,31,117,1,0,0,0,0,0,0\n2,31,0,0,0,0,0,0,0,0\n");
+    Core().registry.Write(kSavedSettingsKey, u"Sys_b27", DwordValue(1));
+    Core().registry.Write(kSavedSettingsKey, u"Sys_i6", DwordValue(3));
+    Start();
+    const std::pair<const char*, const char*> rows[] = {{"<remote remote='7' twr='1'/>", nullptr},
+                                                        {"<remote remote='7' twr='48'/>", nullptr},
+                                                        {"<remote remote='7' twr='51'/>", "(51), and nothing feeds that"},
+                                                        {"<remote remote='7' twr='1' boat='1'/>", "nothing feeds that"},
+                                                        {"<remote remote='7' twr='117'/>", nullptr},
+                                                        {"<remote remote='7' twr='119'/>", "nothing feeds that"},
+                                                        {"<remote remote='7' twr='140'/>", "nothing feeds that"},
+                                                        {"<remote remote='7' twr='5'/>", nullptr}};
+    Publish(kTws, 10.0);
+    for (const auto& [line, fragment] : rows) {
+        SCOPED_TRACE(line);
+        Map(std::string("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>") + line);
+        const auto lines = Found(fragment ? 1 : 0);
+        ASSERT_EQ(fragment ? 1u : 0u, lines.size()) << console.written;
+        if (fragment) ExpectIn(lines[0], {fragment});
+    }
+    Map("<var twr='13' dfw='HDG'/><remote remote='7' twr='" + std::to_string(kRot) + "'/>");
+    EXPECT_TRUE(Found(0).empty()) << console.written;
+    settings.degreesTrue = settings.useTimer = true;
+    bridge->BoxesInForce(settings);
+    test.folder.Write(kList, "[variables]\n2 HDG u 0 0 0\n");
+    bridge->MappingLoaded({1, 1, UtcNowDays(Core().clock) + 1.0});
+    const auto lines = Found(1);
+    ASSERT_EQ(2u, lines.size()) << console.written;
+    ExpectIn(lines[0], {"the list has no variable TIMER"});
+    ExpectIn(lines[1], {"nothing feeds MagVar (93)"});
+}
+
+TEST_F(CheckTest, NamesWhatIsNewerThanWhatIsInForce) {
+    Start();
+    const auto write = [&](const char* name, const char* bytes) {
+        test.folder.Write(std::string("ProgramData/Tidewright/config/") + name, bytes);
+    };
+    write("channels.xml", "<channels><channel id='172' user='Jib'/></channels>");
+    write("boats.xml", "<boats><boat id='7' r='1'/></boats>");
+    write("alternate.csv", "3,13,14,0,0,0,0,0,0,0\n");
+    Core().registry.Write(kSavedSettingsKey, u"Sys_v0", StringValue(u"14.2"));
+    bridge->MappingLoaded({3, 2, UtcNowDays(Core().clock) - 1.0});
+    const char* expected[] = {"(Sys_v0)",
+                              "channels.xml: it says other than what is in force (channel 172)",
+                              "boats.xml: it says other than what is in force (boat 7)",
+                              "alternate.csv: it says other than what is in force (row 3)",
+                              "halyrig.xml: it has changed since the bridge read it; choose the Dfw folder once more",
+                              "J_vars06.d: it has changed since the bridge read it"};
+    auto lines = Found(1);
+    ASSERT_EQ(std::size(expected), lines.size()) << console.written;
+    for (std::size_t i = 0; i < lines.size(); ++i) ExpectIn(lines[i], {expected[i]});
+    ExpectIn(Said("check --summary", 1), {"6 faults; ", "channels.xml", "'halyrigctl check' shows all\n"});
+    ExpectIn(Said("check --json", 1),
+             {R"("status":"passed-over")", R"("line":null,"column":null,"flaw":"changed-since-read","note":false,"text":")"});
+    test.folder.Write("elsewhere/x", "");
+    Core().registry.Write(kSavedSettingsKey, u"DataFolder", StringValue(test.folder.File("elsewhere")));
+    Core().registry.Write(kSavedSettingsKey, u"Sys_v0", StringValue(u"15.85"));
+    lines = Found(1);
+    ASSERT_EQ(3u, lines.size()) << "the files of the other folder are not those in force\n" << console.written;
+    ExpectIn(lines[0], {"(DataFolder)"});
+    bridge->LibraryLoaded(settings.dfwFolder, {false, false});
+    ExpectIn(Found(1).at(0), {"the bridge could not load the library when it looked, and could now"});
+}
+
+}  // namespace
+}  // namespace twr::testing
