@@ -29,6 +29,7 @@ class FailingFiles : public Files {
 public:
     explicit FailingFiles(Files& real) : real_(real) {}
     bool Exists(std::u16string_view path) const override { return real_.Exists(path); }
+    std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return real_.ChangedAt(path); }
     void MakeFolder(std::u16string_view path) override { real_.MakeFolder(path); }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override { return real_.Open(path); }
     bool Append(std::u16string_view path, std::string_view bytes) override {
