@@ -13,6 +13,7 @@ namespace {
 
 constexpr int kGap = 2;                                  // columns between table and displays
 constexpr int kLeastForHints = 5, kLeastForHeading = 3;  // rows: of the screen, and of the table
+constexpr char32_t kDelete = 127;                        // Ctrl and Backspace on Windows
 constexpr std::size_t kEndOfAll = std::numeric_limits<std::size_t>::max() / 2;
 
 const char* WordOf(RowOrder order) {
@@ -65,7 +66,7 @@ void WatchView::OnFilterKey(char32_t key) {
     if (key == Key::kBackspace && !filter.empty()) filter.pop_back();
     if (key == Key::kEscape) filter.clear();
     if (key == Key::kEnter || key == Key::kEscape) typing_ = false;
-    if (key >= U' ' && key <= 0xFFFF) filter += static_cast<char16_t>(key);
+    if (key >= U' ' && key != kDelete && key <= 0xFFFF) filter += static_cast<char16_t>(key);
     filter_ = ToUtf8(filter);
 }
 

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <chrono>
+
 #include "core/core.h"
 #include "core/days.h"
 #include "halyrigctl/commands.h"
@@ -75,6 +77,15 @@ TEST_F(WatchTerminalTest, EndsForTheUserAndTheSuiteAndGivesTheTerminalBack) {
         EXPECT_TRUE(terminal->GivenBack());
     }
     EXPECT_SHOWS("the suite has been asked to close");
+}
+
+TEST_F(WatchTerminalTest, EndsThoughNobodyTakesItsOutput) {
+    Open();
+    for (int i = 0; i < 40; ++i) terminal->Type("\f\f\f\f\f");  // each draws the whole screen
+    const auto begun = std::chrono::steady_clock::now();
+    terminal->Signal(SIGTERM);
+    EXPECT_EQ(0, terminal->WaitBlindly());
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(1));
 }
 
 }  // namespace
