@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "base/wide_text.h"
+#include "halyrigctl/cells.h"
 #include "halyrigctl/json.h"
-#include "halyrigctl/screen.h"
 
 namespace twr {
 namespace {

@@ -4,10 +4,10 @@
 
 #include "base/wide_text.h"
 #include "core/record_access.h"
+#include "halyrigctl/cells.h"
 #include "halyrigctl/finding_words.h"
 #include "halyrigctl/nearest_name.h"
 #include "halyrigctl/rehearsal.h"
-#include "halyrigctl/screen.h"
 #include "mapping/legacy_import.h"
 #include "platform/paths.h"
 
