@@ -48,8 +48,8 @@ std::string ReadElements(Xml& xml, std::u16string_view path, std::vector<XmlElem
     for (XmlElement element; reader->Next(element);) elements.push_back(element);
     const auto fault = reader->Fault();
     if (!fault) return {};
-    return "line " + std::to_string(fault->line) + ": " +
-           Words({{}, fault->line, fault->column, Flaw::kNotWellFormed, fault->text}) + "; mend it first";
+    return "line " + std::to_string(fault->line) + ", column " + std::to_string(fault->column) + ": " +
+           Words({{}, fault->line, fault->column, Flaw::kNotWellFormed, fault->text, {}});
 }
 
 bool Agree(const std::vector<ElementSpan>& spans, const std::vector<XmlElement>& elements) {

@@ -127,8 +127,10 @@ private:
     }
 
     Advice Unmapped(const MappingLook& look) {
-        if (const Finding* own = look.FaultOf(channel_, subject_.boat))
-            return {PlaceInWords(look.path, own->line) + Words(*own), "mend the line, then " + std::string(kReadAgain)};
+        if (const Finding* own = look.FaultOf(channel_, subject_.boat)) {
+            const Advice advice = AdviceFor(*own);
+            return {PlaceInWords(look.path, own->line) + advice.what, advice.todo + "; then " + kReadAgain};
+        }
         const std::string path = Harmless(look.path);
         if (!look.exists) return {"there is no mapping (" + path + ")", ToMap()};
         std::string what = "no line of the mapping (" + path + ") feeds it";

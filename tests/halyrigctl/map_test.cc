@@ -103,7 +103,7 @@ TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
              {R"([
   {"kind":"var","line":4,"channel":13,"name":"Kurs","boat":0,"text":"090 \u00b0M","variable":"HDG","number":2},
   {"kind":"remote","line":7,"channel":117,)",
-              R"("remote":1,"damped":false},)", R"({"kind":"fault","line":6,"fault":"there is no attribute x"})"});
+              R"("remote":1,"damped":false},)", R"({"kind":"fault","line":6,"fault":"there is no attribute x;)"});
     WriteSettings(Core().registry, {.dfwFolder = u"/none"});
     ExpectIn(Said("map"), {"no list of Deckman's variables in the Dfw folder, /none;"});
     for (const char* command : {"map suggest", "map add HDG 13"}) ExpectIn(Said(command, 1), {"in the Dfw folder, /none;"});
@@ -210,8 +210,8 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
     const std::pair<std::string, const char*> refused[] = {
         {"\xFF\xFE" + Utf16Bytes(u"<r/>", false), "is not in UTF-8"},
         {"<?xml version='1.0' encoding='ISO-8859-1'?><r a='\xE9'/>", "another encoding than UTF-8"},
-        {"<r>\n<var></r>", "line 2: from column"},
-        {"<!DOCTYPE r><r/>", "line 1: from column"},
+        {"<r>\n<var></r>", "line 2, column "},
+        {"<!DOCTYPE r><r/>", "line 1, column "},
         {"", "it is empty"},
         {"<r a='\xE9'/>", "it is not XML"}};
     for (const auto& [text, why] : refused) {
