@@ -71,6 +71,7 @@ void Circumstances::LookAgain() {
     if (!anew && std::fabs(now - filesSince_) < kFilesLast) return;
     variables_.reset();
     mapping_.reset();
+    rehearsal_.reset();
     filesSince_ = now;
 }
 
@@ -96,6 +97,11 @@ const MappingLook& Circumstances::TheMapping() {
         mapping_->meant = ReadMeant(services_.xml, mapping_->path);
     }
     return *mapping_;
+}
+
+const CoreRecord& Circumstances::Renewed() {
+    if (!rehearsal_) rehearsal_ = std::make_unique<Rehearsal>(services_);
+    return rehearsal_->Record();
 }
 
 }  // namespace twr

@@ -1,6 +1,7 @@
 // What decides besides the record whether a channel has a value: the bridge's state, and the user's files as they are now.
 #pragma once
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "base/findings.h"
 #include "core/core_record.h"
 #include "halyrigctl/library_look.h"
+#include "halyrigctl/rehearsal.h"
 #include "mapping/mapping_rows.h"
 #include "mapping/variable_file.h"
 #include "platform/system.h"
@@ -16,6 +18,7 @@
 namespace twr {
 
 // What makes the bridge look at the library, Deckman's list and the mapping again.
+inline constexpr const char* kRestartAll = "end all programs of the suite and start them again";
 inline constexpr const char* kReadAgain = "choose the Dfw folder once more in the dialog, even the same one, or restart the bridge";
 
 // The mapping file as the bridge would read it now.
@@ -48,6 +51,8 @@ public:
     const LibraryLook& Library();
     const DeckmanCatalogue& Variables();
     const MappingLook& TheMapping();
+    // The record that a start of the whole suite would make.
+    const CoreRecord& Renewed();
 
     double now = 0.0;                    // days
     std::optional<BridgeStatus> bridge;  // nullopt if it is not running
@@ -62,6 +67,7 @@ private:
     std::optional<LibraryLook> library_;
     std::optional<DeckmanCatalogue> variables_;
     std::optional<MappingLook> mapping_;
+    std::unique_ptr<Rehearsal> rehearsal_;
 };
 
 }  // namespace twr

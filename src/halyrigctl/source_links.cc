@@ -67,10 +67,14 @@ private:
             links_.Hold("position", "comes from another program, since the position source " + source + ", and Deckman's is 3");
             return false;
         }
-        links_.Break("position",
-                     {"position, COG and SOG are taken from Deckman only while the position source (Sys_i6) is 3, and it" +
-                          source.substr(source.find(" is ")),
-                      "set it in the registry, then end all programs of the suite and start them again"});
+        if (PositionFromDeckman(now_.Renewed())) {
+            links_.Break("position", {"the record was made before the position source (Sys_i6) became Deckman's, 3", kRestartAll});
+        } else {
+            links_.Break("position",
+                         {"position, COG and SOG are taken from Deckman only while the position source (Sys_i6) is 3, and it" +
+                              source.substr(source.find(" is ")),
+                          std::string("set it in the registry, then ") + kRestartAll});
+        }
         return true;
     }
 
@@ -132,6 +136,12 @@ private:
             return {PlaceInWords(look.path, own->line) + advice.what, advice.todo + "; then " + kReadAgain};
         }
         const std::string path = Harmless(look.path);
+        const std::u16string renewed = FieldText(now_.Renewed().dataFolder);
+        if (FieldView(subject_.record.dataFolder) != renewed) {
+            return {"the record was made before the data folder became " + Harmless(renewed) + ", and no line of the mapping (" +
+                        path + ") feeds it",
+                    kRestartAll};
+        }
         if (!look.exists) return {"there is no mapping (" + path + ")", ToMap()};
         std::string what = "no line of the mapping (" + path + ") feeds it";
         if (!look.faults.empty()) {

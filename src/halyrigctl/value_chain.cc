@@ -1,5 +1,6 @@
 #include "halyrigctl/value_chain.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "bridge/remote_pass.h"
@@ -17,6 +18,11 @@ std::string Printed(const char* format, double number) {
 }
 
 bool ShowsMagnetic(const CoreRecord& record) { return Load(record.sysFlag[kFlagMagnetic]) != 0; }
+
+bool SameAlternates(const CoreRecord& left, const CoreRecord& right, ChannelId alternating) {
+    const std::size_t row = alternating - kAlt0;
+    return std::ranges::equal(left.alternates[row].slot, right.alternates[row].slot, {}, Load<std::int32_t>, Load<std::int32_t>);
+}
 
 // What the suite refuses gets nowhere, whatever its source.
 Advice Refusal(const Subject& subject) {
@@ -89,7 +95,10 @@ Links ValueChain(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& c
     const ChannelId shown = core.ResolveAlternate(channel, true);
     const ChannelId source = core.ResolveAlternate(shown, true);  // a longer chain is followed when its value is read
     if (source >= kChannelCount) {
-        links.Break("alternates", {"it stands for no channel now", "name one for this state in alternate.csv"});
+        links.Break("alternates",
+                    SameAlternates(*core.View(), circumstances.Renewed(), channel)
+                        ? Advice{"it stands for no channel now", "name one for this state in alternate.csv"}
+                        : Advice{"it stands for no channel: the record was made before alternate.csv was changed", kRestartAll});
         return links;
     }
     if (source != channel) links.Hold("alternates", "it stands for " + ChannelInWords(core, source) + " now");

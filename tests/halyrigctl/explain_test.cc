@@ -111,6 +111,16 @@ TEST_F(ExplainTest, NamesTheFirstBrokenLinkAndNoOther) {
         {"118", "it stands for no channel now"},
         // the displays
         {"BSP", "and no program of the suite damps it", remap("<var twr='1' dfw='BSP'/><remote remote='2' twr='1' damp='true'/>")},
+        // the record was made before; what is stored stays for the next row
+        {"Lat", "made before the position source", [] {},
+         [&] { Stored().Write(u"Software\\Tidewright\\core", u"Sys_i6", DwordValue(3)); }},
+        {"118", "made before alternate.csv was changed", [] {},
+         [&] { test.folder.Write("ProgramData/Tidewright/config/alternate.csv", "1,0,0,1,1,1,1,1,1,1\n"); }},
+        {"TWS", "made before the data folder became", [] {},
+         [&] {
+             test.folder.Write("Ashore/x", "");
+             Stored().Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(test.folder.File("Ashore")));
+         }},
     };
     int number = 0;
     for (const auto& [asked, reason, before, during] : rows) {
