@@ -1,4 +1,5 @@
 // alternate.csv: the channels that each alternating channel may stand for.
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
@@ -40,6 +41,15 @@ Flaw WhyNotRead(const std::string& text) {
 
 std::u16string Digits(long long number) { return FromBytes(std::to_string(number)); }
 
+bool MeansEmpty(long long slot) { return slot == 0 || slot == -1 || slot == kNoInt; }
+
+// The last slot may be omitted, but not be anything but a number.
+void ReportUnreadEnd(const std::string& text, const Line& line, const Place& place) {
+    if (!place.findings || line.filled > kFieldsNeeded || std::ranges::count(text, ',') < kFieldsNeeded) return;
+    const std::string_view end = Trimmed(std::string_view(text).substr(text.rfind(',') + 1));
+    if (!end.empty()) place.Report(Flaw::kNotANumber, FromBytes(end));
+}
+
 void ReadLine(const std::string& text, CoreRecord& record, const Place& place) {
     if (text.empty() || text.front() == '!') return;
     Line line;
@@ -48,12 +58,12 @@ void ReadLine(const std::string& text, CoreRecord& record, const Place& place) {
     if (row >= kAlternateCount) return static_cast<void>(place.Report(Flaw::kNoSuchRow, Digits(static_cast<long long>(line.row))));
     for (std::size_t i = 0; i + 1 < static_cast<std::size_t>(line.filled); ++i) {
         const auto channel = static_cast<std::int16_t>(line.slot[i]);
-        if (channel > 0 && channel < static_cast<std::int16_t>(kChannelCount)) {
-            Put(record.alternates[row].slot[i], std::int32_t{channel});
-        } else if (line.slot[i] != 0) {
+        const bool exists = channel > 0 && channel < static_cast<std::int16_t>(kChannelCount);
+        if (exists) Put(record.alternates[row].slot[i], std::int32_t{channel});
+        if (!MeansEmpty(line.slot[i]) && (!exists || channel != line.slot[i]))
             place.Report(Flaw::kNoSuchChannel, Digits(line.slot[i]));
-        }
     }
+    ReportUnreadEnd(text, line, place);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "base/wide_text.h"
 #include "core/record_access.h"
+#include "halyrigctl/rehearsal.h"
 #include "halyrigctl/say.h"
 #include "platform/paths.h"
 #include "status/bridge_status.h"
@@ -9,16 +10,12 @@
 namespace twr {
 namespace {
 
-// As the creator of a record would name it.
+// That of the record, or of the one that a start would make.
 std::u16string DataFolder(const CoreServices& services, const CCore& core) {
-    constexpr std::size_t kLongest = 1024;  // bytes
     if (core.View()) {
         if (std::u16string folder = FieldText(core.View()->dataFolder); !folder.empty()) return folder;
     }
-    const auto saved = TextOf(services.registry.Read(u"Software\\Tidewright\\core", u"DataFolder"), kLongest);
-    if (saved && !saved->empty() && services.files.Exists(*saved)) return *saved;
-    const std::u16string shared = services.files.ProgramDataFolder();
-    return shared.empty() ? shared : JoinPath(shared, u"Tidewright");
+    return FieldText(Rehearsal(services).Record().dataFolder);
 }
 
 }  // namespace
