@@ -14,7 +14,7 @@ struct ConsoleSize {
 struct Key {
     enum Code : char32_t {
         kBackspace = 8,
-        kTab = U'\t',
+        kTabulator = U'\t',
         kRedraw = 12,  // Ctrl-L; from a ConsoleScreen also: its picture was lost or its size has changed
         kEnter = U'\r',
         kEscape = 27,

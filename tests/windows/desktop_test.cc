@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "base/wide_text.h"
 #include "bridge/controls.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
@@ -216,35 +217,57 @@ TEST_F(DesktopTest, TakesThePickedFolderIntoItsFieldEvenIfItIsTheSame) {
 
 constexpr UINT kWestern = 850;
 
+UniqueHandle OpenConsole(const wchar_t* name) {
+    return UniqueHandle(NullIfInvalid(
+        CreateFileW(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr)));
+}
+
+// The first line of the screen that is seen now.
+std::string SeenLine() {
+    const UniqueHandle active = OpenConsole(L"CONOUT$");
+    wchar_t line[9] = L"";
+    DWORD count = 0;
+    ReadConsoleOutputCharacterW(active.get(), line, 8, {0, 0}, &count);
+    return ToUtf8(Trimmed(std::u16string_view(FromWide(line))));
+}
+
 // In a console of its own, which is that of a western command prompt.
 const testing::Role kConsole("console", [](const std::vector<std::string>&) {
     FreeConsole();
     if (!AllocConsole()) return 2;
-    const UniqueHandle screen(NullIfInvalid(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
-                                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr)));
+    const UniqueHandle keyboard = OpenConsole(L"CONIN$"), output = OpenConsole(L"CONOUT$");
     const HANDLE pipe = GetStdHandle(STD_OUTPUT_HANDLE);
-    SetStdHandle(STD_OUTPUT_HANDLE, screen.get());
+    SetStdHandle(STD_INPUT_HANDLE, keyboard.get());
+    SetStdHandle(STD_OUTPUT_HANDLE, output.get());
     SetConsoleOutputCP(kWestern);
-    DWORD before = 0, during = 0, after = 0;
-    GetConsoleMode(screen.get(), &before);
-    UINT codePage = 0;
+    DWORD before = 0, after = 0;
+    GetConsoleMode(keyboard.get(), &before);
+    std::string during;
     {
         const std::unique_ptr<Console> console = MakeConsole();
-        codePage = GetConsoleOutputCP();
-        GetConsoleMode(screen.get(), &during);
+        const auto screen = console->TakeScreen();
+        INPUT_RECORD q{};
+        q.EventType = KEY_EVENT;
+        q.Event.KeyEvent.bKeyDown = TRUE;
+        q.Event.KeyEvent.uChar.UnicodeChar = L'q';
+        DWORD count = 0;
+        WriteConsoleInputW(keyboard.get(), &q, 1, &count);
+        screen->Draw({{0, 0, "6.5 kt"}});
+        const bool typed = screen->Wait(1000) == U'q';
+        for (int i = 0; i < 100 && SeenLine().empty(); ++i) screen->Wait(10);  // another thread draws
+        during = std::to_string(GetConsoleOutputCP()) + (typed ? " q " : " - ") + SeenLine();
     }
-    GetConsoleMode(screen.get(), &after);
+    GetConsoleMode(keyboard.get(), &after);
     SetStdHandle(STD_OUTPUT_HANDLE, pipe);
-    char text[100];
-    std::snprintf(text, sizeof text, "%u %d, then %u %d\n", codePage, (during & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0,
-                  GetConsoleOutputCP(), before == after);
+    const std::string text = during + ", then " + std::to_string(GetConsoleOutputCP()) + SeenLine() +
+                             (before == after ? "" : " with another mode") + "\n";
     DWORD written = 0;
-    WriteFile(pipe, text, static_cast<DWORD>(strlen(text)), &written, nullptr);
+    WriteFile(pipe, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
     return 0;
 });
 
-TEST(WindowsConsole, GivesTheConsoleBackAsItWas) {
-    EXPECT_EQ("65001 1, then 850 1", testing::StartRole("console", {})->ReadLine());
+TEST(WindowsConsole, ShowsAPictureTakesAKeyAndGivesTheConsoleBackAsItWas) {
+    EXPECT_EQ("65001 q 6.5 kt, then 850", testing::StartRole("console", {})->ReadLine());
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ int LeastWidth(const ControlTemplate& control) {
 }  // namespace
 
 void Layer::MoveFocus(char32_t key, std::size_t count) {
-    if (key == Key::kTab || key == Key::kDown || key == Key::kRight) focus_ = (focus_ + 1) % count;
+    if (key == Key::kTabulator || key == Key::kDown || key == Key::kRight) focus_ = (focus_ + 1) % count;
     if (key == Key::kBackTab || key == Key::kUp || key == Key::kLeft) focus_ = (focus_ + count - 1) % count;
 }
 
