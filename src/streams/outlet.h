@@ -1,0 +1,15 @@
+// Where a stream goes: standard output, or those who listen at a port.
+#pragma once
+#include <string_view>
+
+namespace twr {
+
+class Outlet {
+public:
+    virtual ~Outlet() = default;
+
+    // Sends bytes to whoever listens; false once nobody ever will again.
+    virtual bool Put(std::string_view bytes) = 0;
+};
+
+}  // namespace twr
