@@ -1,0 +1,45 @@
+// Changes as lines of JSON, for logs and for programs of the crew's own, and back:
+//   {"time":"2026-11-25T01:02:03.4Z","id":1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"6.50"}
+#pragma once
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/byte_source.h"
+#include "base/text_lines.h"
+#include "core/core.h"
+#include "streams/change.h"
+
+namespace twr {
+
+// Appends the line of a change, with its end: ASCII, the time to the millisecond, the value in the internal unit with every digit,
+// the text in the user's units. `unit` is null if the channel has none, `value` and `text` without a value.
+void AppendJsonLine(std::string& out, const Change& change, const CCore& core);
+
+struct ReadLine {
+    std::optional<Change> change;  // nullopt if the line is none
+    std::string fault = {};        // why
+};
+
+// Understands a line. Members that it does not know are passed over; "time", "id" and "value" must be there, without "boat" it is
+// the own one.
+ReadLine ParseJsonLine(std::string_view line);
+
+// The changes of a file, line by line. Empty lines are passed over.
+class JsonLineReader {
+public:
+    explicit JsonLineReader(ByteSource& source) : lines_(source) {}
+
+    // nullopt at the end, and at the first line that is no change: Fault() then says its number and why.
+    std::optional<Change> Next();
+    const std::string& Fault() const { return fault_; }  // empty while there is none
+
+private:
+    TextLines lines_;
+    std::string line_;
+    std::size_t number_ = 0;
+    std::string fault_;
+};
+
+}  // namespace twr
