@@ -31,6 +31,9 @@ public:
     // The value as of the last look, whether it is told or not; kNoValue if it is stale, or there is none.
     double Value(ChannelId channel, BoatSlot boat) const;
 
+    // The boat's variation in degrees, east positive, or else the own boat's; kNoValue if neither is fresh.
+    double Variation(BoatSlot boat) const;
+
     // The stamp of that value, days; 0.0 without a value.
     double Time(ChannelId channel, BoatSlot boat) const;
 

@@ -1,13 +1,13 @@
 // Changes as lines of JSON, for logs and for programs of the crew's own, and back:
 //   {"time":"2026-11-25T01:02:03.4Z","id":1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"6.50"}
 #pragma once
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "base/byte_source.h"
-#include "base/text_lines.h"
 #include "core/core.h"
 #include "streams/change.h"
 
@@ -26,17 +26,22 @@ struct ReadLine {
 // the own one.
 ReadLine ParseJsonLine(std::string_view line);
 
-// The changes of a file, line by line. Empty lines are passed over.
+// The changes of a file of any length, line by line. Empty lines are passed over.
 class JsonLineReader {
 public:
-    explicit JsonLineReader(ByteSource& source) : lines_(source) {}
+    explicit JsonLineReader(ByteSource& source) : source_(source) {}
 
     // nullopt at the end, and at the first line that is no change: Fault() then says its number and why.
     std::optional<Change> Next();
     const std::string& Fault() const { return fault_; }  // empty while there is none
 
 private:
-    TextLines lines_;
+    bool NextLine();
+
+    ByteSource& source_;
+    std::array<char, 4096> buffer_{};
+    std::size_t filled_ = 0;
+    std::size_t used_ = 0;
     std::string line_;
     std::size_t number_ = 0;
     std::string fault_;

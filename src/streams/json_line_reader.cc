@@ -1,0 +1,78 @@
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "streams/iso_time.h"
+#include "streams/json_lines.h"
+
+namespace twr {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr std::size_t kLongestChange = 4096;  // bytes; a line that this program writes has less than 500
+
+// The whole number that a member holds, if it is below a bound.
+std::optional<std::uint32_t> Below(std::uint32_t bound, const Json& object, const char* member) {
+    const auto found = object.find(member);
+    if (found == object.end() || !found->is_number_unsigned() || found->get<std::uint64_t>() >= bound) return std::nullopt;
+    return found->get<std::uint32_t>();
+}
+
+std::optional<double> MomentIn(const Json& object) {
+    const auto found = object.find("time");
+    return found != object.end() && found->is_string() ? ParseIsoTime(found->get_ref<const std::string&>()) : std::nullopt;
+}
+
+std::optional<double> ValueIn(const Json& object) {
+    const auto found = object.find("value");
+    if (found == object.end() || !(found->is_number() || found->is_null())) return std::nullopt;
+    return found->is_null() ? kNoValue : found->get<double>();
+}
+
+}  // namespace
+
+ReadLine ParseJsonLine(std::string_view line) {
+    const Json object = Json::parse(line, nullptr, false);
+    if (!object.is_object()) return {{}, "it is no JSON object"};
+    const auto time = MomentIn(object);
+    if (!time) return {{}, "\"time\" must be a moment such as \"2026-11-25T01:02:03.4Z\""};
+    const auto channel = Below(kChannelCount, object, "id");
+    if (!channel) return {{}, "\"id\" must be a channel's number, 0 to 413"};
+    const auto boat = object.contains("boat") ? Below(kBoatCount, object, "boat") : 0;
+    if (!boat) return {{}, "\"boat\" must be 0 to 99"};
+    const auto value = ValueIn(object);
+    if (!value) return {{}, "\"value\" must be a number, or null"};
+    return {Change{*time, *channel, *boat, *value}};
+}
+
+// False at the end of the file. A line that is longer than any change is cut, and refused for its length.
+bool JsonLineReader::NextLine() {
+    line_.clear();
+    for (;;) {
+        if (used_ == filled_) {
+            filled_ = source_.Read(buffer_.data(), buffer_.size());
+            used_ = 0;
+            if (filled_ == 0) return !line_.empty();
+        }
+        const auto from = buffer_.begin() + static_cast<std::ptrdiff_t>(used_);
+        const auto end = std::find(from, buffer_.begin() + static_cast<std::ptrdiff_t>(filled_), '\n');
+        used_ = static_cast<std::size_t>(end - buffer_.begin());
+        if (line_.size() <= kLongestChange) line_.append(from, end);
+        if (used_ == filled_) continue;
+        ++used_;
+        return true;
+    }
+}
+
+std::optional<Change> JsonLineReader::Next() {
+    while (fault_.empty() && NextLine()) {
+        ++number_;
+        if (line_.find_first_not_of(" \t\r") == std::string::npos) continue;
+        ReadLine read = line_.size() > kLongestChange ? ReadLine{{}, "it is too long"} : ParseJsonLine(line_);
+        if (read.change) return read.change;
+        fault_ = "line " + std::to_string(number_) + ": " + read.fault;
+    }
+    return std::nullopt;
+}
+
+}  // namespace twr

@@ -1,0 +1,138 @@
+#include "streams/signalk_paths.h"
+
+#include <numbers>
+
+#include "core/units.h"
+
+namespace twr {
+namespace {
+
+constexpr SiUnit kPlain{"", 1.0};
+constexpr SiUnit kRatio{"ratio", 0.01};  // from percent
+constexpr SiUnit kMetres{"m", 1.0};
+constexpr SiUnit kMiles{"m", kMetresPerNauticalMile};
+constexpr SiUnit kKnots{"m/s", kMetresPerNauticalMile / 3600};
+constexpr SiUnit kAngle{"rad", std::numbers::pi / 180};
+constexpr SiUnit kTurnRate{"rad/s", std::numbers::pi / 180};
+constexpr SiUnit kDegrees{"deg", 1.0};  // of positions alone
+constexpr SiUnit kCelsius{"K", 1.0, 273.15};
+constexpr SiUnit kHectopascals{"Pa", 100.0};
+constexpr SiUnit kPascals{"Pa", 1.0};
+constexpr SiUnit kDays{"s", 86400.0};
+constexpr SiUnit kRpm{"Hz", 1.0 / 60};
+constexpr SiUnit kVolt{"V", 1.0};
+constexpr SiUnit kAmpere{"A", 1.0};
+constexpr SiUnit kDensity{"kg/m3", 1.0};
+
+template <const SiUnit& unit, ChannelId channel, bool trueBearing>
+constexpr SignalKPart kNumber[] = {{"", channel, &unit, trueBearing}};
+
+template <const SiUnit& unit, ChannelId channel, bool trueBearing = false>
+constexpr SignalKPath Number(const char* path) {
+    return {path, kNumber<unit, channel, trueBearing>, true};
+}
+
+template <ChannelId latitude, ChannelId longitude>
+constexpr SignalKPart kPosition[] = {{"latitude", latitude, &kDegrees}, {"longitude", longitude, &kDegrees}};
+
+template <ChannelId latitude, ChannelId longitude>
+constexpr SignalKPath Position(const char* path) {
+    return {path, kPosition<latitude, longitude>, true};
+}
+
+constexpr SignalKPart kAttitude[] = {{"roll", kHeel, &kAngle}, {"pitch", kTrim, &kAngle}};
+constexpr SignalKPart kCurrentFlow[] = {
+    {"drift", kDrift, &kKnots}, {"setTrue", kSet, &kAngle, true}, {"setMagnetic", kSet, &kAngle}};
+
+constexpr SignalKPath kPaths[] = {
+    Position<kLat, kLon>("navigation.position"),
+    Number<kKnots, kBsp>("navigation.speedThroughWater"),
+    Number<kKnots, kBspTr>("navigation.speedThroughWaterTransverse"),
+    Number<kKnots, kSog>("navigation.speedOverGround"),
+    Number<kAngle, kCog, true>("navigation.courseOverGroundTrue"),
+    Number<kAngle, kCog>("navigation.courseOverGroundMagnetic"),
+    Number<kAngle, kHdg, true>("navigation.headingTrue"),
+    Number<kAngle, kHdg>("navigation.headingMagnetic"),
+    Number<kAngle, kMagVar>("navigation.magneticVariation"),
+    Number<kAngle, kLeeway>("navigation.leewayAngle"),
+    Number<kTurnRate, kRot>("navigation.rateOfTurn"),
+    {"navigation.attitude", kAttitude, false},
+    Number<kMiles, kLogBsp>("navigation.log"),
+    Number<kMiles, kTripLog>("navigation.trip.log"),
+    Number<kSignalKMoment, kGpsTime>("navigation.datetime"),
+    Number<kPlain, kGpsNum>("navigation.gnss.satellites"),
+    Number<kPlain, kHdop>("navigation.gnss.horizontalDilution"),
+    Number<kPlain, kPdop>("navigation.gnss.positionDilution"),
+    Number<kMetres, kAltitude>("navigation.gnss.antennaAltitude"),
+    Number<kMetres, kGeoSep>("navigation.gnss.geoidalSeparation"),
+    Number<kPlain, kDiffStn>("navigation.gnss.differentialReference"),
+    Number<kMiles, kMkRng>("navigation.courseRhumbline.nextPoint.distance"),
+    Number<kAngle, kMkBrg, true>("navigation.courseRhumbline.nextPoint.bearingTrue"),
+    Number<kAngle, kMkBrg>("navigation.courseRhumbline.nextPoint.bearingMagnetic"),
+    Position<kMkLat, kMkLon>("navigation.courseRhumbline.nextPoint.position"),
+    Position<kPortLat, kPortLon>("navigation.racing.startLinePort"),
+    Position<kStbdLat, kStbdLon>("navigation.racing.startLineStb"),
+    Number<kMiles, kDistToLn>("navigation.racing.distanceStartline"),
+    Number<kDays, kTmToGun>("navigation.racing.timeToStart"),
+    Number<kMiles, kLayDist>("navigation.racing.layline.distance"),
+    Number<kDays, kLayTime>("navigation.racing.layline.time"),
+    Number<kAngle, kAwa>("environment.wind.angleApparent"),
+    Number<kKnots, kAws>("environment.wind.speedApparent"),
+    Number<kAngle, kTwa>("environment.wind.angleTrueWater"),
+    Number<kKnots, kTws>("environment.wind.speedTrue"),
+    Number<kAngle, kTwd, true>("environment.wind.directionTrue"),
+    Number<kAngle, kTwd>("environment.wind.directionMagnetic"),
+    Number<kKnots, kGws>("environment.wind.speedOverGround"),
+    Number<kMetres, kDepth>("environment.depth.belowTransducer"),
+    Number<kCelsius, kSeaTemp>("environment.water.temperature"),
+    Number<kCelsius, kAirTemp>("environment.outside.temperature"),
+    Number<kCelsius, kDewPt>("environment.outside.dewPointTemperature"),
+    Number<kHectopascals, kBaro>("environment.outside.pressure"),
+    Number<kRatio, kRh>("environment.outside.relativeHumidity"),
+    Number<kDensity, kAirDen>("environment.outside.airDensity"),
+    {"environment.current", kCurrentFlow, false},
+    Number<kMetres, kTide>("environment.tide.heightNow"),
+    Number<kAngle, kRudder>("steering.rudderAngle"),
+    Number<kKnots, kVmg>("performance.velocityMadeGood"),
+    Number<kKnots, kVmc>("performance.velocityMadeGoodToWaypoint"),
+    Number<kKnots, kPolBsp>("performance.polarSpeed"),
+    Number<kRatio, kPolBspPct>("performance.polarSpeedRatio"),
+    Number<kAngle, kTargTwa>("performance.targetAngle"),
+    Number<kKnots, kTargBsp>("performance.targetSpeed"),
+    Number<kRpm, kRpm1>("propulsion.1.revolutions"),
+    Number<kRpm, kRpm2>("propulsion.2.revolutions"),
+    Number<kCelsius, kEngTemp>("propulsion.1.temperature"),
+    Number<kCelsius, kEngOilTemp>("propulsion.1.oilTemperature"),
+    Number<kPascals, kEngOilPres>("propulsion.1.oilPressure"),
+    Number<kCelsius, kTranOilTemp>("propulsion.1.transmission.oilTemperature"),
+    Number<kPascals, kTranOilPres>("propulsion.1.transmission.oilPressure"),
+    Number<kRatio, kFuelLev>("tanks.fuel.1.currentLevel"),
+    Number<kRatio, kFuelLev2>("tanks.fuel.2.currentLevel"),
+    Number<kRatio, kWaterLev>("tanks.freshWater.1.currentLevel"),
+    Number<kRatio, kWaterLev2>("tanks.freshWater.2.currentLevel"),
+    Number<kRatio, kPortFwdPct>("tanks.ballast.portForward.currentLevel"),
+    Number<kRatio, kPortAftPct>("tanks.ballast.portAft.currentLevel"),
+    Number<kRatio, kStbdFwdPct>("tanks.ballast.starboardForward.currentLevel"),
+    Number<kRatio, kStbdAftPct>("tanks.ballast.starboardAft.currentLevel"),
+    Number<kVolt, kVolts>("electrical.batteries.0.voltage"),
+    Number<kVolt, kVolt1>("electrical.batteries.1.voltage"),
+    Number<kVolt, kVolt2>("electrical.batteries.2.voltage"),
+    Number<kVolt, kVolt3>("electrical.batteries.3.voltage"),
+    Number<kVolt, kVolt4>("electrical.batteries.4.voltage"),
+    Number<kAmpere, kCurrent>("electrical.batteries.0.current"),
+    Number<kAmpere, kCurrent1>("electrical.batteries.1.current"),
+    Number<kAmpere, kCurrent2>("electrical.batteries.2.current"),
+    Number<kAmpere, kCurrent3>("electrical.batteries.3.current"),
+    Number<kAmpere, kCurrent4>("electrical.batteries.4.current"),
+    Number<kRatio, kChargePct>("electrical.batteries.0.capacity.stateOfCharge"),
+    Number<kRatio, kCharge1Pct>("electrical.batteries.1.capacity.stateOfCharge"),
+    Number<kRatio, kCharge2Pct>("electrical.batteries.2.capacity.stateOfCharge"),
+    Number<kRatio, kCharge3Pct>("electrical.batteries.3.capacity.stateOfCharge"),
+    Number<kRatio, kCharge4Pct>("electrical.batteries.4.capacity.stateOfCharge"),
+};
+
+}  // namespace
+
+std::span<const SignalKPath> SignalKPaths() { return kPaths; }
+
+}  // namespace twr
