@@ -23,6 +23,7 @@ struct Commands {
     CheckOptions check;
     BoatsOptions boats;
     WatchOptions watch;
+    StreamOptions stream;
     QuitOptions quit;
     Status status = kDone;
 };
@@ -106,6 +107,27 @@ void AddWatch(Commands& all) {
     SetExample(command, "watch --only mapped --sort name");
 }
 
+void AddStream(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("stream", "Write what is published, as it is published, until Ctrl-C");
+    StreamOptions& options = all.stream;
+    const auto setFormat = [&](const std::string& word) {
+        options.format = word == "nmea" ? StreamFormat::kNmea : word == "signalk" ? StreamFormat::kSignalK : StreamFormat::kJson;
+    };
+    command->add_option_function<std::string>("--format", setFormat, "json (lines of JSON), signalk (deltas) or nmea (sentences)")
+        ->check(CLI::IsMember({"json", "signalk", "nmea"}))
+        ->type_name("FORMAT");
+    command->add_option("--channels", options.channels, "Only these, parted by commas, as 'halyrigctl get' takes them")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("CHANNEL");
+    command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
+    command->add_option("--rate", options.rate, "Looks a second: 10 unless given, 1 for nmea")->check(CLI::Range(0.1, 10.0));
+    command->add_flag("--all", options.all, "Unchanged values once a second too");
+    command->add_option("--seconds", options.seconds, "End after this time")->check(CLI::Range(1, 1000000));
+    command->callback([&all] { all.status = Stream(all.system, all.stream); });
+    SetExample(command, "stream --format nmea --seconds 60");
+}
+
 void AddQuit(Commands& all) {
     CLI::App* command = all.app.add_subcommand("quit", "Ask every program of the suite to close, and wait until all have");
     command->add_flag_callback(
@@ -151,6 +173,7 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddBoats(all);
     AddMap(all.app, system, all.status);
     AddWatch(all);
+    AddStream(all);
     AddQuit(all);
     CollectExamples(all.app);
     try {

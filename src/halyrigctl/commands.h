@@ -95,6 +95,20 @@ Status AddRemoteToMap(System& system, const MapOptions& options);
 Status RemoveFromMap(System& system, const MapOptions& options);
 Status RemoveRemoteFromMap(System& system, const MapOptions& options);
 
+enum class StreamFormat { kJson, kSignalK, kNmea };
+
+struct StreamOptions {
+    StreamFormat format = StreamFormat::kJson;
+    std::vector<std::string> channels;  // as FindChannel takes them; none for all but Time and the alternating ones
+    std::optional<BoatSlot> boat;       // below kBoatCount; nullopt for all in use, of sentences the own one
+    std::optional<double> rate;         // looks a second, 10 at most; nullopt for the format's own
+    bool all = false;                   // unchanged values once a second too
+    std::optional<int> seconds;         // end after so many
+};
+
+// Writes what is published to standard output, as it is published, until the user asks to stop.
+Status Stream(System& system, const StreamOptions& options);
+
 struct QuitOptions {
     bool wait = true;  // until all have closed, 10 s at most
 };

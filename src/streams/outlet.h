@@ -8,7 +8,8 @@ class Outlet {
 public:
     virtual ~Outlet() = default;
 
-    // Sends bytes to whoever listens; false once nobody ever will again.
+    // Sends bytes to whoever listens; false once nobody ever will again. Called ten times a second at least, with nothing to send
+    // if need be, so that an outlet can serve those who come and go.
     virtual bool Put(std::string_view bytes) = 0;
 };
 

@@ -1,0 +1,48 @@
+// Carries the record's channels to an outlet, from one record to the next.
+#pragma once
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/core.h"
+#include "halyrigctl/commands.h"
+#include "streams/follower.h"
+#include "streams/outlet.h"
+#include "streams/signalk.h"
+
+namespace twr {
+
+class Streamer {
+public:
+    Streamer(System& system, const StreamOptions& options) : system_(system), options_(options) {}
+
+    // Streams until the user asks to stop, the options' time is over, or the outlet has nobody left. It outlives records: one that
+    // is asked to close, or in which nobody publishes, is let go, and the next one joined; both are said on standard error.
+    Status Run(Outlet& outlet);
+
+    // To be called while an outlet is held up: lets go of the record if it is asked to close. False once the user asks to stop.
+    bool GoOn();
+
+private:
+    bool Join();
+    std::optional<FollowOptions> Chosen(const CCore& core);
+    void LeaveIfNeeded();
+    void Leave(const char* why);
+    void Look();
+    void Append(std::string& out, std::span<const Change> changes);
+    bool Pause(Outlet& outlet, int milliseconds);
+    bool TimeIsOver() const { return options_.seconds && waited_ >= *options_.seconds * 1000; }
+
+    System& system_;
+    const StreamOptions options_;
+    std::unique_ptr<CCore> core_;       // null while there is no record
+    std::optional<Follower> follower_;  // of that record
+    SignalKDeltas deltas_;
+    std::string bytes_;     // of this look
+    std::string farewell_;  // of the record that was let go
+    int waited_ = 0;        // milliseconds
+    bool saysWaiting_ = false;
+    Status status_ = kDone;
+};
+
+}  // namespace twr
