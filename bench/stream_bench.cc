@@ -1,0 +1,73 @@
+// What a look at the record costs, and what the formats make of it, with every channel changed and with none.
+#include <benchmark/benchmark.h>
+
+#include "streams/follower.h"
+#include "streams/json_lines.h"
+#include "streams/nmea.h"
+#include "streams/signalk.h"
+#include "support/test_system.h"
+
+namespace twr {
+namespace {
+
+struct Followed {
+    void PublishAll() {
+        value = value < 2.0 ? value + 0.01 : 1.0;
+        for (ChannelId channel = 1; channel < kChannelCount; ++channel) core.SetChannel(channel, 0, value, 0.0);
+    }
+
+    testing::TestSystem test;
+    CCore core{test.system->Core()};
+    Follower follower{core, test.system->Core().clock, {}};
+    double value = 1.0;
+};
+
+// Looks, and passes on what has changed; the publication of all channels in between is not counted.
+template <class Use>
+void Looks(benchmark::State& state, Use use) {
+    Followed followed;
+    std::string out;
+    for (auto _ : state) {
+        state.PauseTiming();
+        followed.PublishAll();
+        out.clear();
+        state.ResumeTiming();
+        use(followed, followed.follower.Look(), out);
+        benchmark::DoNotOptimize(out.data());
+    }
+}
+
+void LookAllChanged(benchmark::State& state) {
+    Looks(state, [](Followed&, std::span<const Change>, std::string&) {});
+}
+BENCHMARK(LookAllChanged)->Unit(benchmark::kMicrosecond);
+
+void LookQuiet(benchmark::State& state) {
+    Followed followed;
+    followed.PublishAll();
+    for (auto _ : state) benchmark::DoNotOptimize(followed.follower.Look().size());
+}
+BENCHMARK(LookQuiet)->Unit(benchmark::kMicrosecond)->Iterations(20000);  // before the values go stale
+
+void LookAndJsonLines(benchmark::State& state) {
+    Looks(state, [](Followed& followed, std::span<const Change> changes, std::string& out) {
+        for (const Change& change : changes) AppendJsonLine(out, change, followed.core);
+    });
+}
+BENCHMARK(LookAndJsonLines)->Unit(benchmark::kMicrosecond);
+
+void LookAndSignalK(benchmark::State& state) {
+    SignalKDeltas deltas;
+    Looks(state, [&](Followed& followed, std::span<const Change> changes, std::string& out) {
+        deltas.Append(out, changes, followed.follower, *followed.core.View());
+    });
+}
+BENCHMARK(LookAndSignalK)->Unit(benchmark::kMicrosecond);
+
+void LookAndSentences(benchmark::State& state) {
+    Looks(state, [](Followed& followed, std::span<const Change>, std::string& out) { AppendSentences(out, followed.follower, 0); });
+}
+BENCHMARK(LookAndSentences)->Unit(benchmark::kMicrosecond);
+
+}  // namespace
+}  // namespace twr
