@@ -66,7 +66,7 @@ Follower::Seen Follower::Read(ChannelId channel, BoatSlot boat, double now) cons
     const double value = Load(*entry.value);
     if (value == kNoValue || !std::isfinite(value)) return {};
     const std::int16_t limit = core_.StaleSeconds(channel, boat);
-    const bool stale = limit > 0 && (time == 0.0 || std::fabs(now - time) > limit / kSecondsPerDay);
+    const bool stale = limit > 0 && (time == 0.0 || std::fabs(now - time) > static_cast<double>(limit) / 60 / 60 / 24);
     return stale ? Seen{} : Seen{time, value};
 }
 

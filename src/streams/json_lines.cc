@@ -114,7 +114,7 @@ void AppendJsonLine(std::string& out, const Change& change, const CCore& core) {
     out += R"(,"boat":)";
     AppendNumber(out, change.boat);
     out += R"(,"value":)";
-    const bool missing = change.value == kNoValue || source >= kChannelCount;
+    const bool missing = change.value == kNoValue;
     if (missing) {
         out += "null";
     } else {
@@ -123,7 +123,7 @@ void AppendJsonLine(std::string& out, const Change& change, const CCore& core) {
     out += R"(,"unit":)";
     AppendUnit(out, source < kChannelCount ? UnitWord(core.ChannelTypeOf(source)) : nullptr);
     out += R"(,"text":)";
-    AppendText(out, missing ? std::u16string() : TextOf(core, source, change.boat, change.value));
+    AppendText(out, missing || source >= kChannelCount ? std::u16string() : TextOf(core, source, change.boat, change.value));
     out += "}\n";
 }
 

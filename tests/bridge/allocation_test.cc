@@ -1,28 +1,6 @@
-// A tick on which nothing changes takes no memory from the heap. This program counts every request.
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
+// A tick on which nothing changes takes no memory from the heap.
 #include "bridge_fixture.h"
-
-namespace {
-
-std::atomic<int> allocations = 0;
-
-void* Allocate(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+#include "support/allocations.h"
 
 namespace twr::testing {
 namespace {
@@ -44,9 +22,9 @@ TEST_F(AllocationTest, AQuietTickTakesNoMemory) {
         deckman.reads.clear();
         deckman.reads.reserve(10000);
         deckman.sent.clear();
-        const int before = allocations;
+        const int before = Allocations();
         host.Tick(15);
-        EXPECT_EQ(0, allocations - before) << "with values repeated after a second";
+        EXPECT_EQ(0, Allocations() - before) << "with values repeated after a second";
         EXPECT_GT(deckman.reads.size(), 5000u);
         EXPECT_TRUE(deckman.sent.empty());
     });

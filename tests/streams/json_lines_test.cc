@@ -1,0 +1,141 @@
+#include "streams/json_lines.h"
+
+#include <algorithm>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <random>
+
+#include "streams/follow_fixture.h"
+#include "streams/iso_time.h"
+
+namespace twr::testing {
+namespace {
+
+class JsonLinesTest : public FollowTest {
+protected:
+    std::string Line(const Change& change) {
+        std::string out;
+        AppendJsonLine(out, change, *core);
+        return out;
+    }
+    std::string LineOf(ChannelId channel, double value) { return Line({46351.0 + 3723.4 / 86400, channel, 0, value}); }
+};
+
+TEST_F(JsonLinesTest, TellsAChangeOnALine) {
+    record.SetInt(2, 2);  // speeds in km/h
+    record.SetFlag(3, true);
+    record.SetSlot(0, 1, kBsp);
+    record.SetText(RecordBytes::Channel(172) + 76, u"A\"\\\x9B\xD83D\xDE00\xD800");
+    record.SetText(1780, u"Jib 2");
+    const std::tuple<ChannelId, double, const char*> rows[] = {
+        {kBsp, 6.5, R"(1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"12.04"})"},
+        {kBsp, kNoValue, R"(1,"name":"BSP","boat":0,"value":null,"unit":"kn","text":null})"},
+        {kAlt0, 6.5, R"(117,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"12.04"})"},
+        {kHdg, 90.0, R"(13,"name":"HDG","boat":0,"value":90,"unit":"deg","text":"090"})"},
+        {kTmOnS, 0.5, R"(34,"name":"Tm on S","boat":0,"value":0.5,"unit":"days","text":"12h 00m"})"},
+        {kMagVar, -3.0, R"(93,"name":"MagVar","boat":0,"value":-3,"unit":"deg","text":"3.00\u00b0w"})"},
+        {kBaro, 1013.25, R"("value":1013.25,"unit":null,"text":"1013.25"})"},
+        {kDistToLn, 1e-7, R"("value":1e-07,"unit":"nm",)"},
+        {kRot, -0.0, R"("value":-0,"unit":"deg/s",)"},
+        {kSail, 1.0, R"("value":1,"unit":null,"text":"Jib 2"})"},
+        {172, 1.0, R"(172,"name":"A\"\\\u009b\ud83d\ude00\ufffd","boat":0)"}};
+    for (const auto& [channel, value, told] : rows) {
+        const std::string line = LineOf(channel, value);
+        EXPECT_EQ(0u, line.find(R"({"time":"2026-11-25T01:02:03.4Z","id":)"));
+        EXPECT_NE(line.npos, line.find(told)) << line;
+        EXPECT_TRUE(nlohmann::json::accept(line)) << line;
+    }
+    Publish(kMagVar, -3.0);
+    record.SetFlag(3, false);
+    EXPECT_NE(std::string::npos, LineOf(kHdg, 90.0).find(R"("value":90,"unit":"deg","text":"087"})")) << "text alone is true";
+}
+
+TEST_F(JsonLinesTest, ComesBackAsPublished) {
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 2000; ++i) {
+        const std::uint64_t bits = random();
+        Change change{46351.0 + static_cast<double>(random() % 86400000000) / 86400e6, static_cast<ChannelId>(1 + random() % 413),
+                      static_cast<BoatSlot>(random() % 100), 0.0};
+        std::memcpy(&change.value, &bits, sizeof bits);
+        if (!std::isfinite(change.value) || i % 10 == 0) change.value = kNoValue;
+        const ReadLine read = ParseJsonLine(Line(change));
+        ASSERT_TRUE(read.change) << read.fault;
+        EXPECT_EQ(ToMillisecond(change.time), ToMillisecond(read.change->time));
+        EXPECT_EQ((Change{0.0, change.channel, change.boat, change.value}),
+                  (Change{0.0, read.change->channel, read.change->boat, read.change->value}));
+    }
+}
+
+TEST(IsoTimeTest, IsReadAndWritten) {
+    const std::pair<const char*, double> rows[] = {{"1899-12-30T00:00:00Z", 0.0},
+                                                   {"2024-02-29T12:00:00Z", 45351.5},
+                                                   {"2026-11-25T23:59:59.999Z", 46351.0 + 86399.999 / 86400},
+                                                   {"9999-12-30T00:00:00.05Z", 2958464.0 + 0.05 / 86400}};
+    for (const auto& [text, days] : rows) {
+        std::string out;
+        AppendIsoTime(out, days);
+        EXPECT_EQ(text, out);
+        EXPECT_NEAR(days, ParseIsoTime(text).value_or(-1.0), 1e-9);
+    }
+    std::string out;
+    AppendIsoTime(out, 46351.0 - 1e-10);
+    EXPECT_EQ("2026-11-25T00:00:00Z", out) << "rounded into the next day";
+    EXPECT_NEAR(0.1234567, (ParseIsoTime("1899-12-30T00:00:00.1234567Z").value_or(0.0)) * 86400, 1e-9);
+    for (const char* text : {"", "2026-11-25", "2026-11-25T01:02:03", "2026-11-25T01:02:03+01:00", "2026-02-29T00:00:00Z",
+                             "2026-13-01T00:00:00Z", "2026-11-25T24:00:00Z", "2026-11-25T01:60:00Z", "2026-11-25T01:02:03.Z",
+                             "2026-11-25 01:02:03Z", "2026-11-25T01:02:03.4Z "})
+        EXPECT_FALSE(ParseIsoTime(text)) << text;
+}
+
+struct Bytes : ByteSource {
+    explicit Bytes(std::string all) : text(std::move(all)) {}
+    std::size_t Read(char* to, std::size_t room) override {
+        const std::size_t count = std::min(room, text.size());
+        std::memcpy(to, text.data(), count);
+        text.erase(0, count);
+        return count;
+    }
+    std::string text;
+};
+
+constexpr const char* kGood = R"({"time":"2026-11-25T01:02:03Z","id":1,"value":6.5,"of tomorrow":[{}]})";
+
+TEST(JsonLineReaderTest, RefusesWithLineNumberAndReason) {
+    const std::pair<std::string, const char*> rows[] = {
+        {"{", "line 3: it is no JSON object"},
+        {"[1]", "no JSON object"},
+        {R"({"id":1,"value":1})", "\"time\""},
+        {R"({"time":"today","id":1,"value":1})", "\"time\""},
+        {R"({"time":"2026-11-25T01:02:03Z","value":1})", "\"id\""},
+        {R"({"time":"2026-11-25T01:02:03Z","id":414,"value":1})", "\"id\""},
+        {R"({"time":"2026-11-25T01:02:03Z","id":-1,"value":1})", "\"id\""},
+        {R"({"time":"2026-11-25T01:02:03Z","id":1.5,"value":1})", "\"id\""},
+        {R"({"time":"2026-11-25T01:02:03Z","id":1,"boat":100,"value":1})", "\"boat\""},
+        {R"({"time":"2026-11-25T01:02:03Z","id":1})", "\"value\""},
+        {R"({"time":"2026-11-25T01:02:03Z","id":1,"value":"6"})", "\"value\""},
+        {R"({"time":"2026-11-25T01:02:03Z","id":1,"value":1e999})", "no JSON"},
+        {std::string(5000, ' ') + kGood, "too long"}};
+    for (const auto& [line, fault] : rows) {
+        Bytes bytes(std::string(kGood) + "\r\n\n" + line + "\n" + kGood);
+        JsonLineReader reader(bytes);
+        EXPECT_EQ(6.5, reader.Next().value_or(Change{}).value);
+        EXPECT_FALSE(reader.Next()) << line;
+        EXPECT_NE(std::string::npos, reader.Fault().find(fault)) << reader.Fault();
+        EXPECT_EQ(0u, reader.Fault().find("line 3: "));
+        EXPECT_FALSE(reader.Next()) << "nor does it go on";
+    }
+}
+
+TEST(JsonLineReaderTest, ReadsFilesOfAnyLength) {
+    std::string text;
+    for (int i = 0; i < 500; ++i) text += std::string(kGood) + "\n";
+    Bytes bytes(text + kGood);
+    JsonLineReader reader(bytes);
+    int count = 0;
+    while (reader.Next()) ++count;
+    EXPECT_EQ(501, count);
+    EXPECT_EQ("", reader.Fault());
+}
+
+}  // namespace
+}  // namespace twr::testing

@@ -1,0 +1,105 @@
+#include "streams/nmea.h"
+
+#include <cstdio>
+#include <sstream>
+
+#include "streams/follow_fixture.h"
+
+namespace twr::testing {
+namespace {
+
+class NmeaTest : public FollowTest {
+protected:
+    // The sentences without talker and checksum, which are checked.
+    std::string Sentences(BoatSlot boat = 0) {
+        follower->Look();
+        std::string out, all;
+        AppendSentences(out, *follower, boat);
+        std::istringstream lines(out);
+        for (std::string line; std::getline(lines, line);) {
+            EXPECT_TRUE(line.starts_with("$II") && line.ends_with('\r') && line.size() <= 81) << line.size() << line;
+            unsigned sum = 0, told = 0;
+            for (const char c : line.substr(1, line.find('*') - 1)) sum ^= static_cast<unsigned char>(c);
+            EXPECT_EQ(1, std::sscanf(line.c_str() + line.find('*'), "*%2X", &told));
+            EXPECT_EQ(sum, told) << line;
+            all += line.substr(3, line.find('*') - 3) + "\n";
+        }
+        return all;
+    }
+};
+
+TEST_F(NmeaTest, SaysWhatIsFresh) {
+    const std::pair<ChannelId, double> published[] = {
+        {kLat, 50.503456}, {kLon, -6.996}, {kSog, 7.04},  {kCog, 1.0},      {kHdg, 280.0},    {kBsp, 6.39},
+        {kAwa, -32.7},     {kAws, 14.2},   {kTwa, 58.9},  {kTws, 10.0},     {kTwd, 225.5},    {kDepth, 91.5},
+        {kSeaTemp, -1.5},  {kHeel, 14.4},  {kTrim, -0.5}, {kLogBsp, 123.4}, {kTripLog, 0.51}, {kRot, -0.5}};
+    for (const auto& [channel, value] : published) Publish(channel, value);
+    EXPECT_EQ(
+        "RMC,000000.00,A,5030.20736,N,00659.76000,W,7.04,,191126,,,A\n"
+        "GLL,5030.20736,N,00659.76000,W,000000.00,A,A\n"
+        "VTG,,,1.0,M,7.04,N,13.04,K,A\n"
+        "HDG,280.0,,,,\n"
+        "VHW,,,280.0,M,6.39,N,11.83,K\n"
+        "MWV,327.3,R,14.2,N,A\n"
+        "MWV,58.9,T,10.0,N,A\n"
+        "MWD,,,225.5,M,10.0,N,5.1,M\n"
+        "DPT,91.5,\n"
+        "MTW,-1.5,C\n"
+        "VLW,123.40,N,0.51,N\n"
+        "ROT,-30.0,A\n"
+        "XDR,A,14.4,D,ROLL,A,-0.5,D,PTCH\n",
+        Sentences());
+    Publish(kMagVar, -3.0), Publish(kGpsMethod, 2.0), Publish(kGpsTime, Now() - 0.25);
+    const std::string all = Sentences();
+    for (const char* part :
+         {"ZDA,180000.00,18,11,2026,00,00\n", "RMC,180000.00,A,5030.20736,N,00659.76000,W,7.04,358.0,181126,3.0,W,D\n",
+          "VTG,358.0,T,1.0,M,7.04,N,13.04,K,D\n", "HDG,280.0,,,3.0,W\n", "HDT,277.0,T\n", "VHW,277.0,T,280.0,M,",
+          "MWD,222.5,T,225.5,M,"})
+        EXPECT_NE(all.npos, all.find(part)) << part << "is not in\n" << all;
+    Pass(10.1);
+    EXPECT_EQ("MTW,-1.5,C\n", Sentences()) << "the rest is stale";
+}
+
+TEST_F(NmeaTest, LeavesMissingFieldsEmpty) {
+    const std::pair<std::vector<std::pair<ChannelId, double>>, const char*> rows[] = {
+        {{}, ""},
+        {{{kMagVar, 3.0}, {kLat, 50.0}, {kGpsNum, 9.0}}, ""},
+        {{{kBsp, 0.0}}, "VHW,,,,,0.00,N,0.00,K\n"},
+        {{{kAws, 5.0}}, "MWV,,R,5.0,N,A\n"},
+        {{{kTws, 5.0}}, "MWV,,T,5.0,N,A\n"},
+        {{{kTrim, 2.0}}, "XDR,A,2.0,D,PTCH\n"},
+        {{{kTripLog, 2.0}}, "VLW,,,2.00,N\n"},
+        {{{kBsp, 1e9}, {kTws, kNoValue}}, ""},
+        {{{kLat, -0.0000001}, {kLon, 359.99999999}},
+         "RMC,000000.00,A,0000.00001,S,00000.00000,W,,,191126,,,A\nGLL,0000.00001,S,00000.00000,W,000000.00,A,A\n"},
+        {{{kLat, 49.99999999}, {kLon, 180.0}, {kGpsMethod, 8.0}},
+         "RMC,000000.00,V,5000.00000,N,18000.00000,E,,,191126,,,S\nGLL,5000.00000,N,18000.00000,E,000000.00,V,S\n"}};
+    for (const auto& [values, sentences] : rows) {
+        for (const auto& [channel, value] : values) Publish(channel, value);
+        EXPECT_EQ(sentences, Sentences());
+        for (const auto& [channel, value] : values) Publish(channel, kNoValue);
+    }
+}
+
+TEST_F(NmeaTest, TellsTheChosenBoatAndChannels) {
+    Publish(kBsp, 5.0), Publish(kBsp, 6.0, 7), Publish(kHdg, 90.0, 7), Publish(kMagVar, 3.0);
+    EXPECT_EQ("VHW,,,,,5.00,N,9.26,K\n", Sentences());
+    Follow({.channels = {kHdg}});
+    EXPECT_EQ("HDG,90.0,,,3.0,E\nHDT,93.0,T\nVHW,93.0,T,90.0,M,,,,\n", Sentences(7));
+}
+
+TEST_F(NmeaTest, TheLongestSentencesFit) {
+    for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
+        const ChannelInfo& info = ChannelCatalogue()[channel];
+        const bool bounded = info.min != info.max;
+        Publish(channel, channel == kGpsTime       ? Now()
+                         : bounded && info.min < 0 ? info.min + 0.01
+                         : bounded                 ? info.max - 0.01
+                                                   : -99999.9);
+    }
+    Publish(kGpsMethod, 1.0);
+    EXPECT_LT(400u, Sentences().size());
+}
+
+}  // namespace
+}  // namespace twr::testing

@@ -1,0 +1,8 @@
+// A program that is linked with allocations.cc counts every request for memory.
+#pragma once
+
+namespace twr::testing {
+
+int Allocations();
+
+}  // namespace twr::testing
