@@ -14,7 +14,7 @@ install(FILES ${CMAKE_SOURCE_DIR}/demo/halyrig.xml DESTINATION share/doc/halyrig
 
 # The user's texts as pages for a browser.
 set(pages ${CMAKE_BINARY_DIR}/pages)
-foreach(name guide channels)
+foreach(name guide channels streams)
     add_custom_command(OUTPUT ${pages}/${name}.html
         COMMAND ${CMAKE_COMMAND} -E make_directory ${pages}
         COMMAND ${CMAKE_SOURCE_DIR}/docs/make_page ${CMAKE_SOURCE_DIR}/docs/${name}.md >${pages}/${name}.html

@@ -29,7 +29,7 @@ Register-ArgumentCompleter -Native -CommandName 'halyrigctl', 'halyrigctl.exe' -
     function Get-Values($entry) {
         if ($entry.Value -match '\{([^}]*)\}') {
             $Matches[1].Split(',') -replace '->.*', ''
-        } elseif ('ID', 'CHANNEL' -contains $entry.Name) {
+        } elseif ('ID', 'CHANNEL' -contains $entry.Name -or $entry.Value -like 'CHANNEL*') {
             & $program channels --tsv 2>$null | ConvertFrom-Csv -Delimiter "`t" |
                 ForEach-Object { if ($_.name) { $_.name } else { $_.longName } }
         }
