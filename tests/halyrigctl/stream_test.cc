@@ -17,8 +17,8 @@ protected:
         };
     }
     void AskToClose() { Record().SetFlag(35, true); }
-    std::ptrdiff_t Count(const std::string& part) {
-        std::ptrdiff_t count = 0;
+    std::size_t Count(const std::string& part) {
+        std::size_t count = 0;
         for (std::size_t at = 0; (at = console.written.find(part, at)) != std::string::npos; ++at) ++count;
         return count;
     }
@@ -32,7 +32,6 @@ TEST_F(StreamTest, WritesEachFormatAsItIsPublished) {
     const auto publish = [&] { Publish(kHdg, 90.0); };
     const std::pair<const char*, std::vector<const char*>> rows[] = {
         {"stream", {R"("id":1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"6.50"})", "\n{", R"("name":"HDG")"}},
-        {"stream --rate 1", {R"("name":"HDG")"}},
         {"stream --channels hdg --boat 0", {R"("id":13)"}},
         {"stream --all --channels 13,1", {R"("id":13)", R"("id":1,)"}},
         {"stream --format signalk --channels BSP,HDG", {R"("context":"vessels.self")", "headingMagnetic", "headingTrue"}},
@@ -42,13 +41,13 @@ TEST_F(StreamTest, WritesEachFormatAsItIsPublished) {
         Publish(kHdg, kNoValue);
         Steps(2500, {{1200, publish}});
         ExpectIn(Said(typed), said);
-        EXPECT_EQ(0, Count("AWS"));
+        EXPECT_EQ(0u, Count("AWS"));
     }
     console.goOn = [] { return true; };
     console.waited = 0;
     Said("stream --seconds 3 --rate 0.5");
     EXPECT_EQ(3000, console.waited);
-    EXPECT_EQ(0, Count("halyrigctl:"));
+    EXPECT_EQ(0u, Count("halyrigctl:"));
 }
 
 TEST_F(StreamTest, OutlivesTheRecord) {
@@ -65,9 +64,9 @@ TEST_F(StreamTest, OutlivesTheRecord) {
     const std::string said = Said("stream");
     ExpectIn(said, {"there is no record yet", "Start " HALYRIG_PROGRAM, "halyrigctl: the record is there.\n{",
                     "asked to close; waiting for the next record.\n{", "has published anything for 10 s"});
-    EXPECT_EQ(2, Count("the record is there"));
-    EXPECT_EQ(4, Count(R"("text":null})")) << "the end of both values of each record";
-    EXPECT_EQ(2, Count(R"("value":7,)"));
+    EXPECT_EQ(2u, Count("the record is there"));
+    EXPECT_EQ(4u, Count(R"("text":null})")) << "the end of both values of each record";
+    EXPECT_EQ(2u, Count(R"("value":7,)"));
     EXPECT_TRUE(said.ends_with("}\n"));
 }
 
@@ -91,11 +90,9 @@ TEST_F(StreamTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
     Publish(kBsp, 7.0);
     console.goOn = [&] { return console.waited < 60000; };
     ExpectSaid(2, {{"stream --channels BSP,speed", {"there is no channel speed;"}},
-                   {"stream --channels time", {"there is no channel time;"}},
                    {"stream --format xml", {"xml not in {json,signalk,nmea}"}},
                    {"stream --rate 11", {"not in range 0.1"}},
                    {"stream --boat 100", {"not in range 0 to 99"}}});
-    EXPECT_FALSE(CCore(Core(), Attachment::kOpenOnly).QuitRequested());
     console.closed = true;
     ExpectIn(Said("stream", 1), {"standard output can't be written"});
     EXPECT_EQ(0, console.waited);

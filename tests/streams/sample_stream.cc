@@ -1,7 +1,8 @@
-// What a boat streams that has a value in every channel: sample_stream signalk | nmea. The tables of the documents, from the code:
-// sample_stream paths | sentences.
+// What a boat streams that has a value in every channel, for the scripts that compare it with schemas, decoders and documents:
+//   sample_stream signalk     deltas of boats 0 and 1, of which channel N has the value 1 + N / 128 and its end, and boat 2 has no
+//   MMSI sample_stream nmea        sentences, of 10.5 in most channels sample_stream without     for each channel the sentences
+//   without its value, each behind the channel's number sample_stream paths       the rows of the table of paths
 #include <cstdio>
-#include <set>
 #include <sstream>
 
 #include "base/wide_text.h"
@@ -13,17 +14,11 @@ namespace twr::testing {
 namespace {
 
 struct Sample {
-    Sample() {
-        for (ChannelId channel = 1; channel < kChannelCount; ++channel) Publish(channel);
-        follower.Look();
-    }
-    void Publish(ChannelId channel) {
-        double value = 10.5;
+    void Publish(ChannelId channel, double value) {
         if (channel == kGpsTime) value = machine.clock.Days() - 0.25;
-        if (channel == kGpsMethod) value = 2.0;
-        if (channel == kMagVar) value = -3.0;
         for (const BoatSlot boat : {0u, 1u, 2u}) core.SetChannel(channel, boat, value, 0.0);
     }
+    void PublishNormal(ChannelId channel) { Publish(channel, channel == kGpsMethod ? 2.0 : channel == kMagVar ? -3.0 : 10.5); }
     std::string Sentences() {
         std::string out;
         follower.Look();
@@ -36,14 +31,13 @@ struct Sample {
     Follower follower{core, machine.clock, {}};
 };
 
-// All values, then their end. Boat 1 has an MMSI.
 void PrintDeltas(Sample& sample) {
+    for (ChannelId channel = 1; channel < kChannelCount; ++channel) sample.Publish(channel, 1.0 + channel / 128.0);
     Put(sample.core.View()->boats[1].mmsi, 211234560u);
-    Follower follower(sample.core, sample.machine.clock, {});
     SignalKDeltas deltas;
     std::string out;
-    deltas.Append(out, follower.Look(), follower, *sample.core.View());
-    deltas.Append(out, follower.Gone(), follower, *sample.core.View());
+    deltas.Append(out, sample.follower.Look(), sample.follower, *sample.core.View());
+    deltas.Append(out, sample.follower.Gone(), sample.follower, *sample.core.View());
     std::fputs(out.c_str(), stdout);
 }
 
@@ -55,33 +49,24 @@ void PrintPaths() {
     }
 }
 
-// Which sentences differ without a channel.
-void PrintSentences(Sample& sample) {
-    const std::string all = sample.Sentences();
+void PrintWithout(Sample& sample) {
     for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
         sample.core.SetChannel(channel, 0, kNoValue, 0.0);
-        const std::string without = sample.Sentences();
-        std::istringstream lines(all);
-        std::set<std::string> told;
-        for (std::string line; std::getline(lines, line);) {
-            if (without.find(line) == without.npos) told.insert(line.substr(3, 3));
-        }
-        sample.Publish(channel);
-        if (told.empty()) continue;
-        std::printf("| %u | %s |", channel, ToUtf8(ChannelCatalogue()[channel].name).c_str());
-        for (const std::string& sentence : told) std::printf("%s %s", sentence == *told.begin() ? "" : ",", sentence.c_str());
-        std::printf(" |\n");
+        std::istringstream lines(sample.Sentences());
+        for (std::string line; std::getline(lines, line);) std::printf("%u %s\n", channel, line.c_str());
+        sample.PublishNormal(channel);
     }
 }
 
 }  // namespace
 }  // namespace twr::testing
 
-int main(int count, char** arguments) {
-    const std::string what = count > 1 ? arguments[1] : "";
+int main(int, char** arguments) {
+    const std::string what = arguments[1];
     twr::testing::Sample sample;
-    if (what == "signalk") twr::testing::PrintDeltas(sample);
+    if (what == "signalk") return twr::testing::PrintDeltas(sample), 0;
+    if (what == "paths") return twr::testing::PrintPaths(), 0;
+    for (twr::ChannelId channel = 1; channel < twr::kChannelCount; ++channel) sample.PublishNormal(channel);
     if (what == "nmea") std::fputs(sample.Sentences().c_str(), stdout);
-    if (what == "paths") twr::testing::PrintPaths();
-    if (what == "sentences") twr::testing::PrintSentences(sample);
+    if (what == "without") twr::testing::PrintWithout(sample);
 }
