@@ -1,5 +1,6 @@
 // Carries the record's channels to an outlet, from one record to the next.
 #pragma once
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,16 +32,16 @@ private:
     void Look();
     void Append(std::string& out, std::span<const Change> changes);
     bool Pause(Outlet& outlet, int milliseconds);
-    bool TimeIsOver() const { return options_.seconds && waited_ >= *options_.seconds * 1000; }
+    bool TimeIsOver() const { return options_.seconds && waited_ >= *options_.seconds * std::int64_t{1000}; }
 
     System& system_;
     const StreamOptions options_;
     std::unique_ptr<CCore> core_;       // null while there is no record
     std::optional<Follower> follower_;  // of that record
     SignalKDeltas deltas_;
-    std::string bytes_;     // of this look
-    std::string farewell_;  // of the record that was let go
-    int waited_ = 0;        // milliseconds
+    std::string bytes_;        // of this look
+    std::string farewell_;     // of the record that was let go
+    std::int64_t waited_ = 0;  // milliseconds
     bool saysWaiting_ = false;
     Status status_ = kDone;
 };

@@ -9,7 +9,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr std::size_t kLongestChange = 4096;  // bytes; a line that this program writes has less than 500
+constexpr std::size_t kLongestChange = 4096;  // bytes; a line that this program writes has less than 1500
 
 // The whole number that a member holds, if it is below a bound.
 std::optional<std::uint32_t> Below(std::uint32_t bound, const Json& object, const char* member) {

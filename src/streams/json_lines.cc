@@ -8,6 +8,8 @@
 namespace twr {
 namespace {
 
+constexpr std::size_t kLongestText = 128;  // decimals are another program's choice, up to 65535
+
 // A plain word for the unit in which a type is published; nullptr if it has none.
 const char* UnitWord(std::int16_t type) {
     switch (type) {
@@ -98,7 +100,7 @@ void AppendUnit(std::string& out, const char* unit) {
 std::u16string TextOf(const CCore& core, ChannelId channel, BoatSlot boat, double value) {
     const bool trueBearing = core.ChannelTypeOf(channel) == kTypeBearing && Load(core.View()->sysFlag[kFlagMagnetic]) == 0;
     const double shown = trueBearing ? core.ApplyVariation(value, boat) : core.ToDisplayUnits(channel, value, kNoValue);
-    return shown == kNoValue ? std::u16string() : core.ChannelText(channel, shown);
+    return shown == kNoValue ? std::u16string() : core.ChannelText(channel, shown).substr(0, kLongestText);
 }
 
 }  // namespace

@@ -27,6 +27,8 @@ TEST_F(JsonLinesTest, TellsAChangeOnALine) {
     record.SetSlot(0, 1, kBsp);
     record.SetText(RecordBytes::Channel(172) + 76, u"A\"\\\x9B\xD83D\xDE00\xD800");
     record.SetText(1780, u"Jib 2");
+    record.Set<std::uint16_t>(RecordBytes::Channel(kXte) + 6, 60000);
+    EXPECT_GT(300u, LineOf(kXte, 1.0).size()) << "decimals without end";
     const std::tuple<ChannelId, double, const char*> rows[] = {
         {kBsp, 6.5, R"(1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"12.04"})"},
         {kBsp, kNoValue, R"(1,"name":"BSP","boat":0,"value":null,"unit":"kn","text":null})"},
