@@ -1,6 +1,5 @@
 #include "streams/json_lines.h"
 
-#include <algorithm>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <random>
@@ -84,17 +83,6 @@ TEST(IsoTimeTest, IsReadAndWritten) {
         EXPECT_FALSE(ParseIsoTime(text)) << text;
 }
 
-struct Bytes : ByteSource {
-    explicit Bytes(std::string all) : text(std::move(all)) {}
-    std::size_t Read(char* to, std::size_t room) override {
-        const std::size_t count = std::min(room, text.size());
-        std::memcpy(to, text.data(), count);
-        text.erase(0, count);
-        return count;
-    }
-    std::string text;
-};
-
 constexpr const char* kGood = R"({"time":"2026-11-25T01:02:03Z","id":1,"value":6.5,"of tomorrow":[{}]})";
 
 TEST(JsonLineReaderTest, RefusesWithLineNumberAndReason) {
@@ -111,8 +99,10 @@ TEST(JsonLineReaderTest, RefusesWithLineNumberAndReason) {
     for (const auto& [line, fault] : rows) {
         std::string text;
         for (int i = 0; i < 100; ++i) text += std::string(kGood) + "\r\n\n";
-        Bytes bytes(text + line + "\n" + kGood);
-        JsonLineReader reader(bytes);
+        FakeFiles files;
+        files.files = {{u"/log", text + line + "\n" + kGood}};
+        const auto log = files.Open(u"/log");
+        JsonLineReader reader(*log);
         for (int i = 0; i < 100; ++i) EXPECT_EQ(6.5, reader.Next().value_or(Change{}).value);
         EXPECT_FALSE(reader.Next()) << line;
         EXPECT_NE(std::string::npos, reader.Fault().find(fault)) << reader.Fault();
