@@ -17,3 +17,8 @@ endfunction()
 
 header_only(CLI11 CLI/CLI.hpp)
 header_only(nlohmann_json nlohmann/json.hpp)
+header_only(asio asio/io_context.hpp)
+target_compile_definitions(asio::asio INTERFACE ASIO_STANDALONE)
+if(WIN32)
+    target_link_libraries(asio::asio INTERFACE ws2_32 mswsock)
+endif()
