@@ -120,7 +120,7 @@ TEST_F(StreamServerTest, DropsWhoDoesNotReadAndLosesNothingForWhoDoes) {
         for (Reader& reader : readers) reader.Read();
         EXPECT_LE(server_.Backlog(), StreamServer::kMostBacklog + line.size());
     }
-    EXPECT_EQ(server_.Clients(), readers.size());
+    ASSERT_EQ(server_.Clients(), readers.size());
     EXPECT_GT(all.size(), StreamServer::kMostBacklog);
     for (Reader& reader : readers) {
         EXPECT_TRUE(Until([&] { return reader.Read(), reader.got.size() >= all.size() || reader.gone; }));
