@@ -1,6 +1,5 @@
 // Serves a stream over TCP to every client that connects.
 #pragma once
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -12,8 +11,8 @@
 
 namespace twr {
 
-// It runs in its caller's thread and never waits for a client. A client gets the greeting, then everything that is put from then
-// on, or is dropped; what it sends is discarded, and it is let go when it closes its side.
+// It works while something is put, never waits for a client, and has no thread. A client gets the greeting, then everything that is
+// put from then on, or is dropped; what it sends is discarded, and it is let go when it closes its side.
 class StreamServer final : public Outlet {
 public:
     // A client that lags by more bytes than these when more come, beyond its greeting and what the system has taken, is dropped.
@@ -24,20 +23,17 @@ public:
     StreamServer();
     ~StreamServer() override;
 
-    // Begins to take clients. Empty, or why it can't and what to do.
+    // Begins to take clients. Empty, or why it can't and what to do; nothing else may be called then.
     std::string Listen(const Endpoint& at);
 
-    // Where clients connect, with the port that the system chose if none was given. For Listen's success only.
+    // Where clients connect, with the port that the system chose if none was given.
     Endpoint At() const;
 
-    // What each client gets first; called between two puts, when a client joins.
+    // What a client gets first: called at the end of the put in which it joins, whose bytes it does not get.
     void SetGreeting(std::function<std::string()> greeting);
 
-    // Sends to every client that has joined. Always true: others may come.
+    // Sends to every client that has joined, then takes those who wait. Always true: others may come.
     bool Put(std::string_view bytes) override;
-
-    // Takes and serves clients for so long. They join only here.
-    void Wait(std::chrono::milliseconds time);
 
     // Those that have joined and are not known to have gone.
     std::size_t Clients() const;

@@ -89,7 +89,7 @@ protected:
 
     // False if it is not so within ten seconds of serving.
     bool Until(const std::function<bool()>& so) {
-        for (const auto end = std::chrono::steady_clock::now() + 10s; !so(); server_.Wait(1ms)) {
+        for (const auto end = std::chrono::steady_clock::now() + 10s; !so(); server_.Put({})) {
             if (std::chrono::steady_clock::now() > end) return false;
         }
         return true;
