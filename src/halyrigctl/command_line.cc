@@ -124,6 +124,10 @@ void AddStream(Commands& all) {
     command->add_option("--rate", options.rate, "Looks a second: 10 unless given, 1 for nmea")->check(CLI::Range(0.1, 10.0));
     command->add_flag("--all", options.all, "Unchanged values once a second too");
     command->add_option("--seconds", options.seconds, "End after this time")->check(CLI::Range(1, 1000000));
+    command->add_option("--listen", options.listen, "Serve clients that connect by TCP, in place of standard output")
+        ->type_name("[HOST:]PORT");
+    command->add_option("--udp", options.udp, "Send datagrams there, in place of standard output")->type_name("[HOST:]PORT");
+    command->add_flag("--allow-remote", options.allowRemote, "Beyond this machine, where anyone can read the data");
     command->callback([&all] { all.status = Stream(all.system, all.stream); });
     SetExample(command, "stream --format nmea --seconds 60");
 }

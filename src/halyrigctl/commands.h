@@ -104,9 +104,12 @@ struct StreamOptions {
     std::optional<double> rate;         // looks a second, 10 at most; nullopt for the format's own
     bool all = false;                   // unchanged values once a second too
     std::optional<int> seconds;         // end after so many
+    std::optional<std::string> listen;  // as ParseEndpoint takes it: serve clients there
+    std::optional<std::string> udp;     // and send datagrams there
+    bool allowRemote = false;           // beyond this machine
 };
 
-// Writes what is published to standard output, as it is published, until the user asks to stop.
+// Writes what is published to standard output, or else to the network, as it is published, until the user asks to stop.
 Status Stream(System& system, const StreamOptions& options);
 
 struct QuitOptions {

@@ -45,6 +45,14 @@ Status Streamer::Run(Outlet& outlet) {
     return status_;
 }
 
+std::string Streamer::Greeting() {
+    std::string greeting;
+    if (options_.format == StreamFormat::kSignalK) AppendSignalKHello(greeting, UtcNowDays(system_.Core().clock));
+    SignalKDeltas fromNow;
+    if (follower_) Append(greeting, follower_->Present(), fromNow);
+    return greeting;
+}
+
 bool Streamer::GoOn() {
     LeaveIfNeeded();
     return system_.GetConsole().Wait(0);
@@ -89,7 +97,7 @@ void Streamer::LeaveIfNeeded() {
 // The end of all values is written down before the record goes, and the record goes before anything is said: what is held up would
 // hold it too.
 void Streamer::Leave(const char* why) {
-    Append(farewell_, follower_->Gone());
+    Append(farewell_, follower_->Gone(), deltas_);
     follower_.reset();
     core_.reset();
     Complain(system_.GetConsole(), why);
@@ -99,16 +107,16 @@ void Streamer::Leave(const char* why) {
 void Streamer::Look() {
     bytes_.clear();
     bytes_.swap(farewell_);
-    if (follower_) Append(bytes_, follower_->Look());
+    if (follower_) Append(bytes_, follower_->Look(), deltas_);
 }
 
-void Streamer::Append(std::string& out, std::span<const Change> changes) {
+void Streamer::Append(std::string& out, std::span<const Change> changes, SignalKDeltas& deltas) {
     switch (options_.format) {
         case StreamFormat::kJson:
             for (const Change& change : changes) AppendJsonLine(out, change, *core_);
             break;
         case StreamFormat::kSignalK:
-            deltas_.Append(out, changes, *follower_, *core_->View());
+            deltas.Append(out, changes, *follower_, *core_->View());
             break;
         case StreamFormat::kNmea:
             AppendSentences(out, *follower_, options_.boat.value_or(0));

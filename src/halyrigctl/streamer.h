@@ -21,6 +21,9 @@ public:
     // is asked to close, or in which nobody publishes, is let go, and the next one joined; both are said on standard error.
     Status Run(Outlet& outlet);
 
+    // What whoever joins the stream now has missed, as of the last look.
+    std::string Greeting();
+
     // To be called while an outlet is held up: lets go of the record if it is asked to close. False once the user asks to stop.
     bool GoOn();
 
@@ -30,7 +33,7 @@ private:
     void LeaveIfNeeded();
     void Leave(const char* why);
     void Look();
-    void Append(std::string& out, std::span<const Change> changes);
+    void Append(std::string& out, std::span<const Change> changes, SignalKDeltas& deltas);
     bool Pause(Outlet& outlet, int milliseconds);
     bool TimeIsOver() const { return options_.seconds && waited_ >= *options_.seconds * std::int64_t{1000}; }
 

@@ -70,15 +70,22 @@ Follower::Seen Follower::Read(ChannelId channel, BoatSlot boat, double now) cons
     return stale ? Seen{} : Seen{time, value};
 }
 
-std::span<const Change> Follower::Gone() {
-    const double now = UtcNowDays(clock_);
+std::span<const Change> Follower::Present() {
     changes_.clear();
     for (std::size_t i = 0; i < seen_.size(); ++i) {
         const ChannelId channel = i % kChannelCount;
         const BoatSlot boat = i / kChannelCount;
-        if (seen_[i].value != kNoValue && Tells(channel) && TellsOf(boat)) changes_.push_back({now, channel, boat, kNoValue});
-        seen_[i] = {};
+        if (seen_[i].value == kNoValue || !Tells(channel) || !TellsOf(boat)) continue;
+        changes_.push_back({seen_[i].time, channel, boat, seen_[i].value});
     }
+    return changes_;
+}
+
+std::span<const Change> Follower::Gone() {
+    const double now = UtcNowDays(clock_);
+    Present();
+    for (Change& change : changes_) change = {now, change.channel, change.boat, kNoValue};
+    std::ranges::fill(seen_, Seen{});
     return changes_;
 }
 

@@ -25,6 +25,9 @@ public:
     // is told once. Valid until the next call.
     std::span<const Change> Look();
 
+    // Every value that is told, as of the last look, boat by boat. Valid until the next call.
+    std::span<const Change> Present();
+
     // The end of all values that were told, for the time when the record is left. Valid until the next call.
     std::span<const Change> Gone();
 

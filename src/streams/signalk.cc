@@ -65,6 +65,13 @@ void SetValue(std::string& value, const SignalKPath& path, BoatSlot boat, const 
 
 }  // namespace
 
+void AppendSignalKHello(std::string& out, double now) {
+    out += R"({"name":"halyrig","version":"1.7.0","timestamp":")";
+    AppendIsoTime(out, now);
+    out += R"(","self":"vessels.self","roles":["master","main"]})"
+           "\n";
+}
+
 void SignalKDeltas::Append(std::string& out, std::span<const Change> changes, const Follower& follower, const CoreRecord& record) {
     while (!changes.empty()) {
         const BoatSlot boat = changes.front().boat;

@@ -14,6 +14,9 @@
 
 namespace twr {
 
+// Appends what a client is told first: who speaks, and that the own boat is vessels.self. `now` in days.
+void AppendSignalKHello(std::string& out, double now);
+
 // Tells the own boat as vessels.self, the others by their MMSI, and boats without one not at all. What has no path is left out, and
 // so are directions from true north while the variation is unknown. The unit of a path goes with its first value.
 class SignalKDeltas {
