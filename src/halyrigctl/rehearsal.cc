@@ -54,6 +54,7 @@ public:
     void MakeFolder(std::u16string_view path) override { made_.emplace(path); }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override { return files_.Open(path); }
     bool Append(std::u16string_view, std::string_view) override { return false; }
+    std::unique_ptr<FileWriter> Create(std::u16string_view) override { return nullptr; }
     bool Copy(std::u16string_view, std::u16string_view) override { return false; }
     bool Rename(std::u16string_view, std::u16string_view) override { return false; }
     void Remove(std::u16string_view) override {}

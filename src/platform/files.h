@@ -12,6 +12,18 @@
 
 namespace twr {
 
+// A file that grows at its end.
+class FileWriter {
+public:
+    virtual ~FileWriter() = default;
+
+    // False if not all could be written: the disk is full, or has gone.
+    virtual bool Write(std::string_view bytes) = 0;
+
+    // Waits until what was written is on the disk, so that it outlives a power cut. False if that failed.
+    virtual bool Flush() = 0;
+};
+
 class Files {
 public:
     virtual ~Files() = default;
@@ -29,6 +41,9 @@ public:
 
     // Appends to a file, creating it if missing, while others use it too. False if not all could be written.
     virtual bool Append(std::u16string_view path, std::string_view bytes) = 0;
+
+    // Makes a new plain file, which others may read while it grows; nullptr on failure, and if there is anything of that name.
+    virtual std::unique_ptr<FileWriter> Create(std::u16string_view path) = 0;
 
     // Copies a file, replacing an older one. False on failure.
     virtual bool Copy(std::u16string_view from, std::u16string_view to) = 0;

@@ -37,6 +37,7 @@ public:
         if (!stopped || calls == failing + 1) real_.Append(path, bytes.substr(0, bytes.size() / 2));
         return false;
     }
+    std::unique_ptr<FileWriter> Create(std::u16string_view path) override { return real_.Create(path); }
     bool Copy(std::u16string_view from, std::u16string_view to) override {
         if (!Fails()) return real_.Copy(from, to);
         if (!stopped || calls == failing + 1) {

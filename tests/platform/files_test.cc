@@ -49,6 +49,17 @@ TEST_F(FilesTest, AreReadWrittenCopiedRenamedAndRemoved) {
     }
 }
 
+TEST_F(FilesTest, ANewFileGrowsWhileItIsReadAndNeverReplacesAnother) {
+    const std::u16string path = test_.folder.File("n\xC3\xA4");
+    const auto writer = files_.Create(path);
+    ASSERT_TRUE(writer && writer->Write("a\n") && writer->Flush());
+    EXPECT_EQ("a\n", test_.folder.Read("n\xC3\xA4"));
+    EXPECT_TRUE(writer->Write(std::string(90000, 'b')) && writer->Write("c") && writer->Flush());
+    EXPECT_EQ("a\n" + std::string(90000, 'b') + "c", test_.folder.Read("n\xC3\xA4"));
+    for (const auto& taken : {path, test_.folder.Text(), test_.folder.File("missing/file"), std::u16string()})
+        EXPECT_EQ(nullptr, files_.Create(taken)) << ::testing::PrintToString(taken);
+}
+
 TEST_F(FilesTest, NoFolderAndNothingThatIsMissingIsAFile) {
     const std::u16string plain = test_.folder.Write("plain", "x");
     for (const auto& path : {test_.folder.Text(), test_.folder.File("missing/file"), std::u16string()}) {

@@ -25,6 +25,18 @@ struct FakeSource : ByteSource {
     std::string rest;
 };
 
+struct FakeWriter : FileWriter {
+    FakeWriter(FakeFiles& disk, std::u16string_view file) : files(disk), path(file) {}
+    bool Write(std::string_view bytes) override {
+        std::string& held = std::ranges::find(files.files, path, &FakeFiles::File::path)->bytes;
+        held += bytes.substr(0, files.room - std::min(files.room, held.size()));
+        return held.size() < files.room;
+    }
+    bool Flush() override { return ++files.flushes > 0; }
+    FakeFiles& files;
+    const std::u16string path;
+};
+
 std::u16string Lowered(std::u16string_view text) {
     std::u16string lowered(text);
     for (char16_t& c : lowered) {
@@ -81,6 +93,12 @@ bool FakeFiles::Append(std::u16string_view path, std::string_view bytes) {
     if (file == files.end()) file = files.insert(file, File{std::u16string(path), {}});
     file->bytes += bytes;
     return true;
+}
+
+std::unique_ptr<FileWriter> FakeFiles::Create(std::u16string_view path) {
+    if (Exists(path)) return nullptr;
+    files.push_back({std::u16string(path), {}});
+    return std::make_unique<FakeWriter>(*this, path);
 }
 
 bool FakeFiles::Copy(std::u16string_view from, std::u16string_view to) {

@@ -94,6 +94,7 @@ public:
     }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override;
     bool Append(std::u16string_view path, std::string_view bytes) override;
+    std::unique_ptr<FileWriter> Create(std::u16string_view path) override;
     bool Copy(std::u16string_view from, std::u16string_view to) override;
     bool Rename(std::u16string_view, std::u16string_view) override { return false; }
     void Remove(std::u16string_view path) override {
@@ -113,6 +114,8 @@ public:
     std::u16string programData = u"/data";
     bool foldersFail = false;
     bool copiesFail = false;
+    std::size_t room = std::string::npos;  // bytes that a created file can hold
+    int flushes = 0;                       // of created files
     std::vector<std::u16string> removed;
 
 private:

@@ -40,6 +40,25 @@ private:
     std::size_t read_ = 0;  // bytes
 };
 
+class PosixWriter final : public FileWriter {
+public:
+    explicit PosixWriter(Descriptor file) : file_(std::move(file)) {}
+
+    bool Write(std::string_view bytes) override { return WriteAll(file_, bytes); }
+    bool Flush() override { return fdatasync(file_.Get()) == 0; }
+
+private:
+    const Descriptor file_;
+};
+
+// The name of a new file outlives a power cut only once its folder is on the disk too.
+void FlushFolderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened) fsync(opened.Get());
+}
+
 // Whether a name matches a pattern of "*" and "?". fnmatch has more special characters, and its "?" matches one byte only.
 bool Fits(std::u16string_view name, std::u16string_view pattern) {
     std::size_t n = 0, p = 0, starName = 0, star = pattern.npos;
@@ -92,6 +111,14 @@ public:
     bool Append(std::u16string_view path, std::string_view bytes) override {
         Descriptor file = OpenPlainFile(NativePath(path), O_WRONLY | O_APPEND | O_CREAT);
         return file && WriteAll(file, bytes) && file.Close();
+    }
+
+    std::unique_ptr<FileWriter> Create(std::u16string_view path) override {
+        const std::string native = NativePath(path);
+        Descriptor file = OpenPlainFile(native, O_WRONLY | O_APPEND | O_CREAT | O_EXCL);
+        if (!file) return nullptr;
+        FlushFolderOf(native);
+        return std::make_unique<PosixWriter>(std::move(file));
     }
 
     bool Copy(std::u16string_view from, std::u16string_view to) override {

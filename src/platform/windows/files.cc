@@ -20,6 +20,7 @@ public:
     void MakeFolder(std::u16string_view path) override;
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override;
     bool Append(std::u16string_view path, std::string_view bytes) override;
+    std::unique_ptr<FileWriter> Create(std::u16string_view path) override;
     bool Copy(std::u16string_view from, std::u16string_view to) override;
     bool Rename(std::u16string_view from, std::u16string_view to) override;
     void Remove(std::u16string_view path) override;
@@ -43,6 +44,20 @@ public:
 
 private:
     UniqueHandle file_;
+};
+
+class WindowsWriter final : public FileWriter {
+public:
+    explicit WindowsWriter(UniqueHandle file) : file_(std::move(file)) {}
+
+    bool Write(std::string_view bytes) override {
+        DWORD written = 0;
+        return WriteFile(file_.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) && written == bytes.size();
+    }
+    bool Flush() override { return FlushFileBuffers(file_.get()) != 0; }
+
+private:
+    const UniqueHandle file_;
 };
 
 }  // namespace
@@ -71,6 +86,13 @@ bool WindowsFiles::Append(std::u16string_view path, std::string_view bytes) {
     DWORD written = 0;
     return file && WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
            written == bytes.size();
+}
+
+std::unique_ptr<FileWriter> WindowsFiles::Create(std::u16string_view path) {
+    UniqueHandle file(NullIfInvalid(
+        CreateFileW(ToWide(path).c_str(), GENERIC_WRITE, kSharedWithAll, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)));
+    if (!file || GetFileType(file.get()) != FILE_TYPE_DISK) return nullptr;
+    return std::make_unique<WindowsWriter>(std::move(file));
 }
 
 bool WindowsFiles::Copy(std::u16string_view from, std::u16string_view to) {
