@@ -24,6 +24,8 @@ struct Commands {
     BoatsOptions boats;
     WatchOptions watch;
     StreamOptions stream;
+    RecordOptions record;
+    ReplayOptions replay;
     QuitOptions quit;
     Status status = kDone;
 };
@@ -107,6 +109,13 @@ void AddWatch(Commands& all) {
     SetExample(command, "watch --only mapped --sort name");
 }
 
+void AddChannelList(CLI::App* command, std::vector<std::string>& channels) {
+    command->add_option("--channels", channels, "Only these, parted by commas, as 'halyrigctl get' takes them")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("CHANNEL");
+}
+
 void AddStream(Commands& all) {
     CLI::App* command = all.app.add_subcommand("stream", "Write what is published, as it is published, until Ctrl-C");
     StreamOptions& options = all.stream;
@@ -116,10 +125,7 @@ void AddStream(Commands& all) {
     command->add_option_function<std::string>("--format", setFormat, "json (lines of JSON), signalk (deltas) or nmea (sentences)")
         ->check(CLI::IsMember({"json", "signalk", "nmea"}))
         ->type_name("FORMAT");
-    command->add_option("--channels", options.channels, "Only these, parted by commas, as 'halyrigctl get' takes them")
-        ->delimiter(',')
-        ->allow_extra_args(false)
-        ->type_name("CHANNEL");
+    AddChannelList(command, options.channels);
     command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
     command->add_option("--rate", options.rate, "Looks a second: 10 unless given, 1 for nmea")->check(CLI::Range(0.1, 10.0));
     command->add_flag("--all", options.all, "Unchanged values once a second too");
@@ -130,6 +136,42 @@ void AddStream(Commands& all) {
     command->add_flag("--allow-remote", options.allowRemote, "Beyond this machine, where anyone can read the data");
     command->callback([&all] { all.status = Stream(all.system, all.stream); });
     SetExample(command, "stream --format nmea --seconds 60");
+}
+
+void AddRecord(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("record", "Record what is published to a file, until Ctrl-C");
+    RecordOptions& options = all.record;
+    command
+        ->add_option(
+            "FILE", options.file,
+            "Where to; never over a file that exists. With %Y %m %d %H %M %S for date and time, a new one whenever they give "
+            "another name")
+        ->required();
+    AddChannelList(command, options.channels);
+    command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
+    command->add_flag("--gzip", options.gzip, "Packed, to about a tenth");
+    command->add_option("--max-size", options.maxSize, "A new file once one has this size, such as 500M or 2G")
+        ->transform(CLI::AsSizeValue(false))
+        ->type_name("SIZE");
+    command->callback([&all] { all.status = Record(all.system, all.record); });
+    SetExample(command, "record race-%Y%m%d.jsonl.gz --gzip");
+}
+
+void AddReplay(Commands& all) {
+    CLI::App* command = all.app.add_subcommand(
+        "replay", "Publish a recording, or a log of NMEA 0183, as if it were measured now: for rehearsing ashore");
+    ReplayOptions& options = all.replay;
+    command->add_option("FILE", options.file, "The recording; packed by gzip or not")->required();
+    command->add_option("--speed", options.speed, "So many times as fast, 0.1 to 1000")
+        ->check(CLI::Range(0.1, 1000.0))
+        ->type_name("N");
+    command->add_option("--from", options.from, "Start at this moment in UTC: 2026-11-25T12:30:00Z, or 12:30 if it is the first")
+        ->type_name("TIME");
+    command->add_flag("--loop", options.loop, "Start again at the end");
+    AddChannelList(command, options.channels);
+    command->add_flag("--into", options.into, "Even beside a running bridge, whose values are then mixed with those recorded");
+    command->callback([&all] { all.status = ReplayRecording(all.system, all.replay); });
+    SetExample(command, "replay race-20261125.jsonl.gz --from 12:30 --speed 10");
 }
 
 void AddQuit(Commands& all) {
@@ -178,6 +220,8 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddMap(all.app, system, all.status);
     AddWatch(all);
     AddStream(all);
+    AddRecord(all);
+    AddReplay(all);
     AddQuit(all);
     CollectExamples(all.app);
     try {

@@ -1,5 +1,6 @@
 // The commands of halyrigctl, one file each.
 #pragma once
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -111,6 +112,30 @@ struct StreamOptions {
 
 // Writes what is published to standard output, or else to the network, as it is published, until the user asks to stop.
 Status Stream(System& system, const StreamOptions& options);
+
+struct RecordOptions {
+    std::string file;                   // with the fields of strftime for date and time of day
+    std::vector<std::string> channels;  // as of StreamOptions
+    std::optional<BoatSlot> boat;       // below kBoatCount; nullopt for all in use
+    bool gzip = false;
+    std::uint64_t maxSize = 0;  // bytes, after which a new file begins; 0 for no bound
+};
+
+// Writes what is published to a file, until the user asks to stop or the file can't be written.
+Status Record(System& system, const RecordOptions& options);
+
+struct ReplayOptions {
+    std::string file;                   // a recording, or an NMEA 0183 log
+    double speed = 1.0;                 // times as fast as it was
+    std::string from;                   // where to start, as ParseReplayStart takes it; empty for the beginning
+    bool loop = false;                  // again and again
+    std::vector<std::string> channels;  // as FindChannel takes them; none for all
+    bool into = false;                  // even while the bridge runs
+};
+
+// Publishes a recording as a program of the suite, which makes the record if there is none, until its end, or until the user or the
+// suite asks to stop.
+Status ReplayRecording(System& system, const ReplayOptions& options);
 
 struct QuitOptions {
     bool wait = true;  // until all have closed, 10 s at most

@@ -27,6 +27,13 @@ public:
     // To be called while an outlet is held up: lets go of the record if it is asked to close. False once the user asks to stop.
     bool GoOn();
 
+    // Tells all fresh values again at the next look.
+    void TellAll() {
+        if (follower_) follower_->Forget();
+    }
+
+    const CCore* Core() const { return core_.get(); }  // of the record; nullptr while there is none
+
 private:
     bool Join();
     std::optional<FollowOptions> Chosen(const CCore& core);

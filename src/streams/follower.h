@@ -28,6 +28,9 @@ public:
     // Every value that is told, as of the last look, boat by boat. Valid until the next call.
     std::span<const Change> Present();
 
+    // Makes the next look the first one.
+    void Forget() { seen_.assign(seen_.size(), {}); }
+
     // The end of all values that were told, for the time when the record is left. Valid until the next call.
     std::span<const Change> Gone();
 

@@ -3,6 +3,7 @@
 
 #include "streams/iso_time.h"
 #include "streams/json_lines.h"
+#include "streams/recording_format.h"
 
 namespace twr {
 namespace {
@@ -29,11 +30,20 @@ std::optional<double> ValueIn(const Json& object) {
     return found->is_null() ? kNoValue : found->get<double>();
 }
 
+// A line with "format" is no change.
+ReadLine ReadHeader(const Json& object) {
+    if (object["format"] != kRecordingFormat) return {{}, "\"format\" is none that is known here"};
+    const auto version = object.find("version");
+    const bool known = version != object.end() && version->is_number_integer() && *version <= kRecordingVersion;
+    return known ? ReadLine{} : ReadLine{{}, "it is the recording of a later version; take a later halyrigctl"};
+}
+
 }  // namespace
 
 ReadLine ParseJsonLine(std::string_view line) {
     const Json object = Json::parse(line, nullptr, false);
     if (!object.is_object()) return {{}, "it is no JSON object"};
+    if (object.contains("format")) return ReadHeader(object);
     const auto time = MomentIn(object);
     if (!time) return {{}, "\"time\" must be a moment such as \"2026-11-25T01:02:03.4Z\""};
     const auto channel = Below(kChannelCount, object, "id");
@@ -48,6 +58,7 @@ ReadLine ParseJsonLine(std::string_view line) {
 // False at the end of the file. A line that is longer than any change is cut, and refused for its length.
 bool JsonLineReader::NextLine() {
     line_.clear();
+    ended_ = false;
     for (;;) {
         if (used_ == filled_) {
             filled_ = source_.Read(buffer_.data(), buffer_.size());
@@ -60,7 +71,7 @@ bool JsonLineReader::NextLine() {
         if (line_.size() <= kLongestChange) line_.append(from, end);
         if (used_ == filled_) continue;
         ++used_;
-        return true;
+        return ended_ = true;
     }
 }
 
@@ -70,6 +81,7 @@ std::optional<Change> JsonLineReader::Next() {
         if (line_.find_first_not_of(" \t\r") == std::string::npos) continue;
         ReadLine read = line_.size() > kLongestChange ? ReadLine{{}, "it is too long"} : ParseJsonLine(line_);
         if (read.change) return read.change;
+        if (!ended_ || read.fault.empty()) continue;
         fault_ = "line " + std::to_string(number_) + ": " + read.fault;
     }
     return std::nullopt;

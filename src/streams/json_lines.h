@@ -19,14 +19,15 @@ void AppendJsonLine(std::string& out, const Change& change, const CCore& core);
 
 struct ReadLine {
     std::optional<Change> change;  // nullopt if the line is none
-    std::string fault = {};        // why
+    std::string fault = {};        // why, unless it is a header
 };
 
-// Understands a line. Members that it does not know are passed over; "time", "id" and "value" must be there, without "boat" it is
-// the own one.
+// Understands a line, or the header of a recording, which has neither a change nor a fault. Members that it does not know are
+// passed over; "time", "id" and "value" must be there, without "boat" it is the own one.
 ReadLine ParseJsonLine(std::string_view line);
 
-// The changes of a file of any length, line by line. Empty lines are passed over.
+// The changes of a file of any length, line by line. Empty lines and headers are passed over, and so is a last line that a kill or
+// a power cut has torn.
 class JsonLineReader {
 public:
     explicit JsonLineReader(ByteSource& source) : source_(source) {}
@@ -34,6 +35,7 @@ public:
     // nullopt at the end, and at the first line that is no change: Fault() then says its number and why.
     std::optional<Change> Next();
     const std::string& Fault() const { return fault_; }  // empty while there is none
+    std::size_t Number() const { return number_; }       // of lines that were read
 
 private:
     bool NextLine();
@@ -43,6 +45,7 @@ private:
     std::size_t filled_ = 0;
     std::size_t used_ = 0;
     std::string line_;
+    bool ended_ = false;  // the line has its end
     std::size_t number_ = 0;
     std::string fault_;
 };

@@ -1,0 +1,73 @@
+#include "streams/unpacking_source.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+namespace twr {
+namespace {
+
+constexpr int kGzipWindow = 15 + 16;  // zlib's word for the largest window, and gzip's frame
+constexpr unsigned char kMark[] = {0x1F, 0x8B};
+
+}  // namespace
+
+struct UnpackingSource::State {
+    z_stream stream{};
+    std::array<char, 16384> buffer{};
+};
+
+UnpackingSource::UnpackingSource(std::unique_ptr<ByteSource> file) : file_(std::move(file)), state_(std::make_unique<State>()) {
+    if (inflateInit2(&state_->stream, kGzipWindow) != Z_OK) throw std::bad_alloc();
+}
+
+UnpackingSource::~UnpackingSource() { inflateEnd(&state_->stream); }
+
+// Behind what is left in the buffer, of which there is less than the mark. False at the file's end.
+bool UnpackingSource::Refill() {
+    z_stream& stream = state_->stream;
+    auto& buffer = state_->buffer;
+    std::copy_n(stream.next_in, stream.avail_in, reinterpret_cast<Bytef*>(buffer.data()));
+    stream.next_in = reinterpret_cast<Bytef*>(buffer.data());
+    const std::size_t got = file_->Read(buffer.data() + stream.avail_in, buffer.size() - stream.avail_in);
+    stream.avail_in += static_cast<uInt>(got);
+    return got > 0;
+}
+
+void UnpackingSource::Begin() {
+    z_stream& stream = state_->stream;
+    stream.next_in = reinterpret_cast<Bytef*>(state_->buffer.data());
+    while (stream.avail_in < sizeof kMark && Refill()) continue;
+    packed_ = stream.avail_in >= sizeof kMark && std::equal(std::begin(kMark), std::end(kMark), stream.next_in);
+    begun_ = true;
+}
+
+std::size_t UnpackingSource::Read(char* to, std::size_t room) {
+    if (!begun_) Begin();
+    z_stream& stream = state_->stream;
+    if (!packed_) {
+        if (stream.avail_in == 0) Refill();
+        const std::size_t count = std::min<std::size_t>(room, stream.avail_in);
+        std::copy_n(stream.next_in, count, reinterpret_cast<Bytef*>(to));
+        stream.next_in += count;
+        stream.avail_in -= static_cast<uInt>(count);
+        return count;
+    }
+    stream.next_out = reinterpret_cast<Bytef*>(to);
+    stream.avail_out = static_cast<uInt>(room);
+    while (stream.avail_out == room && !ended_) {
+        if (stream.avail_in == 0 && !Refill()) break;
+        const int result = inflate(&stream, Z_NO_FLUSH);
+        if (result == Z_STREAM_END) {
+            ended_ = stream.avail_in == 0 && !Refill();
+            inflateReset(&stream);
+        } else if (result != Z_OK && result != Z_BUF_ERROR) {
+            ended_ = damaged_ = true;
+        }
+    }
+    return room - stream.avail_out;
+}
+
+}  // namespace twr
