@@ -51,7 +51,10 @@ Status Record(System& system, const RecordOptions& options) {
         Complain(console, "FILE has " + Harmless(*unknown) + "; its fields are %Y %m %d %H %M %S, and %% for the sign itself");
         return kMisunderstood;
     }
-    Streamer streamer(system, {.channels = options.channels, .boat = options.boat});
+    StreamOptions lines;
+    lines.channels = options.channels;
+    lines.boat = options.boat;
+    Streamer streamer(system, lines);
     RecordingOutlet outlet(system.Core(), options, streamer);
     const Status status = streamer.Run(outlet);
     if (outlet.Writer().Close()) return status;

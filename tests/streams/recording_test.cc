@@ -1,0 +1,238 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "streams/follow_fixture.h"
+#include "streams/json_lines.h"
+#include "streams/recording_name.h"
+#include "streams/recording_reader.h"
+#include "streams/recording_writer.h"
+#include "streams/unpacking_source.h"
+#include "support/test_system.h"
+
+namespace twr::testing {
+namespace {
+
+TEST(RecordingNameTest, HasFieldsAndNumbers) {
+    const double shown = 46351.0 + 7.0 / 24;  // 2026-11-25 07:00
+    const std::tuple<std::u16string, std::u16string, std::u16string> rows[] = {
+        {u"a.b/race", u"a.b/race", u"a.b/race-2"},
+        {u"race.jsonl.gz", u"race.jsonl.gz", u"race-2.jsonl.gz"},
+        {u".gz", u".gz", u"-2.gz"},
+        {u"/a/.race", u"/a/.race", u"/a/.race-2"},
+        {u"%Y/%m-%d %H%M%S%%Y.jsonl", u"2026/11-25 070000%Y.jsonl", u"2026/11-25 070000%Y-2.jsonl"}};
+    for (const auto& [name, now, second] : rows) {
+        EXPECT_EQ(now, NameAt(name, shown));
+        EXPECT_EQ(second, NumberedName(now, 2));
+        EXPECT_EQ(now, NumberedName(now, 1));
+        EXPECT_EQ(std::nullopt, UnknownFieldIn(name));
+    }
+    EXPECT_EQ(u"%y", UnknownFieldIn(u"%%%y"));
+    EXPECT_EQ(u"%", UnknownFieldIn(u"%d%"));
+    EXPECT_TRUE(ChangesWithTime(u"%%%d") && !ChangesWithTime(u"%%d"));
+}
+
+struct Text : ByteSource {
+    explicit Text(std::string all, std::size_t atMost) : rest(std::move(all)), most(atMost) {}
+    std::size_t Read(char* to, std::size_t room) override {
+        const std::size_t count = rest.copy(to, std::min(room, most), at);
+        at += count;
+        return count;
+    }
+    const std::string rest;
+    const std::size_t most;
+    std::size_t at = 0;
+};
+
+std::unique_ptr<UnpackingSource> Unpacking(std::string bytes, std::size_t atMost = 1000) {
+    return std::make_unique<UnpackingSource>(std::make_unique<Text>(std::move(bytes), atMost));
+}
+
+struct Read {
+    std::vector<Recorded> all;
+    std::string fault;
+};
+
+Read ReadAll(std::string bytes, std::size_t atMost = 1000) {
+    RecordingReader reader(Unpacking(std::move(bytes), atMost));
+    Read read;
+    while (const auto next = reader.Next()) read.all.push_back(*next);
+    read.fault = reader.Fault();
+    return read;
+}
+
+std::string Packed(const std::string& bytes) {
+    GzipPacker packer;
+    const std::string packed = packer.Pack(bytes);
+    return packed + packer.Finish();
+}
+
+std::string Line(const std::string& time, double value, int id = 1) {
+    return R"({"time":"2026-11-25T)" + time + R"(Z","id":)" + std::to_string(id) + R"(,"value":)" + std::to_string(value) + "}\n";
+}
+
+TEST(RecordingReaderTest, TellsWhenEachChangeCame) {
+    const std::string header = R"({"format":"halyrig-record","version":1,"later":[1]})"
+                               "\n";
+    struct Row {
+        const char* what;
+        std::string text;
+        std::vector<double> seconds;
+        const char* fault = "";
+    };
+    const Row rows[] = {
+        {"stamps", Line("01:00:00", 1) + Line("01:00:02.5", 2), {0, 2.5}},
+        {"old stamps wait for nothing", Line("01:00:00", 1) + Line("00:00:00", 2) + Line("01:00:01", 3), {0, 0, 1}},
+        {"marks, whatever the stamps",
+         header + Line("01:00:00", 0, 0) + Line("03:00:00", 1) + Line("01:00:03", 0, 0) + Line("00:00:00", 2),
+         {0, 3}},
+        {"a gap, and a clock that was set back",
+         Line("01:00:00", 0, 0) + Line("01:00:00", 1) + Line("09:00:00", 0, 0) + Line("09:00:00", 2) + Line("05:00:00", 0, 0) +
+             Line("05:00:00", 3) + Line("05:00:01", 0, 0) + Line("05:00:01", 4),
+         {0, 60, 60, 61}},
+        {"files behind each other", header + Line("01:00:00", 1) + header + Line("01:00:01", 2), {0, 1}},
+        {"packed files behind each other", Packed(header + Line("01:00:00", 1)) + Packed(Line("01:00:01", 2)), {0, 1}},
+        {"a torn line", Line("01:00:00", 1) + R"({"time":"2026)", {0}},
+        {"a whole line without its end", Line("01:00:00", 1) + Line("01:00:01", 1).substr(0, 52), {0}},
+        {"a broken line", Line("01:00:00", 1) + "{\n" + Line("01:00:01", 2), {0}, "line 2: it is no JSON"},
+        {"a later version",
+         "{\"format\":\"halyrig-record\",\"version\":2}\n" + Line("01:00:00", 1),
+         {},
+         "line 1: it is the recording of a later"},
+        {"another format", "{\"format\":[]}\n", {}, "line 1: \"format\""},
+        {"damage", Packed(header + Line("01:00:00", 1)) + "none", {0}, "line 3: what follows is damaged"},
+        {"nothing", "", {}},
+    };
+    for (const auto& [what, text, seconds, fault] : rows) {
+        for (const std::size_t atMost : {1u, 7u, 1000u}) {
+            SCOPED_TRACE(what);
+            const Read read = ReadAll(text, atMost);
+            EXPECT_EQ(0u, read.fault.find(fault)) << read.fault;
+            EXPECT_EQ(*fault == '\0', read.fault.empty()) << read.fault;
+            std::vector<double> found;
+            for (const Recorded& recorded : read.all) found.push_back(std::round(recorded.seconds * 1000) / 1000);
+            EXPECT_EQ(seconds, found);
+        }
+    }
+}
+
+class RecordingTest : public FollowTest {
+protected:
+    // A look, and what it gives, goes to the recording.
+    bool Record(RecordingWriter& writer) {
+        std::string lines;
+        for (const Change& change : Look()) {
+            AppendJsonLine(lines, change, *core);
+            told.push_back(change);
+        }
+        return writer.Put(lines, {Now(), Now() + ahead});
+    }
+    std::string Bytes(const std::u16string& path) {
+        const auto source = machine.files.Open(path);
+        std::string bytes(1 << 24, '\0');
+        bytes.resize(source ? source->Read(bytes.data(), bytes.size()) : 0);
+        return bytes;
+    }
+    // Both tell the same of these changes, from the first on.
+    void ExpectTold(const std::vector<Recorded>& read, std::size_t least) {
+        ASSERT_TRUE(read.size() >= least && read.size() <= told.size())
+            << read.size() << " of " << told.size() << ", least " << least;
+        for (std::size_t i = 0; i < read.size(); ++i) {
+            ASSERT_TRUE(read[i].change.channel == told[i].channel && read[i].change.value == told[i].value &&
+                        std::fabs(read[i].change.time - told[i].time) < 0.0011 / kSecondsPerDay)
+                << i;
+        }
+    }
+
+    std::vector<Change> told;
+    double ahead = 0.0;  // days of the zone before UTC
+};
+
+// Ten times a second, every channel of the own boat. Whatever is cut off the file, all up to the last flush that is in it is read.
+TEST_F(RecordingTest, KeepsAllUpToTheLastSecondWhereverItIsCut) {
+    std::mt19937 random(1);
+    for (const bool gzip : {false, true}) {
+        SCOPED_TRACE(gzip);
+        told.clear();
+        follower->Forget();
+        const std::u16string path = gzip ? u"/packed" : u"/plain";
+        RecordingWriter writer(machine.files, {path, gzip, 0});
+        std::map<std::size_t, std::size_t> flushed{{0, 0}};  // changes, by the size of the file that holds them
+        for (int look = 0; look < 40; ++look) {
+            for (ChannelId channel = 1; channel < kChannelCount; ++channel) Publish(channel, 1 + look / 64.0);
+            ASSERT_TRUE(Record(writer));
+            if (Bytes(path).size() > flushed.rbegin()->first) flushed[Bytes(path).size()] = told.size();
+            Pass(0.1);
+        }
+        EXPECT_EQ(4u, flushed.size()) << "one flush a second";
+        ASSERT_TRUE(writer.Close());
+        const std::string bytes = Bytes(path);
+        const Read whole = ReadAll(bytes);
+        EXPECT_EQ(told.size(), whole.all.size());
+        EXPECT_NEAR(3.9, whole.all.back().seconds, 0.01);
+        for (int cut = 0; cut < 30; ++cut) {
+            const std::size_t size = std::uniform_int_distribution<std::size_t>(0, bytes.size())(random);
+            const Read read = ReadAll(bytes.substr(0, size));
+            EXPECT_EQ("", read.fault) << size;
+            ExpectTold(read.all, std::prev(flushed.upper_bound(size))->second);
+        }
+    }
+    EXPECT_LT(machine.files.files[1].bytes.size() * 8, machine.files.files[0].bytes.size());
+}
+
+TEST_F(RecordingTest, BeginsANewFileByNameAndBySizeAndNeverOverOne) {
+    machine.files.files.push_back({u"/log-1119.jsonl", "mine"});
+    RecordingWriter writer(machine.files, {u"/log-%m%d.jsonl", false, 600});
+    ahead = 1.0 / 24;  // 2026-11-19 00:00 UTC is 01:00
+    Pass(22.9 * 3600);
+    for (int second = 0; second < 720; ++second, Pass(1)) {
+        if (second % 120 == 0) Publish(kBsp, 1 + second / 120);
+        ASSERT_TRUE(Record(writer));
+    }
+    ASSERT_TRUE(writer.Close());
+    std::vector<std::u16string> names;
+    for (const auto& file : machine.files.files) {
+        names.push_back(file.path);
+        EXPECT_TRUE(file.bytes == "mine" || ReadAll(file.bytes).all.size() >= 2) << file.bytes;
+    }
+    EXPECT_EQ((std::vector<std::u16string>{u"/log-1119.jsonl", u"/log-1119-2.jsonl", u"/log-1119-3.jsonl", u"/log-1120.jsonl",
+                                           u"/log-1120-2.jsonl"}),
+              names);
+    EXPECT_EQ("mine", Bytes(names[0]));
+}
+
+TEST_F(RecordingTest, SaysWhyItCannotWrite) {
+    RecordingWriter writer(machine.files, {u"/full", false, 0});
+    machine.files.room = 400;
+    int seconds = 0;
+    for (; seconds < 100; ++seconds, Pass(1)) {
+        Publish(kBsp, 1 + seconds / 100.0);
+        if (!Record(writer)) break;
+    }
+    EXPECT_TRUE(seconds > 0 && seconds < 5) << seconds;
+    EXPECT_EQ(0u, writer.Fault().find("can't be written any more: the disk is full"));
+    EXPECT_FALSE(Record(writer) || writer.Close());
+
+    TestSystem test;
+    RecordingWriter lost(test.system->Core().files, {test.folder.File("missing/file"), false, 0});
+    EXPECT_FALSE(lost.Begin({Now(), Now()}));
+    EXPECT_EQ(0u, lost.Fault().find("can't be made"));
+}
+
+TEST(UnpackingSourceTest, TakesAnyBytes) {
+    std::mt19937 random(2);
+    const std::string packed = Packed(std::string(20000, 'x') + Line("01:00:00", 1));
+    for (int round = 0; round < 300; ++round) {
+        std::string bytes = packed;
+        for (int i = 0; i < 3; ++i) bytes[random() % (round % 2 ? bytes.size() : 24)] = static_cast<char>(random());
+        const auto source = Unpacking(bytes, 1 + random() % 40);
+        char chunk[512];
+        std::size_t total = 0;
+        while (const std::size_t got = source->Read(chunk, sizeof chunk)) total += got;
+        EXPECT_EQ(0u, source->Read(chunk, sizeof chunk));
+        EXPECT_GT(1u << 24, total);
+    }
+}
+
+}  // namespace
+}  // namespace twr::testing
