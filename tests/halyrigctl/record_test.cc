@@ -1,0 +1,223 @@
+#include <cmath>
+
+#include "ctl_fixture.h"
+#include "halyrigctl/replayer.h"
+#include "status/bridge_status.h"
+#include "streams/json_lines.h"
+#include "streams/recording_reader.h"
+#include "support/fakes.h"
+
+namespace twr::testing {
+namespace {
+
+// Time passes only while a command waits.
+class RecordTest : public CtlTest {
+protected:
+    RecordTest() {
+        clock.ticks = test.system->Core().clock.Ticks();
+        test.folder.Write("ProgramData/any", "");
+        console.goOn = [this] { return Step(); };
+    }
+    CoreServices Core() override {
+        const CoreServices real = test.system->Core();
+        return {clock, real.zone, real.memory, real.registry, real.files, real.xml, real.desktop};
+    }
+    bool Step() {
+        clock.AdvanceMs(std::max(console.waited - seen, 0));
+        seen = console.waited;
+        return each();
+    }
+    std::string File(const char* name) { return ToUtf8(test.folder.File(name)); }
+    // Records for so long, while something else goes on.
+    std::string Record(const std::string& arguments, double seconds, const std::function<void(int look)>& meanwhile,
+                       int status = 0) {
+        int look = 0;
+        const double end = clock.Days() + seconds / 86400;
+        each = [&] {
+            meanwhile(look++);
+            return clock.Days() < end;
+        };
+        return Said("record " + arguments, status);
+    }
+    std::vector<Recorded> Read(const char* name) {
+        RecordingReader reader(std::make_unique<UnpackingSource>(Core().files.Open(test.folder.File(name))));
+        std::vector<Recorded> all;
+        while (const auto next = reader.Next()) all.push_back(*next);
+        EXPECT_EQ("", reader.Fault());
+        return all;
+    }
+    double Value(ChannelId channel) {
+        double value = 0;
+        return suite->GetChannel(channel, value, 0, false, true, false) ? value : kNoValue;
+    }
+
+    FakeClock clock;
+    int seen = 0;  // milliseconds that were waited
+    std::function<bool()> each = [] { return false; };
+};
+
+std::string WithoutTimes(const std::string& lines) {
+    std::string rest;
+    std::istringstream all(lines);
+    for (std::string line; std::getline(all, line);) {
+        if (line.find(R"("id":0)") == line.npos && line.find("format") == line.npos)
+            rest += line.substr(line.find(R"("id")")) + "\n";
+    }
+    return rest;
+}
+
+// All that was recorded is published again, as far apart, and recorded again the same.
+TEST_F(RecordTest, WhatIsReplayedIsRecordedTheSame) {
+    StartSuite();
+    Record(File("sea") + " --gzip --boat 0", 30, [&](int look) {
+        if (look % 7 == 0) Publish(kBsp, 6 + look / 128.0);
+        if (look % 10 == 0) Publish(kHdg, std::fmod(350.1 + look, 360));
+        if (look < 100) Publish(kMastAng, 7.5);  // goes stale
+        if (look == 150) suite->SetChannel(kHdg, 0, kNoValue, 0.0);
+    });
+    const auto first = Read("sea");
+    ASSERT_LT(100u, first.size());
+    suite.reset();
+    StartSuite();
+    RecordBytes(suite->View()).Set<std::uint8_t>(RecordBytes::SysFlag(kFlagMastAngle), 1);
+
+    RecordingReader reader(std::make_unique<UnpackingSource>(Core().files.Open(test.folder.File("sea"))));
+    Replayer replayer(*suite, reader, {}, {});
+    const double start = clock.Days();
+    const std::string said =
+        Record(File("ashore") + " --boat 0", 32, [&](int) { replayer.PlayTo((clock.Days() - start) * 86400 + 0.05); });
+    const auto second = Read("ashore");
+    ASSERT_EQ(first.size(), second.size()) << said;
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        EXPECT_TRUE(first[i].change.channel == second[i].change.channel && first[i].change.value == second[i].change.value) << i;
+        EXPECT_NEAR(first[i].seconds, second[i].seconds, 0.15) << i;
+    }
+    std::string unpacked;
+    UnpackingSource source(Core().files.Open(test.folder.File("sea")));
+    for (char c; source.Read(&c, 1) == 1;) unpacked += c;
+    EXPECT_EQ(WithoutTimes(unpacked), WithoutTimes(test.folder.Read("ashore")));
+    EXPECT_EQ(0u, unpacked.find(R"({"format":"halyrig-record","version":1,"halyrig":")")) << unpacked.substr(0, 200);
+}
+
+TEST_F(RecordTest, RecordOutlivesRecordsAndNeverOverwrites) {
+    test.folder.Write("log.jsonl", "mine");
+    ExpectIn(Record(File("log.jsonl"), 40,
+                    [&](int look) {
+                        if (look == 10 || look == 200) StartSuite();
+                        if (suite) Publish(kBsp, look);
+                        if (look == 100)
+                            RecordBytes(suite->View()).Set<std::uint8_t>(RecordBytes::SysFlag(kFlagQuitRequest), 1), suite.reset();
+                    }),
+             {"no record yet", "the record is there", "asked to close"});
+    EXPECT_FALSE(suite == nullptr);
+    EXPECT_EQ("mine", test.folder.Read("log.jsonl"));
+    const auto all = Read("log-2.jsonl");
+    ASSERT_LT(100u, all.size());
+    EXPECT_EQ(1, std::ranges::count_if(all, [](const Recorded& one) { return one.change.value == kNoValue; }));
+    ExpectIn(Record(
+                 File("missing/log"), 1, [](int) {}, 1),
+             {"missing", "can't be made"});
+    ExpectIn(Record(
+                 File("%q"), 1, [](int) {}, 2),
+             {"FILE has %q", "%Y"});
+}
+
+TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
+    test.folder.Write("two.jsonl", R"({"time":"2026-11-25T01:00:00Z","id":1,"value":6})"
+                                   "\n"
+                                   R"({"time":"2026-11-25T01:00:00Z","id":93,"value":9})"
+                                   "\n"
+                                   R"({"time":"2026-11-25T01:00:20Z","id":1,"value":7})"
+                                   "\n"
+                                   R"({"time":"2026-11-25T01:00:40Z","id":1,"value":null})"
+                                   "\n{");
+    // Seconds that pass until its end; the boat's speeds seen.
+    const auto replay = [&](const std::string& options, int status = 0) {
+        std::pair<double, std::vector<double>> found;
+        const double start = clock.Days();
+        double end = 100;
+        each = [&] {
+            if (!suite) StartSuite();
+            if (found.second.empty() || found.second.back() != Value(kBsp)) found.second.push_back(Value(kBsp));
+            found.first = (clock.Days() - start) * 86400;
+            return found.first < end;
+        };
+        Said("replay " + File("two.jsonl") + " " + options, status);
+        suite.reset();
+        found.first = std::round(found.first);
+        return found;
+    };
+    using Found = std::pair<double, std::vector<double>>;
+    EXPECT_EQ((Found{40, {6, 7, kNoValue}}), replay(""));
+    ExpectIn(console.written, {"live record"});
+    EXPECT_FALSE(Held());
+    EXPECT_EQ((Found{4, {6, 7, kNoValue}}), replay("--speed 10"));
+    EXPECT_EQ((Found{80, {6, 7, kNoValue}}), replay("--speed 0.5"));
+    EXPECT_EQ((Found{20, {7, kNoValue}}), replay("--from 01:00:20"));
+    EXPECT_EQ((Found{20, {7, kNoValue}}), replay("--from 2026-11-25T01:00:19Z"));
+    EXPECT_EQ((Found{0, {kNoValue}}), replay("--from 01:00:21 --channels MagVar"));
+    EXPECT_EQ(100, replay("--loop --speed 2").first);
+    replay("--from 01:01", 1);
+    ExpectIn(console.written, {"ends before 01:01"});
+    ExpectSaid(2, {{"replay f --from noon", {"--from must be"}}, {"replay f --speed 0", {"--speed"}}});
+    each = [&] {
+        StartSuite();
+        RecordBytes(suite->View()).Set<std::uint8_t>(RecordBytes::SysFlag(kFlagQuitRequest), 1);
+        return true;
+    };
+    Said("replay " + File("two.jsonl"));
+    EXPECT_EQ(9, Value(kMagVar));
+    EXPECT_EQ(6, Value(kBsp)) << "it has ended at once";
+    ExpectIn(Said("replay " + File("two.jsonl"), 1), {"asked to close"});
+}
+
+TEST_F(RecordTest, ReplayKeepsOutOfTheBridgesWay) {
+    test.folder.Write("long.jsonl", R"({"time":"2026-11-25T01:00:00Z","id":1,"value":6})"
+                                    "\n"
+                                    R"({"time":"2026-11-25T01:00:50Z","id":1,"value":7})"
+                                    "\n");
+    StartSuite();
+    std::optional<BridgeStatusWriter> bridge(Core().memory);
+    each = [] { return true; };
+    ExpectIn(Said("replay " + File("long.jsonl"), 1), {"is running", "--into"});
+    EXPECT_EQ(kNoValue, Value(kBsp));
+    Said("replay " + File("long.jsonl") + " --into");
+    EXPECT_EQ(7, Value(kBsp));
+    bridge.reset();
+    each = [&] { return bridge ? true : (bridge.emplace(Core().memory), true); };
+    ExpectIn(Said("replay " + File("long.jsonl"), 1), {"has been started"});
+    EXPECT_EQ(6, Value(kBsp));
+}
+
+TEST_F(RecordTest, ReplayTakesNmeaLogsAndRefusesWhatIsNone) {
+    StartSuite();
+    each = [] { return true; };
+    test.folder.Write("log.nmea",
+                      "garbage\n$IIVHW,,T,,M,5.00,N,,K\n$GPRMC,120000,A,5000.00,N,00100.00,W,6.0,90.0,251126,10.0,E\n"
+                      "$IIHDT,100.0,T\n$IIDBT,32.808,f,,M,,F\n$IIXDR,A,-12.0,D,HEEL\n$IIVHW,,T,,M,9.99,N*00\n"
+                      "$GPRMC,120030,A,5000.00,N,00100.00,W,7.0,90.0,251126,10.0,E\n");
+    const double start = clock.Days();
+    EXPECT_EQ(std::string::npos, Said("replay " + File("log.nmea")).find("line"));
+    EXPECT_NEAR(30, (clock.Days() - start) * 86400, 0.2);
+    const std::pair<ChannelId, double> rows[] = {{kBsp, 5}, {kHdg, 90}, {kMagVar, 10}, {kLat, 50},
+                                                 {kSog, 7}, {kCog, 80}, {kLon, -1}};
+    for (const auto& [channel, value] : rows) {
+        double found = 0;
+        suite->GetChannel(channel, found, 0, false, true, false);
+        EXPECT_NEAR(value, found, 1e-4) << channel;
+    }
+    test.folder.Write("broken", std::string(R"({"time":"2026-11-25T01:00:00Z","id":1,"value":3})") + "\n{\"id\":\"\x1B[2J\"}\n");
+    test.folder.Write("binary", std::string("\0\xFF$\n\x1B", 5));
+    test.folder.Write("empty", "");
+    test.folder.Write("header", "{\"format\":\"halyrig-record\",\"version\":1}\n");
+    const std::pair<const char*, const char*> faults[] = {{"broken", "line 2: it is no JSON"},
+                                                          {"binary", "line 1: it is neither"},
+                                                          {"empty", "neither"},
+                                                          {"header", "no value"},
+                                                          {"none", "can't be read"}};
+    for (const auto& [file, fault] : faults) ExpectIn(Said("replay " + File(file), 1), {file, fault});
+    EXPECT_EQ(3, Value(kBsp)) << "what stands above a broken line";
+}
+
+}  // namespace
+}  // namespace twr::testing
