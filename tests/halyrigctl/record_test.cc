@@ -72,6 +72,7 @@ TEST_F(RecordTest, WhatIsReplayedIsRecordedTheSame) {
     Record(File("sea") + " --gzip --boat 0", 30, [&](int look) {
         if (look % 7 == 0) Publish(kBsp, 6 + look / 128.0);
         if (look % 10 == 0) Publish(kHdg, std::fmod(350.1 + look, 360));
+        if (look % 10 == 5) Publish(kAwa, 30 + look / 8.0);
         if (look < 100) Publish(kMastAng, 7.5);  // goes stale
         if (look == 150) suite->SetChannel(kHdg, 0, kNoValue, 0.0);
     });
@@ -83,9 +84,12 @@ TEST_F(RecordTest, WhatIsReplayedIsRecordedTheSame) {
 
     RecordingReader reader(std::make_unique<UnpackingSource>(Core().files.Open(test.folder.File("sea"))));
     Replayer replayer(*suite, reader, {}, {});
-    const double start = clock.Days();
-    const std::string said =
-        Record(File("ashore") + " --boat 0", 32, [&](int) { replayer.PlayTo((clock.Days() - start) * 86400 + 0.05); });
+    double start = 0.0;
+    // Half a look apart, so that none tells two at once.
+    const std::string said = Record(File("ashore") + " --boat 0", 32, [&](int look) {
+        if (look == 0) start = clock.Days();
+        replayer.PlayTo((clock.Days() - start) * 86400 + 0.05);
+    });
     const auto second = Read("ashore");
     ASSERT_EQ(first.size(), second.size()) << said;
     for (std::size_t i = 0; i < first.size(); ++i) {
