@@ -1,0 +1,39 @@
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "halyrigctl/nmea_log.h"
+#include "halyrigctl/replayer.h"
+#include "streams/recording_reader.h"
+#include "support/fakes.h"
+
+namespace {
+
+std::unique_ptr<twr::UnpackingSource> Open(twr::Files& files) {
+    return std::make_unique<twr::UnpackingSource>(files.Open(u"/file"));
+}
+
+}  // namespace
+
+// A file that is to be replayed, packed or not: what comes of it is in its order and in the bounds of the record.
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    twr::testing::FakeMachine machine;
+    machine.files.files.push_back({u"/file", std::string(reinterpret_cast<const char*>(data), size)});
+    const twr::LogForm form = twr::FormOf(*Open(machine.files));
+    std::unique_ptr<twr::RecordedSource> log;
+    if (form == twr::LogForm::kJson) {
+        log = std::make_unique<twr::RecordingReader>(Open(machine.files));
+    } else {
+        log = std::make_unique<twr::NmeaLog>(Open(machine.files), form == twr::LogForm::kNmeaWithClock);
+    }
+    twr::CCore core(machine.Services());
+    twr::Replayer replayer(core, *log, {}, {});
+    double due = 0.0;
+    for (int step = 0; step < 100 && replayer.PlayTo(due) != twr::Replayer::Result::kEnded; ++step) {
+        // What is published at once is at most behind.
+        if (!std::isfinite(replayer.Due()) || replayer.Due() < 0.0) __builtin_trap();
+        due = std::max(due, replayer.Due());
+    }
+    return 0;
+}
