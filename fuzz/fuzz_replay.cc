@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "halyrigctl/nmea_log.h"
-#include "halyrigctl/replayer.h"
+#include "halyrigctl/stream/nmea_log.h"
+#include "halyrigctl/stream/replayer.h"
 #include "streams/recording_reader.h"
 #include "support/fakes.h"
 

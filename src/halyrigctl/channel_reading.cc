@@ -5,8 +5,8 @@
 #include "core/days.h"
 #include "core/record_access.h"
 #include "core/units.h"
-#include "halyrigctl/source_links.h"
-#include "halyrigctl/value_chain.h"
+#include "halyrigctl/explain/source_links.h"
+#include "halyrigctl/explain/value_chain.h"
 
 namespace twr {
 namespace {

@@ -5,7 +5,7 @@
 #include "base/version.h"
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/map_command_line.h"
+#include "halyrigctl/map/map_command_line.h"
 
 namespace twr {
 namespace {

@@ -5,7 +5,7 @@
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
 #include "halyrigctl/ctl_fixture.h"
-#include "halyrigctl/map_match.h"
+#include "halyrigctl/map/map_match.h"
 #include "mapping/mapping_file.h"
 #include "mapping/variable_file.h"
 #include "status/bridge_status.h"

@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "ctl_fixture.h"
-#include "halyrigctl/replayer.h"
+#include "halyrigctl/stream/replayer.h"
 #include "status/bridge_status.h"
 #include "streams/json_lines.h"
 #include "streams/recording_reader.h"

@@ -1,8 +1,8 @@
 // The view's pictures, and the parts of which they are made.
-#include "halyrigctl/watch_view.h"
+#include "halyrigctl/watch/watch_view.h"
 
-#include "halyrigctl/bridge_pulse.h"
 #include "halyrigctl/ctl_fixture.h"
+#include "halyrigctl/watch/bridge_pulse.h"
 
 namespace twr::testing {
 namespace {

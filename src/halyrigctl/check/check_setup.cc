@@ -1,0 +1,158 @@
+#include "halyrigctl/check/check_setup.h"
+
+#include <algorithm>
+
+#include "base/wide_text.h"
+#include "core/record_access.h"
+#include "halyrigctl/cells.h"
+#include "halyrigctl/finding_words.h"
+#include "halyrigctl/nearest_name.h"
+#include "halyrigctl/rehearsal.h"
+#include "mapping/legacy_import.h"
+#include "platform/paths.h"
+
+namespace twr {
+namespace {
+
+constexpr std::size_t kLongestQuote = 100;  // characters of a line
+
+// The settings whose loss may be why the folders are wrong.
+bool NamesAFolder(const Finding& finding) {
+    return finding.of.find(u"DfwFolder") != finding.of.npos || finding.of.find(u"DataFolder") != finding.of.npos;
+}
+
+Weight WeightOf(const Finding& finding) {
+    switch (finding.flaw) {
+        case Flaw::kStoreNotRead:
+        case Flaw::kKeyNotRead:
+        case Flaw::kOtherKey:
+        case Flaw::kUnknownSetting:
+            return Weight::kSettings;
+        case Flaw::kForeignSetting:
+            return Weight::kNote;
+        default:
+            return NamesAFolder(finding) ? Weight::kSettings : Weight::kConfig;
+    }
+}
+
+void CheckLibrary(const CheckedSetup& setup) {
+    const std::u16string& folder = setup.now.settings.dfwFolder;
+    const LibraryLook& look = setup.now.Library();
+    setup.report.library = {look.fault, look.missing};
+    if (look.fault) {
+        setup.Add({.weight = Weight::kLibrary, .path = folder, .flaw = "library", .says = look.fault});
+    } else if (!setup.report.given && setup.now.bridge && !setup.now.bridge->library.loaded) {
+        setup.Add({.weight = Weight::kLibrary,
+                   .path = folder,
+                   .flaw = "library-not-loaded",
+                   .says = {"the bridge could not load the library when it looked, and could now", kReadAgain}});
+    }
+    for (const std::string& function : look.missing) {
+        setup.Add({.weight = function == "Usr_Read" ? Weight::kLibrary : Weight::kLine,
+                   .path = folder,
+                   .flaw = "function-missing",
+                   .says = {"the library has no function " + function, "install Deckman's own there"}});
+    }
+}
+
+// What is wrong with Deckman's usual list, none of whose siblings has a variable either.
+void CheckMissingVariables(const CheckedSetup& setup) {
+    const std::u16string folder = JoinPath(setup.now.settings.dfwFolder, u"Data"), path = JoinPath(folder, u"J_vars06.d");
+    CollectedFindings heard;
+    ParseVariableFile(setup.services.files, path, {}, &heard);
+    for (const Finding& finding : heard.found) setup.Add(Weight::kVariables, finding);
+    if (!heard.found.empty()) return;
+    if (setup.services.files.Exists(path)) {
+        setup.Add({.weight = Weight::kVariables,
+                   .path = path,
+                   .flaw = "variables-not-read",
+                   .says = {"Deckman's list can't be read, or names no variable", "look at it while Deckman is closed"}});
+    } else {
+        setup.Add({.weight = Weight::kVariables,
+                   .path = folder,
+                   .flaw = "no-variable-file",
+                   .says = {"there is no J_vars06.d with Deckman's variables, nor another J_vars*.d",
+                            "choose Deckman's own folder in the dialog"}});
+    }
+}
+
+// Without the folder or the library the list is missing for the same reason.
+void CheckVariables(const CheckedSetup& setup) {
+    const DeckmanCatalogue& list = setup.now.Variables();
+    const bool timer = list.timerVariableId != -1;
+    setup.report.variables = {list.path, list.rows.size(), timer};
+    if (list.rows.empty()) {
+        if (!setup.report.library.fault) CheckMissingVariables(setup);
+        return;
+    }
+    CollectedFindings heard;
+    ParseVariableFile(setup.services.files, list.path, {}, &heard);
+    for (const Finding& finding : heard.found) setup.Add(Weight::kLine, finding);
+    if (setup.now.settings.useTimer && !timer) {
+        setup.Add({.weight = Weight::kLine,
+                   .path = list.path,
+                   .flaw = "no-timer",
+                   .says = {"the box for TIMER is ticked, and the list has no variable TIMER", "untick the box"}});
+    }
+}
+
+void CheckLegacy(const CheckedSetup& setup) {
+    Files& files = setup.services.files;
+    const std::u16string folder = JoinPath(setup.report.dataFolder, u"halyrig"), vars = JoinPath(folder, u"halyrig.csv"),
+                         remotes = JoinPath(folder, u"halyrigremotes.csv");
+    CollectedFindings heard;
+    const auto note = [&](const std::u16string& path, std::size_t rows) {
+        if (!files.Exists(path)) return;
+        const std::string what = "an older mapping, which the button Import takes over on request: " + std::to_string(rows) +
+                                 (rows == 1 ? " line of it" : " lines of it");
+        setup.Add({.weight = Weight::kNote, .path = path, .flaw = "older-mapping", .says = {what}});
+    };
+    const auto rows = ImportLegacyVars(files, vars, setup.now.Variables().rows, &heard);
+    note(vars, rows ? rows->size() : 0);
+    note(remotes, ImportLegacyRemotes(files, remotes, &heard).size());
+    for (const Finding& finding : heard.found) setup.Add(Weight::kNote, finding);
+}
+
+}  // namespace
+
+void CheckedSetup::Add(Weight weight, const Finding& finding) const {
+    Advice says = AdviceFor(finding);
+    if (finding.flaw == Flaw::kNoSuchVariable) {
+        std::vector<std::u16string> names;
+        for (const MappingVar& row : now.Variables().rows) names.push_back(row.dfwName);
+        if (const auto nearest = Nearest(finding.text, names)) says.todo = "did you mean " + Harmless(*nearest) + "?";
+    }
+    if (!finding.of.empty()) says.what = Cut(Harmless(finding.of), kLongestQuote) + ": " + says.what;
+    Add({weight, finding.path, finding.line, finding.column, WordFor(finding.flaw), std::move(says)});
+}
+
+CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& folder) {
+    CheckReport report;
+    CollectedFindings heard;
+    const CoreServices machine = system.Core();
+    machine.registry.Check(heard);  // first: what it reports is not told at each reading again
+    Rehearsal rehearsal(machine, &heard);
+    ReadSettings(machine.registry, &heard);
+    CCore guest(machine, Attachment::kOpenOnly);
+    const bool live = guest.View() != nullptr;
+    CCore& core = live ? guest : rehearsal.Core();
+    Circumstances now(system, *core.View());
+    if (folder) now.settings.dfwFolder = Trimmed(std::u16string_view(*folder));
+    const CheckedSetup setup{rehearsal.Services(), now, core, live, rehearsal.Core(), report};
+    report.running = now.bridge.has_value();
+    report.given = folder.has_value();
+    report.settings = now.settings;
+    report.dataFolder = FieldText(core.View()->dataFolder);
+    report.dataFolderExists = machine.files.Exists(report.dataFolder);
+    for (const Finding& finding : heard.found) setup.Add(WeightOf(finding), finding);
+    CheckLibrary(setup);
+    CheckVariables(setup);
+    CheckMapping(setup);
+    CheckFeeding(setup);
+    CheckWhatIsOld(setup);
+    CheckLegacy(setup);
+    report.Sort();
+    return report;
+}
+
+}  // namespace twr

@@ -1,0 +1,145 @@
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/instrument_channels.h"
+#include "halyrigctl/cells.h"
+#include "halyrigctl/channel_names.h"
+#include "halyrigctl/commands.h"
+#include "halyrigctl/explain/source_links.h"
+#include "halyrigctl/explain/value_chain.h"
+#include "halyrigctl/guest.h"
+#include "halyrigctl/json.h"
+
+namespace twr {
+namespace {
+
+struct Explained {
+    ChannelId channel;
+    BoatSlot boat;
+    std::string title;  // for people
+    std::u16string name;
+    Links links;
+};
+
+// The channels that the bridge feeds or shows, in the order of the mapping.
+std::vector<std::pair<ChannelId, BoatSlot>> MappedChannels(const CoreRecord& record, const MappingLook& look) {
+    std::vector<std::pair<ChannelId, BoatSlot>> mapped;
+    const auto add = [&](std::int32_t channel, std::int32_t boat) {
+        const std::pair place(static_cast<ChannelId>(channel), static_cast<BoatSlot>(boat));
+        if (std::ranges::find(mapped, place) == mapped.end()) mapped.push_back(place);
+    };
+    if (PositionFromDeckman(record)) {
+        add(kLat, 0);
+        add(kLon, 0);
+    }
+    for (const MappingVar& row : look.meant) add(row.channel, row.boat);
+    for (const MappingRemote& row : look.mapping.remoteRows) add(row.channel, row.boat);
+    return mapped;
+}
+
+// Whether a bridge that runs does not tick, seen over the time of three ticks.
+bool StandsStill(System& system, const std::optional<BridgeStatus>& first) {
+    if (!first) return false;
+    for (int tick = 0; tick < 3; ++tick) system.GetConsole().Wait(100);
+    const auto later = ReadBridgeStatus(system.Core().memory);
+    return later && later->ticks == first->ticks;
+}
+
+// What is wrong and what to do, then each link.
+std::string AsText(const Explained& one) {
+    constexpr std::size_t kNameWidth = 12;
+    const Advice& fault = one.links.Fault();
+    std::string text = one.title + ": " + (fault ? fault.what : "all is well") + "\n";
+    if (!fault.todo.empty()) text += "  " + Padded("to do", kNameWidth) + fault.todo + "\n";
+    for (const Link& link : one.links.All()) {
+        const char* mark = link.state == LinkState::kHolds ? "  " : link.state == LinkState::kBroken ? "x " : "- ";
+        text += mark + Padded(link.name, kNameWidth) + link.says.what + "\n";
+    }
+    return text;
+}
+
+// A line for each channel with a fault, those with the same remedy together; then all that is well.
+std::string AsOverview(std::vector<Explained> left) {
+    std::string well, text;
+    for (const Explained& one : left) {
+        if (!one.links.Fault()) well += (well.empty() ? "" : ", ") + one.title;
+    }
+    std::erase_if(left, [](const Explained& one) { return !one.links.Fault(); });
+    while (!left.empty()) {
+        const std::string todo = left.front().links.Fault().todo;
+        std::erase_if(left, [&](const Explained& one) {
+            if (one.links.Fault().todo != todo) return false;
+            text += one.title + ": " + one.links.Fault().what + "\n";
+            return true;
+        });
+        text += (todo.empty() ? "" : "  to do: " + todo + "\n") + std::string("\n");
+    }
+    return text + (well.empty() ? "" : "all is well: " + well + "\n");
+}
+
+std::string AsJson(const Explained& one) {
+    const auto textOrNull = [](const std::string& text) { return Told(!text.empty(), text); };
+    Json links = Json::array();
+    for (const Link& link : one.links.All()) {
+        links.push_back({{"link", link.name},
+                         {"state", link.state == LinkState::kHolds    ? "holds"
+                                   : link.state == LinkState::kBroken ? "broken"
+                                                                      : "behind"},
+                         {"says", link.says.what},
+                         {"toDo", textOrNull(link.says.todo)}});
+    }
+    return JsonLine({{"id", one.channel},
+                     {"name", TextOrNull(one.name)},
+                     {"boat", one.boat},
+                     {"fault", textOrNull(one.links.Fault().what)},
+                     {"toDo", textOrNull(one.links.Fault().todo)},
+                     {"links", links}}) +
+           "\n";
+}
+
+}  // namespace
+
+Status Explain(System& system, const ExplainOptions& options) {
+    Guest guest(system);
+    if (!guest) return kFailed;
+    Console& console = system.GetConsole();
+    Circumstances circumstances(system, guest.Record());
+    circumstances.standsStill = StandsStill(system, circumstances.bridge);
+    std::vector<std::pair<ChannelId, BoatSlot>> wanted;
+    for (const std::string& typed : options.channels) {
+        const auto channel = FindChannel(guest.Core(), typed);
+        if (!channel) {
+            guest.Leave();
+            return ComplainOfChannel(console, typed);
+        }
+        wanted.emplace_back(*channel, options.boat);
+    }
+    if (wanted.empty()) wanted = MappedChannels(guest.Record(), circumstances.TheMapping());
+    std::vector<Explained> all;
+    for (const auto& [channel, boat] : wanted) {
+        const std::string ofBoat = boat > 0 ? " of boat " + std::to_string(boat) : "";
+        all.push_back({channel, boat, ChannelInWords(guest.Core(), channel) + ofBoat, NameForPeople(guest.Core(), channel),
+                       ValueChain(guest.Core(), channel, boat, circumstances)});
+        AddRemoteLinks(all.back().links, guest.Core(), channel, boat, circumstances);
+    }
+    const std::string mapping = Harmless(circumstances.TheMapping().path);
+    guest.Leave();
+    if (all.empty()) {
+        Complain(console, "no line of the mapping (" + mapping + ") can be used; 'halyrigctl check' says why");
+        return kFailed;
+    }
+    std::string text;
+    if (options.json) {
+        for (const Explained& one : all) text += AsJson(one);
+    } else if (options.channels.empty() && !options.links) {
+        text = AsOverview(all);
+    } else {
+        for (const Explained& one : all) text += (text.empty() ? "" : "\n") + AsText(one);
+    }
+    const Status printed = Print(console, text);
+    return std::ranges::any_of(all, [](const Explained& one) { return bool(one.links.Fault()); }) ? kFailed : printed;
+}
+
+}  // namespace twr

@@ -1,0 +1,37 @@
+// The links between Deckman and the record.
+#pragma once
+#include <optional>
+#include <string>
+
+#include "core/core.h"
+#include "core/record_access.h"
+#include "halyrigctl/circumstances.h"
+#include "halyrigctl/explain/links.h"
+
+namespace twr {
+
+// One channel of one boat, as it stands in the record.
+struct Subject {
+    Subject(CCore& ofRecord, ChannelId itsChannel, BoatSlot itsBoat, double now);
+
+    CCore& core;
+    CoreRecord& record;
+    ChannelId channel;  // not an alternating one
+    BoatSlot boat;
+    Entry entry;
+    double stored = kNoValue;   // fresh or not
+    std::optional<double> age;  // seconds since the last publication; nullopt if it was never published
+    std::int32_t limit;         // seconds after which a value is stale; 0 or less for never
+
+    bool IsStale() const { return age && limit > 0 && *age > limit; }
+};
+
+void AddSourceLinks(Links& links, const Subject& subject, Circumstances& circumstances);
+
+// "file:line: "
+std::string PlaceInWords(std::u16string_view path, std::size_t line);
+
+// "HDG (13)"
+std::string ChannelInWords(CCore& core, ChannelId channel);
+
+}  // namespace twr

@@ -1,0 +1,141 @@
+#include "halyrigctl/stream/streamer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/days.h"
+#include "core/record_access.h"
+#include "halyrigctl/channel_names.h"
+#include "streams/json_lines.h"
+#include "streams/nmea.h"
+
+namespace twr {
+namespace {
+
+constexpr int kSliceMs = 100;
+constexpr int kJoinMs = 1000;
+constexpr double kIdle = 10.0 / kSecondsPerDay;  // after which most values are stale
+constexpr double kRate = 10.0, kSentenceRate = 1.0;
+
+// A record lives as long as anyone holds it: without this, a guest would keep the one of programs that have ended long ago.
+bool IsIdle(const CoreRecord& record, const Clock& clock) {
+    return std::fabs(UtcNowDays(clock) - Load(record.fullBlocks[0].time[kTime])) > kIdle;
+}
+
+int PeriodMs(const StreamOptions& options) {
+    const double rate = options.rate.value_or(options.format == StreamFormat::kNmea ? kSentenceRate : kRate);
+    return static_cast<int>(std::lround(1000 / rate));
+}
+
+}  // namespace
+
+Status Streamer::Run(Outlet& outlet) {
+    do {
+        if (!core_ && !Join() && !saysWaiting_ && status_ == kDone) {
+            Complain(system_.GetConsole(),
+                     "there is no record yet, since no program of the suite is publishing; waiting for it. Start " HALYRIG_PROGRAM
+                     ".");
+            saysWaiting_ = true;
+        }
+        if (status_ != kDone) break;
+        Look();
+    } while (outlet.Put(bytes_) && Pause(outlet, core_ ? PeriodMs(options_) : kJoinMs));
+    core_.reset();
+    return status_;
+}
+
+std::string Streamer::Greeting() {
+    std::string greeting;
+    if (options_.format == StreamFormat::kSignalK) AppendSignalKHello(greeting, UtcNowDays(system_.Core().clock));
+    SignalKDeltas fromNow;
+    if (follower_) Append(greeting, follower_->Present(), fromNow);
+    return greeting;
+}
+
+bool Streamer::GoOn() {
+    LeaveIfNeeded();
+    return system_.GetConsole().Wait(0);
+}
+
+// False if there is no record, or none that lasts.
+bool Streamer::Join() {
+    const CoreServices services = system_.Core();
+    auto core = std::make_unique<CCore>(services, Attachment::kOpenOnly);
+    if (!core->View() || core->QuitRequested() || IsIdle(*core->View(), services.clock)) return false;
+    const std::optional<FollowOptions> chosen = Chosen(*core);
+    if (!chosen) return false;
+    core_ = std::move(core);
+    follower_.emplace(*core_, services.clock, *chosen);
+    if (std::exchange(saysWaiting_, false)) Complain(system_.GetConsole(), "the record is there.");
+    return true;
+}
+
+// nullopt, with the status, if there is no such channel.
+std::optional<FollowOptions> Streamer::Chosen(const CCore& core) {
+    FollowOptions chosen{.boat = options_.boat, .all = options_.all};
+    for (const std::string& typed : options_.channels) {
+        const auto channel = FindChannel(core, typed);
+        if (!channel || *channel == kTime) {
+            status_ = ComplainOfChannel(system_.GetConsole(), typed);
+            return std::nullopt;
+        }
+        chosen.channels.push_back(*channel);
+    }
+    return chosen;
+}
+
+void Streamer::LeaveIfNeeded() {
+    if (!core_) return;
+    if (core_->QuitRequested()) {
+        Leave("the suite has been asked to close; waiting for the next record.");
+    } else if (IsIdle(*core_->View(), system_.Core().clock)) {
+        Leave("no program of the suite has published anything for 10 s; waiting for one that does.");
+    }
+}
+
+// The end of all values is written down before the record goes, and the record goes before anything is said: what is held up would
+// hold it too.
+void Streamer::Leave(const char* why) {
+    Append(farewell_, follower_->Gone(), deltas_);
+    follower_.reset();
+    core_.reset();
+    Complain(system_.GetConsole(), why);
+    saysWaiting_ = true;
+}
+
+void Streamer::Look() {
+    bytes_.clear();
+    bytes_.swap(farewell_);
+    if (follower_) Append(bytes_, follower_->Look(), deltas_);
+}
+
+void Streamer::Append(std::string& out, std::span<const Change> changes, SignalKDeltas& deltas) {
+    switch (options_.format) {
+        case StreamFormat::kJson:
+            for (const Change& change : changes) AppendJsonLine(out, change, *core_);
+            break;
+        case StreamFormat::kSignalK:
+            deltas.Append(out, changes, *follower_, *core_->View());
+            break;
+        case StreamFormat::kNmea:
+            AppendSentences(out, *follower_, options_.boat.value_or(0));
+            break;
+    }
+}
+
+bool Streamer::Pause(Outlet& outlet, int milliseconds) {
+    const bool joined = core_ != nullptr;
+    for (; milliseconds > 0; milliseconds -= kSliceMs) {
+        LeaveIfNeeded();
+        if (joined && !core_) return true;  // the end of its values is to be told
+        const int slice = std::min(milliseconds, kSliceMs);
+        if (TimeIsOver() || !system_.GetConsole().Wait(slice)) return false;
+        waited_ += slice;
+        if (milliseconds > kSliceMs && !outlet.Put({})) return false;
+    }
+    LeaveIfNeeded();
+    return !TimeIsOver();
+}
+
+}  // namespace twr

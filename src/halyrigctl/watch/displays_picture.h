@@ -1,0 +1,22 @@
+// The remotes drawn as the displays on the mast.
+#pragma once
+#include <vector>
+
+#include "halyrigctl/watch/remotes.h"
+#include "platform/console_screen.h"
+
+namespace twr {
+
+struct DisplaysPicture {
+    std::vector<ScreenText> texts;  // from row and column 0
+    int rows = 0;
+};
+
+// Within this size, which is at least 1 by 1: framed displays if all fit, else small ones of one line under a heading, with the
+// number of those that are left out.
+DisplaysPicture DrawDisplays(const std::vector<RemoteLine>& remotes, ConsoleSize size);
+
+inline constexpr int kSmallDisplayWidth = 20;
+inline constexpr int kFramedDisplayWidth = 13;
+
+}  // namespace twr

@@ -1,0 +1,138 @@
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/calendar.h"
+#include "base/wide_text.h"
+#include "core/days.h"
+#include "halyrigctl/cells.h"
+#include "halyrigctl/channel_names.h"
+#include "halyrigctl/circumstances.h"
+#include "halyrigctl/commands.h"
+#include "halyrigctl/guest.h"
+#include "halyrigctl/watch/bridge_pulse.h"
+#include "halyrigctl/watch/remotes.h"
+#include "halyrigctl/watch/watch_table.h"
+#include "halyrigctl/watch/watch_view.h"
+#include "halyrigctl/watch/watched_channels.h"
+
+namespace twr {
+namespace {
+
+// The next look may be an hour away, and holding the record until then would keep a request to close alive.
+constexpr int kSliceMs = 100;
+
+// Looks at everything that is shown.
+class Watcher {
+public:
+    Watcher(System& system, Guest& guest, const WatchOptions& options, std::vector<ChannelId> named)
+        : memory_(system.Core().memory),
+          core_(guest.Core()),
+          circumstances_(system, guest.Record()),
+          channels_(core_, options, std::move(named)) {}
+
+    // Times of day as "12:34:56", or with the date.
+    WatchedLook Look(bool dated) {
+        circumstances_.LookAgain();
+        pulse_.Look(circumstances_.bridge, circumstances_.now * kSecondsPerDay);
+        circumstances_.standsStill = pulse_.StandsStill();
+        const double time = core_.ToDisplayTime(circumstances_.now);
+        return {ToUtf8(DateTimeFormat(time, dated ? u"%d-%b-%Y %H:%M:%S" : u"%H:%M:%S")), pulse_.Words(), pulse_.Works(),
+                channels_.Look(circumstances_), ReadRemotes(memory_, circumstances_.settings.dfwFolder)};
+    }
+
+private:
+    SharedMemory& memory_;
+    CCore& core_;
+    Circumstances circumstances_;
+    WatchedChannels channels_;
+    BridgePulse pulse_;
+};
+
+// The first that does not exist is given as `unknown`.
+std::vector<ChannelId> FindChannels(const CCore& core, const std::vector<std::string>& typed, std::optional<std::string>& unknown) {
+    std::vector<ChannelId> channels;
+    for (const std::string& text : typed) {
+        const auto channel = FindChannel(core, text);
+        if (channel) channels.push_back(*channel);
+        if (!channel && !unknown) unknown = text;
+    }
+    return channels;
+}
+
+// Until the user or the suite asks to stop. A key is answered by a look of its own.
+void WatchLive(ConsoleScreen& screen, const CCore& core, Watcher& watcher, const WatchOptions& options) {
+    WatchView view(options.order);
+    int left = 0;
+    while (!core.QuitRequested()) {
+        if (left <= 0) left = options.intervalMs;
+        screen.Draw(view.Draw(watcher.Look(false), screen.Size()));
+        std::optional<char32_t> key;
+        while (left > 0 && !key && !core.QuitRequested()) {
+            const int slice = std::min(left, kSliceMs);
+            key = screen.Wait(slice);
+            if (!key) left -= slice;
+        }
+        if (key && (*key == Key::kStop || !view.OnKey(*key))) return;
+    }
+}
+
+// False as soon as the user or the suite asks to stop.
+bool WaitForNextLook(Console& console, const CCore& core, int milliseconds) {
+    for (; milliseconds > 0; milliseconds -= kSliceMs) {
+        if (core.QuitRequested() || !console.Wait(std::min(milliseconds, kSliceMs))) return false;
+    }
+    return !core.QuitRequested();
+}
+
+std::string PlainText(WatchedLook look, RowOrder order) {
+    Sort(look.rows, order);
+    std::string text = look.clock + "  " + look.bridge + "\n" + PlainTableHeading();
+    for (const WatchedRow& row : look.rows) text += PlainTableRow(row);
+    if (look.rows.empty()) text += std::string(kNothingToShow) + "\n";
+    for (const RemoteLine& remote : look.remotes) {
+        text += "remote " + PaddedLeft(std::to_string(remote.number), 2) + "  " + Padded(remote.name, 10) + remote.value + "\n";
+    }
+    return text + "\n";
+}
+
+Output WatchAsText(Console& console, const CCore& core, Watcher& watcher, const WatchOptions& options) {
+    const auto goOn = [&] { return !core.QuitRequested() && console.Wait(0); };
+    Output output;
+    int shown = 0;
+    do output = console.Write(PlainText(watcher.Look(true), options.order), goOn);
+    while (output == Output::kWritten && ++shown != options.snapshots && WaitForNextLook(console, core, options.intervalMs));
+    return output;
+}
+
+}  // namespace
+
+Status Watch(System& system, const WatchOptions& options) {
+    Guest guest(system);
+    if (!guest) return kFailed;
+    Console& console = system.GetConsole();
+    std::optional<std::string> unknown;
+    auto named = FindChannels(guest.Core(), options.channels, unknown);
+    if (unknown) {
+        guest.Leave();
+        return ComplainOfChannel(console, *unknown);
+    }
+    Output output = Output::kWritten;
+    {
+        Watcher watcher(system, guest, options, std::move(named));
+        // A screen that vanishes with the last snapshot would show nothing.
+        auto screen = options.snapshots ? nullptr : console.TakeScreen();
+        if (screen) {
+            WatchLive(*screen, guest.Core(), watcher, options);
+            guest.Release();
+        } else {
+            output = WatchAsText(console, guest.Core(), watcher, options);
+        }
+    }
+    guest.Leave();
+    return StatusOf(console, output);
+}
+
+}  // namespace twr
