@@ -15,7 +15,10 @@ struct Commands {
     explicit Commands(System& ofUser) : system(ofUser) {}
 
     System& system;
-    CLI::App app{"Looks at the data that the programs of the suite share, and asks them to close.", "halyrigctl"};
+    CLI::App app{
+        "Checks the set-up of the bridge, shows and explains the data that the programs of the suite share, streams and records "
+        "it.",
+        "halyrigctl"};
     TableForm form = TableForm::kText;
     bool live = false;
     GetOptions get;
