@@ -7,8 +7,6 @@
 #include "streams/recording_name.h"
 #include "streams/recording_reader.h"
 #include "streams/recording_writer.h"
-#include "streams/unpacking_source.h"
-#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
@@ -129,8 +127,7 @@ protected:
     }
     // Both tell the same of these changes, from the first on.
     void ExpectTold(const std::vector<Recorded>& read, std::size_t least) {
-        ASSERT_TRUE(read.size() >= least && read.size() <= told.size())
-            << read.size() << " of " << told.size() << ", least " << least;
+        ASSERT_TRUE(read.size() >= least && read.size() <= told.size()) << read.size() << ", least " << least;
         for (std::size_t i = 0; i < read.size(); ++i) {
             const auto& [time, channel, boat, value] = told[i];
             ASSERT_NEAR(time, read[i].change.time, 0.0011 / kSecondsPerDay);
@@ -166,7 +163,7 @@ TEST_F(RecordingTest, KeepsAllUpToTheLastSecondWhereverItIsCut) {
         const std::string bytes = Bytes(path);
         EXPECT_NEAR(2.4, Read(bytes).all.back().seconds, 0.01);
         ExpectTold(Read(bytes).all, told.size());
-        for (int cut = 0; cut < 20; ++cut) {
+        for (int cut = 0; cut < 8; ++cut) {
             const std::size_t size = std::uniform_int_distribution<std::size_t>(0, bytes.size())(random);
             const Read read(bytes.substr(0, size));
             EXPECT_EQ("", read.fault) << size;
@@ -205,24 +202,15 @@ TEST_F(RecordingTest, SaysWhyItCannotWrite) {
     EXPECT_TRUE(seconds > 0 && seconds < 5) << seconds;
     EXPECT_EQ(0u, writer.Fault().find("can't be written any more: the disk is full"));
     EXPECT_FALSE(Record(writer) || writer.Close());
-
-    TestSystem test;
-    RecordingWriter lost(test.system->Core().files, {test.folder.File("missing/file"), false, 0});
-    EXPECT_FALSE(lost.Begin({Now(), Now()}));
-    EXPECT_EQ(0u, lost.Fault().find("can't be made"));
 }
 
-TEST(UnpackingSourceTest, TakesAnyBytes) {
+TEST(RecordingReaderTest, TakesAnyBytes) {
     std::mt19937 random(2);
-    const std::string packed = Packed(std::string(20000, 'x') + Line("01:00:00", 1));
+    const std::string plain = std::string(2000, '\n') + Line("01:00:00", 1), packed = Packed(plain);
     for (int round = 0; round < 300; ++round) {
-        std::string bytes = packed;
-        for (int i = 0; i < 3; ++i) bytes[random() % (round % 2 ? bytes.size() : 24)] = static_cast<char>(random());
-        const auto source = Unpacking(bytes, 1 + random() % 40);
-        char chunk[512];
-        int reads = 0;
-        while (source->Read(chunk, sizeof chunk) > 0) ASSERT_GT(100000, ++reads);
-        EXPECT_EQ(0u, source->Read(chunk, sizeof chunk));
+        std::string bytes = round % 2 ? packed : plain;
+        for (int i = 0; i < 3; ++i) bytes[random() % bytes.size()] = static_cast<char>(random());
+        EXPECT_GE(1u, Read(bytes, 1 + random() % 40).all.size());
     }
 }
 
