@@ -14,6 +14,7 @@ namespace twr {
 namespace {
 
 constexpr std::uint32_t kHighestMmsi = 999999999;
+constexpr std::size_t kRoomForOne = 600;  // bytes: one path with its unit, and the frame of a message
 
 // Empty if the boat can't be named.
 void SetContext(std::string& context, const CoreRecord& record, BoatSlot boat) {
@@ -89,14 +90,20 @@ void SignalKDeltas::AppendBoat(std::string& out, std::span<const Change> changes
         changed_.set(change.channel);
         times_[change.channel] = change.time;
     }
-    updates_.clear();
-    meta_.clear();
-    updateTime_ = -1;
-    for (std::size_t path = 0; path < SignalKPaths().size(); ++path) Collect(path, changes.front().boat, follower);
-    if (updates_.empty()) return;
+    for (std::size_t path = 0; path < SignalKPaths().size(); ++path) {
+        Collect(path, changes.front().boat, follower);
+        if (updates_.size() + meta_.size() > kLongestMessage - kRoomForOne) CloseMessage(out);
+    }
+    if (!updates_.empty()) CloseMessage(out);
+}
+
+void SignalKDeltas::CloseMessage(std::string& out) {
     ((out += R"({"context":")") += context_) += R"(","updates":[)";
     if (!meta_.empty()) ((out += R"({"$source":"halyrig","meta":[)") += meta_) += "]},";
     (out += updates_) += "]}]}\n";
+    updates_.clear();
+    meta_.clear();
+    updateTime_ = -1;
 }
 
 // The time of the latest part that has changed; nullopt if none has.

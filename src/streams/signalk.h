@@ -21,9 +21,12 @@ void AppendSignalKHello(std::string& out, double now);
 // so are directions from true north while the variation is unknown. The unit of a path goes with its first value.
 class SignalKDeltas {
 public:
+    // Of a message, in bytes: a datagram holds it, and a reader that gives up on longer lines is not met.
+    static constexpr std::size_t kLongestMessage = 1400;
+
     SignalKDeltas() : state_(kBoatCount * SignalKPaths().size()) {}
 
-    // Appends a message for each boat of which there is something to tell. `changes` as the follower has just given them.
+    // Appends messages for each boat of which there is something to tell. `changes` as the follower has just given them.
     void Append(std::string& out, std::span<const Change> changes, const Follower& follower, const CoreRecord& record);
 
 private:
@@ -33,6 +36,7 @@ private:
     };
 
     void AppendBoat(std::string& out, std::span<const Change> changes, const Follower& follower);
+    void CloseMessage(std::string& out);
     std::optional<double> ChangedAt(const SignalKPath& path) const;
     void Collect(std::size_t index, BoatSlot boat, const Follower& follower);
     void CollectMeta(const SignalKPath& path);

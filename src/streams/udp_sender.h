@@ -17,10 +17,10 @@ public:
     UdpSender();
     ~UdpSender() override;
 
-    // Empty, or why nothing can be sent and what to do.
-    std::string Open(const Endpoint& to);
+    // Empty, or why nothing can be sent and what to do. Lines go together as far as they fit so many bytes; 0 for each by itself.
+    std::string Open(const Endpoint& to, std::size_t fits = kUsualDatagram);
 
-    // Sends whole lines, as many together as fit a datagram. Always true: what the network doesn't take now is lost, as with UDP
+    // Sends whole lines. Always true: what the network doesn't take now is lost, as with UDP
     // it may be anywhere.
     bool Put(std::string_view lines) override;
 

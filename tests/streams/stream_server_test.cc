@@ -161,12 +161,16 @@ TEST(UdpSender, SendsWholeLines) {
     asio::io_context context;
     udp::socket receiver(context, udp::endpoint(asio::ip::address_v4::loopback(), 0));
     receiver.non_blocking(true);
-    UdpSender sender;
-    ASSERT_EQ("", sender.Open({"127.0.0.1", receiver.local_endpoint().port()}));
+    UdpSender sender, singly;
+    const Endpoint at{"127.0.0.1", receiver.local_endpoint().port()};
+    ASSERT_EQ("", sender.Open(at));
+    ASSERT_EQ("", singly.Open(at, 0));
     std::string lines, got;
     for (int i = 0; i < 20; ++i) lines += std::string(98, 'x') + "\r\n";
     lines += std::string(3000, 'y') + "\r\nlast\r\n";
     EXPECT_TRUE(sender.Put(lines));
+    EXPECT_TRUE(singly.Put("a\nbc\n"));
+    lines += "a\nbc\n";
     std::vector<std::size_t> sizes;
     EXPECT_TRUE(Until([&] {
         char datagram[8192];
@@ -175,7 +179,7 @@ TEST(UdpSender, SendsWholeLines) {
         if (!none) sizes.push_back(size);
         return got.append(datagram, size).size() >= lines.size();
     }));
-    EXPECT_EQ(sizes, (std::vector<std::size_t>{1400, 600, 3002, 6}));
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{1400, 600, 3002, 6, 2, 3}));
     EXPECT_EQ(got, lines);
 }
 
