@@ -78,7 +78,7 @@ TEST_F(RecordTest, WhatIsReplayedIsRecordedTheSame) {
         if (look % 7 == 0) Publish(kBsp, 6 + look / 128.0);
         if (look % 10 == 0) Publish(kHdg, std::fmod(350.1 + look, 360));
         if (look % 10 == 5) Publish(kAwa, 30 + look / 8.0);
-        if (look < 100) Publish(kMastAng, 7.5);  // goes stale
+        if (look < 98) Publish(kMastAng, 7.5);  // goes stale 10 s later or a look after, when nothing else is told
         if (look == 150) suite->SetChannel(kHdg, 0, kNoValue, 0.0);
     });
     const auto first = Read("sea");
