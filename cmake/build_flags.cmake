@@ -7,7 +7,9 @@ target_compile_options(halyrig_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
     # No fused multiply-add: every build gives the same number.
     -ffp-contract=off
-    -fstack-protector-strong)
+    -fstack-protector-strong
+    # The same bytes wherever the sources are; scripts/reproduce compares.
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 wrongly reports an overlap in `"literal" + string`.
     target_compile_options(halyrig_flags INTERFACE -Wno-restrict)
@@ -20,7 +22,8 @@ if(WIN32)
     target_compile_options(halyrig_flags INTERFACE -msse2 -mfpmath=sse)
     target_compile_definitions(halyrig_flags INTERFACE
         UNICODE _UNICODE WINVER=0x0601 _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=1 TWR_EXPORT_CALL=__stdcall)
-    target_link_options(halyrig_flags INTERFACE -static -fstack-protector-strong -Wl,--nxcompat -Wl,--dynamicbase)
+    target_link_options(halyrig_flags INTERFACE -static -fstack-protector-strong -Wl,--nxcompat -Wl,--dynamicbase
+        -Wl,--no-insert-timestamp)
     if(CMAKE_BUILD_TYPE STREQUAL "Release")
         target_link_options(halyrig_flags INTERFACE -s)
     endif()

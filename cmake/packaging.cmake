@@ -40,6 +40,10 @@ install_packed(packaging/man/halyrigctl.1 halyrigctl.1 ${CMAKE_INSTALL_MANDIR}/m
 get_property(package_files GLOBAL PROPERTY package_files)
 add_custom_target(package_files DEPENDS ${package_files})
 
+# Whatever the umask of who makes the package.
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME halyrig)
 set(CPACK_PACKAGE_VENDOR "The Halyrig authors")

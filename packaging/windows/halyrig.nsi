@@ -4,6 +4,7 @@ Unicode true
 !include Sections.nsh
 SetCompressor /SOLID lzma
 RequestExecutionLevel user
+SetDateSave off ; the same files give the same installer, whenever they were built
 
 Name "Halyrig ${VERSION}"
 OutFile "${OUTPUT}"
