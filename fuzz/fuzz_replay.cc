@@ -5,8 +5,8 @@
 
 #include "halyrigctl/stream/nmea_log.h"
 #include "halyrigctl/stream/replayer.h"
+#include "kept_core.h"
 #include "streams/recording_reader.h"
-#include "support/fakes.h"
 
 namespace {
 
@@ -18,7 +18,9 @@ std::unique_ptr<twr::UnpackingSource> Open(twr::Files& files) {
 
 // A file that is to be replayed, packed or not: what comes of it is in its order and in the bounds of the record.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    twr::testing::FakeMachine machine;
+    static twr::testing::KeptCore kept;
+    kept.Reset();
+    twr::testing::FakeMachine& machine = kept.machine;
     machine.files.files.push_back({u"/file", std::string(reinterpret_cast<const char*>(data), size)});
     const twr::LogForm form = twr::FormOf(*Open(machine.files));
     std::unique_ptr<twr::RecordedSource> log;
@@ -27,8 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     } else {
         log = std::make_unique<twr::NmeaLog>(Open(machine.files), form == twr::LogForm::kNmeaWithClock);
     }
-    twr::CCore core(machine.Services());
-    twr::Replayer replayer(core, *log, {}, {});
+    twr::Replayer replayer(kept.core, *log, {}, {});
     double due = 0.0;
     for (int step = 0; step < 100 && replayer.PlayTo(due) != twr::Replayer::Result::kEnded; ++step) {
         // What is published at once is at most behind.

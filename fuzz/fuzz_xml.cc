@@ -1,35 +1,40 @@
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <iterator>
 #include <string>
 
 #include "base/wide_text.h"
-#include "core/core.h"
+#include "kept_core.h"
 #include "mapping/mapping_file.h"
 #include "mapping/mapping_text.h"
-#include "platform/linux/services.h"
-#include "support/fakes.h"
+#include "platform/linux/xml/xml_reader.h"
 
 namespace {
 
-// The one XML file of this machine, whatever path is asked for. It has no name, so that runs side by side don't meet.
+// Bytes in memory.
+class Bytes : public twr::ByteSource {
+public:
+    explicit Bytes(std::string_view bytes) : rest_(bytes) {}
+    std::size_t Read(char* to, std::size_t room) override {
+        const std::size_t count = rest_.copy(to, room);
+        rest_.remove_prefix(count);
+        return count;
+    }
+
+private:
+    std::string_view rest_;
+};
+
+// The one XML file of this machine, whatever path is asked for.
 class OneFile : public twr::Xml {
 public:
-    explicit OneFile(std::string_view bytes) : file_(memfd_create("xml", 0)) {
-        if (write(file_, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) __builtin_trap();
-    }
-    ~OneFile() override { close(file_); }
+    explicit OneFile(std::string_view document = {}) : document(document) {}
 
     std::unique_ptr<twr::XmlReader> OpenReader(std::u16string_view) override {
-        return xml_->OpenReader(twr::FromBytes("/proc/self/fd/" + std::to_string(file_)));
+        return twr::ReadXml(std::make_unique<Bytes>(document));
     }
     std::unique_ptr<twr::XmlWriter> OpenWriter(std::u16string_view) override { return nullptr; }
 
-private:
-    const std::unique_ptr<twr::Xml> xml_ = twr::MakeXml();
-    const int file_;
+    std::string_view document;
 };
 
 // How a document may begin, so that not every attribute must be found behind the right root and the right element.
@@ -63,13 +68,15 @@ void CheckElementsAreFound(const std::string& document) {
     };
     if (!spans || !std::ranges::equal(*spans, names, agrees)) __builtin_trap();
     for (const char* kind : {"var", "remote"}) {
-        OneFile longer(twr::WithElement(document, *spans, kind, "<added/>"));
+        const std::string withOne = twr::WithElement(document, *spans, kind, "<added/>");
+        OneFile longer(withOne);
         const auto now = NamesIn(longer, sound);
         if (!sound || now.size() != names.size() + 1) __builtin_trap();
     }
     for (std::size_t i = 0; i < spans->size(); ++i) {
         if (!twr::IsRemovable(document, *spans, i)) continue;
-        OneFile shorter(twr::WithoutElements(document, *spans, {i}));
+        const std::string withoutOne = twr::WithoutElements(document, *spans, {i});
+        OneFile shorter(withoutOne);
         const auto now = NamesIn(shorter, sound);
         if (!sound || now.size() != names.size() - 1) __builtin_trap();
     }
@@ -81,28 +88,31 @@ void CheckElementsAreFound(const std::string& document) {
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     const std::string document = Document(data, size);
     CheckElementsAreFound(document);
-    OneFile xml(document);
+    static OneFile xml;
+    static twr::testing::KeptCore kept(&xml);
+    kept.Reset();
+    xml.document = document;
 
     std::vector<twr::MappingVar> catalogue(1);
     catalogue[0].dfwId = 1;
     catalogue[0].dfwName = u"BSP";
-    twr::CollectedFindings heard;
-    const twr::Mapping mapping = twr::LoadMapping(xml, u"", catalogue, &heard);
+    const twr::Mapping mapping = twr::LoadMapping(xml, u"", catalogue, &kept.heard);
     const auto check = [](const auto& row) {
         if (row.channel < 0 || row.channel > 413 || row.boat < 0 || row.boat > 99) __builtin_trap();
     };
     for (const twr::MappingVar& row : mapping.varRows) check(row);
     for (const twr::MappingRemote& row : mapping.remoteRows) check(row);
 
-    twr::testing::FakeMachine machine;
-    const twr::CoreServices fakes = machine.Services();
-    twr::CCore core({fakes.clock, fakes.zone, fakes.memory, fakes.registry, fakes.files, xml, fakes.desktop, &heard});
+    twr::CCore& core = kept.core;
+    core.LoadBoatsFile();
+    core.LoadChannelsFile();
     for (const twr::BoatRow& boat : core.View()->boats) {
         if (boat.name[31] != 0 || boat.colour > 0xFFFFFF) __builtin_trap();
     }
     // A user channel's type and decimals are whatever the file says, and its text must still be had.
     for (twr::ChannelId channel = twr::kUser0; channel <= twr::kUser31; ++channel) {
         const twr::ChannelRow& row = core.View()->channels[channel];
+        if (kept.IsPristine(&row, sizeof row)) continue;
         if (row.prec > 255 || row.userName[31] != 0 || row.userShortName[15] != 0) __builtin_trap();
         core.ChannelText(channel, -123.456);
         core.RemoteLabel(channel);

@@ -12,7 +12,7 @@ namespace twr::testing {
 class KeptCore {
 public:
     // `xml` in place of the machine's, which reads nothing.
-    explicit KeptCore(Xml* xml = nullptr) : core(WithXml(machine.Services(), xml)) {}
+    explicit KeptCore(Xml* xml = nullptr) : core(Services(xml)) {}
 
     // As a new record is, so that an input does the same after any other.
     void Reset() {
@@ -20,6 +20,7 @@ public:
         machine.clock.ticks = FakeClock().ticks;
         machine.files.files.clear();
         machine.files.folders.clear();
+        heard.found.clear();
     }
 
     // Whether these bytes of the record are as in a new one.
@@ -29,11 +30,13 @@ public:
     }
 
     FakeMachine machine;
+    CollectedFindings heard;  // of the core's own readers
     CCore core;
 
 private:
-    static CoreServices WithXml(const CoreServices& fakes, Xml* xml) {
-        return {fakes.clock, fakes.zone, fakes.memory, fakes.registry, fakes.files, xml ? *xml : fakes.xml, fakes.desktop};
+    CoreServices Services(Xml* xml) {
+        return {machine.clock,   machine.zone, machine.memory, machine.registry, machine.files, xml ? *xml : machine.xml,
+                machine.desktop, &heard};
     }
     std::vector<char> CopyOfRecord() const {
         const auto* const bytes = reinterpret_cast<const char*>(core.View());

@@ -1,3 +1,5 @@
+#include "platform/linux/xml/xml_reader.h"
+
 #include <expat.h>
 
 #include <algorithm>
@@ -108,13 +110,17 @@ class XmlFiles final : public Xml {
 public:
     std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) override {
         auto source = MakeFiles({})->Open(path);
-        return source ? std::make_unique<ExpatReader>(std::move(source)) : nullptr;
+        return source ? ReadXml(std::move(source)) : nullptr;
     }
 
     std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view path) override { return OpenXmlWriter(path); }
 };
 
 }  // namespace
+
+std::unique_ptr<XmlReader> ReadXml(std::unique_ptr<ByteSource> document) {
+    return std::make_unique<ExpatReader>(std::move(document));
+}
 
 std::unique_ptr<Xml> MakeXml() { return std::make_unique<XmlFiles>(); }
 
