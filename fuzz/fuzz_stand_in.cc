@@ -12,12 +12,13 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     if (settings.speed < 0.1 || settings.speed > 100.0 || settings.startLead < 10 || settings.startLead > 3600) __builtin_trap();
 
     twr::RecordingReplay replay(files, u"/file");
-    // A recording begins anew a second after its end, so long steps would play a short one again and again.
-    for (const double step : {0.1, 1.0, 10.0}) {
+    // Long steps would play a short recording, which begins anew a second after its end, again and again; so it is taken away.
+    for (const double step : {0.1, 1.5, 100.0}) {
+        if (step > 2.0) files.files.clear();
+        replay.Advance(step);
         for (std::size_t quantity = 0; quantity < twr::kQuantityCount; ++quantity) {
             if (!(std::abs(replay.Now()[static_cast<twr::Quantity>(quantity)]) <= twr::kAbsent)) __builtin_trap();
         }
-        replay.Advance(step);
     }
     return 0;
 }

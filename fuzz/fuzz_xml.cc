@@ -37,15 +37,17 @@ public:
     std::string_view document;
 };
 
-// How a document may begin, so that not every attribute must be found behind the right root and the right element.
-constexpr const char* kBeginnings[] = {"", "<boats><boat id=\"1\" ", "<channels><channel id=\"172\" ", "<halyrig><var ",
-                                       "<halyrig><remote "};
-
-// The first byte chooses the beginning.
-std::string Document(const unsigned char* data, std::size_t size) {
-    if (size == 0) return {};
-    return kBeginnings[*data % std::size(kBeginnings)] + std::string(reinterpret_cast<const char*>(data) + 1, size - 1);
-}
+// How a document may begin, so that not every attribute must be found behind the right root and the right element, and which files
+// it is then read as.
+struct Beginning {
+    const char* text;
+    bool mapping, boats, channels;
+};
+constexpr Beginning kBeginnings[] = {{"", true, true, true},
+                                     {"<boats><boat id=\"1\" ", false, true, false},
+                                     {"<channels><channel id=\"172\" ", false, false, true},
+                                     {"<halyrig><var ", true, false, false},
+                                     {"<halyrig><remote ", true, false, false}};
 
 std::vector<std::u16string> NamesIn(twr::Xml& xml, bool& sound) {
     std::vector<std::u16string> names;
@@ -82,40 +84,51 @@ void CheckElementsAreFound(const std::string& document) {
     }
 }
 
-}  // namespace
-
-// The mapping file, and the boats and channels of a new record.
-extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    const std::string document = Document(data, size);
-    CheckElementsAreFound(document);
-    static OneFile xml;
-    static twr::testing::KeptCore kept(&xml);
-    kept.Reset();
-    xml.document = document;
-
+void ReadMapping(twr::Xml& xml, twr::Findings& heard) {
     std::vector<twr::MappingVar> catalogue(1);
     catalogue[0].dfwId = 1;
     catalogue[0].dfwName = u"BSP";
-    const twr::Mapping mapping = twr::LoadMapping(xml, u"", catalogue, &kept.heard);
+    const twr::Mapping mapping = twr::LoadMapping(xml, u"", catalogue, &heard);
     const auto check = [](const auto& row) {
         if (row.channel < 0 || row.channel > 413 || row.boat < 0 || row.boat > 99) __builtin_trap();
     };
     for (const twr::MappingVar& row : mapping.varRows) check(row);
     for (const twr::MappingRemote& row : mapping.remoteRows) check(row);
+}
 
-    twr::CCore& core = kept.core;
+void ReadBoats(twr::CCore& core) {
     core.LoadBoatsFile();
-    core.LoadChannelsFile();
     for (const twr::BoatRow& boat : core.View()->boats) {
         if (boat.name[31] != 0 || boat.colour > 0xFFFFFF) __builtin_trap();
     }
-    // A user channel's type and decimals are whatever the file says, and its text must still be had.
+}
+
+// A user channel's type and decimals are whatever the file says, and its text must still be had.
+void ReadChannels(twr::testing::KeptCore& kept) {
+    kept.core.LoadChannelsFile();
     for (twr::ChannelId channel = twr::kUser0; channel <= twr::kUser31; ++channel) {
-        const twr::ChannelRow& row = core.View()->channels[channel];
+        const twr::ChannelRow& row = kept.core.View()->channels[channel];
         if (kept.IsPristine(&row, sizeof row)) continue;
         if (row.prec > 255 || row.userName[31] != 0 || row.userShortName[15] != 0) __builtin_trap();
-        core.ChannelText(channel, -123.456);
-        core.RemoteLabel(channel);
+        kept.core.ChannelText(channel, -123.456);
+        kept.core.RemoteLabel(channel);
     }
+}
+
+}  // namespace
+
+// The mapping file, and the boats and channels of a new record. The first byte chooses the beginning.
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    static OneFile xml;
+    static twr::testing::KeptCore kept(&xml);
+    kept.Reset();
+    if (size == 0) return 0;
+    const Beginning& beginning = kBeginnings[*data % std::size(kBeginnings)];
+    const std::string document = beginning.text + std::string(reinterpret_cast<const char*>(data) + 1, size - 1);
+    CheckElementsAreFound(document);
+    xml.document = document;
+    if (beginning.mapping) ReadMapping(xml, kept.heard);
+    if (beginning.boats) ReadBoats(kept.core);
+    if (beginning.channels) ReadChannels(kept);
     return 0;
 }
