@@ -1,5 +1,8 @@
+#include <set>
+#include <string>
 #include <string_view>
 
+#include "base/wide_text.h"
 #include "core/core.h"
 #include "platform/linux/registry/registry_text.h"
 #include "support/fakes.h"
@@ -11,11 +14,14 @@ constexpr char16_t kKey[] = u"HKEY_CURRENT_USER\\Software\\Tidewright\\core";
 // The registry that the text makes.
 class TextRegistry : public twr::Registry {
 public:
-    explicit TextRegistry(const twr::RegistryText& text) : text_(text) {}
+    // The names beforehand, since most of the settings are in hardly any text.
+    explicit TextRegistry(const twr::RegistryText& text) : text_(text) {
+        for (const std::u16string& name : text.Names(kKey)) names_.insert(twr::UpperCase(name));
+    }
 
     bool OpenOrCreate(std::u16string_view) override { return true; }
     std::optional<twr::RegistryValue> Read(std::u16string_view, std::u16string_view name) const override {
-        return text_.Find(kKey, name);
+        return names_.contains(twr::UpperCase(name)) ? text_.Find(kKey, name) : std::nullopt;
     }
     bool Write(std::u16string_view, std::u16string_view, const twr::RegistryValue&) override { return false; }
     std::vector<std::u16string> Names(std::u16string_view) const override { return text_.Names(kKey); }
@@ -25,6 +31,7 @@ public:
 
 private:
     const twr::RegistryText& text_;
+    std::set<std::u16string> names_;
 };
 
 // Memory that is new to each core, but still holds what the one before has left: filling a record writes all that is read.
