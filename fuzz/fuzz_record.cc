@@ -4,6 +4,7 @@
 #include <iterator>
 #include <limits>
 
+#include "core/units.h"
 #include "kept_core.h"
 #include "reading_model.h"
 
@@ -174,15 +175,20 @@ private:
     void Convert() {
         const std::uint32_t channel = input_.Channel();
         const std::uint32_t boat = input_.Boat();
-        const double value = input_.Value(), variation = input_.Value();
+        double value = input_.Value();
+        const double variation = input_.Value();
         Agree("ApplyVariation", core_.ApplyVariation(value, boat), model_.WithVariation(value, boat));
         Agree("ToDisplayUnits", core_.ToDisplayUnits(channel, value, variation), model_.InUserUnit(channel, value, variation));
+        core_.NormaliseValue(channel, value);
     }
 
     void MakeTexts() {
         const std::uint32_t channel = input_.Channel();
         core_.ChannelText(channel, input_.Value());
-        core_.TimeText(input_.Value());
+        const double time = input_.Value();
+        core_.TimeText(time);
+        core_.ToDisplayTime(time);
+        twr::UnitLabel(static_cast<std::int16_t>(channel % 24), twr::UnitSettingsOf(*core_.View()));
         if (core_.ChannelName(channel).size() > 16 || core_.RemoteLabel(channel).size() > 8) __builtin_trap();
         if (core_.GetDataFolder(u"").size() > 260) __builtin_trap();
         core_.GetDatabasePath();

@@ -1,6 +1,8 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "base/wide_text.h"
 #include "core/core.h"
@@ -61,7 +63,7 @@ void LoadSettings(const twr::RegistryText& text) {
     TextRegistry registry(text);
     static twr::testing::FakeMachine machine;
     static ReusedMemory memory;
-    machine.files.folders.clear();
+    machine.files.folders = {u"/data"};
     const twr::CoreServices fakes = machine.Services();
     const twr::CCore core({fakes.clock, fakes.zone, memory, registry, fakes.files, fakes.xml, fakes.desktop, &heard});
     const twr::CoreRecord& record = *core.View();
@@ -74,9 +76,17 @@ void LoadSettings(const twr::RegistryText& text) {
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     twr::RegistryText text(std::string_view(reinterpret_cast<const char*>(data), size));
     LoadSettings(text);
-    text.Set(kKey, u"Sys_v0", twr::StringValue(u"1"));
+    text.AddKey(kKey);
+    const std::pair<std::u16string, twr::RegistryValue> settings[] = {
+        {u"Sys_v0", twr::StringValue(u"1")},
+        {u"Sys_i6", twr::DwordValue(3)},
+        {u"", {twr::kRegistryBinary, std::vector<std::uint8_t>(40, 0xA5)}},
+    };
+    for (const auto& [name, value] : settings) text.Set(kKey, name, value);
     // What was set is found again, whatever stood there before.
     const twr::RegistryText again(text.Bytes());
-    if (again.Find(kKey, u"Sys_v0") != twr::StringValue(u"1")) __builtin_trap();
+    for (const auto& [name, value] : settings) {
+        if (again.Find(kKey, name) != value || again.DamagedLine(kKey, name)) __builtin_trap();
+    }
     return 0;
 }

@@ -29,12 +29,16 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     } else {
         log = std::make_unique<twr::NmeaLog>(Open(machine.files), form == twr::LogForm::kNmeaWithClock);
     }
-    twr::Replayer replayer(kept.core, *log, {}, {});
+    twr::Put(kept.core.View()->sysFlag[twr::kFlagMastAngle], std::uint8_t{1});
+    // The last byte says whether it is played from a time of day on.
+    const bool later = size > 0 && data[size - 1] % 2 == 1;
+    twr::Replayer replayer(kept.core, *log, {}, later ? *twr::ParseReplayStart("12:00") : twr::ReplayStart{});
     double due = 0.0;
     for (int step = 0; step < 100 && replayer.PlayTo(due) != twr::Replayer::Result::kEnded; ++step) {
         // What is published at once is at most behind.
         if (!std::isfinite(replayer.Due()) || replayer.Due() < 0.0) __builtin_trap();
         due = std::max(due, replayer.Due());
     }
+    log->Fault();
     return 0;
 }
