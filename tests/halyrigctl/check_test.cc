@@ -1,7 +1,6 @@
 // Set-ups with one fault each: what is said of it first, and that nothing is changed by looking.
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
@@ -18,11 +17,6 @@ constexpr const char* kMapping = "ProgramData/Tidewright/instruments/halyrig.xml
 constexpr const char* kList = "Deckman/Data/J_vars06.d";
 const std::string kLibrary = "Deckman/ShDfW2" + std::string(kLibrarySuffix.begin(), kLibrarySuffix.end());
 const bool kRegistryIsAFile = kPathSeparator == u'/';
-
-std::string BytesOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class CheckTest : public CtlTest {
 protected:

@@ -1,6 +1,5 @@
 // For each reason the real bridge over the stand-in is brought to it, and the reason is seen first, and no other.
 #include <filesystem>
-#include <fstream>
 
 #include "bridge/bridge_fixture.h"
 #include "halyrigctl/ctl_fixture.h"
@@ -8,11 +7,6 @@
 
 namespace twr::testing {
 namespace {
-
-std::string BytesOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class ExplainTest : public BridgeTest {
 protected:

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 
 #include "platform/paths.h"
@@ -11,11 +10,6 @@
 
 namespace twr::testing {
 namespace {
-
-std::string BytesOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // A library's header says for which machine it is, and that it is no program.
 struct Header {

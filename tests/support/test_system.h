@@ -36,6 +36,9 @@ private:
     const std::filesystem::path path_;
 };
 
+// The bytes of a file; empty when there is none.
+std::string BytesOf(const std::filesystem::path& path);
+
 // Letters and digits that no other running test has.
 std::string UniqueName();
 
