@@ -1,4 +1,5 @@
 // The text of a channel's value.
+#include <algorithm>
 #include <cmath>
 #include <span>
 
@@ -14,6 +15,7 @@ namespace twr {
 namespace {
 
 constexpr std::uint16_t kNoFixedPrec = 255;
+constexpr unsigned kMostDecimals = 1074;  // behind them every double has zeros only
 
 constexpr const char16_t* kGpsMethods[] = {u"No GPS", u"GPS", u"DGPS", u"PGPS", u"RTK", u"RTK", u"DR", u"Manual", u"Simulate"};
 constexpr const char16_t* kGpsModes[] = {u"1D", u"2D", u"3D", u"Auto", nullptr, nullptr, u"Error", u"Null"};
@@ -43,14 +45,23 @@ std::u16string_view SideSuffix(ChannelId channel, double value) {
     }
 }
 
+std::string FormatOf(std::int16_t type, unsigned prec) {
+    if (type == kTypeBearing) return prec == 0 ? "%03.0lf" : Printed("%%0%u.%ulf", prec + 4, prec);
+    return prec == kNoFixedPrec ? "%lf" : Printed("%%.%ulf", prec);
+}
+
+// Up to 65535 decimals, which another program may ask for; printing all of them would take milliseconds.
+std::u16string NumberText(std::int16_t type, unsigned prec, double value) {
+    const unsigned printed = std::isfinite(value) ? std::min(prec, kMostDecimals) : prec;
+    return FromBytes(Printed(FormatOf(type, printed).c_str(), value)).append(prec - printed, u'0');
+}
+
 }  // namespace
 
 std::string CCore::ChannelFormat(ChannelId channel) const {
     channel = ResolveAlternate(channel, true);
     if (!view_ || channel >= kChannelCount) return {};
-    const unsigned prec = Load(view_->channels[channel].prec);
-    if (ChannelTypeOf(channel) == kTypeBearing) return prec == 0 ? "%03.0lf" : Printed("%%0%u.%ulf", prec + 4, prec);
-    return prec == kNoFixedPrec ? "%lf" : Printed("%%.%ulf", prec);
+    return FormatOf(ChannelTypeOf(channel), Load(view_->channels[channel].prec));
 }
 
 std::u16string CCore::ChannelText(ChannelId channel, double value) const {
@@ -85,9 +96,10 @@ std::u16string CCore::ChannelText(ChannelId channel, double value) const {
             break;
     }
     const std::u16string_view suffix = SideSuffix(channel, value);
-    std::u16string format = FromBytes(ChannelFormat(channel));
-    format += suffix;
-    return FromBytes(Printed(ToBytes(format).c_str(), suffix.empty() ? value : std::fabs(value)));
+    const ChannelId formatted = ResolveAlternate(channel, true);  // an alternating channel may stand for another one
+    if (formatted >= kChannelCount) return std::u16string(suffix);
+    const unsigned prec = Load(view_->channels[formatted].prec);
+    return NumberText(ChannelTypeOf(formatted), prec, suffix.empty() ? value : std::fabs(value)).append(suffix);
 }
 
 }  // namespace twr

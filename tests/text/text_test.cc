@@ -5,6 +5,7 @@
 
 #include "base/calendar.h"
 #include "base/no_value.h"
+#include "base/printed.h"
 #include "base/wide_text.h"
 #include "platform/paths.h"
 #include "support/core_fixture.h"
@@ -121,6 +122,9 @@ TEST_F(ChannelTextTest, TakesAnyNumber) {
     for (const ChannelId channel : {kTwd, kBsp, kMagVar}) {
         Prec(channel, 65534);
         EXPECT_LE(Text(channel, -1e308).size(), 66000u);
+        const std::string tenth =
+            Printed(channel == kTwd ? "%065538.65534lf" : "%.65534lf", 0.1) + (channel == kMagVar ? "°e" : "");
+        EXPECT_TRUE(tenth == Text(channel, 0.1)) << channel;  // too long to be shown
     }
 }
 
