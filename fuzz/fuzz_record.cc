@@ -21,7 +21,7 @@ constexpr std::uint32_t kChannels[] = {0,   1,   2,   4,   7,   13,  18,  24,  3
 constexpr std::uint32_t kBoats[] = {0, 0, 1, 2, 3, 98, 99, 100, 0xFFFFFFFF};
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kValues[] = {0.0,   -0.0,  1.0,   -1.0,    30.0,    -40.0, 90.0,   -90.0, 100.0,    179.5,  -180.5,  181.0,
-                              355.0, 360.0, 721.0, 32767.0, 32412.0, 1e308, -1e308, kNan,  INFINITY, 5e-324, 46345.5, 0.05};
+                              355.0, 360.0, 721.0, 32767.0, 32412.0, 1e308, -1e308, kNan,  INFINITY, 5e-324, 46345.5, 110.0};
 constexpr double kAges[] = {0.0, 1.0, 2.0, 9.0, 10.0, 11.0, -10.0, 60.0, 3600.0, 32767.0, 40000.0, 1e9};  // seconds
 
 class Input {

@@ -1,3 +1,4 @@
+#include <iterator>
 #include <set>
 #include <string>
 #include <string_view>
@@ -17,23 +18,24 @@ constexpr char16_t kKey[] = u"HKEY_CURRENT_USER\\Software\\Tidewright\\core";
 class TextRegistry : public twr::Registry {
 public:
     // The names beforehand, since most of the settings are in hardly any text.
-    explicit TextRegistry(const twr::RegistryText& text) : text_(text) {
-        for (const std::u16string& name : text.Names(kKey)) names_.insert(twr::UpperCase(name));
+    explicit TextRegistry(const twr::RegistryText& text) : text_(text), names_(text.Names(kKey)) {
+        for (const std::u16string& name : names_) known_.insert(twr::UpperCase(name));
     }
 
     bool OpenOrCreate(std::u16string_view) override { return true; }
     std::optional<twr::RegistryValue> Read(std::u16string_view, std::u16string_view name) const override {
-        return names_.contains(twr::UpperCase(name)) ? text_.Find(kKey, name) : std::nullopt;
+        return known_.contains(twr::UpperCase(name)) ? text_.Find(kKey, name) : std::nullopt;
     }
     bool Write(std::u16string_view, std::u16string_view, const twr::RegistryValue&) override { return false; }
-    std::vector<std::u16string> Names(std::u16string_view) const override { return text_.Names(kKey); }
+    std::vector<std::u16string> Names(std::u16string_view) const override { return names_; }
     twr::RegistryPlace PlaceOf(std::u16string_view, std::u16string_view name) const override {
         return {u"registry.reg", text_.LineOf(kKey, name)};
     }
 
 private:
     const twr::RegistryText& text_;
-    std::set<std::u16string> names_;
+    const std::vector<std::u16string> names_;
+    std::set<std::u16string> known_;  // in upper case
 };
 
 // Memory that is new to each core, but still holds what the one before has left: filling a record writes all that is read.
@@ -59,8 +61,8 @@ private:
 void LoadSettings(const twr::RegistryText& text) {
     twr::CollectedFindings heard;
     text.Check(u"HKEY_CURRENT_USER", {&heard, u"registry.reg"});
-    if (text.Names(kKey).empty()) return;  // the record stays as in the other tests
     TextRegistry registry(text);
+    if (registry.Names(kKey).empty()) return;  // a record without settings is as in other tests
     static twr::testing::FakeMachine machine;
     static ReusedMemory memory;
     machine.files.folders = {u"/data"};
@@ -77,17 +79,16 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     twr::RegistryText text(std::string_view(reinterpret_cast<const char*>(data), size));
     LoadSettings(text);
     text.AddKey(kKey);
-    const std::pair<std::u16string, twr::RegistryValue> settings[] = {
+    static const std::pair<std::u16string, twr::RegistryValue> settings[] = {
         {u"Sys_v0", twr::StringValue(u"1")},
         {u"Sys_i6", twr::DwordValue(3)},
         {u"", {twr::kRegistryBinary, std::vector<std::uint8_t>(40, 0xA5)}},
     };
-    for (const auto& [name, value] : settings) text.Set(kKey, name, value);
+    const auto& [name, value] = settings[size % std::size(settings)];
+    text.Set(kKey, name, value);
     // What was set is found again, whatever stood there before.
     const twr::RegistryText again(text.Bytes());
-    for (const auto& [name, value] : settings) {
-        if (again.Find(kKey, name) != value) __builtin_trap();
-        again.DamagedLine(kKey, name);  // there may be one behind it
-    }
+    if (again.Find(kKey, name) != value) __builtin_trap();
+    again.DamagedLine(kKey, name);  // there may be one behind it
     return 0;
 }
