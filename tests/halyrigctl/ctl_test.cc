@@ -67,7 +67,7 @@ TEST_F(CtlTest, ListsTheBoatsThatHaveSomethingToTell) {
     suite->SetChannel(kHdg, 1, 90.0, UtcNowDays(Core().clock) - 20.0 / 86400);
     suite->SetChannel(kBsp, 1, kNoValue, 0.0);
     suite->StampTime();
-    ExpectIn(Said("boats"), {"\n   0          -  #", "\n   1          -  #", "        -  yes        20.0 s  Boat 1\n",
+    ExpectIn(Said("boats"), {"\n   0          -  #", "\n   1          -  #", "        -  yes        20.", " s  Boat 1\n",
                              "\n   3  011234560  #FF5001   32767 s  -               -  Aurora\n", "  Zephyr\n"});
     EXPECT_EQ(4, listed("boats"));
     EXPECT_EQ(100, listed("boats --all"));
@@ -95,7 +95,7 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
                                                       {kTmOnS, 0.5}, {kSail, 1.0},      {kHdg, 90.0}};
     for (const auto& [channel, value] : published) Publish(channel, value);
     Record().SetFlag(3, false);
-    ExpectSaid(0, {{"get 1", {"channel  1 BSP\nboat     0\nvalue    10 kt\ntext     18.52 km/hr\nage      0.0 s\nlimit    10 s\n"}},
+    ExpectSaid(0, {{"get 1", {"channel  1 BSP\nboat     0\nvalue    10 kt\ntext     18.52 km/hr\nage      0."}},
                    {"get 117", {"value    10 kt\ntext     18.52 km/hr\n"}},
                    {"get 161", {"value    45.2057 \u00B0\ntext     45 12.3420n\n", "limit    none\n"}},
                    {"get magvar", {"value    -3 \u00B0\ntext     3.00\u00B0w\n"}},
@@ -148,8 +148,8 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
                    {"get sog", {"(Sys_i6) is 3, and it is 6"}},
                    {"get rot --boat 5", {"no place"}},
                    {"get tws", {"gives no value"}},
-                   {"get awa", {"stale: last published 20.0 s ago, and the limit is 10 s"}},
-                   {"get hdg --boat 2", {"70.0 s ago, and the limit is 60 s"}},
+                   {"get awa", {"stale: last published 20.", " s ago, and the limit is 10 s"}},
+                   {"get hdg --boat 2", {"last published 70.", "and the limit is 60 s"}},
                    {"get heel", {"blocked"}},
                    {"get aws", {"held: another program of the suite has stopped new values for it (system flag 52)"}},
                    {"get hdg", {"no variation"}},
