@@ -35,9 +35,11 @@ else()
     endif()
 endif()
 
-# Shipped programs are optimised as a whole. Objects also contain plain code, with which the tests are linked.
+# Shipped programs are optimised as a whole. Objects also contain plain code, with which the tests are linked, whose own objects have
+# nothing else: compiling everything twice takes its time.
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(halyrig_flags INTERFACE -flto=auto -ffat-lto-objects)
+    target_compile_options(halyrig_flags INTERFACE $<$<NOT:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>>:-flto=auto>
+        $<$<NOT:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>>:-ffat-lto-objects>)
     target_link_options(halyrig_flags INTERFACE $<IF:$<BOOL:$<TARGET_PROPERTY:HALYRIG_SHIPPED>>,-flto=auto,-fno-lto>)
 endif()
 
