@@ -1,7 +1,9 @@
-// What a boat streams that has a value in every channel, for the scripts that compare it with schemas, decoders and documents:
-//   sample_stream signalk     deltas of boats 0 and 1, of which channel N has the value 1 + N / 128 and its end, and boat 2 has no
-//   MMSI sample_stream nmea        sentences, of 10.5 in most channels sample_stream without     for each channel the sentences
-//   without its value, each behind the channel's number sample_stream paths       the rows of the table of paths
+// What a boat streams that has a value in every channel, for the scripts that compare it with schemas, decoders and documents. The
+// argument says what is printed:
+// - signalk: deltas of boats 0 and 1, of which channel N has the value 1 + N / 128 and its end, and boat 2 has no MMSI
+// - nmea: sentences, of 10.5 in most channels
+// - without: for each channel the sentences without its value, each behind the channel's number
+// - paths: the rows of the table of paths
 #include <cstdio>
 #include <sstream>
 
