@@ -32,12 +32,12 @@ public:
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return real_.ChangedAt(path); }
     void MakeFolder(std::u16string_view path) override { real_.MakeFolder(path); }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override { return real_.Open(path); }
-    bool Append(std::u16string_view path, std::string_view bytes) override {
-        if (!Fails()) return real_.Append(path, bytes);
-        if (!stopped || calls == failing + 1) real_.Append(path, bytes.substr(0, bytes.size() / 2));
-        return false;
+    bool Append(std::u16string_view path, std::string_view bytes) override { return !Fails() && real_.Append(path, bytes); }
+    std::unique_ptr<FileWriter> Create(std::u16string_view path) override {
+        if (!Fails()) return real_.Create(path);
+        if (!stopped || calls == failing + 1) real_.Append(path, "<hal");
+        return nullptr;
     }
-    std::unique_ptr<FileWriter> Create(std::u16string_view path) override { return real_.Create(path); }
     bool Copy(std::u16string_view from, std::u16string_view to) override {
         if (!Fails()) return real_.Copy(from, to);
         if (!stopped || calls == failing + 1) {

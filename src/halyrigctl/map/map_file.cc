@@ -22,6 +22,12 @@ std::string Contents(Files& files, std::u16string_view path) {
     return bytes;
 }
 
+// On the disk before it takes another's place: a power cut leaves the old or the new one.
+bool WriteWhole(Files& files, std::u16string_view path, std::string_view text) {
+    const auto writer = files.Create(path);
+    return writer && writer->Write(text) && writer->Flush();
+}
+
 // Its declaration names UTF-8, or no encoding, or it begins with the mark.
 bool IsDeclaredUtf8(std::string_view text) {
     if (text.starts_with("\xEF\xBB\xBF") || !text.starts_with("<?xml")) return true;
@@ -114,7 +120,7 @@ std::string ReplaceMapFile(const CoreServices& services, const MappingInForce& i
         return what + "; nothing is changed";
     };
     files.Remove(fresh);
-    if (text.empty() || !files.Append(fresh, text))
+    if (text.empty() || !WriteWhole(files, fresh, text))
         return failed("can't write " + Harmless(fresh) + ": the disk may be full, or the folder can't be written");
     if (!IsSame(LoadMapping(services.xml, fresh, inForce.variables.rows), intended))
         return failed("the changed file would not be read as intended; change it in an editor");
