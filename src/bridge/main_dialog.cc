@@ -1,5 +1,8 @@
 #include "bridge/main_dialog.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "base/wide_text.h"
 #include "bridge/about.h"
 #include "bridge/controls.h"
@@ -50,26 +53,67 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
         window_->PostClose();
         return;
     }
-    if (id != timerId_ || !core_.View()) return;
+    if (id != timerId_ || !core_.View() || working_) return;
     status_.Ticked();
     FollowDataFolder();
     if (!library_) return;
     ReadBoxes();
     status_.BoxesInForce(settings_);
-    ReadInstruments();
-    WriteRemotes();  // sees what has just been published
+    Undisturbed([this] {
+        ReadInstruments();
+        WriteRemotes();  // sees what has just been published
+    });
 }
 
 void CHalyrig32Dlg::OnTextChange(int control) {
-    if (control == kFolderField) OnFolderChange();
+    if (control == kFolderField) Raise(Event::kFolderChange);
 }
 
 void CHalyrig32Dlg::OnButton(int control) {
-    if (control == kImportButton) OnImportLegacy();
+    if (control == kImportButton) Raise(Event::kImport);
 }
 
 void CHalyrig32Dlg::OnMenu(int command) {
-    if (command == kAboutCommand) services_.desktop.ShowAbout(kAboutTemplate, AboutText(executable_));
+    if (command == kAboutCommand) Raise(Event::kAbout);
+}
+
+void CHalyrig32Dlg::OnOk() { Raise(Event::kOk); }
+
+void CHalyrig32Dlg::OnCancel() { Raise(Event::kCancel); }
+
+void CHalyrig32Dlg::Raise(Event event) {
+    if (!working_) {
+        Handle(event);
+    } else if (std::ranges::find(waiting_, event) == waiting_.end()) {
+        waiting_.push_back(event);
+    }
+}
+
+void CHalyrig32Dlg::Handle(Event event) {
+    switch (event) {
+        case Event::kFolderChange:
+            return Undisturbed([this] { OnFolderChange(); });
+        case Event::kImport:
+            return OnImportLegacy();
+        case Event::kAbout:
+            return services_.desktop.ShowAbout(kAboutTemplate, AboutText(executable_));
+        case Event::kOk:
+            return LeaveBySaving();
+        case Event::kCancel:
+            return Leave();
+    }
+}
+
+template <class Work>
+void CHalyrig32Dlg::Undisturbed(Work work) {
+    working_ = true;
+    work();
+    working_ = false;
+    if (destroyed_) return UnloadDfwLibrary();
+    // A tick during a box of one of them handles what came during that tick, not those behind the box.
+    for (const Event event : std::exchange(waiting_, {})) {
+        if (!ended_) Handle(event);
+    }
 }
 
 void CHalyrig32Dlg::OnFolderChange() {
@@ -121,18 +165,23 @@ std::u16string CHalyrig32Dlg::MappingPath() { return core_.GetDataFile(u"instrum
 
 // The Close button keeps the settings of the run. Esc and closing the window discard them, unless another program asked it to
 // close.
-void CHalyrig32Dlg::OnOk() {
+void CHalyrig32Dlg::LeaveBySaving() {
     if (!core_.QuitRequested() && !ConfirmExit()) return;
     SaveSettings();
-    window_->End(DialogResult::kOk);
+    End(DialogResult::kOk);
 }
 
-void CHalyrig32Dlg::OnCancel() {
+void CHalyrig32Dlg::Leave() {
     if (core_.QuitRequested()) {
-        OnOk();
+        LeaveBySaving();
     } else if (ConfirmExit()) {
-        window_->End(DialogResult::kCancel);
+        End(DialogResult::kCancel);
     }
+}
+
+void CHalyrig32Dlg::End(DialogResult result) {
+    ended_ = true;
+    window_->End(result);
 }
 
 bool CHalyrig32Dlg::ConfirmExit() {
@@ -150,7 +199,8 @@ void CHalyrig32Dlg::SaveSettings() {
 
 void CHalyrig32Dlg::OnDestroy() {
     if (timerId_ != 0) window_->StopTimer(timerId_);
-    UnloadDfwLibrary();
+    ended_ = destroyed_ = true;
+    if (!working_) UnloadDfwLibrary();
 }
 
 }  // namespace twr

@@ -24,6 +24,8 @@ public:
     // The record asks all programs of the suite to close.
     bool QuitRequested() const { return core_.QuitRequested(); }
 
+    // Deckman's library may run a loop of messages while it is called. Events that arrive by that wait until the work that called
+    // it has ended, each once; ticks are left out. So nothing is freed that is in use.
     void OnInit(DialogWindow& window) override;
     void OnTimer(std::uintptr_t id) override;
     void OnTextChange(int control) override;
@@ -34,6 +36,16 @@ public:
     void OnDestroy() override;
 
 private:
+    enum class Event { kFolderChange, kImport, kAbout, kOk, kCancel };
+
+    // Handles the event, or lets it wait.
+    void Raise(Event event);
+    void Handle(Event event);
+
+    // Runs `work`, which may call the library, then what has come meanwhile.
+    template <class Work>
+    void Undisturbed(Work work);
+
     void OnFolderChange();
     void LoadDfwLibrary();
     void UnloadDfwLibrary();
@@ -59,13 +71,20 @@ private:
     // Copies the current state of the boxes into settings_.
     void ReadBoxes();
 
+    // The ways out, by the default button and by any other.
+    void LeaveBySaving();
+    void Leave();
     bool ConfirmExit();
     void SaveSettings();
+    void End(DialogResult result);
 
     CoreServices services_;
     Executable& executable_;
     DialogWindow* window_ = nullptr;  // while the dialog is open
     std::uintptr_t timerId_ = 0;      // 0: no timer was started
+    bool working_ = false;            // Deckman's library may be running
+    bool ended_ = false, destroyed_ = false;
+    std::vector<Event> waiting_;  // in the order in which they came
     DeckmanLibrary library_;
     CCore core_;
     Settings settings_;  // the folder trimmed

@@ -222,6 +222,48 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
     EXPECT_FALSE(Status()) << "it doesn't run";
 }
 
+TEST_F(DialogTest, WhatComesWhileTheLibraryRunsWaitsForTheEndOfThePass) {
+    const std::u16string second = test.folder.File("Second"), nowhere = test.folder.File("nowhere");
+    deckman.Install(second);
+    Variables("12 BSP\n13 HDG\n");
+    Variables("20 BSP\n21 HDG\n", "Second");
+    test.folder.Write("ProgramData/Tidewright/halyrig/halyrig.csv", "13,1\n");
+    const auto quit = [&] { record.SetFlag(35, true), host.Tick(); };
+    const std::tuple<const char*, std::function<void()>, Reads, std::size_t, std::optional<DialogResult>> rows[] = {
+        {"a tick", [&] { host.Tick(3); }, {12, 13}, 0, {}},
+        {"another folder", [&] { host.PickFolder(second); }, {20, 21}, 0, {}},
+        {"two of them", [&] { host.PickFolder(nowhere), host.PickFolder(second); }, {20, 21}, 0, {}},
+        {"an import", [&] { host.Press(kImportButton); }, {13}, 1, {}},
+        {"close", [&] { host.PressClose(); }, {}, 1, DialogResult::kOk},
+        {"esc, and again, and the import", [&] { host.PressEsc(), host.Press(kImportButton); }, {}, 1, DialogResult::kCancel},
+        {"the request to quit", quit, {}, 0, DialogResult::kOk},
+        {"the end of the session", [&] { host.EndSession(); }, {}, 0, {}}};
+    for (const auto& [name, event, nextReads, boxes, result] : rows) {
+        SCOPED_TRACE(name);
+        MappingXml("<var twr='1' dfw='BSP'/><var twr='13' dfw='HDG'/>");
+        deckman.onRead = [] {};
+        host.answer = [&](const auto&) {
+            deckman.onRead = [] {};
+            EXPECT_EQ((Reads{12, 13}), TickReads()) << "ticks go on";
+            return BoxAnswer::kYes;
+        };
+        Run([&, raise = event, ends = result] {
+            deckman.onRead = [&] {
+                raise();
+                EXPECT_TRUE(deckman.loaded == 1 && !host.result && host.boxes.empty());
+            };
+            deckman.reads.clear();
+            host.Tick();
+            EXPECT_EQ((Reads{12, 13}), Reads(deckman.reads.begin(), deckman.reads.begin() + 2));
+            EXPECT_EQ(ends, host.result);
+            deckman.onRead = [] {};
+            EXPECT_EQ(nextReads, TickReads());
+        });
+        EXPECT_EQ(boxes, host.boxes.size());
+        EXPECT_EQ(0, deckman.loaded);
+    }
+}
+
 TEST_F(DialogTest, ItFollowsTheDataFolderOfTheRecord) {
     Variables("12 X\n13 Y\n");
     MappingXml("<var twr='1' dfw='12'/>");

@@ -30,6 +30,9 @@ public:
     void PressEsc() { dialog_->OnCancel(); }
     void Press(int control) { dialog_->OnButton(control); }
     void Choose(int menuCommand) { dialog_->OnMenu(menuCommand); }
+    void EndSession() {
+        if (Dialog* const open = std::exchange(dialog_, nullptr)) open->OnDestroy();
+    }
     void PickFolder(std::u16string_view folder) { SetText(1000, folder); }
 
     std::optional<DialogResult> result;  // once it has ended by itself
@@ -43,7 +46,7 @@ public:
         result.reset();
         dialog.OnInit(*this);
         if (!quit) script();
-        dialog.OnDestroy();
+        if (dialog_) dialog.OnDestroy();
     }
 
     // DialogWindow

@@ -1,6 +1,7 @@
 // A Deckman library controlled by a test: its variables can be set, its calls are recorded.
 #pragma once
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -28,6 +29,7 @@ public:
     std::set<std::string> missing;  // exports that it lacks
     std::map<int, float> variables;
     float latitude = 0.0f, longitude = 0.0f;
+    std::function<void()> onRead = [] {};  // inside of each reading, as a library that runs a loop of messages
 
     std::vector<int> reads;         // variable numbers, in order
     int positions = 0;              // calls for the position
@@ -49,6 +51,7 @@ private:
 
     static void TWR_EXPORT_CALL Read(std::int32_t variable, float* value) {
         stub_->reads.push_back(variable);
+        stub_->onRead();
         *value = stub_->variables[variable];
     }
     static void TWR_EXPORT_CALL GetPosition(float* north, float* east) {
