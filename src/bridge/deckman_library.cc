@@ -1,7 +1,5 @@
 #include "bridge/deckman_library.h"
 
-#include <string>
-
 #include "platform/paths.h"
 
 namespace twr {
@@ -14,9 +12,13 @@ void Bind(Function& function, const Library& library, const char* name) {
 
 }  // namespace
 
+std::u16string DeckmanLibrary::PathIn(std::u16string_view folder) {
+    return JoinPath(folder, std::u16string(u"ShDfW2").append(kLibrarySuffix));
+}
+
 void DeckmanLibrary::Load(std::u16string_view folder) {
     Unload();
-    library_ = libraries_.Load(JoinPath(folder, std::u16string(u"ShDfW2").append(kLibrarySuffix)));
+    library_ = libraries_.Load(PathIn(folder));
     if (!library_) return;
     Bind(fnSetISName, *library_, "Usr_SetISName");
     Bind(fnSetISData, *library_, "Usr_SetISData");

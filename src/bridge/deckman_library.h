@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "platform/library.h"
@@ -17,6 +18,8 @@ using UsrSetText = void(TWR_EXPORT_CALL*)(std::uint32_t* word, std::int32_t remo
 
 class DeckmanLibrary {
 public:
+    static std::u16string PathIn(std::u16string_view folder);
+
     explicit DeckmanLibrary(Libraries& libraries) : libraries_(libraries) {}
 
     // Frees the library in use and loads the one in `folder`. Functions that it lacks are null; all are if it can't be loaded.

@@ -27,11 +27,23 @@ constexpr BoxOfSetting kBoxes[] = {
     {kTimerCheck, &Settings::useTimer},
 };
 
+class LibraryCall {
+public:
+    explicit LibraryCall(CrashReports& crashes) : crashes_(crashes) { crashes_.Calling(true); }
+    ~LibraryCall() { crashes_.Calling(false); }
+    LibraryCall(const LibraryCall&) = delete;
+    LibraryCall& operator=(const LibraryCall&) = delete;
+
+private:
+    CrashReports& crashes_;
+};
+
 }  // namespace
 
 CHalyrig32Dlg::CHalyrig32Dlg(System& system)
     : services_(system.Core()),
       executable_(system.GetExecutable()),
+      crashes_(system.GetCrashReports()),
       library_(system.GetLibraries()),
       core_(services_),
       status_(services_.memory),
@@ -59,10 +71,13 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
     if (!library_) return;
     ReadBoxes();
     status_.BoxesInForce(settings_);
-    Undisturbed([this] {
-        ReadInstruments();
-        WriteRemotes();  // sees what has just been published
-    });
+    Undisturbed([this] { RunPasses(); });
+}
+
+void CHalyrig32Dlg::RunPasses() {
+    const LibraryCall call(crashes_);
+    ReadInstruments();
+    WriteRemotes();  // sees what has just been published
 }
 
 void CHalyrig32Dlg::OnTextChange(int control) {
@@ -118,17 +133,27 @@ void CHalyrig32Dlg::Undisturbed(Work work) {
 
 void CHalyrig32Dlg::OnFolderChange() {
     settings_.dfwFolder = Trimmed(std::u16string_view(window_->Text(kFolderField)));
+    PrepareCrashReports();
     LoadDfwLibrary();
     ReloadMapping();
 }
 
+void CHalyrig32Dlg::PrepareCrashReports() {
+    if (!core_.View()) return;
+    crashes_.Prepare(JoinPath(JoinPath(core_.GetDataFolder(u""), u"log_system"), u"halyrig_crash.log"),
+                     u"while it called Deckman's library " + DeckmanLibrary::PathIn(settings_.dfwFolder) +
+                         u"; see whether Deckman itself runs, and if this comes again, install it anew");
+}
+
 void CHalyrig32Dlg::LoadDfwLibrary() {
     if (library_) UnloadDfwLibrary();
+    const LibraryCall call(crashes_);
     library_.Load(settings_.dfwFolder);
     status_.LibraryLoaded(settings_.dfwFolder, {.loaded = bool(library_), .reads = library_.fnRead != nullptr});
 }
 
 void CHalyrig32Dlg::UnloadDfwLibrary() {
+    const LibraryCall call(crashes_);
     library_.Unload();
     catalogue_.rows.clear();
 }
@@ -147,6 +172,7 @@ void CHalyrig32Dlg::LoadMapping() {
     mappingFolder_ = core_.GetDataFolder(u"");  // read first: a change meanwhile is noticed on the next tick
     mapping_ = twr::LoadMapping(services_.xml, MappingPath(), catalogue_.rows);
     NoteMapping();
+    PrepareCrashReports();  // for the new folder, and once more after the library was loaded
 }
 
 void CHalyrig32Dlg::NoteMapping() {

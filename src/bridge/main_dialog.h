@@ -47,6 +47,7 @@ private:
     void Undisturbed(Work work);
 
     void OnFolderChange();
+    void PrepareCrashReports();
     void LoadDfwLibrary();
     void UnloadDfwLibrary();
 
@@ -65,6 +66,7 @@ private:
     bool ImportLegacyVars();  // false if no line found its variable
     void ImportLegacyRemotes();
 
+    void RunPasses();
     void ReadInstruments() { instruments_.Run(library_, mapping_.varRows, catalogue_.timerVariableId, settings_); }
     void WriteRemotes() { remotes_.Run(library_, mapping_.remoteRows, settings_); }
 
@@ -80,6 +82,7 @@ private:
 
     CoreServices services_;
     Executable& executable_;
+    CrashReports& crashes_;
     DialogWindow* window_ = nullptr;  // while the dialog is open
     std::uintptr_t timerId_ = 0;      // 0: no timer was started
     bool working_ = false;            // Deckman's library may be running

@@ -7,6 +7,7 @@
 #include "base/findings.h"
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "platform/crash_reports.h"
 #include "platform/desktop.h"
 #include "platform/files.h"
 #include "platform/library.h"
@@ -54,6 +55,7 @@ public:
     virtual Instance& GetInstance() = 0;
     virtual Executable& GetExecutable() = 0;
     virtual Console& GetConsole() = 0;
+    virtual CrashReports& GetCrashReports() = 0;
 
     // The exit status of the program. Not 0 on Linux once shared memory was not available, so that a service is restarted.
     virtual int ExitStatus() const { return 0; }

@@ -14,7 +14,7 @@
 
 namespace twr::testing {
 
-class BridgeMachine : public System, public Instance, public Executable {
+class BridgeMachine : public System, public Instance, public Executable, public CrashReports {
 public:
     explicit BridgeMachine(System& real) : console(&real.GetConsole()), real_(real) {
         host.beforeTick = [this] { clock.AdvanceMs(100); };
@@ -28,10 +28,13 @@ public:
     Instance& GetInstance() override { return *this; }
     Executable& GetExecutable() override { return *this; }
     Console& GetConsole() override { return *console; }
+    CrashReports& GetCrashReports() override { return *this; }
 
     bool Claim(std::u16string_view name) override { return claimed = name, !otherRuns; }
     void RaiseOther(std::u16string_view caption) override { raised = caption; }
     std::optional<std::array<std::uint16_t, 4>> FileVersion() const override { return version; }
+    void Prepare(std::u16string_view file, std::u16string_view) override { crashFile = file; }
+    void Calling(bool calls) override { calling = calls; }
 
     FakeClock clock;
     ScriptedHost host;
@@ -39,7 +42,8 @@ public:
     Libraries* libraries = &deckman;
     Console* console;
     bool otherRuns = false;
-    std::u16string claimed, raised;
+    std::u16string claimed, raised, crashFile;
+    bool calling = false;
     std::optional<std::array<std::uint16_t, 4>> version = {{2, 5, 1, 0}};
 
 private:

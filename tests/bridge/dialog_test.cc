@@ -250,7 +250,7 @@ TEST_F(DialogTest, WhatComesWhileTheLibraryRunsWaitsForTheEndOfThePass) {
         Run([&, raise = event, ends = result] {
             deckman.onRead = [&] {
                 raise();
-                EXPECT_TRUE(deckman.loaded == 1 && !host.result && host.boxes.empty());
+                EXPECT_TRUE(deckman.loaded == 1 && machine.calling && !host.result && host.boxes.empty());
             };
             deckman.reads.clear();
             host.Tick();

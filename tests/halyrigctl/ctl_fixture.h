@@ -100,6 +100,7 @@ protected:
     Instance& GetInstance() override { return test.system->GetInstance(); }
     Executable& GetExecutable() override { return test.system->GetExecutable(); }
     Console& GetConsole() override { return console; }
+    CrashReports& GetCrashReports() override { return test.system->GetCrashReports(); }
 
     // Another program of the suite starts.
     void StartSuite() { suite = std::make_unique<CCore>(Core()); }

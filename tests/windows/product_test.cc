@@ -164,5 +164,34 @@ TEST_F(ProductTest, AsksBeforeItClosesAndSavesOnlyByItsButton) {
     }
 }
 
+TEST_F(ProductTest, OutlivesALibraryThatRunsALoopOfMessagesAndNamesOneThatCrashes) {
+    const fs::path first(folder.File(kDeckman)), second(folder.File("Second"));
+    fs::copy(first, second, fs::copy_options::recursive);
+    for (const fs::path& deckman : {first, second}) {
+        fs::copy_file(bin.parent_path() / "tests/odd_library.dll", deckman / "ShDfW2.dll", fs::copy_options::overwrite_existing);
+    }
+    Start();
+    for (int change = 0; change < 20; ++change) {
+        const auto& chosen = (change % 2 == 0 ? second : first).native();
+        SendMessageW(window->Control(kFolderField), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(chosen.c_str()));
+        window->PostPress(kDepthCheck);
+        if (change % 5 == 0) {
+            EXPECT_TRUE(Lives(kTws));
+        }
+    }
+    window->PostPress(kImportButton);
+    const WindowProbe box = Box();
+    EXPECT_TRUE(Lives(kTws)) << "ticks go on";
+    box.PostPress(IDNO);
+    Quit();
+
+    const fs::path log = fs::path(UserRoots().programData) / "Tidewright/log_system/halyrig_crash.log";
+    fs::remove(log);
+    SetEnvironmentVariableW(L"HALYRIG_TEST_CRASH", L"1");
+    EXPECT_EQ(static_cast<int>(EXCEPTION_ACCESS_VIOLATION), Launch()->Wait());
+    SetEnvironmentVariableW(L"HALYRIG_TEST_CRASH", nullptr);
+    EXPECT_NE(std::string::npos, BytesOf(log).find("\\ShDfW2.dll+0x")) << BytesOf(log);
+}
+
 }  // namespace
 }  // namespace twr::testing

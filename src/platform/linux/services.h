@@ -22,6 +22,7 @@ std::unique_ptr<Desktop> MakeHeadlessDesktop();
 std::unique_ptr<Desktop> MakeTerminalDesktop();
 std::unique_ptr<Instance> MakeInstance(const Roots& roots);
 std::unique_ptr<Executable> MakeExecutable();
+std::unique_ptr<CrashReports> MakeCrashReports();
 std::unique_ptr<Console> MakeConsole();
 std::unique_ptr<ConsoleScreen> MakeConsoleScreen();
 

@@ -46,6 +46,7 @@ public:
     Instance& GetInstance() override { return *instance_; }
     Executable& GetExecutable() override { return *executable_; }
     Console& GetConsole() override { return *console_; }
+    CrashReports& GetCrashReports() override { return *crashes_; }
     int ExitStatus() const override { return exitStatus_; }
 
 private:
@@ -66,6 +67,7 @@ private:
     const std::unique_ptr<Instance> instance_;
     const std::unique_ptr<Executable> executable_ = MakeExecutable();
     const std::unique_ptr<Console> console_ = MakeConsole();
+    const std::unique_ptr<CrashReports> crashes_ = MakeCrashReports();
 };
 
 }  // namespace

@@ -17,6 +17,7 @@ std::unique_ptr<Libraries> MakeLibraries();
 std::unique_ptr<Desktop> MakeDesktop();
 std::unique_ptr<Instance> MakeInstance(const std::u16string& namePrefix);
 std::unique_ptr<Executable> MakeExecutable();
+std::unique_ptr<CrashReports> MakeCrashReports();
 
 // Sets the encoding of the process's console for the life of the object.
 std::unique_ptr<Console> MakeConsole();

@@ -31,6 +31,7 @@ public:
     Instance& GetInstance() override { return *instance_; }
     Executable& GetExecutable() override { return *executable_; }
     Console& GetConsole() override { return *console_; }
+    CrashReports& GetCrashReports() override { return *crashes_; }
 
 private:
     const std::unique_ptr<Clock> clock_ = MakeClock();
@@ -44,6 +45,7 @@ private:
     const std::unique_ptr<Instance> instance_;
     const std::unique_ptr<Executable> executable_ = MakeExecutable();
     const std::unique_ptr<Console> console_ = MakeConsole();
+    const std::unique_ptr<CrashReports> crashes_ = MakeCrashReports();
 };
 
 }  // namespace

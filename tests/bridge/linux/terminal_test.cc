@@ -33,6 +33,7 @@ public:
     Instance& GetInstance() override { return system_.GetInstance(); }
     Executable& GetExecutable() override { return system_.GetExecutable(); }
     Console& GetConsole() override { return system_.GetConsole(); }
+    CrashReports& GetCrashReports() override { return system_.GetCrashReports(); }
 
 private:
     System& system_;

@@ -11,6 +11,8 @@
 #include <array>
 #include <cstdlib>
 
+#include "platform/linux/crash_reports.h"
+
 namespace twr {
 
 bool TerminalIsOurs() { return tcgetpgrp(STDIN_FILENO) == getpgrp(); }
@@ -40,20 +42,8 @@ void GiveBack() {
     tcsetattr(STDIN_FILENO, TCSANOW, &atEnd.modes);
 }
 
-void GiveBackAndDie(int number) {
-    GiveBack();
-    raise(number);  // by now it has its default effect
-}
-
-// A handler set by other code stays.
-bool HandleCrashes() {
-    for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGQUIT}) {
-        struct sigaction action {};
-        if (sigaction(number, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
-        action.sa_handler = GiveBackAndDie;
-        action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_NODEFER;
-        sigaction(number, &action, nullptr);
-    }
+bool GiveBackInTheEnd() {
+    AtCrash(GiveBack);
     return std::atexit(GiveBack) == 0;
 }
 
@@ -68,7 +58,7 @@ Descriptor OpenOutput() {
 
 // Keys come one by one, without echo. Those that send signals still do, and Ctrl-S does nothing.
 TerminalDevice::TerminalDevice() : output_(OpenOutput()) {
-    [[maybe_unused]] static const bool once = HandleCrashes();
+    [[maybe_unused]] static const bool once = GiveBackInTheEnd();
     if (!output_ || tcgetattr(STDIN_FILENO, &atEnd.modes) != 0) return;
     atEnd.output = output_.Get();
     atEnd.size = 0;
