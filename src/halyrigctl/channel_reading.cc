@@ -80,7 +80,7 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     reading.valueUnit = InternalUnit(core.ChannelTypeOf(source));
     const double shown = ShownValue(core, resolved, boat, false);
     reading.text = core.ChannelText(resolved, shown);
-    if (shown == kNoValue || !entry) {
+    if (shown == kNoValue || !std::isfinite(shown) || !entry) {
         const Links links = ValueChain(core, channel, boat, circumstances);
         reading.missing = links.Fault();
         reading.state = StateWithoutValue({core, source, boat, circumstances.now}, links.Broken());

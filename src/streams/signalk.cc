@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <utility>
 
 #include "base/printed.h"
@@ -35,7 +36,8 @@ std::optional<double> InPathUnit(const SignalKPart& part, BoatSlot boat, const F
         value = TurnedBearing(value + variation);
     }
     if (part.unit == &kSignalKMoment && !HasIsoTime(value)) return std::nullopt;
-    return value * part.unit->factor + part.unit->offset;
+    value = value * part.unit->factor + part.unit->offset;
+    return std::isfinite(value) ? std::optional(value) : std::nullopt;  // JSON has no infinities
 }
 
 void AppendValue(std::string& out, const SignalKPart& part, double value) {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include "config/bridge_settings.h"
 #include "displays/displays.h"
@@ -144,7 +145,9 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
     suite->SetChannel(kHdg, 2, 90.0, UtcNowDays(Core().clock) - 70.0 / 86400);
     Record().Set<std::uint32_t>(RecordBytes::Boat(2) + 72, 211234560);
     Record().Set<std::int32_t>(RecordBytes::Boat(2), 60);
-    ExpectSaid(1, {{"get bsp", {"the bridge is not running; start " HALYRIG_PROGRAM}},
+    Record().SetEntry(0, kTwd, NAN, UtcNowDays(Core().clock), 0.0);
+    ExpectSaid(1, {{"get twd --json", {R"("value":null)", R"("text":null)", R"("missing":"its source gives what is not a number)"}},
+                   {"get bsp", {"the bridge is not running; start " HALYRIG_PROGRAM}},
                    {"get sog", {"(Sys_i6) is 3, and it is 6"}},
                    {"get rot --boat 5", {"no place"}},
                    {"get tws", {"gives no value"}},

@@ -1,4 +1,5 @@
 // For each reason the real bridge over the stand-in is brought to it, and the reason is seen first, and no other.
+#include <cmath>
 #include <filesystem>
 
 #include "bridge/bridge_fixture.h"
@@ -36,6 +37,10 @@ protected:
         deckman.Install(stored->dfwFolder);
         deckman.missing = {function};
         machine.libraries = &deckman;
+    }
+    void Gives(int variable, float value) {
+        Lacks("");
+        deckman.variables[variable] = value;
     }
     std::string Explained(const std::string& typed) {
         std::istringstream words("explain " + typed);
@@ -92,6 +97,11 @@ TEST_F(ExplainTest, NamesTheFirstBrokenLinkAndNoOther) {
         {"Depth", "Deckman gives no value now for its variable DEPTH\n  to do       a depth of 9987 m"},
         {"HDG", "no variation (MagVar, channel 93) to make", [&] { stored->degreesTrue = true; }},
         {"AWS", "Deckman gives 200, outside the channel's range of 0 to 150", [&] { Recording("$IIMWV,30,R,200,N,A\n"); }},
+        {"AWS", "not a number (NaN) for its variable AWS: a display shows NAN,", [&] { Gives(3, NAN); }},
+        {"AWS", "an infinite value for its variable AWS: a display shows -0,", [&] { Gives(3, INFINITY); }},
+        {"172", "an infinite value for its variable AWS: a display shows INF,",
+         [&] { Gives(3, -INFINITY), MappingXml("<var twr='172' dfw='AWS'/>"); }},
+        {"TWA", "its source gives what is not a number", [] {}, [&] { Publish(kTwa, NAN); }},
         // the suite
         {"BSP", "the channel is blocked", [] {}, [&] { Mark(kBsp, 1); }},
         {"BSP", "the channel is held", [] {}, [&] { Mark(kBsp, 4), record.SetFlag(52, true); }},

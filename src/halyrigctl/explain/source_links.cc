@@ -173,11 +173,15 @@ private:
         std::snprintf(number, sizeof number, "%.7g", static_cast<double>(reading_));  // as precise as the reading
         const std::string gives = std::string("Deckman gives ") + number;
         const bool inFeet = channel_ == kDepth && now_.settings.depthInFeet;
+        const std::string forIt = line_ ? " for its variable " + Harmless(line_->dfwName) : std::string();
         Advice fault;
-        if (static_cast<double>(reading_) == kNoValue) {
+        if (!std::isfinite(reading_)) {
+            const ChannelInfo& info = ChannelCatalogue()[channel_];
+            fault = Unusable("Deckman gives ", reading_, forIt, info.min != info.max,
+                             "see in Deckman to the sensor, or how it is computed");
+        } else if (static_cast<double>(reading_) == kNoValue) {
             const bool ever = Load(subject_.record.channels[channel_].published) != 0;
-            fault = {(ever ? "Deckman gives no value now" : "Deckman has never given a value") +
-                         (line_ ? " for its variable " + Harmless(line_->dfwName) : std::string()),
+            fault = {(ever ? "Deckman gives no value now" : "Deckman has never given a value") + forIt,
                      inFeet ? "a depth of 9987 m on the displays is Deckman's mark for none, turned from feet into metres"
                             : "see in Deckman whether the sensor is there"};
         }
@@ -238,6 +242,14 @@ Subject::Subject(CCore& ofRecord, ChannelId itsChannel, BoatSlot itsBoat, double
 
 void AddSourceLinks(Links& links, const Subject& subject, Circumstances& circumstances) {
     Source(links, subject, circumstances).AddAll();
+}
+
+Advice Unusable(std::string giver, double value, const std::string& forWhat, bool ranged, const char* todo) {
+    const bool isNumber = !std::isnan(value);
+    const char* shown = !isNumber ? "NAN" : ranged ? "-0" : "INF";
+    return {giver + (isNumber ? "an infinite value" : "what is not a number (NaN)") + forWhat + ": a display shows " + shown +
+                ", and streams leave it out",
+            todo};
 }
 
 std::string PlaceInWords(std::u16string_view path, std::size_t line) { return Harmless(path) + ":" + Digits(line) + ": "; }

@@ -1,6 +1,7 @@
 #include "halyrigctl/explain/value_chain.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include "bridge/remote_pass.h"
@@ -48,6 +49,8 @@ void AddRecord(Links& links, const Subject& subject) {
         fault = {"nothing has come yet", "look again in a moment"};
     } else if (subject.stored == kNoValue) {
         fault = {"its source gives no value, or one outside the channel's range", "see to the program that gives it"};
+    } else if (!std::isfinite(subject.stored)) {
+        fault = Unusable("its source gives ", subject.stored, "", false, "see to the program that gives it");
     }
     links.Judge("record", fault, Printed("%.10g", subject.stored) + Printed(", published %.1f s ago", subject.age.value_or(0.0)));
     fault = {};
