@@ -51,7 +51,7 @@ std::u16string CCore::GetDataFolder(std::u16string_view subfolder) {
     return path;
 }
 
-bool CCore::DataFolderIs(std::u16string_view folder) const { return view_ && FieldView(view_->dataFolder) == folder; }
+bool CCore::DataFolderIs(std::u16string_view folder) const { return view_ && FieldTextIs(view_->dataFolder, folder); }
 
 bool CCore::MayNameDataFolder() const {
     return !mapping_->Existed() || std::fabs(UtcNowDays(services_.clock) - attachedAt_) > kTimeToFill;
@@ -70,7 +70,7 @@ std::u16string CCore::GetDatabasePath() {
 }
 
 void CCore::CheckDatabasePath() {
-    if (view_ && ExtensionOf(FieldText(view_->databasePath)) != kDatabaseExtension) view_->databasePath[0] = 0;
+    if (view_ && ExtensionOf(FieldText(view_->databasePath)) != kDatabaseExtension) SetFieldText(view_->databasePath, {});
 }
 
 std::u16string CCore::GetMarksPath() { return JoinPath(GetDataFolder(u""), kMarksName); }

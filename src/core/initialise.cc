@@ -72,7 +72,7 @@ void InitialiseBoats(CoreRecord& record) {
     for (BoatRow& boat : record.boats) {
         boat.ageLimit = kNoInt;
         boat.active = 0;
-        boat.name[0] = 0;
+        SetFieldText(boat.name, {});
         boat.mmsi = 0;
         boat.colour = kDefaultBoatColour;
     }
@@ -97,8 +97,8 @@ void InitialiseChannels(CoreRecord& record) {
         row.prec = info.prec;
         row.damp = 0;
         row.type = 0;
-        row.userName[0] = 0;
-        row.userShortName[0] = 0;
+        SetFieldText(row.userName, {});
+        SetFieldText(row.userShortName, {});
     }
     for (const ChannelId channel : kFirstLogMarks) {
         if (channel < kChannelCount) record.channels[channel].log = 1;

@@ -33,24 +33,37 @@ void PutInOrder(T& field, T value) {
 }
 
 // --- Texts: fixed fields of UTF-16, ended by a zero ---
+// Each unit is one access, so who reads while another process writes may find a mixture, but always a text.
 
 // Stores as much of the text as fits before the field's zero.
 template <std::size_t Units>
 void SetFieldText(char16_t (&field)[Units], std::u16string_view text) {
     const std::size_t length = std::min(text.size(), Units - 1);
-    std::copy_n(text.data(), length, field);
-    field[length] = 0;
+    for (std::size_t i = 0; i < length; ++i) Put(field[i], text[i]);
+    Put(field[length], u'\0');
 }
 
 // The text up to its zero, or the whole field if another program left no zero.
 template <std::size_t Units>
-std::u16string_view FieldView(const char16_t (&field)[Units]) {
-    return {field, std::find(field, field + Units, u'\0')};
+std::u16string FieldText(const char16_t (&field)[Units]) {
+    std::u16string text;
+    for (std::size_t i = 0; i < Units; ++i) {
+        const char16_t unit = Load(field[i]);
+        if (unit == 0) break;
+        text.push_back(unit);
+    }
+    return text;
 }
 
+// Whether that is the field's text. Allocates no memory.
 template <std::size_t Units>
-std::u16string FieldText(const char16_t (&field)[Units]) {
-    return std::u16string(FieldView(field));
+bool FieldTextIs(const char16_t (&field)[Units], std::u16string_view text) {
+    for (std::size_t i = 0; i < Units; ++i) {
+        const char16_t unit = Load(field[i]);
+        if (unit == 0 || i == text.size()) return unit == 0 && i == text.size();
+        if (unit != text[i]) return false;
+    }
+    return text.size() == Units;
 }
 
 // --- Entries: a channel's value for a boat, with its time stamp ---

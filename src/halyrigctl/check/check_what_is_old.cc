@@ -19,7 +19,7 @@ public:
         for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
             const ChannelRow &a = old_.channels[channel], &b = new_.channels[channel];
             if (!Same(a.log, b.log) || !Same(a.damp, b.damp) || !Same(a.prec, b.prec) || !Same(a.type, b.type) ||
-                FieldView(a.userName) != FieldView(b.userName) || FieldView(a.userShortName) != FieldView(b.userShortName)) {
+                FieldText(a.userName) != FieldText(b.userName) || FieldText(a.userShortName) != FieldText(b.userShortName)) {
                 return "channel " + std::to_string(channel);
             }
         }
@@ -29,7 +29,7 @@ public:
     std::string OfBoats() const {
         for (BoatSlot slot = 0; slot < kBoatCount; ++slot) {
             const BoatRow &a = old_.boats[slot], &b = new_.boats[slot];
-            if (!Same(a.mmsi, b.mmsi) || !Same(a.colour, b.colour) || FieldView(a.name) != FieldView(b.name))
+            if (!Same(a.mmsi, b.mmsi) || !Same(a.colour, b.colour) || FieldText(a.name) != FieldText(b.name))
                 return "boat " + std::to_string(slot);
         }
         return {};
@@ -55,11 +55,11 @@ public:
             if (!Same(old_.sysInt[i], new_.sysInt[i])) return "Sys_i" + std::to_string(i);
         }
         if (!SameFolder()) return "DataFolder";
-        if (FieldView(old_.databasePath) != FieldView(new_.databasePath)) return "Database2";
-        return FieldView(old_.marksXmlPath) != FieldView(new_.marksXmlPath) ? "MarksXml" : "";
+        if (FieldText(old_.databasePath) != FieldText(new_.databasePath)) return "Database2";
+        return FieldText(old_.marksXmlPath) != FieldText(new_.marksXmlPath) ? "MarksXml" : "";
     }
 
-    bool SameFolder() const { return FieldView(old_.dataFolder) == FieldView(new_.dataFolder); }
+    bool SameFolder() const { return FieldText(old_.dataFolder) == FieldText(new_.dataFolder); }
 
 private:
     template <class Number>

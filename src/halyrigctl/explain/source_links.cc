@@ -137,7 +137,7 @@ private:
         }
         const std::string path = Harmless(look.path);
         const std::u16string renewed = FieldText(now_.Renewed().dataFolder);
-        if (FieldView(subject_.record.dataFolder) != renewed) {
+        if (!FieldTextIs(subject_.record.dataFolder, renewed)) {
             return {"the record was made before the data folder became " + Harmless(renewed) + ", and no line of the mapping (" +
                         path + ") feeds it",
                     kRestartAll};
