@@ -59,7 +59,7 @@ void CCore::LoadSavedValues(SavedValues& saved) {
     for (std::uint32_t i = 0; i < kSavedFlags; ++i) {
         if (const auto flag = saved.Dword(Numbered(u"Sys_b", i))) Put(view_->sysFlag[i], static_cast<std::uint8_t>(*flag != 0));
     }
-    for (const std::uint32_t unit : {1, 2, 3, 8}) Put(view_->sysInt[unit], 0);
+    for (const std::uint32_t unit : {1u, 2u, 3u, 8u}) Put(view_->sysInt[unit], 0);
     Put(view_->sysInt[4], 1);  // short distances in boat lengths
     for (std::uint32_t i = 0; i < kSavedInts; ++i) {
         const std::u16string name = Numbered(u"Sys_i", i);

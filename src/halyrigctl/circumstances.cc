@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 #include <utility>
 
 #include "base/wide_text.h"
@@ -36,10 +35,9 @@ std::vector<MappingVar> ReadMeant(Xml& xml, std::u16string_view path) {
 }  // namespace
 
 const MappingVar* MappingLook::LineOf(ChannelId channel, BoatSlot boat) const {
-    for (const MappingVar& row : mapping.varRows | std::views::reverse) {
-        if (Feeds(row, channel, boat)) return &row;
-    }
-    return nullptr;
+    const auto last = std::find_if(mapping.varRows.rbegin(), mapping.varRows.rend(),
+                                   [&](const MappingVar& row) { return Feeds(row, channel, boat); });
+    return last == mapping.varRows.rend() ? nullptr : &*last;
 }
 
 const Finding* MappingLook::FaultOf(ChannelId channel, BoatSlot boat) const {

@@ -87,11 +87,10 @@ Advice AbsentFault(Files& files, std::u16string_view folder, const std::u16strin
     const std::string none = "the Dfw folder " + Harmless(folder) + " holds no " + Harmless(library);
     const auto parent = folder.substr(0, std::min(folder.size(), folder.find_last_of(u"/\\")));
     if (files.Exists(JoinPath(parent, library))) return {none + ", but the folder above it does", "choose that one"};
-    for (const std::u16string& path : files.List(folder, std::u16string(kName).append(u".*"))) {
-        return {none + ", only " + Harmless(path.substr(path.find_last_of(u"/\\") + 1)),
-                "choose a folder with a library for this system"};
-    }
-    return {none, kChoose};
+    const auto others = files.List(folder, std::u16string(kName).append(u".*"));
+    if (others.empty()) return {none, kChoose};
+    const std::u16string other = others.front().substr(others.front().find_last_of(u"/\\") + 1);
+    return {none + ", only " + Harmless(other), "choose a folder with a library for this system"};
 }
 
 Advice KindFault(const Kind& kind, const std::string& path) {

@@ -74,7 +74,7 @@ std::span<const Change> Follower::Present() {
     changes_.clear();
     for (std::size_t i = 0; i < seen_.size(); ++i) {
         const ChannelId channel = i % kChannelCount;
-        const BoatSlot boat = i / kChannelCount;
+        const auto boat = static_cast<BoatSlot>(i / kChannelCount);
         if (seen_[i].value == kNoValue || !Tells(channel) || !TellsOf(boat)) continue;
         changes_.push_back({seen_[i].time, channel, boat, seen_[i].value});
     }

@@ -10,7 +10,10 @@
 namespace twr {
 namespace {
 
-std::string Digits(std::int64_t number) { return std::to_string(number); }
+template <class Number>
+std::string Digits(Number number) {
+    return std::to_string(number);
+}
 
 // The fault for which a line is not used; another may only cost it an attribute.
 bool DropsVar(const Finding& finding) {

@@ -120,12 +120,12 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
         ASSERT_EQ(0, ftruncate(other.Get(), kSize));
         before();
         openings = 0;
-        afterOpening = [&](int opening) {
-            if (opening == 1) first();
+        afterOpening = [&, &at = first, &then = second, held = existed](int opening) {
+            if (opening == 1) at();
             if (opening != 2) return;
             ownLook = !LockOfOthers(other, 0).empty();
-            ownHold = existed && !LockOfOthers(other, kLast).empty();
-            second();
+            ownHold = held && !LockOfOthers(other, kLast).empty();
+            then();
         };
         const auto block = memory_.CreateOrOpen(u"Block", kSize);
         afterOpening = nullptr;
