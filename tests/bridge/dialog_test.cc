@@ -37,11 +37,11 @@ TEST_F(DialogTest, OpensWithTheStoredSettingsAndSavesWhatItShows) {
     for (const auto& [name, onlyOne, itsSetting] : boxes) {
         WriteSettings(Stored(), {.dfwFolder = u"  " + folder + u"\t", .depthInFeet = false});
         Stored().Write(kBridgeSettingsKey, name, DwordValue(2));
-        Run([&] {
+        Run([&, &only = onlyOne] {
             EXPECT_EQ(folder, host.Text(kFolderField)) << "trimmed";
             for (const auto& [itsName, control, setting] : boxes) {
-                EXPECT_EQ(control == onlyOne, host.Checked(control)) << control << " with " << onlyOne;
-                host.SetChecked(control, control != onlyOne);
+                EXPECT_EQ(control == only, host.Checked(control)) << control << " with " << only;
+                host.SetChecked(control, control != only);
             }
             host.PressClose();
         });
@@ -76,17 +76,17 @@ TEST_F(DialogTest, EachWayOutAsksAndSavesAsItShould) {
     MappingXml("<var twr='1' dfw='12'/>");
     for (const auto& [name, leave, quit, answer, ends, saves, boxes] : rows) {
         SCOPED_TRACE(name);
-        beforeStart = [&] { record.SetFlag(35, quit == Quit::kBeforeItCame); };
-        host.answer = [&](const FakeDesktop::Box&) {
-            if (quit == Quit::kWhileItAsks) record.SetFlag(35, true);
-            EXPECT_EQ(quit == Quit::kNo, TickReads() == Reads{12}) << "ticks go on";
-            return answer;
+        beforeStart = [&, asked = quit] { record.SetFlag(35, asked == Quit::kBeforeItCame); };
+        host.answer = [&, asked = quit, given = answer](const FakeDesktop::Box&) {
+            if (asked == Quit::kWhileItAsks) record.SetFlag(35, true);
+            EXPECT_EQ(asked == Quit::kNo, TickReads() == Reads{12}) << "ticks go on";
+            return given;
         };
-        Run([&] {
+        Run([&, asked = quit, &leaves = leave, &result = ends] {
             host.SetChecked(kNamesCheck, true);
-            if (quit == Quit::kAsked) record.SetFlag(35, true);
-            leave();
-            EXPECT_EQ(ends, host.result);
+            if (asked == Quit::kAsked) record.SetFlag(35, true);
+            leaves();
+            EXPECT_EQ(result, host.result);
         });
         EXPECT_EQ(saves, ReadSettings(Stored()).sendNames);
         EXPECT_EQ(quit != Quit::kNo && ends, record.U8(R::SysFlag(35)) != 0) << "the flag is another program's";
@@ -124,18 +124,18 @@ TEST_F(DialogTest, AnImportReplacesTheMappingOrLeavesIt) {
         test.folder.Write("ProgramData/Tidewright/halyrig/halyrig.csv", vars);
         test.folder.Write("ProgramData/Tidewright/halyrig/halyrigremotes.csv", remotes);
         test.folder.Write(std::string(kMappingFile) + ".bak", "");
-        host.answer = [&](const FakeDesktop::Box& box) {
-            if (box.buttons == BoxButtons::kYesNo) return answer;
+        host.answer = [&, given = answer](const FakeDesktop::Box& box) {
+            if (box.buttons == BoxButtons::kYesNo) return given;
             other->SetChannel(kBsp, 0, 7.0, 0.0);
             EXPECT_EQ(Reads{}, TickReads()) << "no variables while the box is open";
             EXPECT_EQ(std::vector<std::string>{"9=7.00"}, deckman.sent) << "but the former remotes";
             return BoxAnswer::kNone;
         };
         deckman.sent.clear();
-        Run([&] {
+        Run([&, &read = reads] {
             Variables("12 BSP\n13 TWS\n14 TWD\n");  // the import goes by Deckman's files of its moment
             host.Press(kImportButton);
-            EXPECT_EQ(reads, TickReads());
+            EXPECT_EQ(read, TickReads());
         });
         const std::string file = test.folder.Read(kMappingFile);
         for (const std::string& line : saved) EXPECT_NE(file.npos, file.find(line)) << line << "\nis not in\n" << file;
@@ -155,11 +155,11 @@ TEST_F(DialogTest, AboutTellsTheVersionAndAFourthNumberOnlyWhenThereIsOne) {
     for (const auto& [version, text] : rows) {
         machine.version = version;
         host.about.clear();
-        Run([&] {
+        Run([&, &shown = text] {
             host.Choose(kAboutCommand + 1);
             EXPECT_EQ(u"", host.about);
             host.Choose(kAboutCommand);
-            EXPECT_TRUE(host.about.starts_with(u"Halyrig32 v" + text + u"\n\n"));
+            EXPECT_TRUE(host.about.starts_with(u"Halyrig32 v" + shown + u"\n\n"));
         });
     }
     EXPECT_EQ(u"&About Halyrig32...", host.menuItems.at(0));

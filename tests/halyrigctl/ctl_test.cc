@@ -211,9 +211,9 @@ TEST_F(CtlTest, QuitWaitsUntilAllHaveLeft) {
         SCOPED_TRACE(what);
         StartSuite();
         console.waited = 0;
-        console.goOn = [&] {
-            if (console.waited >= leaves) suite.reset();
-            return console.waited < patience;
+        console.goOn = [&, leave = leaves, enough = patience] {
+            if (console.waited >= leave) suite.reset();
+            return console.waited < enough;
         };
         const std::string said = Said(typed, status);
         ExpectIn(said, {"Asked the programs of the suite to close.\n"});
