@@ -76,8 +76,10 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
 
 void CHalyrig32Dlg::RunPasses() {
     const LibraryCall call(crashes_);
+    status_.PassBegins(UtcNowDays(services_.clock));
     ReadInstruments();
     WriteRemotes();  // sees what has just been published
+    status_.PassEnds(UtcNowDays(services_.clock));
 }
 
 void CHalyrig32Dlg::OnTextChange(int control) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/days.h"
 #include "core/record_access.h"
 
 namespace twr {
@@ -15,6 +16,8 @@ struct StatusBlock {
     std::uint32_t ticks;
     std::int32_t variables, varRows;
     double readAt;
+    double passBegan;  // 0 between passes
+    double passSeconds;
     float readings[kChannelCount];
     char16_t dfwFolder[1024];
 };
@@ -40,6 +43,8 @@ BridgeStatusWriter::BridgeStatusWriter(SharedMemory& memory)
     LibraryLoaded({}, {});
     MappingLoaded({});
     BoxesInForce({});
+    Put(block_->passBegan, 0.0);
+    Put(block_->passSeconds, 0.0);
     PutInOrder(block_->filled, 1u);
 }
 
@@ -70,12 +75,23 @@ void BridgeStatusWriter::Ticked() {
     if (block_) Put(block_->ticks, Load(block_->ticks) + 1);
 }
 
+void BridgeStatusWriter::PassBegins(double now) {
+    if (block_) Put(block_->passBegan, now);
+}
+
+void BridgeStatusWriter::PassEnds(double now) {
+    if (!block_) return;
+    Put(block_->passSeconds, (now - Load(block_->passBegan)) * kSecondsPerDay);
+    Put(block_->passBegan, 0.0);
+}
+
 float* BridgeStatusWriter::Readings() const { return block_ ? block_->readings : nullptr; }
 
 std::optional<BridgeStatus> ReadBridgeStatus(SharedMemory& memory) {
     const auto held = memory.OpenExisting(kName, sizeof(StatusBlock));
     const StatusBlock* block = BlockIn(held);
     if (!block || Load(block->filled) == 0) return std::nullopt;
+    const double began = Load(block->passBegan);
     BridgeStatus status{
         .settings = {.dfwFolder = FieldText(block->dfwFolder),
                      .sendNames = IsSet(block->sendNames),
@@ -85,6 +101,8 @@ std::optional<BridgeStatus> ReadBridgeStatus(SharedMemory& memory) {
         .library = {IsSet(block->loaded), IsSet(block->reads)},
         .mapping = {Load(block->variables), Load(block->varRows), Load(block->readAt)},
         .ticks = Load(block->ticks),
+        .waitsSince = began != 0.0 ? std::optional(began) : std::nullopt,
+        .passSeconds = Load(block->passSeconds),
     };
     std::ranges::transform(block->readings, status.readings.begin(), [](const float& reading) { return Load(reading); });
     return status;

@@ -34,6 +34,8 @@ struct BridgeStatus {
     LibraryState library;
     LoadedMapping mapping;
     std::uint32_t ticks = 0;                      // ten times a second
+    std::optional<double> waitsSince;             // days: since then it waits for a pass, that is for Deckman's library
+    double passSeconds = 0.0;                     // how long the last pass took
     std::array<float, kChannelCount> readings{};  // per channel: what Deckman gave last; kNoReading before the first reading
 };
 
@@ -48,6 +50,10 @@ public:
     void MappingLoaded(LoadedMapping mapping);  // forgets the readings
     void BoxesInForce(const Settings& settings);
     void Ticked();
+
+    // Around the two passes of a tick; `now` in days.
+    void PassBegins(double now);
+    void PassEnds(double now);
 
     // Where each channel's last reading is noted; nullptr without a block.
     float* Readings() const;

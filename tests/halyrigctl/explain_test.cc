@@ -145,5 +145,21 @@ TEST_F(ExplainTest, NamesTheFirstBrokenLinkAndNoOther) {
     ExpectIn(Explained("BSP"), {"BSP (1): the bridge is not running\n  to do       start"});
 }
 
+TEST_F(ExplainTest, TellsALibraryThatDoesNotReturnFromOneThatIsSlow) {
+    SetUpAll(0);
+    Gives(1, 6.5f);
+    Run([&] {
+        deckman.onRead = [&] {
+            machine.clock.AdvanceMs(2000);
+            deckman.onRead = [&] { machine.clock.AdvanceMs(150); };
+            console.goOn = [] { return true; };
+            ExpectIn(Explained("BSP"), {"Deckman's library, which it has called, has not returned for 2.0 s\n  to do"});
+        };
+        host.Tick(2);
+        console.goOn = [this] { return host.Tick(), true; };
+        ExpectIn(Explained("BSP"), {"all is well", "held up by Deckman's library, which takes 0.6 s"});
+    });
+}
+
 }  // namespace
 }  // namespace twr::testing

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/printed.h"
 #include "base/wide_text.h"
 #include "bridge/instrument_pass.h"
 #include "core/days.h"
@@ -13,6 +14,7 @@
 namespace twr {
 namespace {
 
+constexpr double kTickSeconds = 0.1;
 constexpr const char* kOwnLibrary = "install Deckman's own library there";
 constexpr const char* kMapVariation = "map Deckman's variation to channel 93, or untick the box for degrees true";
 
@@ -82,10 +84,19 @@ private:
         Advice fault;
         if (!now_.bridge) {
             fault = {"the bridge is not running", "start " HALYRIG_PROGRAM};
+        } else if (now_.standsStill && now_.bridge->waitsSince) {
+            const double seconds = std::fabs(now_.now - *now_.bridge->waitsSince) * kSecondsPerDay;
+            fault = {"the bridge stands still: Deckman's library, which it has called, has not returned for " +
+                         Printed("%.1f s", seconds),
+                     "if it goes on, see whether Deckman itself hangs, end both and start them again"};
         } else if (now_.standsStill) {
-            fault = {"the bridge stands still: it is stopped, or waits for Deckman's library", "end it and start it again"};
+            fault = {"the bridge stands still: it is stopped, or another program holds it up", "end it and start it again"};
         }
-        links_.Judge("bridge", fault, "it runs");
+        const bool slow = now_.bridge && now_.bridge->passSeconds > kTickSeconds;
+        links_.Judge("bridge", fault,
+                     slow ? "it runs, held up by Deckman's library, which takes " + Printed("%.1f s", now_.bridge->passSeconds) +
+                                " for each tick"
+                          : "it runs");
     }
 
     void AddLibrary(bool byFunction) {

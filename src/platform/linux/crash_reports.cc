@@ -73,7 +73,7 @@ void Tell(int number, const siginfo_t& info, const void* context) {
 
 // On return a fault happens again, and ends the process with its own registers in the core file.
 void OnCrash(int number, siginfo_t* info, void* context) {
-    if (crashes.first) crashes.first();
+    BeforeTheEnd();
     if (crashes.told) Tell(number, *info, context);
     if (info->si_code <= 0) raise(number);  // it came from a process, such as by abort; by now it has its default effect
 }
@@ -113,6 +113,10 @@ public:
 void AtCrash(void (*first)()) {
     crashes.first = first;
     [[maybe_unused]] static const bool once = HandleCrashes();
+}
+
+void BeforeTheEnd() {
+    if (crashes.first) crashes.first();
 }
 
 std::unique_ptr<CrashReports> MakeCrashReports() { return std::make_unique<SignalledCrashes>(); }

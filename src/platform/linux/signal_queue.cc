@@ -1,12 +1,58 @@
 #include "platform/linux/signal_queue.h"
 
 #include <sys/signalfd.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <optional>
+
+#include "platform/linux/crash_reports.h"
 
 namespace twr {
+namespace {
+
+// A program that is busy for so long is looked at, and then every second.
+constexpr itimerspec kBusy{{1, 0}, {3, 0}}, kWaiting{};
+
+volatile sig_atomic_t looks = 0;  // in a row that found a signal waiting
+
+sigset_t CloseSignals() {
+    sigset_t set;
+    sigemptyset(&set);
+    for (const int number : kCloseSignals) sigaddset(&set, number);
+    return set;
+}
+
+void OnLook(int) {
+    looks = CloseSignalPending() ? looks + 1 : 0;
+    if (looks < 2) return;
+    BeforeTheEnd();
+    const sigset_t set = CloseSignals();
+    sigprocmask(SIG_UNBLOCK, &set, nullptr);
+}
+
+// The system's timers need no thread.
+std::optional<timer_t> MakeTimer() {
+    struct sigaction action {};
+    action.sa_handler = OnLook;
+    action.sa_flags = SA_RESTART;
+    sigevent event{};
+    event.sigev_notify = SIGEV_SIGNAL;
+    event.sigev_signo = SIGRTMAX;
+    timer_t timer{};
+    const bool made = sigaction(SIGRTMAX, &action, nullptr) == 0 && timer_create(CLOCK_MONOTONIC, &event, &timer) == 0;
+    return made ? std::optional(timer) : std::nullopt;
+}
+
+void Watch(const itimerspec& how) {
+    static const std::optional<timer_t> timer = MakeTimer();
+    looks = 0;
+    if (timer) timer_settime(*timer, 0, &how, nullptr);
+}
+
+}  // namespace
 
 using Steady = std::chrono::steady_clock;
 
@@ -17,16 +63,14 @@ bool CloseSignalPending() {
 }
 
 SignalQueue::SignalQueue(std::initializer_list<int> others) {
-    sigset_t set;
-    sigemptyset(&set);
-    for (const auto& signals : {kCloseSignals, others}) {
-        for (const int number : signals) sigaddset(&set, number);
-    }
+    sigset_t set = CloseSignals();
+    for (const int number : others) sigaddset(&set, number);
     sigprocmask(SIG_BLOCK, &set, &before_);
     queue_ = Descriptor(signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
 SignalQueue::~SignalQueue() {
+    Watch(kWaiting);
     while (Take() != 0) continue;  // a repeated one must not end the process while it closes
     sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
@@ -43,7 +87,10 @@ void SignalQueue::WaitUntil(Steady::time_point end, std::span<pollfd> others) co
     std::array<pollfd, 3> events{};
     events[0] = {queue_.Get(), POLLIN, 0};
     std::ranges::copy(others, events.begin() + 1);
-    if (ppoll(events.data(), others.size() + 1, &time, nullptr) <= 0) return;
+    Watch(kWaiting);
+    const int ready = ppoll(events.data(), others.size() + 1, &time, nullptr);
+    Watch(kBusy);
+    if (ready <= 0) return;
     std::ranges::copy_n(events.begin() + 1, static_cast<std::ptrdiff_t>(others.size()), others.begin());
 }
 

@@ -30,7 +30,8 @@ public:
     int Take();
 
     // Waits for a signal, until `end`, or for one of up to two other events (a negative descriptor is none), whose `revents` it
-    // sets.
+    // sets. If the program does not come back to wait within some seconds, since a library hangs that it has called, a close
+    // signal ends it in the system's way.
     void WaitUntil(std::chrono::steady_clock::time_point end, std::span<pollfd> others = {}) const;
 
 private:

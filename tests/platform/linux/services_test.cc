@@ -266,6 +266,16 @@ TEST(TerminalTextTest, IsCutOrWrappedToCells) {
     for (const auto& [text, width, lines] : wrapped) EXPECT_EQ(lines, Wrapped(text, width)) << width;
 }
 
+// It does not come back to its queue, as below a library that hangs.
+const Role hangs("hangs", [](const std::vector<std::string>&) {
+    SignalQueue queue;
+    queue.WaitUntil(std::chrono::steady_clock::now());
+    for (raise(SIGTERM);; pause()) continue;
+    return 0;
+});
+
+TEST(SignalQueueTest, ASignalToCloseEndsWhatHangs) { EXPECT_EQ(128 + SIGTERM, StartRole("hangs", {})->Wait()); }
+
 TEST(TimersTest, KeepTheBeatAndLeaveOutWhatWasMissed) {
     using namespace std::chrono_literals;
     const Steady::time_point begin{};
