@@ -32,7 +32,8 @@ double InRange(std::int16_t type, double value) {
 
 }  // namespace
 
-double CCore::ApplyCalibration(ChannelId channel, double raw) {
+// Not within SetChannel, most of whose calls do without it but would save registers for it.
+[[gnu::noinline]] double CCore::ApplyCalibration(ChannelId channel, double raw) {
     if (!view_ || Load(view_->channels[channel].calibrated) == 0 || raw == kNoValue) return raw;
     double value = raw;
     // In the catalogue's order: the second correction of a channel applies to the result of the first. A calibration that is always

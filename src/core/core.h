@@ -61,7 +61,7 @@ public:
     void NormaliseValue(ChannelId channel, double& value) const;
 
     // The channel's unit type: a user channel's own, or else the catalogue's. `channel` is below kChannelCount.
-    std::int16_t ChannelTypeOf(ChannelId channel) const {
+    [[gnu::always_inline]] std::int16_t ChannelTypeOf(ChannelId channel) const {
         // The last user channel keeps the catalogue's type.
         if (channel - kUser0 <= kUser30 - kUser0 && view_) return Load(view_->channels[channel].type);
         return ChannelCatalogue()[channel].type;
@@ -193,8 +193,7 @@ private:
     // The own boat's value of a channel, or of the one it stands for; kNoValue if there is none.
     double LiveValue(ChannelId channel) const;
 
-    double Now();  // days, by one reading of the clock
-    void StampTime(double now);
+    double StampTime(std::int64_t ticks);  // the ticks in days
     // Publishes the channels derived from a value, and returns the value to store.
     double Derived(ChannelId channel, BoatSlot boat, double value, double time, double now);
     void DeriveRate(ChannelId channel, ChannelId rateChannel, BoatSlot boat, double value, double time);
@@ -202,7 +201,7 @@ private:
 
     CoreServices services_;
     std::array<CalibrationObject, kCalibrationCount> calibrations_;
-    std::int64_t ticks_ = 0;  // the last reading of Now()
+    std::int64_t ticks_ = 0;  // the last that were stamped
     double days_ = DaysFromTicks(0);
     double gunMark_ = 0.0;
     std::unique_ptr<SharedBlock> mapping_;  // null if creation failed

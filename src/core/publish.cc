@@ -28,40 +28,44 @@ bool IsHeld(const CoreRecord& record, ChannelId channel) {
     return Load(record.sysFlag[kFlagHoldActive]) != 0 && Load(record.channels[channel].held) != 0;
 }
 
+bool IsAccepted(const CoreRecord& record, ChannelId channel, BoatSlot boat) {
+    return channel != kTime && channel < kChannelCount && boat < kBoatCount && Load(record.channels[channel].blocked) == 0 &&
+           !IsHeld(record, channel);
+}
+
 }  // namespace
 
-// Publications come in bursts, several within one tick of the clock, so each tick is converted to days only once.
-double CCore::Now() {
-    const std::int64_t ticks = services_.clock.Ticks();
+// Publications come in bursts, several within one tick of the clock, so each tick is converted to days only once. Inline, as is
+// ChannelTypeOf(): a call would cost every publication the registers that hold its value.
+[[gnu::always_inline]] inline double CCore::StampTime(std::int64_t ticks) {
     if (ticks != ticks_) {
         ticks_ = ticks;
         days_ = DaysFromTicks(ticks);
     }
-    return days_;
-}
-
-void CCore::StampTime() {
-    if (view_) StampTime(Now());
-}
-
-void CCore::StampTime(double now) {
-    for (BoatBlock& block : view_->fullBlocks) {
+    const double now = days_;
+    CoreRecord& record = *view_;
+    for (BoatBlock& block : record.fullBlocks) {
         Put(block.time[kTime], now);
         Put(block.value[kTime], now);
         Put(block.aux[kTime], 0.0);
         Put(block.damped[kTime], now);
     }
-    const std::uint32_t boats = std::min(Load(view_->boatCount), kBoatCount);
-    if (boats <= kFullBoatCount) return;
+    const std::uint32_t boats = std::min(Load(record.boatCount), kBoatCount);
+    if (boats <= kFullBoatCount) return now;
     // A double of days changes every 0.6 us, and several publications fall within that. The last boat is stamped last, so its stamp
     // shows whether all have this one.
-    if (Load(view_->shortBlocks[boats - 1 - kFullBoatCount].damped[kTime]) == now) return;
+    if (Load(record.shortBlocks[boats - 1 - kFullBoatCount].damped[kTime]) == now) return now;
     for (BoatSlot boat = kFullBoatCount; boat < boats; ++boat) {
-        ShortBoatBlock& block = view_->shortBlocks[boat - kFullBoatCount];
+        ShortBoatBlock& block = record.shortBlocks[boat - kFullBoatCount];
         Put(block.time[kTime], now);  // the Time channel has short index 0 too
         Put(block.value[kTime], now);
         Put(block.damped[kTime], now);
     }
+    return now;
+}
+
+void CCore::StampTime() {
+    if (view_) StampTime(services_.clock.Ticks());
 }
 
 void CCore::NormaliseValue(ChannelId channel, double& value) const {
@@ -70,30 +74,34 @@ void CCore::NormaliseValue(ChannelId channel, double& value) const {
     value = Normalised(view_ ? ChannelTypeOf(channel) : std::int16_t{kTypeNumber}, ChannelCatalogue()[channel], value);
 }
 
+// The value is brought into range before the clock's time is stamped, which no one can tell from the other order: whether the tick
+// is a new one is a branch that the processor often guesses wrong, and all work behind it is then done twice.
 bool CCore::SetChannel(ChannelId channel, BoatSlot boat, double value, double time) {
     if (!view_) return false;
-    const double now = Now();
-    StampTime(now);
-    if (channel == kTime || channel >= kChannelCount || boat >= kBoatCount) return false;
-    ChannelRow& row = view_->channels[channel];
-    if (Load(row.blocked) != 0 || IsHeld(*view_, channel)) return false;
-    if (time == 0.0) time = now;
+    CoreRecord& record = *view_;
+    const std::int64_t ticks = services_.clock.Ticks();
+    if (!IsAccepted(record, channel, boat)) {
+        StampTime(ticks);
+        return false;
+    }
     value = Normalised(ChannelTypeOf(channel), ChannelCatalogue()[channel], value);
+    const double now = StampTime(ticks);
+    ChannelRow& row = record.channels[channel];
+    if (time == 0.0) time = now;
     if (Load(row.calibrated) != 0) [[unlikely]]
         value = ApplyCalibration(channel, value);
     if (value != kNoValue) value = Derived(channel, boat, value, time, now);
-    const bool stored = Store(*view_, channel, boat, value, time);
+    const bool stored = Store(record, channel, boat, value, time);
     if (value != kNoValue) {
         Put(row.published, std::uint8_t{1});
-        Put(view_->sysFlag[kFlagDataPublished], std::uint8_t{1});
+        Put(record.sysFlag[kFlagDataPublished], std::uint8_t{1});
     }
     return stored;
 }
 
 bool CCore::SetOwnChannel(ChannelId channel, double value, double time) {
     if (!view_) return false;
-    const double now = Now();
-    StampTime(now);
+    const double now = StampTime(services_.clock.Ticks());
     if (IsHeld(*view_, channel)) return false;
     if (time == 0.0) time = now;
     value = Normalised(ChannelTypeOf(channel), ChannelCatalogue()[channel], value);

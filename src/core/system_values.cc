@@ -21,8 +21,8 @@ bool CCore::SetSystemValue(std::uint32_t index, double value) {
     if (index == 5) value = std::max(0.01, std::min(10.0, value));
     if (index == kValueGun) {
         gunMark_ = 0.0;
-        const double now = UtcNowDays(services_.clock);
-        StampTime(now);
+        StampTime();
+        const double now = days_;
         BoatBlock& own = view_->fullBlocks[0];
         Put(own.value[kGunBlwLn], kNoValue);
         Put(own.time[kGunBlwLn], now);
