@@ -1,9 +1,7 @@
-// What the two passes of a tick cost over as many rows as there are channels, with a Deckman that answers at once.
+// What a tick and its two passes cost, with a Deckman that answers at once; and how the cost grows with the rows and the boats.
 #include <benchmark/benchmark.h>
 
-#include "bridge/instrument_pass.h"
-#include "bridge/remote_pass.h"
-#include "core/record_access.h"
+#include "bridge.h"
 #include "support/test_system.h"
 
 namespace twr {
@@ -11,75 +9,77 @@ namespace {
 
 constexpr ChannelId kRows = kChannelCount;
 
-float step = 0.0f;
-
-void TWR_EXPORT_CALL Read(std::int32_t variable, float* value) { *value = static_cast<float>(variable % 90) + step; }
-void TWR_EXPORT_CALL GetPosition(float* latitude, float* longitude) { *latitude = *longitude = 10.0f; }
-void TWR_EXPORT_CALL Show(std::uint32_t*, std::int32_t, const char*) {}
-
-struct Bridge {
-    Bridge() {
-        library.fnRead = Read;
-        library.fnGetPosition = GetPosition;
-        library.fnSetISData = library.fnSetISName = Show;
-        Put(core.View()->sysInt[kIntPositionSource], 3);  // Deckman, so no row is left out
-        for (ChannelId row = 1; row <= kRows; ++row) {
-            const auto number = static_cast<std::int32_t>(row), channel = row < kChannelCount ? number : 1;
-            variables.emplace_back().channel = remotes.emplace_back().channel = channel;
-            variables.back().dfwId = remotes.back().remote = number;
-        }
-    }
-
-    void PublishAll(double value) {
-        for (ChannelId channel = 1; channel < kChannelCount; ++channel) core.SetChannel(channel, 0, value, 0.0);
-    }
+struct Running {
+    explicit Running(ChannelId rows = kRows, BoatSlot boats = 1)
+        : bridge(test.system->Core(), test.system->GetLibraries(), rows, boats) {}
 
     testing::TestSystem test;
-    CCore core{test.system->Core()};
-    DeckmanLibrary library{test.system->GetLibraries()};
-    std::vector<MappingVar> variables;
-    std::vector<MappingRemote> remotes;
-    Settings settings;
+    Bridge bridge;
 };
 
-void ReadPass(benchmark::State& state, bool changing) {
-    Bridge bridge;
-    InstrumentPass pass(bridge.core, bridge.test.system->Core().clock);
-    for (auto _ : state) {
-        if (changing) step = step < 1.0f ? step + 0.001f : 0.0f;
-        pass.Run(bridge.library, bridge.variables, -1, bridge.settings);
-    }
-}
+void CountRows(benchmark::State& state, std::int64_t rows = kRows) { state.SetItemsProcessed(state.iterations() * rows); }
 
-void ReadPassAllChanged(benchmark::State& state) { ReadPass(state, true); }
+void ReadPassAllChanged(benchmark::State& state) {
+    Running running;
+    for (auto _ : state) {
+        Bridge::Change();
+        running.bridge.ReadPass();
+    }
+    CountRows(state);
+}
 BENCHMARK(ReadPassAllChanged)->Unit(benchmark::kMicrosecond);
 
-void ReadPassAllQuiet(benchmark::State& state) { ReadPass(state, false); }
+void ReadPassAllQuiet(benchmark::State& state) {
+    Running running;
+    for (auto _ : state) running.bridge.ReadPass();
+    CountRows(state);
+}
 BENCHMARK(ReadPassAllQuiet)->Unit(benchmark::kMicrosecond);
 
-// All channels have a value before; between two passes each of them changes when asked.
-void ShowPass(benchmark::State& state, bool changing) {
-    Bridge bridge;
-    const RemotePass pass(bridge.core);
-    double value = 1.0;
-    bridge.PublishAll(value);
-    pass.Run(bridge.library, bridge.remotes, bridge.settings);
+// All channels have a value before; between two passes each of them changes.
+void RemotePassAllChanged(benchmark::State& state) {
+    Running running;
     for (auto _ : state) {
-        if (changing) {
-            state.PauseTiming();
-            bridge.PublishAll(value = value < 2.0 ? value + 0.01 : 1.0);
-            state.ResumeTiming();
-        }
-        pass.Run(bridge.library, bridge.remotes, bridge.settings);
+        state.PauseTiming();
+        running.bridge.PublishAll();
+        state.ResumeTiming();
+        running.bridge.ShowPass();
     }
+    CountRows(state);
 }
-
-void RemotePassAllChanged(benchmark::State& state) { ShowPass(state, true); }
 BENCHMARK(RemotePassAllChanged)->Unit(benchmark::kMicrosecond);
 
 // Fewer iterations than the 10 s after which the values would go stale.
-void RemotePassAllQuiet(benchmark::State& state) { ShowPass(state, false); }
+void RemotePassAllQuiet(benchmark::State& state) {
+    Running running;
+    running.bridge.PublishAll();
+    running.bridge.ShowPass();
+    for (auto _ : state) running.bridge.ShowPass();
+    CountRows(state);
+}
 BENCHMARK(RemotePassAllQuiet)->Unit(benchmark::kMicrosecond)->Iterations(20000);
+
+void Grow(benchmark::internal::Benchmark* tick) {
+    tick->ArgNames({"rows", "boats"})->Unit(benchmark::kMicrosecond);
+    for (const int rows : {1, 50, 100, 150, 200, 250, 300, 350, 414}) tick->Args({rows, 1});
+    for (const int boats : {2, 3, 10, 25, 50, 75, 100}) tick->Args({kRows, boats});
+}
+
+void Tick(benchmark::State& state, bool changing) {
+    const std::int64_t rows = state.range(0);
+    Running running(static_cast<ChannelId>(rows), static_cast<BoatSlot>(state.range(1)));
+    for (auto _ : state) {
+        if (changing) Bridge::Change();
+        running.bridge.Tick();
+    }
+    CountRows(state, rows);
+}
+
+void TickAllChanged(benchmark::State& state) { Tick(state, true); }
+BENCHMARK(TickAllChanged)->Apply(Grow);
+
+void TickAllQuiet(benchmark::State& state) { Tick(state, false); }
+BENCHMARK(TickAllQuiet)->Apply(Grow);
 
 }  // namespace
 }  // namespace twr

@@ -39,10 +39,13 @@ BENCHMARK(PublishOwnBoat);
 void PublishOverAllChannels(benchmark::State& state) {
     Suite suite;
     ChannelId channel = 0;
-    double value = 0.0;
+    double value = 1.0;
     for (auto _ : state) {
-        channel = channel % (kChannelCount - 1) + 1;
-        suite.core.SetChannel(channel, 0, value = value < 2.0 ? value + 0.01 : 1.0, 0.0);
+        if (++channel == kChannelCount) {
+            channel = 1;
+            value = value < 2.0 ? value + 0.01 : 1.0;
+        }
+        suite.core.SetChannel(channel, 0, value, 0.0);
     }
 }
 BENCHMARK(PublishOverAllChannels);
