@@ -27,7 +27,7 @@ protected:
         return line;
     }
 
-    const TestSystem test;
+    TestSystem test;
     const std::string name = "/" + ToUtf8(TestRoots(test.name, test.folder.Text()).namePrefix) + "TwrCore_356_166784";
 };
 
