@@ -16,7 +16,7 @@ namespace twr {
 
 // Reads as it plays, so that a recording may be of any length. What is not in it, or was not renewed for a while, is absent; so is
 // everything while the file can't be opened.
-class RecordingReplay : public InstrumentSource {
+class RecordingReplay final : public InstrumentSource {
 public:
     RecordingReplay(Files& files, std::u16string_view path);
 

@@ -67,7 +67,7 @@ double YachtPolar::Speed(double tws, double twa) const {
     const double angle = std::min(std::abs(WrappedAngle(twa)), 180.0);
     const Cell row = CellOf(kAngles, angle);
     const Cell wind = CellOf(kWindSpeeds, std::clamp(tws, 0.0, kWindSpeeds[kSpeedCount - 1]));
-    double column[kAngleCount];
+    double column[kAngleCount] = {};
     const std::size_t first = row.index == 0 ? 0 : row.index - 1;
     const std::size_t last = std::min(row.index + 2, kAngleCount - 1);
     for (std::size_t i = first; i <= last; ++i) {
