@@ -46,7 +46,7 @@ std::u16string CCore::GetDataFolder(std::u16string_view subfolder) {
         if (subfolder.empty() && !exists) return {};
     }
     if (subfolder.empty()) return folder;
-    const std::u16string path = JoinPath(folder, subfolder);
+    std::u16string path = JoinPath(folder, subfolder);
     make(path);
     return path;
 }

@@ -23,7 +23,7 @@ double StampOf(const Entry& entry) {
 }  // namespace
 
 Follower::Follower(CCore& core, const Clock& clock, const FollowOptions& options)
-    : core_(core), clock_(clock), options_(options), tells_(kChannelCount), seen_(kBoatCount * kChannelCount) {
+    : core_(core), clock_(clock), options_(options), tells_(kChannelCount), seen_(std::size_t{kBoatCount} * kChannelCount) {
     for (const ChannelId channel : options.channels) tells_[channel] = 1;
     for (ChannelId channel = kTime + 1; channel < kChannelCount; ++channel) {
         if (options.channels.empty() && !IsAlternating(channel)) tells_[channel] = 1;
