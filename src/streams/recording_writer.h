@@ -37,7 +37,6 @@ public:
     // Writes what is left, and ends the file.
     bool Close();
 
-    bool IsOpen() const { return file_ != nullptr; }
     const std::string& Fault() const { return fault_; }   // what is wrong and what to do, in UTF-8; empty while nothing is
     const std::u16string& Path() const { return path_; }  // of the file written last
 
