@@ -150,10 +150,12 @@ TEST_F(ExplainTest, TellsALibraryThatDoesNotReturnFromOneThatIsSlow) {
     Gives(1, 6.5f);
     Run([&] {
         deckman.onRead = [&] {
-            machine.clock.AdvanceMs(2000);
+            machine.clock.AdvanceMs(20000);
             deckman.onRead = [&] { machine.clock.AdvanceMs(150); };
             console.goOn = [] { return true; };
-            ExpectIn(Explained("BSP"), {"Deckman's library, which it has called, has not returned for 2.0 s\n  to do"});
+            ExpectIn(Explained("BSP"), {"Deckman's library, which it has called, has not returned for 20.0 s\n  to do"});
+            RunCommandLine(machine, {"get", "BSP"});
+            ExpectIn(console.written, {"BSP has no value: the bridge stands still: Deckman's library"});
         };
         host.Tick(2);
         console.goOn = [this] { return host.Tick(), true; };

@@ -14,7 +14,7 @@
 namespace twr {
 namespace {
 
-constexpr double kTickSeconds = 0.1;
+constexpr double kTickSeconds = 0.1, kSurelyWaits = 1.0;
 constexpr const char* kOwnLibrary = "install Deckman's own library there";
 constexpr const char* kMapVariation = "map Deckman's variation to channel 93, or untick the box for degrees true";
 
@@ -81,13 +81,14 @@ private:
     }
 
     void AddBridge() {
+        const double waited =
+            now_.bridge && now_.bridge->waitsSince ? std::fabs(now_.now - *now_.bridge->waitsSince) * kSecondsPerDay : 0.0;
         Advice fault;
         if (!now_.bridge) {
             fault = {"the bridge is not running", "start " HALYRIG_PROGRAM};
-        } else if (now_.standsStill && now_.bridge->waitsSince) {
-            const double seconds = std::fabs(now_.now - *now_.bridge->waitsSince) * kSecondsPerDay;
+        } else if (waited > kSurelyWaits || (now_.standsStill && now_.bridge->waitsSince)) {
             fault = {"the bridge stands still: Deckman's library, which it has called, has not returned for " +
-                         Printed("%.1f s", seconds),
+                         Printed("%.1f s", waited),
                      "if it goes on, see whether Deckman itself hangs, end both and start them again"};
         } else if (now_.standsStill) {
             fault = {"the bridge stands still: it is stopped, or another program holds it up", "end it and start it again"};
