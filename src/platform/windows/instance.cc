@@ -30,7 +30,7 @@ void WindowsInstance::RaiseOther(std::u16string_view caption) {
     const HWND window = FindWindowW(nullptr, ToWide(caption).c_str());
     if (!window) return;
     const HWND popup = GetLastActivePopup(window);
-    if (IsIconic(window)) ShowWindow(window, SW_RESTORE);
+    if (IsIconic(window)) ShowWindowAsync(window, SW_RESTORE);  // the other may hang in Deckman's library
     SetForegroundWindow(popup);
 }
 
