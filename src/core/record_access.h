@@ -58,12 +58,9 @@ std::u16string FieldText(const char16_t (&field)[Units]) {
 // Whether that is the field's text. Allocates no memory.
 template <std::size_t Units>
 bool FieldTextIs(const char16_t (&field)[Units], std::u16string_view text) {
-    for (std::size_t i = 0; i < Units; ++i) {
-        const char16_t unit = Load(field[i]);
-        if (unit == 0 || i == text.size()) return unit == 0 && i == text.size();
-        if (unit != text[i]) return false;
-    }
-    return text.size() == Units;
+    std::size_t i = 0;
+    while (i < text.size() && i < Units && text[i] != 0 && Load(field[i]) == text[i]) ++i;
+    return i == text.size() && (i == Units || Load(field[i]) == 0);
 }
 
 // --- Entries: a channel's value for a boat, with its time stamp ---

@@ -29,7 +29,7 @@ TEST_F(CoreTest, OneProgramWritesWhileAnotherReads) {
             SetFieldText(core->View()->channels[kUser0].userShortName, i % 2 == 0 ? u"" : u"another");
         }
     });
-    for (int round = 0; round < 50; ++round) {
+    for (int round = 0; round < 10; ++round) {
         for (const BoatSlot boat : {0u, 1u, 2u, 99u}) {
             for (ChannelId channel = 0; channel < kChannelCount; ++channel) {
                 double value = 0.0;
