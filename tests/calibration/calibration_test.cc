@@ -49,6 +49,7 @@ TEST(CalibrationObject, BlendsAcrossItsCurvesAndStopsAtTheOuterOnes) {
     const Row rows[] = {
         {"no curve", {}, {{1, kNoValue, kNoValue}}},
         {"squares", {{0, 0}, {1, 1}, {2, 4}, {3, 9}}, {{-7, 0, 0}, {1.5, 2.25, 2.5}, {2, 4, 4}, {1e9, 9, 9}, {kNoValue, 0, 0}}},
+        {"level", {{0, 5}, {1, 5}}, {{0.5, 5, 5}}},
         {"outer gaps", {{0, 0}, {1, 1}, {2, 4}, {3, 9}}, {{0.5, 0.3125, 0.5}, {2.5, 6.6875, 6.5}}},
         {"outer holes", {{0, kNoValue}, {1, 1}, {2, 4}, {3, kNoValue}}, {{1.5, 2.5, 2.5}, {2.5, kNoValue, kNoValue}}},
         {"keys the wrong way round", {{9, 1}, {2, 8}}, {{99, 1, 1}}}};

@@ -23,7 +23,8 @@ protected:
     CheckTest() { SetUpWell(); }
 
     void SetUpWell() {
-        if (test.folder.Read(kLibrary).size() < 1000) test.folder.Write(kLibrary, BytesOf(STAND_IN_LIBRARY));
+        if (test.folder.Read(kLibrary).size() != BytesOf(STAND_IN_LIBRARY).size())
+            test.folder.Write(kLibrary, BytesOf(STAND_IN_LIBRARY));
         test.folder.Write(kList, "[variables]\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n3 VARIATION u 0 0 0\n9 TIMER u 0 0 0\n");
         Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<remote remote='1' twr='13'/>");
         settings = {.dfwFolder = test.folder.File("Deckman")};
@@ -99,8 +100,12 @@ TEST_F(CheckTest, NamesTheCauseFirst) {
         {"a file in its place", choose(test.folder.File(kList)), {"is a file, not a folder"}},
         {"no list", [&] { Remove("Deckman/Data"); }, {"Data: there is no J_vars06.d", "; choose Deckman's own folder"}},
         {"an empty list", [&] { test.folder.Write(kList, "1 BSP u 0 0 0\n"); }, {"J_vars06.d: it has no line [variables]"}},
+        {"a list of none",
+         [&] { test.folder.Write(kList, "[variables]\n"); },
+         {"J_vars06.d: Deckman's list can't be read, or names no"}},
         {"a broken list", [&] { test.folder.Write(kList, "[variables]\nx\n"); }, {"J_vars06.d:2: ", "is read only up to here"}},
         {"a text as library", [&] { test.folder.Write(kLibrary, "Read me"); }, {"is no library but another kind of file"}},
+        {"another library", [&] { test.folder.Write(kLibrary, BytesOf(LOADABLE)); }, {"the library has no function Usr_Read; "}},
         {"no mapping", [&] { Remove(kMapping); }, {"halyrig.xml: there is no mapping"}},
         {"no data folder", [&] { Remove("ProgramData/Tidewright"); }, {"halyrig.xml: there is no mapping"}},
         {"an empty mapping", [&] { Map(""); }, {"halyrig.xml: it can't be read or maps nothing"}},
@@ -111,6 +116,12 @@ TEST_F(CheckTest, NamesTheCauseFirst) {
         {"one of two", [&] { Map("<var twr='1' dfw='BSP'/><var twr='13' dfw='hdg'/>"); }, {"hdg; did you mean HDG?"}, "1 fault; "},
     };
     if (kRegistryIsAFile) {
+        rows.push_back({"no file",
+                        [&] {
+                            Remove("config");
+                            test.folder.Write("config/registry.reg/x", "");
+                        },
+                        {"registry.reg: "}});
         rows.push_back(
             {"HKCU",
              [&] {

@@ -163,5 +163,23 @@ TEST_F(ExplainTest, TellsALibraryThatDoesNotReturnFromOneThatIsSlow) {
     });
 }
 
+TEST_F(ExplainTest, TellsOfAllThatIsMappedGroupedByWhatIsToBeDone) {
+    SetUpAll(1);
+    std::string overview, lines;
+    Run([&] {
+        host.Tick(2);
+        Publish(kHdg, kNoValue);
+        overview = Explained(""), lines = Explained("HDG BSP --json");
+    });
+    ExpectIn(overview, {"HDG (13): ", "\n  to do: ", "all is well: BSP (1)"});
+    EXPECT_EQ(overview.find("HDG"), overview.rfind("HDG")) << overview;
+    const std::size_t second = lines.find('\n') + 1;
+    ExpectIn(lines.substr(0, second), {R"("id":13,)", R"("state":"broken")", R"("toDo":")"});
+    ExpectIn(lines.substr(second), {R"("id":1,)", R"("fault":null,"toDo":null)", R"("state":"holds")"});
+    ExpectIn(Explained("nosuch"), {"nosuch"});
+    MappingXml("");
+    ExpectIn(Explained(""), {"no line of the mapping", "halyrigctl check"});
+}
+
 }  // namespace
 }  // namespace twr::testing

@@ -47,11 +47,16 @@ TEST(LibraryLookTest, NamesWhatKeepsTheBridgeFromLoadingIt) {
     install("empty", "");
     install("machine", otherMachine);
     install("program", program);
-    install("cut", standIn.substr(0, standIn.size() / 3));
+    install("cut", standIn.substr(0, 4096));
     install("foreign", BytesOf(LOADABLE));
     install("stub", elf ? "MZ"
                         : "\x7f"
                           "ELF");
+    install("other system",
+            elf ? std::string("MZ").append(58, '\0') + std::string("\x40\0\0\0PE\0\0\x4c\x01", 10) + std::string(30, '\0')
+                : "\x7f"
+                  "ELF\1" +
+                      std::string(30, '\0'));
     test.folder.Write("right/Data/J_vars06.d", "");
     test.folder.Write("other/ShDfW2.lib", "");
     test.folder.Write("none/x", "");
@@ -67,6 +72,7 @@ TEST(LibraryLookTest, NamesWhatKeepsTheBridgeFromLoadingIt) {
         {test.folder.File("text"), "is no library but another kind of file"},
         {test.folder.File("empty"), "is no library but another kind of file"},
         {test.folder.File("stub"), "is no library but another kind of file"},
+        {test.folder.File("other system"), "is for another kind of program"},
         {test.folder.File("machine"), "is for another kind of program"},
         {test.folder.File("program"), "is a program, not a library"},
         {test.folder.File("cut"), "can't be loaded: it is damaged"}};

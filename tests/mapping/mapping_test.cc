@@ -99,6 +99,7 @@ TEST_F(MappingTest, TellsWhatItPassesOverAndWhere) {
         {R"(<var twr="1" dfw="12" boat="100"/>)", Flaw::kNoSuchBoat, "100"},
         {R"(<var twr="1" dfw="12" boat="x"/>)", Flaw::kNotANumber, R"(boat="x")"},
         {R"(<var twr="1" dfw="12" colour="x"/>)", Flaw::kUnknownAttribute, "colour"},
+        {R"(<remote remote="1" twr="1" colour="x"/>)", Flaw::kUnknownAttribute, "colour"},
         {R"(<remote twr="1"/>)", Flaw::kRemoteMissing, ""},
         {R"(<remote remote="-2" twr="1"/>)", Flaw::kNoSuchRemote, "-2"},
         {R"(<vra twr="1" dfw="12"/>)", Flaw::kUnknownElement, "vra"}};

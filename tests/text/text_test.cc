@@ -101,6 +101,8 @@ TEST_F(ChannelTextTest, GoesByChannelTypeAndDecimals) {
         {kSailMark, 0.0, "A2"},    {kSailNext, 0.0, ""},        {kSailEvt, 0.0, "J2 up"},       {kAlt0, 7.0, "007"},
         {kAlt1, 7.0, "- -"},       {kChannelCount, 1.0, "- -"}, {kHdg, 5.4, "005.40"}};
     for (const auto& [channel, value, text] : rows) EXPECT_EQ(text, Text(channel, value)) << channel << " at " << value;
+    const std::pair<ChannelId, const char*> formats[] = {{kCog, "%05.1lf"}, {kBsp, "%.2lf"}, {kUser1, "%lf"}, {kAlt1, ""}};
+    for (const auto& [channel, format] : formats) EXPECT_EQ(format, core->ChannelFormat(channel)) << channel;
 }
 
 TEST_F(ChannelTextTest, TheGpsHasNamesForItsMethodsAndModes) {
