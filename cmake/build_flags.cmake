@@ -13,6 +13,12 @@ target_compile_options(halyrig_flags INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 wrongly reports an overlap in `"literal" + string`.
     target_compile_options(halyrig_flags INTERFACE -Wno-restrict)
+else()
+    # What clang sees and GCC doesn't, or tells better from what is right. The tests' tables are full of plain literals.
+    target_compile_options(halyrig_flags INTERFACE -Wshadow-all -Wcast-qual -Wcast-align -Wextra-semi-stmt -Wloop-analysis
+        -Wunreachable-code -Wtautological-compare -Wconditional-uninitialized -Wundef -Wmissing-noreturn -Wunused-member-function
+        -Wover-aligned -Wheader-hygiene
+        $<$<NOT:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>>:-Wconversion> $<$<NOT:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>>:-Wsign-conversion>)
 endif()
 target_include_directories(halyrig_flags INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
 

@@ -27,7 +27,7 @@ private:
 // The one XML file of this machine, whatever path is asked for.
 class OneFile : public twr::Xml {
 public:
-    explicit OneFile(std::string_view document = {}) : document(document) {}
+    explicit OneFile(std::string_view itsDocument = {}) : document(itsDocument) {}
 
     std::unique_ptr<twr::XmlReader> OpenReader(std::u16string_view) override {
         return twr::ReadXml(std::make_unique<Bytes>(document));
