@@ -31,7 +31,8 @@ END {
             sorted[k + 1] = times[name, n]
         }
         median[name] = quantile(sorted, times[name], 0.5)
-        spread[name] = quantile(sorted, times[name], 0.75) - quantile(sorted, times[name], 0.25)
+        low[name] = quantile(sorted, times[name], 0.25)
+        spread[name] = quantile(sorted, times[name], 0.75) - low[name]
     }
     print "| benchmark | median | spread | values | a value costs |\n|---|--:|--:|--:|--:|"
     fflush()  # before what is sorted
@@ -44,6 +45,7 @@ END {
         cost = name in limit && limit[name] != name && !(name ~ /^Bare/) ? sprintf("%.2f × %s", ratio(name), limit[name]) : ""
         printf "| %s | %s | %.1f %% | %d | %s |\n", name, shown(median[name]), 100 * spread[name] / median[name], values[name], cost | "sort"
     }
-    printf "publication %.3f\nstart %.3f\n", ratio("PublishOverAllChannels"),
+    # By the lower quartiles: other programs take more from a publication, which has more in the caches, than from its limit.
+    printf "publication %.3f\nstart %.3f\n", low["PublishOverAllChannels"] / low["PhysicalLimit"],
         (median["StartToFirstTick"] - median["BareProcess"]) / 1e6 >figures
 }
