@@ -35,7 +35,7 @@ void LimitMemory(rlim_t bytes) {
     setrlimit(RLIMIT_AS, &room);
 }
 
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kNeedsTheMemory = true;
 #else
 constexpr bool kNeedsTheMemory = false;
