@@ -238,7 +238,7 @@ TEST_F(DialogTest, WhatComesWhileTheLibraryRunsWaitsForTheEndOfThePass) {
         {"esc, and again, and the import", [&] { host.PressEsc(), host.Press(kImportButton); }, {}, 1, DialogResult::kCancel},
         {"the request to quit", quit, {}, 0, DialogResult::kOk},
         {"the end of the session", [&] { host.EndSession(); }, {}, 0, {}}};
-    for (const auto& [name, event, nextReads, boxes, result] : rows) {
+    for (const auto& [name, event, reads, boxes, result] : rows) {
         SCOPED_TRACE(name);
         MappingXml("<var twr='1' dfw='BSP'/><var twr='13' dfw='HDG'/>");
         deckman.onRead = [] {};
@@ -247,7 +247,7 @@ TEST_F(DialogTest, WhatComesWhileTheLibraryRunsWaitsForTheEndOfThePass) {
             EXPECT_EQ((Reads{12, 13}), TickReads()) << "ticks go on";
             return BoxAnswer::kYes;
         };
-        Run([&, raise = event, ends = result] {
+        Run([&, raise = event, nextReads = reads, ends = result] {
             deckman.onRead = [&] {
                 raise();
                 EXPECT_TRUE(deckman.loaded == 1 && machine.calling && !host.result && host.boxes.empty());
