@@ -209,8 +209,8 @@ TEST(RegistryText, GivesAValueOrTheLineThatIsMeantForItAndCantBeRead) {
         {"\"a\"=x\n\"a\"=dword:1\n", DwordValue(1)},
         {"\"b\"=x\n;a=x\n[x]\n\"a\"=x\n", kNone},
         {"\"a\"=x\n[-HKEY_CURRENT_USER\\Software]\n", kNone}};
-    for (const char* value : {"", "x", "\"open", "\"x\"y", "dword:", "dword:100000000", "dword:-1", "dword:1x", "hex:0g", "hex:100",
-                              "hex:01 02", "hex:01,\\x", "hex():01", "hex(100000000):01"}) {
+    for (const char* value : {"", "x", "\"open", "\"dword:1", "\"x\"y", "dword:", "dword:100000000", "dword:-1", "dword:1x",
+                              "hex:0g", "hex:100", "hex:01 02", "hex:01,\\x", "hex():01", "hex(100000000):01"}) {
         rows.push_back({"\"a\"=" + std::string(value) + "\n", kNone, 2});
     }
     for (const char* key : {"HKEY_CURRENT_USER\\Software]", "HKEY_LOCAL_MACHINE\\Software\\Tidewright\\core]", "damaged", "]"})

@@ -47,9 +47,9 @@ public:
 
     // A text in quotation marks, over several lines if it contains line ends.
     bool TakeQuoted(std::u16string& text) {
-        if (!Take("\"")) return false;
+        if (!rest_.starts_with('"')) return false;
         std::string bytes;
-        for (std::size_t i = 0; i < rest_.size(); ++i) {
+        for (std::size_t i = 1; i < rest_.size(); ++i) {
             if (rest_[i] == '"') {
                 text = FromUtf8(bytes);
                 rest_.remove_prefix(i + 1);
