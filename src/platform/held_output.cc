@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <future>
+#include <memory>
 #include <thread>
 
 namespace twr {
@@ -15,10 +16,15 @@ constexpr int kQuestionsInASecond = 10;
 Output RunWrite(std::function<bool()> write, const std::function<bool()>& goOn) {
     std::packaged_task<bool()> task(std::move(write));
     std::future<bool> taken = task.get_future();
-    std::thread(std::move(task)).detach();
+    // Never detached: MinGW-w64's threads are lost, or crash, if that comes before they have begun.
+    auto writer = std::make_unique<std::thread>(std::move(task));
     while (taken.wait_for(kBetweenQuestions) != std::future_status::ready) {
-        if (!goOn()) return Output::kGivenUp;
+        if (!goOn()) {
+            static_cast<void>(writer.release());
+            return Output::kGivenUp;
+        }
     }
+    writer->join();
     return taken.get() ? Output::kWritten : Output::kRefused;
 }
 

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/held_output.h"
 #include "platform/paths.h"
 #include "platform/registry.h"
 #include "support/child_process.h"
@@ -138,6 +139,15 @@ TEST_F(RegistryTest, HasNothingBeforeItIsWrittenAndThenUnderNamesInAnyCase) {
     EXPECT_EQ(std::nullopt, registry_.Read(u"Software\\Tidewright", u"Sys_v0"));
     ASSERT_TRUE(registry_.Write(u"SOFTWARE\\tidewright\\CORE", u"SYS_v0", StringValue(u"2")));
     EXPECT_EQ(StringValue(u"2"), registry_.Read(u"SOFTWARE\\tidewright\\CORE", u"sYS_V0"));
+}
+
+TEST(HeldOutput, EachWriteIsRun) {
+    int written = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const Output result = RunWrite([&] { return ++written > 0; }, [questions = 0]() mutable { return ++questions < 300; });
+        ASSERT_EQ(Output::kWritten, result) << "of write " << i;
+    }
+    EXPECT_EQ(1000, written);
 }
 
 }  // namespace

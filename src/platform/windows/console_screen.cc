@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <future>
+#include <memory>
 #include <thread>
 
 #include "base/wide_text.h"
@@ -106,6 +107,7 @@ public:
     ~WindowsScreen() override {
         SetConsoleMode(input_, formerMode_);
         RunShortWrite([output = output_, buffer = buffer_] { return SetConsoleActiveScreenBuffer(output) != FALSE; });
+        LeaveWriter();
     }
     WindowsScreen(const WindowsScreen&) = delete;
     WindowsScreen& operator=(const WindowsScreen&) = delete;
@@ -153,8 +155,7 @@ private:
     }
 
     void Show() {
-        const bool busy = written_.valid() && written_.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
-        if (!wanted_ || busy) return;
+        if (!wanted_ || IsWriting()) return;
         const ConsoleSize size = Size();
         const Cells cells = Drawn(*wanted_, size);
         wanted_.reset();
@@ -168,8 +169,17 @@ private:
                               static_cast<SHORT>(info.srWindow.Top + size.rows - 1)};
             WriteConsoleOutputW(buffer->get(), cells.data(), whole, {0, 0}, &window);
         });
+        if (writer_) writer_->join();
         written_ = write.get_future();
-        std::thread(std::move(write)).detach();
+        writer_ = std::make_unique<std::thread>(std::move(write));
+    }
+
+    bool IsWriting() const { return written_.valid() && written_.wait_for(std::chrono::seconds(0)) != std::future_status::ready; }
+
+    // The console may hold the writer up without limit. It is not detached; see held_output.cc.
+    void LeaveWriter() {
+        if (writer_ && !IsWriting()) return writer_->join();
+        static_cast<void>(writer_.release());
     }
 
     const HANDLE input_, output_, stop_;
@@ -178,6 +188,7 @@ private:
     std::optional<std::vector<ScreenText>> wanted_;     // not written yet
     Cells shown_;
     std::future<void> written_;
+    std::unique_ptr<std::thread> writer_;
 };
 
 }  // namespace
