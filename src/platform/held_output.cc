@@ -2,8 +2,8 @@
 
 #include <chrono>
 #include <future>
-#include <memory>
 #include <thread>
+#include <vector>
 
 namespace twr {
 namespace {
@@ -11,20 +11,25 @@ namespace {
 constexpr auto kBetweenQuestions = std::chrono::milliseconds(100);
 constexpr int kQuestionsInASecond = 10;
 
+// They end with the process. None is detached: MinGW-w64's threads are lost, or crash, if that comes before they have begun.
+std::vector<std::thread>& Abandoned() {
+    static auto& threads = *new std::vector<std::thread>;
+    return threads;
+}
+
 }  // namespace
 
 Output RunWrite(std::function<bool()> write, const std::function<bool()>& goOn) {
     std::packaged_task<bool()> task(std::move(write));
     std::future<bool> taken = task.get_future();
-    // Never detached: MinGW-w64's threads are lost, or crash, if that comes before they have begun.
-    auto writer = std::make_unique<std::thread>(std::move(task));
+    std::thread writer(std::move(task));
     while (taken.wait_for(kBetweenQuestions) != std::future_status::ready) {
         if (!goOn()) {
-            static_cast<void>(writer.release());
+            Abandoned().push_back(std::move(writer));
             return Output::kGivenUp;
         }
     }
-    writer->join();
+    writer.join();
     return taken.get() ? Output::kWritten : Output::kRefused;
 }
 
