@@ -256,7 +256,7 @@ void AddSourceLinks(Links& links, const Subject& subject, Circumstances& circums
     Source(links, subject, circumstances).AddAll();
 }
 
-Advice Unusable(std::string giver, double value, const std::string& forWhat, bool ranged, const char* todo) {
+Advice Unusable(const std::string& giver, double value, const std::string& forWhat, bool ranged, const char* todo) {
     const bool isNumber = !std::isnan(value);
     const char* shown = !isNumber ? "NAN" : ranged ? "-0" : "INF";
     return {giver + (isNumber ? "an infinite value" : "what is not a number (NaN)") + forWhat + ": a display shows " + shown +

@@ -30,7 +30,7 @@ void AddSourceLinks(Links& links, const Subject& subject, Circumstances& circums
 
 // A fault: `giver`, such as "Deckman gives ", gives NaN or an infinity `forWhat`. The suite refuses an infinity if the channel has
 // a range, but never NaN.
-Advice Unusable(std::string giver, double value, const std::string& forWhat, bool ranged, const char* todo);
+Advice Unusable(const std::string& giver, double value, const std::string& forWhat, bool ranged, const char* todo);
 
 // "file:line: "
 std::string PlaceInWords(std::u16string_view path, std::size_t line);
