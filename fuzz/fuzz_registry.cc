@@ -1,5 +1,5 @@
+#include <algorithm>
 #include <iterator>
-#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,13 +18,12 @@ constexpr char16_t kKey[] = u"HKEY_CURRENT_USER\\Software\\Tidewright\\core";
 class TextRegistry : public twr::Registry {
 public:
     // The names beforehand, since most of the settings are in hardly any text.
-    explicit TextRegistry(const twr::RegistryText& text) : text_(text), names_(text.Names(kKey)) {
-        for (const std::u16string& name : names_) known_.insert(twr::UpperCase(name));
-    }
+    explicit TextRegistry(const twr::RegistryText& text) : text_(text), names_(text.Names(kKey)) {}
 
     bool OpenOrCreate(std::u16string_view) override { return true; }
     std::optional<twr::RegistryValue> Read(std::u16string_view, std::u16string_view name) const override {
-        return known_.contains(twr::UpperCase(name)) ? text_.Find(kKey, name) : std::nullopt;
+        const auto isName = [name](const std::u16string& known) { return twr::EqualsIgnoringCase(known, name); };
+        return std::ranges::any_of(names_, isName) ? text_.Find(kKey, name) : std::nullopt;
     }
     bool Write(std::u16string_view, std::u16string_view, const twr::RegistryValue&) override { return false; }
     std::vector<std::u16string> Names(std::u16string_view) const override { return names_; }
@@ -35,7 +34,6 @@ public:
 private:
     const twr::RegistryText& text_;
     const std::vector<std::u16string> names_;
-    std::set<std::u16string> known_;  // in upper case
 };
 
 // Memory that is new to each core, but still holds what the one before has left: filling a record writes all that is read.
