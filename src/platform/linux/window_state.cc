@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/start_memory.h"
+
 namespace twr {
 
 void Timers::Start(std::uintptr_t id, unsigned milliseconds, Steady::time_point now) {
@@ -60,6 +62,7 @@ void WindowState::RaiseTimers() {
     timers_.RaiseDue(Steady::now(), [this](std::uintptr_t id) {
         if (!ended_) dialog_.OnTimer(id);
     });
+    if (!std::exchange(started_, true)) GiveBackStartMemory();
 }
 
 }  // namespace twr

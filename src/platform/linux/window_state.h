@@ -49,7 +49,7 @@ public:
     bool Ended() const { return ended_; }
     bool TakePostedClose();
     Steady::time_point NextDue() const { return timers_.NextDue(Steady::now()); }
-    void RaiseTimers();
+    void RaiseTimers();  // the first time, what the start needed is given back
 
 protected:
     // What the controls show has changed.
@@ -62,6 +62,7 @@ private:
     Timers timers_;
     bool closePosted_ = false;
     bool ended_ = false;
+    bool started_ = false;
 };
 
 }  // namespace twr

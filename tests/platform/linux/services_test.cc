@@ -1,15 +1,19 @@
 // What the small services of Linux do with its environment, signals, zones and terminals.
 #include "platform/linux/services.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <ctime>
 #include <fstream>
 
 #include "base/wide_text.h"
 #include "platform/linux/signal_queue.h"
+#include "platform/linux/start_memory.h"
 #include "platform/linux/terminal/text.h"
 #include "platform/linux/window_state.h"
 #include "support/child_process.h"
@@ -275,6 +279,37 @@ const Role hangs("hangs", [](const std::vector<std::string>&) {
 });
 
 TEST(SignalQueueTest, ASignalToCloseEndsWhatHangs) { EXPECT_EQ(128 + SIGTERM, StartRole("hangs", {})->Wait()); }
+
+long ResidentKiB() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        long amount = 0;
+        if (word == "VmRSS:" && status >> amount) return amount;
+    }
+    return 0;
+}
+
+TEST(StartMemoryTest, IsGivenBackWhereItIsStillInAFile) {
+    constexpr std::size_t kBytes = 8 << 20;
+    const TempFolder folder;
+    const Descriptor file = OpenPlainFile(ToUtf8(folder.Write("library", std::string(kBytes, 'f'))), O_RDWR);
+    const auto map = [&](int rights) { return static_cast<char*>(mmap(nullptr, kBytes, rights, MAP_PRIVATE, file.Get(), 0)); };
+    char* const program = map(PROT_READ);
+    EXPECT_EQ(kBytes, std::ranges::count(std::string_view(program, kBytes), 'f'));
+    char* const linked = map(PROT_READ | PROT_WRITE);
+    linked[kBytes / 2] = 'l';
+    mprotect(linked, kBytes, PROT_READ);
+    char* const data = map(PROT_READ | PROT_WRITE);
+    data[1] = 'd';
+
+    const long before = ResidentKiB();
+    GiveBackStartMemory();
+    EXPECT_LT(ResidentKiB(), before - 4096);
+    EXPECT_EQ('f', program[kBytes - 1]);
+    EXPECT_EQ('l', linked[kBytes / 2]);
+    EXPECT_EQ('d', data[1]);
+    for (char* const mapped : {program, linked, data}) munmap(mapped, kBytes);
+}
 
 TEST(TimersTest, KeepTheBeatAndLeaveOutWhatWasMissed) {
     using namespace std::chrono_literals;
