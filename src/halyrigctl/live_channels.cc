@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -136,8 +137,8 @@ Json JsonRow(const LiveChannel& channel) {
 
 std::string Table(const std::vector<LiveChannel>& channels, TableForm form) {
     if (form == TableForm::kJson) {
-        std::vector<Json> rows;
-        for (const LiveChannel& channel : channels) rows.push_back(JsonRow(channel));
+        std::vector<Json> rows(channels.size());
+        std::ranges::transform(channels, rows.begin(), JsonRow);
         return JsonTable(rows);
     }
     const bool tsv = form == TableForm::kTsv;

@@ -10,7 +10,7 @@ namespace twr {
 namespace {
 
 constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
-constexpr std::int64_t kPerDegree = 60 * 100000;  // hundred-thousandths of a minute
+constexpr std::int64_t kPerDegree = 6000000;  // hundred-thousandths of a minute
 constexpr std::int64_t kHundredthsPerDay = 8640000;
 
 // Hundredths of a second, so that day and time are rounded as one.

@@ -16,7 +16,7 @@ using asio::ip::tcp;
 using Bytes = std::shared_ptr<const std::string>;  // one copy, whoever still has to get it
 
 // What the system takes ahead of a client, so that a stalled one is found within seconds and its data are recent.
-constexpr int kSystemBuffer = 64 * 1024;
+constexpr int kSystemBuffer = 65'536;
 constexpr int kMostArrivals = 100;  // in one put; more wait for the next
 
 // A restarted server finds connections of its predecessor still fading on its port, which POSIX takes for use unless told
@@ -63,7 +63,7 @@ public:
 
     // Once for each put: who floods the machine gets no more of this thread than any other.
     void Discard() {
-        static std::array<char, 64 * 1024> discarded;
+        static std::array<char, 65'536> discarded;
         asio::error_code error;
         if (IsOpen()) socket_.read_some(asio::buffer(discarded), error);
         LetGoUnlessBusy(error);

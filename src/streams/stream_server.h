@@ -16,7 +16,7 @@ namespace twr {
 class StreamServer final : public Outlet {
 public:
     // A client that lags by more bytes than these when more come, beyond its greeting and what the system has taken, is dropped.
-    static constexpr std::size_t kMostBacklog = 64 * 1024;
+    static constexpr std::size_t kMostBacklog = 65'536;
     // Of more, each is let go at once.
     static constexpr std::size_t kMostClients = 250;
 

@@ -37,8 +37,8 @@ TEST(Start, AllComeToTheDataFolderOfTheRegistry) {
     WriteSettings(registry, {.dfwFolder = test.folder.File("Deckman")});
     registry.Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(test.folder.File("Ashore")));
 
-    std::vector<std::unique_ptr<ChildProcess>> programs;
-    for (int i = 0; i < 3; ++i) programs.push_back(StartRole("bridge among others", test.Arguments()));
+    std::vector<std::unique_ptr<ChildProcess>> programs(3);
+    for (auto& program : programs) program = StartRole("bridge among others", test.Arguments());
     const auto allSay = [&](const std::string& expected) {
         bool right = true;
         for (const auto& program : programs) right &= program->ReadLine() == expected;

@@ -104,8 +104,8 @@ TEST(InitialRecord, IsTheSameByteForByte) {
     }
     for (const ChannelInfo& info : ChannelCatalogue()) bytes.Set<std::uint16_t>(R::Channel(info.id) + 6, info.prec);
     fill(51012, 100, 80, 32767), fill(51088, 100, 80, 0x90EE90);
-    for (const std::size_t values : {62328, 75992}) fill(values, 3 * 414, 8, kNoValue);
-    for (std::size_t boat = 2; boat < 100; ++boat) fill(R::FarValue(boat, 0), 2 * 34, 8, kNoValue);
+    for (const std::size_t values : {62328, 75992}) fill(values, std::size_t{3} * 414, 8, kNoValue);
+    for (std::size_t boat = 2; boat < 100; ++boat) fill(R::FarValue(boat, 0), std::size_t{2} * 34, 8, kNoValue);
     bytes.Set<std::uint8_t>(166624, 8), bytes.Set(166626, 32767), fill(166760, 2, 8, kNoValue);
     for (std::size_t at = 0; at < R::kSize && !HasFailure(); ++at) EXPECT_EQ(bytes.U8(at), actual.U8(at)) << "byte " << at;
 }

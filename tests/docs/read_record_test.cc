@@ -22,7 +22,7 @@ class ReadRecordTest : public ::testing::Test {
 protected:
     std::string Printed() {
         const auto example = StartProgram((std::filesystem::path(OwnProgram()).parent_path() / "read_record").string(), {name});
-        const std::string line = example->ReadLine();
+        std::string line = example->ReadLine();
         EXPECT_EQ(line == kNone ? 1 : 0, example->Wait());
         return line;
     }

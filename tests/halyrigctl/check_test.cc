@@ -82,7 +82,7 @@ TEST_F(CheckTest, ARightSetUpIsOneLine) {
 }
 
 TEST_F(CheckTest, NamesTheCauseFirst) {
-    const auto choose = [&](std::u16string folder) {
+    const auto choose = [&](const std::u16string& folder) {
         return [this, folder] {
             settings.dfwFolder = folder;
             Save();

@@ -69,7 +69,7 @@ TEST_F(ExplainTest, NamesTheFirstBrokenLinkAndNoOther) {
         std::function<void()> during = [] {};
     };
     const auto remap = [&](const char* lines) { return [this, lines] { MappingXml(lines); }; };
-    const auto choose = [&](std::u16string path) { return [this, path] { stored->dfwFolder = path; }; };
+    const auto choose = [&](const std::u16string& path) { return [this, path] { stored->dfwFolder = path; }; };
     const std::vector<Row> rows = {
         {"BSP", "all is well"},
         {"117", "all is well"},

@@ -21,8 +21,8 @@ protected:
     }
     // Channels in the order in which their names stand in a text.
     static bool InOrder(const std::string& text, const std::vector<const char*>& names) {
-        std::vector<std::size_t> places;
-        for (const char* name : names) places.push_back(text.find(name));
+        std::vector<std::size_t> places(names.size());
+        std::ranges::transform(names, places.begin(), [&](const char* name) { return text.find(name); });
         return std::ranges::is_sorted(places) && places.back() != text.npos;
     }
 };

@@ -27,7 +27,7 @@ protected:
     std::string ReadBack() {
         const auto reader = xml_.OpenReader(path_);
         if (!reader) return "no reader";
-        const std::string outline = testing::Outline(*reader);
+        std::string outline = testing::Outline(*reader);
         XmlElement element;
         EXPECT_FALSE(reader->Next(element)) << "an element behind the end";
         return outline;

@@ -179,7 +179,7 @@ TEST_F(RecordingTest, BeginsANewFileByNameAndBySizeAndNeverOverOne) {
     ahead = 1.0 / 24;  // 2026-11-19 00:00 UTC is 01:00
     Pass(22.9 * 3600);
     for (int second = 0; second < 720; ++second, Pass(1)) {
-        if (second % 120 == 0) Publish(kBsp, 1 + second / 120);
+        if (second % 120 == 0) Publish(kBsp, 1 + second / 120.0);
         ASSERT_TRUE(Record(writer));
     }
     ASSERT_TRUE(writer.Close());

@@ -111,7 +111,7 @@ TEST_F(StreamServerTest, DropsWhoDoesNotReadAndLosesNothingForWhoDoes) {
 }
 
 TEST_F(StreamServerTest, GreetsAndThenSendsOnlyWhatComes) {
-    const std::string greeting(300'000, 'g');  // no reason to drop who has not read it yet
+    std::string greeting(300'000, 'g');  // no reason to drop who has not read it yet
     server_.SetGreeting([&] { return greeting; });
     server_.Put("before\n");
     Reader reader = Joined(4096);

@@ -168,7 +168,7 @@ TEST_F(ChannelTextTest, TheSystemLogFollowsItsMessageOnTheScreen) {
         return BoxAnswer::kOk;
     };
     machine.zone.state = ZoneState{-60, 0, false};
-    machine.clock.AdvanceMs((23 * 3600 + 3000) * 1000);
+    machine.clock.AdvanceMs(85'800'000);  // 23 h and 50 min
     core->WriteSystemLog(u"One");
     EXPECT_EQ(0u, filesAtTheBox);
     SetFlag(kFlagLocalTime, false);

@@ -77,7 +77,8 @@ bool Replay::Understands() {
 
 std::unique_ptr<UnpackingSource> Replay::Open() const {
     auto file = system_.Core().files.Open(file_);
-    return file ? std::make_unique<UnpackingSource>(std::move(file)) : nullptr;
+    if (!file) return nullptr;
+    return std::make_unique<UnpackingSource>(std::move(file));
 }
 
 std::unique_ptr<RecordedSource> Replay::OpenLog() {

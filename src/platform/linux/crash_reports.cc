@@ -32,7 +32,7 @@ struct {
     PlainText<4096> file{}, folder{};
     PlainText<1024> calling{};
     void (*first)() = nullptr;
-    std::array<std::byte, 64 * 1024> stack{};  // the usual one may be what is exhausted
+    std::array<std::byte, 65'536> stack{};  // the usual one may be what is exhausted
 } crashes;
 
 constexpr struct {

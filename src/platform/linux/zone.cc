@@ -13,7 +13,7 @@
 namespace twr {
 namespace {
 
-constexpr std::time_t kMonth = 30 * 86400;
+constexpr std::time_t kDay = 86400, kMonth = 30 * kDay;
 
 // "CET-1CEST,M3.5.0,M10.5.0/3" and "<+0330>-3:30": a name of three or more characters and an offset.
 bool IsRule(std::string_view text) {

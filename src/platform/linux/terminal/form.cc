@@ -68,7 +68,7 @@ Panel FormLayer::Shown(CellSize area) {
 }
 
 std::wstring FormLayer::TextOf(const ControlTemplate& control, int width) const {
-    const std::wstring caption = PlainCaption(control.caption);
+    std::wstring caption = PlainCaption(control.caption);
     switch (control.kind) {
         case ControlKind::kLabel:
             return caption;

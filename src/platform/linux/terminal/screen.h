@@ -10,7 +10,7 @@
 #include "platform/linux/terminal/device.h"
 
 // Of the library behind it.
-struct _win_st;
+struct _win_st;  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 struct screen;
 
 namespace twr {

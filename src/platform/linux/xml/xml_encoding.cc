@@ -63,7 +63,7 @@ private:
         return room == 0 ? static_cast<int>(character) : kInvalid;
     }
 
-    const iconv_t converter_;
+    iconv_t converter_;
     std::array<std::size_t, 256> lengths_{};
 };
 
