@@ -258,6 +258,21 @@ TEST(RegistryText, SetsAValueAndKeepsAllElse) {
     }
 }
 
+TEST(RegistryText, WhatWasSetIsFoundAgainBehindATextThatIsNotClosed) {
+    const RegistryValue values[] = {DwordValue(2), {kRegistryBinary, {1}}, StringValue(u"="), StringValue(u"one\n@=two\n[x]")};
+    for (const char* open : {"", "\":\n", "\"a\"=\"abc\n", "\"a\"=hex:1,\\\n"}) {
+        for (const char* behind : {"@=\"de\"\np\"=\"\"\n", "@=\"de\"\np\"\n"}) {
+            for (const RegistryValue& value : values) {
+                RegistryText text(kSection + open + behind);
+                text.Set(kFullKey, u"", value);
+                const RegistryText again(text.Bytes());
+                EXPECT_EQ(value, again.Find(kFullKey, u"")) << text.Bytes();
+                EXPECT_FALSE(again.Find(kFullKey, u"a")) << text.Bytes();
+            }
+        }
+    }
+}
+
 TEST(RegistryText, WrapsLongBytesAsTheRegistryEditorDoes) {
     RegistryText text(kSection);
     text.Set(kFullKey, u"a", RegistryValue{kRegistryBinary, std::vector<std::uint8_t>(49, 0x11)});

@@ -10,7 +10,8 @@
 namespace twr {
 namespace {
 
-constexpr std::size_t kLongestLine = 80;  // of the bytes of a binary value
+constexpr std::size_t kLongestLine = 80;           // of the bytes of a binary value
+constexpr std::string_view kNextDefault = "\n@=";  // the next line is the value without a name
 
 class Scanner {
 public:
@@ -45,7 +46,7 @@ public:
         return true;
     }
 
-    // A text in quotation marks, over several lines if it contains line ends.
+    // A text in quotation marks, over several lines if it contains line ends. One that isn't closed ends with the next entry.
     bool TakeQuoted(std::u16string& text) {
         if (!rest_.starts_with('"')) return false;
         std::string bytes;
@@ -55,6 +56,7 @@ public:
                 rest_.remove_prefix(i + 1);
                 return true;
             }
+            if (rest_.substr(i).starts_with(kNextDefault)) return false;
             if (rest_[i] == '\\' && i + 1 < rest_.size() && (rest_[i + 1] == '\\' || rest_[i + 1] == '"')) ++i;
             bytes.push_back(rest_[i]);
         }
@@ -172,7 +174,9 @@ std::optional<std::u16string> QuotableText(const RegistryValue& value) {
         text.push_back(static_cast<char16_t>(value.data[i] | value.data[i + 1] << 8));
     }
     text.pop_back();
-    if (StringValue(FromUtf8(ToUtf8(text))) != value || text.find(u'\0') != text.npos) return std::nullopt;
+    const std::string utf8 = ToUtf8(text);
+    if (StringValue(FromUtf8(utf8)) != value || text.find(u'\0') != text.npos) return std::nullopt;
+    if (utf8.find(kNextDefault) != utf8.npos) return std::nullopt;
     return text;
 }
 
