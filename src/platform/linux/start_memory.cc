@@ -11,23 +11,26 @@ namespace twr {
 namespace {
 
 struct Mapping {
-    unsigned long begin = 0, end = 0;
-    bool unchanged = false;  // it holds what a file does, and nothing else
+    unsigned long begin, end;
+    bool unchanged;  // it holds what a file does, and nothing else
 };
 
 // From lines like "7f1200001000-7f1200002000 r-xp 00001000 08:01 1234    /usr/lib/x.so", each with more lines about it below.
 std::vector<Mapping> Mappings() {
     std::vector<Mapping> mappings;
     std::ifstream smaps("/proc/self/smaps");
+    bool readOnly = false;
     for (std::string line; std::getline(smaps, line);) {
-        unsigned long begin = 0, end = 0, file = 0, changed = 0;
+        unsigned long begin = 0, end = 0, file = 0, changed = 0;  // changed in KiB
         char rights[5];
         if (std::sscanf(line.c_str(), "%lx-%lx %4s %*s %*s %lu", &begin, &end, rights, &file) == 4) {
-            mappings.push_back({begin, end, rights[1] == '-' && rights[3] == 'p' && file != 0});
-        } else if (std::sscanf(line.c_str(), "Anonymous: %lu", &changed) == 1 ||
-                   std::sscanf(line.c_str(), "Swap: %lu", &changed) == 1) {
-            // Such as where the linker has filled in addresses before it made the pages read-only.
-            if (changed > 0) mappings.back().unchanged = false;
+            mappings.push_back({begin, end, false});
+            readOnly = rights[1] == '-' && rights[3] == 'p' && file != 0;
+        } else if (std::sscanf(line.c_str(), "Anonymous: %lu", &changed) == 1) {
+            // Changed are such as where the linker has filled in addresses before it made the pages read-only.
+            mappings.back().unchanged = readOnly && changed == 0;
+        } else if (std::sscanf(line.c_str(), "Swap: %lu", &changed) == 1 && changed > 0) {
+            mappings.back().unchanged = false;
         }
     }
     return mappings;
