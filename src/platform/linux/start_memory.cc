@@ -29,8 +29,8 @@ std::vector<Mapping> Mappings() {
         } else if (std::sscanf(line.c_str(), "Anonymous: %lu", &changed) == 1) {
             // Changed are such as where the linker has filled in addresses before it made the pages read-only.
             mappings.back().unchanged = readOnly && changed == 0;
-        } else if (std::sscanf(line.c_str(), "Swap: %lu", &changed) == 1 && changed > 0) {
-            mappings.back().unchanged = false;
+        } else if (std::sscanf(line.c_str(), "Swap: %lu", &changed) == 1) {
+            mappings.back().unchanged = mappings.back().unchanged && changed == 0;
         }
     }
     return mappings;
