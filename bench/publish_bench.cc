@@ -1,7 +1,6 @@
 // What a publication costs, beside the least that it could cost: one reading of the clock and two 8-byte stores.
 #include <benchmark/benchmark.h>
-
-#include <ctime>
+#include <time.h>
 
 #include "core/core.h"
 #include "core/record_access.h"

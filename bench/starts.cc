@@ -3,12 +3,12 @@
 // running.
 //   halyrig_starts BRIDGE BARE_PROCESS COUNT
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>

@@ -11,7 +11,7 @@ namespace twr {
 namespace {
 
 constexpr std::size_t kLongestLine = 80;           // of the bytes of a binary value
-constexpr std::string_view kNextDefault = "\n@=";  // the next line is the value without a name
+constexpr std::string_view kNextDefault = "\n@=";  // the value without a name, on the next line
 
 class Scanner {
 public:
@@ -46,7 +46,8 @@ public:
         return true;
     }
 
-    // A text in quotation marks, over several lines if it contains line ends. One that isn't closed ends with the next entry.
+    // A text in quotation marks, over several lines if it contains line ends. One that isn't closed
+    // ends at the next entry: at its quotation mark, or here where that has none.
     bool TakeQuoted(std::u16string& text) {
         if (!rest_.starts_with('"')) return false;
         std::string bytes;
