@@ -9,13 +9,12 @@ namespace twr {
 
 CrashLine::CrashLine(const Crash& crash) {
     AddTime(crash.seconds);
-    Add(" : Halyrig has crashed by ");
+    Add(crash.fault ? " : Halyrig has crashed by " : " : Halyrig has been ended by ");
     Add(crash.what);
     if (crash.code != 0) AddHex(" 0x", crash.code);
-    AddHex(" at address 0x", crash.data);
-    Add(crash.module.empty() ? ", outside of any program or library" : ", in ");
-    Add(crash.module);
-    if (!crash.module.empty()) AddHex("+0x", crash.offset);
+    if (crash.data) AddHex(" at address 0x", *crash.data);
+    if (crash.module) AddPlace(*crash.module, crash.offset);
+    if (crash.unloaded) Add(", which had been unloaded");
     if (!crash.calling.empty()) Add(", ");
     Add(crash.calling);
     size_ = std::min(size_, text_.size() - kLineEnd.size());
@@ -28,6 +27,12 @@ void CrashLine::Add(std::string_view text) {
         const auto byte = static_cast<unsigned char>(c);
         text_[size_++] = byte < ' ' || byte == 0x7F ? '?' : c;
     }
+}
+
+void CrashLine::AddPlace(std::string_view module, std::uint64_t offset) {
+    Add(module.empty() ? ", outside of any program or library" : ", in ");
+    Add(module);
+    if (!module.empty()) AddHex("+0x", offset);
 }
 
 void CrashLine::AddHex(std::string_view before, std::uint64_t number) {

@@ -7,7 +7,7 @@
 
 namespace twr {
 
-// A loaded library; freed with the object.
+// A loaded library, released with the object. On Linux its code stays mapped, on Windows it is freed.
 class Library {
 public:
     virtual ~Library() = default;

@@ -1,6 +1,10 @@
 // A library in Deckman's place that misbehaves as the environment variable TORTURE says: "hold" waits in Usr_Read while the file
-// TORTURE_HOLD exists, "abort" and "segv" end the process sooner or later, "anything" gives random numbers. WITHOUT_... at compile
-// time leaves a function out.
+// TORTURE_HOLD exists, the names in Crash end the process sooner or later, "anything" gives random numbers, "signals" has timers
+// and signals of its own, "helper" forks, "thread" begins a thread that never ends. WITHOUT_... at compile time leaves a function
+// out.
+#ifndef _WIN32
+#define _GNU_SOURCE
+#endif
 #include <stdint.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -13,6 +17,9 @@
 #define CALL __stdcall
 static void Nap(void) { Sleep(10); }
 #else
+#include <pthread.h>
+#include <signal.h>
+#include <sys/time.h>
 #include <unistd.h>
 #define EXPORT
 #define CALL
@@ -46,8 +53,8 @@ static void Hold(void) {
 static float Anything(void) {
     static const uint32_t special[] = {0x7fc00000, 0xffc00000, 0x7f800001, 0x7f800000, 0xff800000, 1,
                                        0x80000001, 0x007fffff, 0x7f7fffff, 0xff7fffff, 0x80000000};
-    static const float border[] = {32767.0f, -32767.0f, 360.0f,      360.00003f,  719.99994f, -360.0f,
-                                   180.0f,   180.00002f, -180.00002f, -540.0f,     90.00001f};
+    static const float border[] = {32767.0f, -32767.0f,  360.0f,      360.00003f, 719.99994f, -360.0f,
+                                   180.0f,   180.00002f, -180.00002f, -540.0f,    90.00001f};
     uint32_t bits = Random();
     float value;
     if (Random() % 3 == 0) bits = special[bits % (sizeof special / sizeof *special)];
@@ -55,12 +62,58 @@ static float Anything(void) {
     return Random() % 3 == 0 ? border[bits % (sizeof border / sizeof *border)] : value;
 }
 
+static int Exhaust(int depth) {
+    volatile char page[4096];
+    page[0] = (char)depth;
+    return Is("stack") ? Exhaust(depth + 1) + page[0] : depth;
+}
+
+static void Crash(void) {
+    volatile uintptr_t nowhere = 16;
+    if (Is("abort")) abort();
+    if (Is("exit")) exit(0);
+    if (Is("segv")) *(volatile int*)nowhere = 0;
+    if (Is("stack")) exit(Exhaust(0));
+#ifndef _WIN32
+    if (Is("_exit")) _exit(0);
+    if (Is("quick_exit")) quick_exit(0);
+    if (Is("pthread_exit")) pthread_exit(NULL);
+    if (Is("raise")) raise(SIGFPE);
+    for (int file = 3; Is("close") && file < 1024; ++file) close(file);
+#endif
+}
+
+#ifdef _WIN32
+static void Begin(void) {}
+#else
+static void* RunOn(void* steps) {
+    for (;; usleep(1)) ++*(volatile int*)steps;
+    return NULL;
+}
+
+static void Begin(void) {
+    static int steps;
+    const struct itimerval soon = {{0, 20000}, {0, 20000}};
+    pthread_t thread;
+    if (Is("thread")) pthread_create(&thread, NULL, RunOn, &steps);
+    if (Is("helper") && fork() == 0) {
+        sleep(3600);
+        _exit(0);
+    }
+    if (!Is("signals")) return;
+    setitimer(ITIMER_REAL, &soon, NULL);
+    setitimer(ITIMER_VIRTUAL, &soon, NULL);
+    raise(SIGUSR1);
+    kill(getpid(), SIGUSR2);
+}
+#endif
+
 #ifndef WITHOUT_Usr_Read
 EXPORT void CALL Usr_Read(int32_t variable, float* value) {
+    static int begun;
+    if (!begun++) Begin();
     if (Is("hold")) Hold();
-    if (Is("abort") && Random() % 100 == 0) abort();
-    volatile uintptr_t nowhere = 16;
-    if (Is("segv") && Random() % 100 == 0) *(volatile int*)nowhere = 0;
+    if (Random() % 100 == 0) Crash();
     *value = Is("anything") ? Anything() : (float)variable;
 }
 #endif

@@ -1,27 +1,51 @@
 #include "platform/linux/descriptor.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <utility>
 
 #include "base/wide_text.h"
 
 namespace twr {
+namespace {
+
+std::array<std::atomic<bool>, 1024> notForForks;  // as many as a process usually may have
+
+bool IsMarkable(int number) { return number >= 0 && static_cast<std::size_t>(number) < notForForks.size(); }
+
+void CloseInFork() {
+    for (std::size_t number = 0; number < notForForks.size(); ++number) {
+        if (notForForks[number]) close(static_cast<int>(number));
+    }
+}
+
+}  // namespace
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
     if (this != &other) {
         Close();
-        number_ = other.Release();
+        number_ = std::exchange(other.number_, -1);
     }
     return *this;
 }
 
 Descriptor::~Descriptor() { Close(); }
 
-int Descriptor::Release() { return std::exchange(number_, -1); }
+int Descriptor::Release() {
+    if (IsMarkable(number_)) notForForks[static_cast<std::size_t>(number_)] = false;
+    return std::exchange(number_, -1);
+}
+
+void Descriptor::KeepFromForks() const {
+    [[maybe_unused]] static const int once = pthread_atfork(nullptr, nullptr, CloseInFork);
+    if (IsMarkable(number_)) notForForks[static_cast<std::size_t>(number_)] = true;
+}
 
 bool Descriptor::Close() { return number_ < 0 || close(Release()) == 0; }
 

@@ -2,6 +2,7 @@
 #pragma once
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace twr {
 
@@ -9,13 +10,16 @@ namespace twr {
 class Descriptor {
 public:
     explicit Descriptor(int number = -1) : number_(number) {}
-    Descriptor(Descriptor&& other) noexcept : number_(other.Release()) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept;
     ~Descriptor();
 
     explicit operator bool() const { return number_ >= 0; }
     int Get() const { return number_; }
     int Release();
+
+    // Closes it at once in whatever this process forks off, such as a helper of a library, which would else hold its locks.
+    void KeepFromForks() const;
 
     // False also if the system reports that written data was lost.
     bool Close();

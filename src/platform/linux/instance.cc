@@ -51,6 +51,7 @@ public:
             }
             TellUser(path + " can't be locked: " + fault + ". A second start may not be noticed; remove the file.");
         }
+        for (const Descriptor& file : locked) file.KeepFromForks();
         std::ranges::move(locked, std::back_inserter(held_));
         return true;
     }

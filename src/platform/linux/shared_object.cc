@@ -12,7 +12,9 @@
 namespace twr {
 
 SharedObject::SharedObject(std::string name, int flags)
-    : name_(std::move(name)), file_(shm_open(name_.c_str(), flags | O_RDWR | O_CLOEXEC, 0600)) {}
+    : name_(std::move(name)), file_(shm_open(name_.c_str(), flags | O_RDWR | O_CLOEXEC, 0600)) {
+    file_.KeepFromForks();
+}
 
 SharedObject::~SharedObject() {
     if (file_ && locked_) Leave();

@@ -2,32 +2,27 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
-
-#include "platform/linux/start_memory.h"
 
 namespace twr {
 
 void Timers::Start(std::uintptr_t id, unsigned milliseconds, Steady::time_point now) {
     const auto period = std::chrono::milliseconds(std::max(1u, milliseconds));
-    timers_[id] = {period, now + period};
+    Stop(id);
+    timers_.push_back({id, period, now + period});
 }
 
 Steady::time_point Timers::NextDue(Steady::time_point now) const {
     auto next = now + std::chrono::hours(1);
-    for (const auto& [id, timer] : timers_) next = std::min(next, timer.due);
+    for (const Timer& timer : timers_) next = std::min(next, timer.due);
     return next;
 }
 
 void Timers::RaiseDue(Steady::time_point now, const std::function<void(std::uintptr_t)>& raise) {
-    std::vector<std::uintptr_t> due;
-    for (auto& [id, timer] : timers_) {
+    for (std::size_t at = 0; at < timers_.size(); ++at) {
+        Timer& timer = timers_[at];
         if (timer.due > now) continue;
         timer.due += timer.period * ((now - timer.due) / timer.period + 1);
-        due.push_back(id);
-    }
-    for (const std::uintptr_t id : due) {
-        if (timers_.contains(id)) raise(id);
+        raise(timer.id);  // it may stop any; one that moves up is raised the next time
     }
 }
 
@@ -52,17 +47,16 @@ void WindowState::SetText(int control, std::u16string_view text) {
 }
 
 std::uintptr_t WindowState::StartTimer(std::uintptr_t id, unsigned milliseconds) {
-    timers_.Start(id, milliseconds, Steady::now());
+    timers_.Start(id, milliseconds, SteadyNow());
     return id;
 }
 
 bool WindowState::TakePostedClose() { return std::exchange(closePosted_, false); }
 
 void WindowState::RaiseTimers() {
-    timers_.RaiseDue(Steady::now(), [this](std::uintptr_t id) {
+    timers_.RaiseDue(SteadyNow(), [this](std::uintptr_t id) {
         if (!ended_) dialog_.OnTimer(id);
     });
-    if (!std::exchange(started_, true)) GiveBackStartMemory();
 }
 
 }  // namespace twr

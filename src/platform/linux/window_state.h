@@ -5,8 +5,10 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "platform/dialog.h"
+#include "platform/linux/signal_queue.h"
 
 namespace twr {
 
@@ -16,7 +18,9 @@ using Steady = std::chrono::steady_clock;
 class Timers {
 public:
     void Start(std::uintptr_t id, unsigned milliseconds, Steady::time_point now);
-    void Stop(std::uintptr_t id) { timers_.erase(id); }
+    void Stop(std::uintptr_t id) {
+        std::erase_if(timers_, [id](const Timer& timer) { return timer.id == id; });
+    }
 
     // When the next one is due; a far time if none runs.
     Steady::time_point NextDue(Steady::time_point now) const;
@@ -26,11 +30,12 @@ public:
 
 private:
     struct Timer {
+        std::uintptr_t id;
         Steady::duration period;
         Steady::time_point due;
     };
 
-    std::map<std::uintptr_t, Timer> timers_;
+    std::vector<Timer> timers_;
 };
 
 class WindowState : public DialogWindow {
@@ -48,8 +53,8 @@ public:
 
     bool Ended() const { return ended_; }
     bool TakePostedClose();
-    Steady::time_point NextDue() const { return timers_.NextDue(Steady::now()); }
-    void RaiseTimers();  // the first time, what the start needed is given back
+    Steady::time_point NextDue() const { return timers_.NextDue(SteadyNow()); }
+    void RaiseTimers();
 
 protected:
     // What the controls show has changed.
@@ -62,7 +67,6 @@ private:
     Timers timers_;
     bool closePosted_ = false;
     bool ended_ = false;
-    bool started_ = false;
 };
 
 }  // namespace twr

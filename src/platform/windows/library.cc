@@ -1,5 +1,6 @@
 #include "platform/library.h"
 
+#include "platform/windows/crash_reports.h"
 #include "platform/windows/module_path.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
@@ -16,6 +17,7 @@ public:
 class LoadedLibrary : public Library {
 public:
     explicit LoadedLibrary(UniqueModule module) : module_(std::move(module)) {}
+    ~LoadedLibrary() override { NoteUnloading(module_.get()); }
     void* Find(const char* name) const override { return reinterpret_cast<void*>(GetProcAddress(module_.get(), name)); }
 
 private:

@@ -9,6 +9,7 @@
 #include "support/child_process.h"
 #include "support/fakes.h"
 #include "support/linux/pseudo_terminal.h"
+#include "support/linux/signals.h"
 #include "support/test_system.h"
 
 namespace twr::testing {
@@ -27,7 +28,7 @@ public:
         return {real.clock, real.zone, real.memory, real.registry, files, real.xml, real.desktop};
     }
     Libraries& GetLibraries() override {
-        if (stopped_) raise(SIGTERM);
+        if (stopped_) SendFromOutside(SIGTERM);
         return system_.GetLibraries();
     }
     Instance& GetInstance() override { return system_.GetInstance(); }

@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +8,7 @@
 #include "base/wide_text.h"
 #include "platform/linux/signal_queue.h"
 #include "platform/paths.h"
+#include "support/linux/signals.h"
 #include "support/test_system.h"
 
 namespace twr {
@@ -48,7 +48,7 @@ TEST_F(PlainFilesTest, AHugeOneEndsWhereTheProgramIsToldToEnd) {
     const auto path = test_.folder.Write("huge", std::string(3 << 20, '\n'));
     const SignalQueue waiting;
     for (const bool told : {false, true}) {
-        if (told) raise(SIGTERM);
+        if (told) testing::SendFromOutside(SIGTERM);
         const auto file = files_.Open(path);
         ASSERT_NE(nullptr, file);
         std::size_t size = 0;

@@ -4,7 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/mman.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,11 +13,11 @@
 
 #include "base/wide_text.h"
 #include "platform/linux/signal_queue.h"
-#include "platform/linux/start_memory.h"
 #include "platform/linux/terminal/text.h"
 #include "platform/linux/window_state.h"
 #include "support/child_process.h"
 #include "support/linux/pseudo_terminal.h"
+#include "support/linux/signals.h"
 #include "support/scripted_dialog.h"
 #include "support/test_system.h"
 
@@ -171,8 +171,15 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
         ::testing::internal::CaptureStderr();
         EXPECT_FALSE(system("a")->GetInstance().Claim(u"Halyrig"));
         EXPECT_EQ(second, system("b")->GetInstance().Claim(u"Halyrig"));
+        const pid_t helper = fork();  // as a library's; it has no part in the locks
+        if (helper == 0) {
+            pause();
+            _exit(0);
+        }
         first.reset();
         EXPECT_TRUE(system("b")->GetInstance().Claim(u"Halyrig"));
+        kill(helper, SIGKILL);
+        waitpid(helper, nullptr, 0);
         ::testing::internal::GetCapturedStderr();
     }
 }
@@ -205,19 +212,36 @@ protected:
 
 TEST_F(HeadlessDesktopTest, TakesSignalsForAClosingThatIsMeantAndNoneEndsTheProcess) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU}) {
-        EXPECT_EQ("init cancel yes destroy 0", Run([number] { raise(number); })) << number;
+        EXPECT_EQ("init cancel yes destroy 0", Run([number] { SendFromOutside(number); })) << number;
         EXPECT_EQ("Test: Exit?\n", errors_);
     }
-    EXPECT_EQ("init destroy 0", Run([this] { End(), raise(SIGTERM); })) << "a repeated one";
+    EXPECT_EQ("init destroy 0", Run([this] { End(), SendFromOutside(SIGTERM); })) << "a repeated one";
     // From the moment that a dialog is expected they wait for it, and behind it for the end of the desktop.
     desktop_->ExpectDialog();
-    raise(SIGTERM);
+    SendFromOutside(SIGTERM);
     EXPECT_EQ("init cancel yes destroy 0", Run({}));
-    raise(SIGTERM);
+    SendFromOutside(SIGTERM);
     desktop_.reset();
     sigset_t blocked;
     ASSERT_EQ(0, sigprocmask(SIG_BLOCK, nullptr, &blocked));
     for (const int number : kCloseSignals) EXPECT_FALSE(sigismember(&blocked, number)) << number;
+}
+
+// A library may use its timers and signals; and one that takes a signal to end for itself is overruled.
+TEST_F(HeadlessDesktopTest, TakesNoSignalOfItsOwnProcessForAClosing) {
+    const auto disturb = [this] {
+        for (const int number : kCloseSignals) raise(number), kill(getpid(), number);
+        const itimerval soon{{0, 1}, {0, 1}};
+        for (const auto which : {ITIMER_REAL, ITIMER_VIRTUAL}) setitimer(which, &soon, nullptr);
+        signal(SIGTERM, SIG_IGN);
+        dialog_.window->StartTimer(1, 1);
+    };
+    const auto rest = [this] {
+        if (dialog_.ticks == 20) SendFromOutside(SIGTERM);
+    };
+    EXPECT_EQ("init cancel yes destroy 20", Run(disturb, rest));
+    const itimerval none{};
+    for (const auto which : {ITIMER_REAL, ITIMER_VIRTUAL}) setitimer(which, &none, nullptr);
 }
 
 TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEndsAndKeepsWhatItsControlsShow) {
@@ -236,7 +260,7 @@ TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEndsAndKeepsWhatItsControlsShow) 
     const auto stopped = [this] {
         for (const std::uintptr_t id : {2u, 3u}) dialog_.window->StopTimer(id);
         dialog_.window->PostClose();
-        raise(SIGTERM);
+        SendFromOutside(SIGTERM);
     };
     EXPECT_EQ("init cancel no cancel yes destroy 1", Run(three, stopped)) << "nobody answers a closing without a signal";
 
@@ -274,41 +298,36 @@ TEST(TerminalTextTest, IsCutOrWrappedToCells) {
 const Role hangs("hangs", [](const std::vector<std::string>&) {
     SignalQueue queue;
     queue.WaitUntil(std::chrono::steady_clock::now());
-    for (raise(SIGTERM);; pause()) continue;
+    for (SendFromOutside(SIGTERM);; pause()) continue;
     return 0;
 });
 
 TEST(SignalQueueTest, ASignalToCloseEndsWhatHangs) { EXPECT_EQ(128 + SIGTERM, StartRole("hangs", {})->Wait()); }
 
-long ResidentKiB() {
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;) {
-        long amount = 0;
-        if (word == "VmRSS:" && status >> amount) return amount;
+// What a library's thread runs on in, and what the navigator has put in its place.
+TEST(LinuxLibrary, StaysMappedAndIsLoadedAfreshIfItsFileHasChanged) {
+    const TestSystem test;
+    const auto original = fs::read_symlink("/proc/self/exe").parent_path() / "loadable.so";
+    const fs::path file = test.folder.Path() / "loadable.so", other = test.folder.Path() / "other.so";
+    const auto touch = [&] { fs::last_write_time(file, fs::last_write_time(file) + std::chrono::hours(1)); };
+    const std::tuple<const char*, std::function<void()>, int> rows[] = {
+        {"new", [&] { fs::copy_file(original, file); }, 1},
+        {"the same", [] {}, 2},
+        {"another in its place", [&] { fs::copy_file(original, other), fs::rename(other, file); }, 1},
+        {"and another", [&] { fs::copy_file(original, other), fs::rename(other, file); }, 1},
+        {"overwritten", touch, 1}};
+    for (const auto& [what, change, counted] : rows) {
+        SCOPED_TRACE(what);
+        change();
+        auto library = test.system->GetLibraries().Load(FromUtf8(file.string()));
+        ASSERT_NE(nullptr, library);
+        const auto count = reinterpret_cast<int (*)()>(library->Find("Count"));
+        const auto answer = reinterpret_cast<int (*)()>(library->Find("Answer"));
+        EXPECT_EQ(test.folder.Text(), ModuleFolder(library->Find("Answer")));
+        library.reset();
+        EXPECT_EQ(counted, count());
+        EXPECT_EQ(42, answer());
     }
-    return 0;
-}
-
-TEST(StartMemoryTest, IsGivenBackWhereItIsStillInAFile) {
-    constexpr std::size_t kBytes = 8 << 20;
-    const TempFolder folder;
-    const Descriptor file = OpenPlainFile(ToUtf8(folder.Write("library", std::string(kBytes, 'f'))), O_RDWR);
-    const auto map = [&](int rights) { return static_cast<char*>(mmap(nullptr, kBytes, rights, MAP_PRIVATE, file.Get(), 0)); };
-    char* const program = map(PROT_READ);
-    EXPECT_EQ(kBytes, std::ranges::count(std::string_view(program, kBytes), 'f'));
-    char* const linked = map(PROT_READ | PROT_WRITE);
-    linked[kBytes / 2] = 'l';
-    mprotect(linked, kBytes, PROT_READ);
-    char* const data = map(PROT_READ | PROT_WRITE);
-    data[1] = 'd';
-
-    const long before = ResidentKiB();
-    GiveBackStartMemory();
-    EXPECT_LT(ResidentKiB(), before - 4096);
-    EXPECT_EQ('f', program[kBytes - 1]);
-    EXPECT_EQ('l', linked[kBytes / 2]);
-    EXPECT_EQ('d', data[1]);
-    for (char* const mapped : {program, linked, data}) munmap(mapped, kBytes);
 }
 
 TEST(TimersTest, KeepTheBeatAndLeaveOutWhatWasMissed) {

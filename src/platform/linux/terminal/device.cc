@@ -44,7 +44,7 @@ void GiveBack() {
 
 bool GiveBackInTheEnd() {
     AtCrash(GiveBack);
-    return std::atexit(GiveBack) == 0;
+    return std::atexit(BeforeTheEnd) == 0;
 }
 
 // A file description of its own, so that the shell's stays blocking. After su the terminal can be opened by its second name only.

@@ -56,10 +56,13 @@ TerminalScreen* TerminalSession::Screen() {
 void TerminalSession::WaitUntil(std::chrono::steady_clock::time_point end, bool undrawn) {
     if (closing_) return;
     if (undrawn) end = std::min(end, std::chrono::steady_clock::now() + kForegroundCheck);
+    // What can't be taken now must not end the wait at once, again and again.
+    const bool ours = HasScreen() && TerminalIsOurs();
+    const auto wanted = [ours](int event) { return static_cast<short>(ours ? event : 0); };
     std::array<pollfd, 2> events{
-        {{HasScreen() ? STDIN_FILENO : -1, POLLIN, 0}, {Busy() ? screen_->Device().Output() : -1, POLLOUT, 0}}};
+        {{HasScreen() ? STDIN_FILENO : -1, wanted(POLLIN), 0}, {Busy() ? screen_->Device().Output() : -1, wanted(POLLOUT), 0}}};
     signals_.WaitUntil(end, events);
-    if (events[0].revents & (POLLHUP | POLLERR | POLLNVAL)) return OnGone();
+    if ((events[0].revents | events[1].revents) & (POLLHUP | POLLERR)) return OnGone();
     if (events[1].revents && TerminalIsOurs()) screen_->Device().Push();
 }
 
@@ -68,12 +71,17 @@ void TerminalSession::OnGone() { gone_ = closing_ = true; }
 // As the signal alone would do, but with the shell's screen restored.
 void TerminalSession::Suspend() {
     screen_.reset();
+    struct sigaction usual {};
+    struct sigaction queued {};
+    usual.sa_handler = SIG_DFL;
+    sigaction(SIGTSTP, &usual, &queued);
     raise(SIGTSTP);
     sigset_t stop;
     sigemptyset(&stop);
     sigaddset(&stop, SIGTSTP);
     sigprocmask(SIG_UNBLOCK, &stop, nullptr);
     sigprocmask(SIG_BLOCK, &stop, nullptr);
+    sigaction(SIGTSTP, &queued, nullptr);
 }
 
 }  // namespace twr
