@@ -46,6 +46,7 @@ CHalyrig32Dlg::CHalyrig32Dlg(System& system)
       crashes_(system.GetCrashReports()),
       library_(system.GetLibraries()),
       core_(services_),
+      followsDataFolder_(core_.IsBeingFilled()),
       status_(services_.memory),
       instruments_(core_, services_.clock, status_.Readings()),
       remotes_(core_) {}
@@ -184,9 +185,11 @@ void CHalyrig32Dlg::NoteMapping() {
 }
 
 // A bridge that joins a record still being filled finds no data folder, or the default, and loads from there; its creator names the
-// right one a moment later. Only the folder itself shows that.
+// right one a moment later.
 void CHalyrig32Dlg::FollowDataFolder() {
-    if (!core_.DataFolderIs(mappingFolder_)) ReloadMapping();
+    if (!followsDataFolder_) return;
+    followsDataFolder_ = core_.IsBeingFilled();  // asked first, so that the last look is at a filled record
+    if (core_.GetDataFolder(u"") != mappingFolder_) ReloadMapping();
 }
 
 std::u16string CHalyrig32Dlg::MappingPath() { return core_.GetDataFile(u"instruments", u"halyrig.xml"); }

@@ -58,7 +58,7 @@ private:
     void NoteMapping();  // for other processes
     std::u16string MappingPath();
 
-    // Reloads the mapping when the record names another data folder than the one that it was loaded from.
+    // Reloads the mapping if a record that was still being filled has come to another data folder than it was loaded from.
     void FollowDataFolder();
 
     // Replaces the mapping by that of an older installation, after a question (import_legacy.cc).
@@ -90,7 +90,8 @@ private:
     std::vector<Event> waiting_;  // in the order in which they came
     DeckmanLibrary library_;
     CCore core_;
-    Settings settings_;  // the folder trimmed
+    bool followsDataFolder_;  // until the record has been seen filled
+    Settings settings_;       // the folder trimmed
     DeckmanCatalogue catalogue_;
     Mapping mapping_;
     std::u16string mappingFolder_;  // the data folder that mapping_ was loaded from

@@ -1,15 +1,11 @@
 // The data folder, the root of the suite's files, and the paths that the suite's programs share.
-#include <cmath>
-
 #include "core/core.h"
-#include "core/days.h"
 #include "core/record_access.h"
 #include "platform/paths.h"
 
 namespace twr {
 namespace {
 
-constexpr double kTimeToFill = 1.0 / kSecondsPerDay;  // far more than a creator takes from the block to its data folder
 constexpr std::u16string_view kSuiteFolder = u"Tidewright";
 constexpr std::u16string_view kDatabaseName = u"Tidewright.db";
 constexpr std::u16string_view kDatabaseExtension = u".db";
@@ -33,13 +29,14 @@ std::u16string CCore::GetDataFolder(std::u16string_view subfolder) {
     const auto make = [&](const std::u16string& path) {
         if (!services_.files.Exists(path)) services_.files.MakeFolder(path);
     };
+    const bool mayName = !IsBeingFilled();  // asked before the look: a creator that ends between them has named one
     std::u16string folder = FieldText(view_->dataFolder);
     if (folder.empty()) {
         folder = GetProgramDataFolder();
         if (folder.empty()) return {};
         make(folder = JoinPath(folder, kSuiteFolder));
         const bool exists = services_.files.Exists(folder);
-        if (exists && MayNameDataFolder()) {
+        if (exists && mayName) {
             SetFieldText(view_->dataFolder, folder);
             folder = FieldText(view_->dataFolder);
         }
@@ -49,12 +46,6 @@ std::u16string CCore::GetDataFolder(std::u16string_view subfolder) {
     std::u16string path = JoinPath(folder, subfolder);
     make(path);
     return path;
-}
-
-bool CCore::DataFolderIs(std::u16string_view folder) const { return view_ && FieldTextIs(view_->dataFolder, folder); }
-
-bool CCore::MayNameDataFolder() const {
-    return !mapping_->Existed() || std::fabs(UtcNowDays(services_.clock) - attachedAt_) > kTimeToFill;
 }
 
 std::u16string CCore::GetDataFile(std::u16string_view subfolder, std::u16string_view name) {

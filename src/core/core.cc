@@ -1,6 +1,7 @@
 // Attachment to the record and its end.
 #include "core/core.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include "base/wide_text.h"
@@ -11,6 +12,8 @@
 namespace twr {
 
 namespace {
+
+constexpr double kTimeToFill = 1.0 / kSecondsPerDay;
 
 // Layout and size are part of the name, so that a program built for another layout opens another block.
 std::u16string RecordName() {
@@ -46,7 +49,10 @@ void CCore::Attach() {
         return;
     }
     view_ = static_cast<CoreRecord*>(mapping_->Data());
-    if (mapping_->Existed()) return;
+    if (mapping_->Existed()) {
+        beingFilled_ = !IsFilled(*view_);
+        return;
+    }
     InitialiseRecord(*view_);
     LoadSavedSettings();
 }
@@ -55,6 +61,13 @@ void CCore::AttachAsGuest() {
     mapping_ = services_.memory.OpenExisting(RecordName(), sizeof(CoreRecord));
     auto* const record = mapping_ ? static_cast<CoreRecord*>(mapping_->Data()) : nullptr;
     if (record && IsFilled(*record)) view_ = record;
+}
+
+bool CCore::IsBeingFilled() {
+    if (!beingFilled_) return false;
+    beingFilled_ = !IsFilled(*view_) && std::fabs(UtcNowDays(services_.clock) - attachedAt_) <= kTimeToFill;
+    if (!beingFilled_) StampTime();  // in place of the constructor
+    return beingFilled_;
 }
 
 bool CCore::QuitRequested() const { return view_ && Load(view_->sysFlag[kFlagQuitRequest]) != 0; }

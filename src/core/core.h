@@ -44,6 +44,10 @@ public:
 
     bool QuitRequested() const;
 
+    // Whether another process, which made the record, still fills it: it did when this one joined, has not finished since, and has
+    // not had a second for it, far more than it takes.
+    bool IsBeingFilled();
+
     // --- Publication (publish.cc) ---
 
     // Publishes a value, in the channel's internal unit, for a boat: stamped, wrapped, brought into range, calibrated, with the
@@ -54,7 +58,8 @@ public:
     // The same for the own boat, without blocking, calibration and derivation. `channel` is below kChannelCount.
     bool SetOwnChannel(ChannelId channel, double value, double time);
 
-    // Sets the Time channel of every boat in use to the clock's time.
+    // Sets the Time channel of every boat in use to the clock's time, unless IsBeingFilled(): that it is stamped shows that it is
+    // filled.
     void StampTime();
 
     // Wraps an angle by one turn, then turns a value outside the channel's range into kNoValue.
@@ -121,12 +126,8 @@ public:
     // --- Data folders (config/data_folders.cc) ---
 
     // The data folder, or a subfolder of it, created if missing. Empty without a record. While the record names none, it is the
-    // default. The record's creator stores that at once; a process that joined stores it only a second after joining, since the
-    // creator may be about to name another.
+    // default, which is stored, unless IsBeingFilled(): the creator may be about to name another.
     std::u16string GetDataFolder(std::u16string_view subfolder);
-
-    // Whether this is the data folder that the record names. Allocates no memory.
-    bool DataFolderIs(std::u16string_view folder) const;
 
     // The path of a file in a subfolder of the data folder; empty, which is no file's path, while there is no data folder.
     std::u16string GetDataFile(std::u16string_view subfolder, std::u16string_view name);
@@ -188,8 +189,6 @@ private:
     void LoadSavedPaths(SavedValues& saved);
     void LoadSavedValues(SavedValues& saved);
 
-    bool MayNameDataFolder() const;
-
     // The own boat's value of a channel, or of the one it stands for; kNoValue if there is none.
     double LiveValue(ChannelId channel) const;
 
@@ -206,7 +205,8 @@ private:
     double gunMark_ = 0.0;
     std::unique_ptr<SharedBlock> mapping_;  // null if creation failed
     CoreRecord* view_ = nullptr;
-    const double attachedAt_;  // days
+    const double attachedAt_;   // days
+    bool beingFilled_ = false;  // as last seen
 };
 
 }  // namespace twr

@@ -43,6 +43,8 @@ bool IsAccepted(const CoreRecord& record, ChannelId channel, BoatSlot boat) {
         days_ = DaysFromTicks(ticks);
     }
     const double now = days_;
+    if (beingFilled_ && IsBeingFilled()) [[unlikely]]
+        return now;
     CoreRecord& record = *view_;
     for (BoatBlock& block : record.fullBlocks) {
         Put(block.time[kTime], now);

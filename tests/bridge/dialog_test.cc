@@ -264,26 +264,57 @@ TEST_F(DialogTest, WhatComesWhileTheLibraryRunsWaitsForTheEndOfThePass) {
     }
 }
 
-TEST_F(DialogTest, ItFollowsTheDataFolderOfTheRecord) {
-    Variables("12 X\n13 Y\n");
-    MappingXml("<var twr='1' dfw='12'/>");
-    MappingXml("<var twr='1' dfw='13'/>", "Ashore/instruments/halyrig.xml");
-    const std::u16string usual = test.folder.File("ProgramData/Tidewright"), ashore = test.folder.File("Ashore");
-    // named: by the record
-    const std::tuple<const char*, std::u16string, int, int, std::u16string> rows[] = {
-        {"the default", usual, 1, 12, usual},
-        {"not named yet", u"", 1, 12, u""},
-        {"named after the mapping was loaded", ashore, 1, 13, ashore},
-        {"not named for a second", u"", 10, 12, usual}};
-    Run([&] {
-        for (const auto& [why, named, ticks, variable, namedThen] : rows) {
-            SCOPED_TRACE(why);
-            record.SetText(1068, named);
-            host.Tick(ticks);
-            EXPECT_EQ(Reads{variable}, TickReads());
-            EXPECT_EQ(namedThen, record.Text(1068));
-        }
-    });
+TEST_F(DialogTest, ItFollowsTheDataFolderOnlyOfARecordThatItJoinedHalfFilled) {
+    constexpr std::size_t kFolder = 1068, kStamp = R::Time(0, kTime);
+    Variables("12 X\n13 Y\n50 TIMER\n");
+    MappingXml("<var twr='1' dfw='12'/><remote remote='3' twr='1'/>");
+    MappingXml("<var twr='1' dfw='13'/><remote remote='3' twr='1'/>", "Ashore/instruments/halyrig.xml");
+    const std::u16string usual = test.folder.File("ProgramData/Tidewright"), ashore = test.folder.File("Ashore"), none;
+    const auto name = [&](const std::u16string& folder) { return [&] { record.SetText(kFolder, folder); }; };
+    const auto fill = [&] { record.Set(kStamp, 1.0); };
+    const auto ticks = [&](int count) { return [this, count] { host.Tick(count); }; };
+    struct Row {
+        const char* why;
+        bool filled;
+        std::u16string named, namedAtOnce;
+        std::vector<std::function<void()>> then;  // from the third tick on
+        int variable;
+        std::u16string namedThen;
+    };
+    const Row rows[] = {{"whole, without a folder", true, none, usual, {}, 12, usual},
+                        {"whole, and another folder later", true, usual, usual, {name(ashore)}, 12, ashore},
+                        {"half filled, named later", false, none, none, {name(ashore), ticks(1), fill}, 13, ashore},
+                        {"half filled, the default replaced", false, usual, usual, {name(ashore)}, 13, ashore},
+                        {"named at the moment of the end", false, none, none, {name(ashore), fill}, 13, ashore},
+                        {"the end seen, without a folder", false, none, none, {fill}, 12, usual},
+                        {"the end seen, and another folder later", false, usual, usual, {fill, ticks(1), name(ashore)}, 12, ashore},
+                        {"no end for a second", false, none, none, {ticks(9)}, 12, usual},
+                        {"no end for a second, and then a folder", false, usual, usual, {ticks(9), name(ashore)}, 12, ashore}};
+    stored->useTimer = true;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.why);
+        beforeStart = [&] {
+            record.SetText(kFolder, row.named);
+            if (!row.filled) record.Set(kStamp, 0.0);
+        };
+        deckman.sent.clear();
+        deckman.variables = {{12, 6.0f}, {13, 6.0f}, {50, 300.0f}};
+        Run([&] {
+            EXPECT_EQ(row.namedAtOnce, record.Text(kFolder));
+            host.Tick();
+            deckman.variables[50] = 299.0f;
+            host.Tick();
+            EXPECT_NE(kNoValue, record.F64(R::SysValue(36))) << "the gun by the second reading";
+            EXPECT_EQ(row.filled, record.F64(kStamp) != 0.0) << "the creator's sign is left to it";
+            for (const auto& step : row.then) step();
+            host.Tick();
+            EXPECT_EQ(Reads({row.variable, 50}), TickReads());
+            EXPECT_EQ(row.namedThen, record.Text(kFolder));
+            host.Tick(12);
+            EXPECT_NE(0.0, record.F64(kStamp));
+            EXPECT_EQ(row.variable == 12 ? 1u : 2u, deckman.sent.size()) << "nothing is sent twice, but by another mapping";
+        });
+    }
 }
 
 }  // namespace

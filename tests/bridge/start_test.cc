@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "bridge_fixture.h"
+#include "core/record_access.h"
 #include "support/child_process.h"
 
 namespace twr::testing {
@@ -55,7 +56,7 @@ TEST(Start, AllComeToTheDataFolderOfTheRegistry) {
         ASSERT_TRUE(allSay("{ 13 }")) << "the wrong mapping in round " << round;
         const CCore guest(test.system->Core(), Attachment::kOpenOnly);
         ASSERT_NE(nullptr, guest.View());
-        ASSERT_TRUE(guest.DataFolderIs(test.folder.File("Ashore"))) << "in round " << round;
+        ASSERT_TRUE(FieldTextIs(guest.View()->dataFolder, test.folder.File("Ashore"))) << "in round " << round;
         sendOn();
     }
     EXPECT_TRUE(allSay("ready")) << "all have let go of the record";

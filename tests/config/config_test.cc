@@ -170,6 +170,19 @@ TEST_F(ConfigTest, WithoutFilesTheDefaultsComeBack) {
     EXPECT_EQ("0:7,6,8,10,'n','n' 1:,,,10,'n','n' 172:,,,10,'n','n' ", Told());
 }
 
+TEST_F(ConfigTest, ADefaultDoesNotReplaceWhatTheCreatorNamesMeanwhile) {
+    record.SetText(1068, u"");
+    record.Set(RecordBytes::Time(0, kTime), 0.0);
+    CCore joined(machine.Services());
+    machine.files.onLook = [&] {
+        record.SetText(1068, u"/ashore");
+        record.Set(RecordBytes::Time(0, kTime), 1.0);
+    };
+    joined.GetDataFolder(u"");
+    EXPECT_EQ(u"/ashore", record.Text(1068));
+    EXPECT_EQ(u"/ashore", joined.GetDataFolder(u""));
+}
+
 TEST_F(ConfigTest, FoldersAreMadeWhenMissingAndTriedAgainWhenTheyCantBe) {
     const std::u16string suite = JoinPath(u"/data", u"Tidewright"), subfolder = JoinPath(suite, u"instruments");
     for (int time = 0; time < 2; ++time) EXPECT_EQ(subfolder, core->GetDataFolder(u"instruments"));

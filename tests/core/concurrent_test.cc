@@ -40,7 +40,7 @@ TEST_F(CoreTest, OneProgramWritesWhileAnotherReads) {
                 reader.ChannelText(channel, 0.75), reader.ChannelName(channel), reader.RemoteLabel(channel);
             }
         }
-        EXPECT_FALSE(reader.QuitRequested() || reader.DataFolderIs(u"/nowhere"));
+        EXPECT_FALSE(reader.QuitRequested() || FieldTextIs(reader.View()->dataFolder, u"/nowhere"));
     }
     enough = true;
     writer.join();

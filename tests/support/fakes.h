@@ -87,7 +87,10 @@ public:
 // Files kept in memory, for what needs no real ones.
 class FakeFiles : public Files {
 public:
-    bool Exists(std::u16string_view path) const override { return Find(path) || std::ranges::find(folders, path) != folders.end(); }
+    bool Exists(std::u16string_view path) const override {
+        onLook();
+        return Find(path) || std::ranges::find(folders, path) != folders.end();
+    }
     std::optional<std::int64_t> ChangedAt(std::u16string_view) const override { return std::nullopt; }
     void MakeFolder(std::u16string_view path) override {
         if (!foldersFail) folders.emplace_back(path);
@@ -109,7 +112,8 @@ public:
         std::string bytes;
         bool locked = false;  // can be copied but not opened
     };
-    std::vector<File> files;  // in the order in which List gives them
+    std::function<void()> onLook = [] {};  // whether something exists
+    std::vector<File> files;               // in the order in which List gives them
     std::vector<std::u16string> folders;
     std::u16string programData = u"/data";
     bool foldersFail = false;
