@@ -52,14 +52,31 @@ bool IsMappingElement(const XmlElement& element) {
     return EqualsIgnoringCase(element.name, kVar) || EqualsIgnoringCase(element.name, kRemote);
 }
 
-// A mapping file that is incomplete, for example after a full disk, has no end tag. In some encodings every other byte is zero.
-bool IsWhole(Files& files, std::u16string_view path) {
+std::string Contents(Files& files, std::u16string_view path) {
     const auto source = files.Open(path);
-    std::string text;
+    std::string bytes;
     char chunk[4096];
-    while (const std::size_t got = source ? source->Read(chunk, sizeof chunk) : 0) text.append(chunk, got);
+    while (const std::size_t got = source ? source->Read(chunk, sizeof chunk) : 0) bytes.append(chunk, got);
+    return bytes;
+}
+
+// A mapping file that is incomplete, for example after a full disk, has no end tag. In some encodings every other byte is zero.
+bool IsWhole(std::string text) {
     std::erase(text, '\0');
     return text.find('>', text.rfind("</")) != text.npos;
+}
+
+// Under another name first: if the disk has no room for it, the copy of before stays.
+bool Keep(Files& files, std::u16string_view path, std::string_view contents) {
+    const std::u16string kept = std::u16string(path) + u".bak", keeping = kept + u".new";
+    files.Remove(keeping);
+    auto copy = files.Create(keeping);
+    if (!copy) return false;
+    const bool whole = copy->Write(contents) && copy->Flush();
+    copy.reset();
+    if (whole && files.Rename(keeping, kept)) return true;
+    files.Remove(keeping);
+    return false;
 }
 
 bool WriteNumber(XmlWriter& writer, std::u16string_view name, std::int32_t number) {
@@ -141,10 +158,10 @@ bool WriteRemoteElement(XmlWriter& writer, const MappingRemote& row) {
 }
 
 bool SaveMapping(Files& files, Xml& xml, std::u16string_view path, const Mapping& mapping) {
-    const std::u16string kept = std::u16string(path) + u".bak";
-    const bool keeps = IsWhole(files, path) && files.Rename(path, kept);
+    const std::string former = Contents(files, path);
+    // Whether it may be written is asked first, so that an older copy is not given up for nothing.
+    if (IsWhole(former) && !(files.Append(path, {}) && Keep(files, path, former))) return false;
     const auto writer = xml.OpenWriter(path);
-    if (!writer && keeps) files.Rename(kept, path);
     if (!writer || !writer->StartElement(u"halyrig") || !writer->Attribute(u"version", u"1.0") ||
         !writer->Attribute(u"creator", u"Tidewright - https://tidewright.example")) {
         return false;

@@ -15,9 +15,10 @@ namespace twr {
 // reported to `findings`, if given.
 Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<MappingVar>& catalogue, Findings* findings = nullptr);
 
-// Writes the whole mapping. The former file is kept as `path` plus ".bak", unless it is incomplete itself. False if the document
-// could not be finished: a file that was begun stays as far as it was written; if none could be begun, the former file stays in
-// place. A row that can't be written is left out.
+// Writes the whole mapping into the file of that name, which keeps its owner, rights and links. What it held is first copied to
+// `path` plus ".bak", unless it is incomplete. False if that can't be done, or if the file can't be written: nothing has changed
+// then. False too if the document could not be finished: the file stays as far as it was written. A row that can't be written is
+// left out.
 bool SaveMapping(Files& files, Xml& xml, std::u16string_view path, const Mapping& mapping);
 
 // Take the attributes of an element into a row. False if it is another element or the row would not be valid.

@@ -1,6 +1,7 @@
 // The files that map Deckman's variables and remotes: its own list of variables, the mapping, and the two files of old.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 
 #include "base/wide_text.h"
@@ -9,6 +10,7 @@
 #include "mapping/variable_file.h"
 #include "platform/paths.h"
 #include "support/fakes.h"
+#include "support/child_process.h"
 #include "support/test_system.h"
 
 namespace twr::testing {
@@ -140,7 +142,7 @@ TEST_F(MappingTest, SavesTheSameBytesOnEverySystem) {
     EXPECT_FALSE(SaveMapping(files, xml, folder.File("missing/halyrig.xml"), mapping));
 }
 
-// A disk on which no file can be begun, or none be finished.
+// A disk that is full once the former file has been kept: what is begun can't be finished.
 struct FullDisk : Xml {
     struct Writer : XmlWriter {
         bool StartElement(std::u16string_view) override { return true; }
@@ -149,30 +151,24 @@ struct FullDisk : Xml {
         bool EndElement() override { return true; }
         bool Finish() override { return false; }
     };
-    FullDisk(Xml& whole, const TempFolder& in, bool can) : xml(whole), folder(in), begins(can) {}
+    FullDisk(Xml& whole, const TempFolder& in) : xml(whole), folder(in) {}
     std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) override { return xml.OpenReader(path); }
     std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view) override {
-        if (!begins) return nullptr;
         folder.Write("halyrig.xml", "<halyrig");
         return std::make_unique<Writer>();
     }
     Xml& xml;
     const TempFolder& folder;
-    const bool begins;
 };
 
 TEST_F(MappingTest, TheFormerFileIsKept) {
-    FullDisk beginsNone(xml, folder, false), endsNone(xml, folder, true);
+    FullDisk full(xml, folder);
     const std::string whole = "<x></x>\r\n", wide("<\0/\0x\0>\0", 8);
     // then, bakThen: an empty `then` is the new mapping
     const std::tuple<Xml&, std::string, std::string, std::string, std::string> rows[] = {
-        {xml, whole, "older", "", whole},
-        {xml, wide, "older", "", wide},
-        {xml, "<x><var/></", "older", "", "older"},
-        {xml, "", "older", "", "older"},
-        {endsNone, whole, "older", "<halyrig", whole},
-        {beginsNone, whole, "", whole, ""},
-        {beginsNone, "<halyrig", whole, "<halyrig", whole}};
+        {xml, whole, "older", "", whole},           {xml, wide, "older", "", wide},
+        {xml, "<x><var/></", "older", "", "older"}, {xml, "", "older", "", "older"},
+        {full, whole, "older", "<halyrig", whole},  {full, "<halyrig", whole, "<halyrig", whole}};
     for (const auto& [disk, former, bak, then, bakThen] : rows) {
         SCOPED_TRACE(::testing::Message() << former << " with " << bak);
         folder.Write("halyrig.xml.bak", bak);
@@ -181,7 +177,42 @@ TEST_F(MappingTest, TheFormerFileIsKept) {
         EXPECT_TRUE(then.empty() ? now.ends_with("</halyrig>") : now == then) << now;
         EXPECT_EQ(bakThen, folder.Read("halyrig.xml.bak"));
     }
+        EXPECT_EQ(2u, system->Core().files.List(folder.Text(), u"*").size());
 }
+    for (const char* taken : {"halyrig.xml.bak", "halyrig.xml.bak.new"}) {
+        std::filesystem::remove(folder.Path() / "halyrig.xml.bak");
+        folder.Write(std::string(taken) + "/x", "");
+        EXPECT_FALSE(SaveMapping(system->Core().files, xml, folder.Write("halyrig.xml", whole), {})) << taken;
+        EXPECT_EQ(whole, folder.Read("halyrig.xml")) << "without a copy it is not touched";
+        std::filesystem::remove_all(folder.Path() / taken);
+    }
+}
+
+TEST_F(MappingTest, SavesIntoTheFileItself) {
+    const std::filesystem::path link = folder.Path() / "halyrig.xml", real = folder.Path() / "real.xml";
+    folder.Write("real.xml", "<x></x>");
+    std::filesystem::create_hard_link(real, folder.Path() / "other.xml");
+    std::error_code none;
+    std::filesystem::create_symlink(real, link, none);
+    if (none) GTEST_SKIP() << "this machine makes no symbolic links";
+    EXPECT_TRUE(SaveMapping(system->Core().files, xml, folder.File("halyrig.xml"), {}));
+    EXPECT_TRUE(std::filesystem::is_symlink(link) && std::filesystem::equivalent(real, folder.Path() / "other.xml"));
+    EXPECT_TRUE(folder.Read("other.xml").ends_with("</halyrig>"));
+    EXPECT_EQ("<x></x>", folder.Read("halyrig.xml.bak"));
+}
+
+TEST_F(MappingTest, AWriteProtectedFileAndItsCopyStayAsTheyAre) {
+    folder.Write("halyrig.xml", "<x></x>");
+    folder.Write("halyrig.xml.bak", "older");
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms::all);
+    std::filesystem::permissions(folder.Path() / "halyrig.xml", std::filesystem::perms(0444));
+    {
+        const CommonUser user;
+        EXPECT_FALSE(SaveMapping(system->Core().files, xml, folder.File("halyrig.xml"), {}));
+    }
+    EXPECT_EQ("<x></x>", folder.Read("halyrig.xml"));
+    EXPECT_EQ("older", folder.Read("halyrig.xml.bak"));
+    EXPECT_EQ(2u, system->Core().files.List(folder.Text(), u"*").size());
 
 TEST_F(MappingTest, LinesOfTheOldFilesBecomeRows) {
     EXPECT_FALSE(ImportLegacyVars(fakes, u"/old.csv", catalogue)) << "there is no file";

@@ -35,6 +35,15 @@ struct Role {
 // The path of the running program.
 std::string OwnProgram();
 
+// While it lives, this program has no more rights to files than any user: root may write those that are write-protected.
+class CommonUser {
+public:
+    CommonUser();
+    ~CommonUser();
+    CommonUser(const CommonUser&) = delete;
+    CommonUser& operator=(const CommonUser&) = delete;
+};
+
 // Wine's stand-in for a part of Windows is known to fall short of it.
 bool UnderWine();
 

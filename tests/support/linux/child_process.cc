@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 
 #include "platform/linux/descriptor.h"
@@ -74,6 +75,15 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
 }
 
 std::string OwnProgram() { return std::filesystem::read_symlink("/proc/self/exe"); }
+
+CommonUser::CommonUser() {
+    constexpr uid_t kNobody = 65534;
+    if (getuid() == 0 && seteuid(kNobody) != 0) std::abort();
+}
+
+CommonUser::~CommonUser() {
+    if (seteuid(getuid()) != 0) std::abort();
+}
 
 bool UnderWine() { return false; }
 
