@@ -12,6 +12,8 @@ enum class Flaw {
     // Any file.
     kByteOrderMark,  // it spoils the first line
     kLineNotRead,    // text: the form of a line that is read
+    kLineCut,        // it is longer than kLongestLine
+    kFileCut,        // it is larger than kLargestFile; nothing behind this line is read
 
     // Any file in XML.
     kNotWellFormed,     // text: the parser's words, may be empty; nothing from there on is read

@@ -1,10 +1,13 @@
 #include "base/text_lines.h"
 
+#include <algorithm>
+
 namespace twr {
 
 bool TextLines::NextByte(char& byte) {
     if (used_ == filled_) {
-        filled_ = ended_ || read_ >= kLargestFile ? 0 : source_.Read(buffer_.data(), buffer_.size());
+        filled_ =
+            ended_ || read_ == kLargestFile ? 0 : source_.Read(buffer_.data(), std::min(buffer_.size(), kLargestFile - read_));
         read_ += filled_;
         used_ = 0;
     }
@@ -20,19 +23,17 @@ bool TextLines::NextByte(char& byte) {
 bool TextLines::Next(std::string& line) {
     line.clear();
     char byte = 0;
-    while (NextByte(byte)) {
-        if (byte != '\n') {
-            line.push_back(byte);
-            if (line.size() <= kLongestLine) continue;
-            ended_ = true;
-            filled_ = used_ = 0;
-            line.clear();
-            return false;
-        }
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        return true;
+    bool any = false, ends = false, over = false;
+    while (!ends && NextByte(byte)) {
+        any = true;
+        ends = byte == '\n';
+        over = over || (!ends && line.size() > kLongestLine);  // one byte more, for the CR
+        if (!ends && !over) line.push_back(byte);
     }
-    return !line.empty();
+    if (ends && !over && line.ends_with('\r')) line.pop_back();
+    cut_ = line.size() > kLongestLine;
+    if (cut_) line.pop_back();
+    return any;
 }
 
 }  // namespace twr

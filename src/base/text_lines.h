@@ -9,13 +9,19 @@
 namespace twr {
 
 // Lines end at LF; a CR before it is dropped, and byte 0x1A ends the text, as in text mode on Windows. The last line needs no end.
-// A line longer than kLongestLine ends the text too, and so does byte kLargestFile.
+// Of a line longer than kLongestLine that much is given. Byte kLargestFile ends the text too.
 class TextLines {
 public:
     explicit TextLines(ByteSource& source) : source_(source) {}
 
     // False when there is no further line.
     bool Next(std::string& line);
+
+    // Whether the line given last is longer.
+    bool Cut() const { return cut_; }
+
+    // Whether the text ended, or may have, because of its size.
+    bool EndedEarly() const { return read_ == kLargestFile; }
 
 private:
     bool NextByte(char& byte);
@@ -26,6 +32,7 @@ private:
     std::size_t used_ = 0;
     std::size_t read_ = 0;  // bytes, those in the buffer among them
     bool ended_ = false;
+    bool cut_ = false;
 };
 
 }  // namespace twr

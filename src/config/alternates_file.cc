@@ -51,7 +51,6 @@ void ReportUnreadEnd(const std::string& text, const Line& line, const Place& pla
 }
 
 void ReadLine(const std::string& text, CoreRecord& record, const Place& place) {
-    if (text.empty() || text.front() == '!') return;
     Line line;
     if (!Scan(text, kCommas, line) && !Scan(text, kBlanks, line)) return static_cast<void>(place.Report(WhyNotRead(text), kForm));
     const auto row = static_cast<std::uint32_t>(line.row);
@@ -78,10 +77,15 @@ void CCore::LoadAlternatesFile() {
     if (!file) return;
     TextLines lines(*file);
     std::string line;
-    for (std::size_t number = 1; lines.Next(line); ++number) {
+    Place place{services_.findings, path};
+    while (lines.Next(line)) {
+        ++place.line;
+        if (line.empty() || line.front() == '!') continue;
         const std::u16string spelled = services_.findings ? FromBytes(line) : std::u16string();
-        ReadLine(line, *view_, Place{services_.findings, path}.At(number).Of(spelled));
+        ReadLine(line, *view_, place.Of(spelled));
+        if (lines.Cut()) place.Report(Flaw::kLineCut);
     }
+    if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
 }
 
 }  // namespace twr

@@ -15,6 +15,8 @@ constexpr FlawWords kWords[] = {
     {Flaw::kByteOrderMark, "byte-order-mark", "the byte-order mark at the start of the file spoils this line",
      "save the file without one, as ANSI or plain UTF-8"},
     {Flaw::kLineNotRead, "line-not-read", "the line can't be read", "write it as {}"},
+    {Flaw::kLineCut, "line-cut", "the line is longer than 1 MiB, and only its start is read", "shorten it"},
+    {Flaw::kFileCut, "file-cut", "the file is larger than 64 MiB, and nothing behind this line is read", "shorten it"},
     {Flaw::kNotWellFormed, "not-well-formed", "from here on it is not XML, and nothing behind is read{}", "mend the line"},
     {Flaw::kOtherRoot, "other-root", "the file begins with another element, and nothing of it is read", "begin it with <{}>"},
     {Flaw::kUnknownElement, "unknown-element", "there is no element {}", "check how it is spelled"},

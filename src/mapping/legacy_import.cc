@@ -34,7 +34,9 @@ bool ForEachLine(Files& files, std::u16string_view path, Findings* findings, Tak
         ++place.line;
         const std::u16string spelled = findings ? FromBytes(line) : std::u16string();
         if (!line.empty()) take(fields, ScanFields(line, fields), place.Of(spelled));
+        if (lines.Cut()) place.Report(Flaw::kLineCut);
     }
+    if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
     return true;
 }
 

@@ -52,6 +52,7 @@ DeckmanCatalogue ParseLines(TextLines lines, Place place) {
             place.Report(Flaw::kListEnds, FromBytes(line));
             break;
         }
+        if (lines.Cut()) place.Report(Flaw::kLineCut);
         previous = row->dfwId;
         if (row->dfwName == kTimer) {
             catalogue.timerVariableId = row->dfwId;
@@ -59,6 +60,7 @@ DeckmanCatalogue ParseLines(TextLines lines, Place place) {
             catalogue.rows.push_back(*row);
         }
     }
+    if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
     if (!inSection) place.At(0).Report(Flaw::kNoVariables);
     return catalogue;
 }

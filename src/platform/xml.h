@@ -30,6 +30,9 @@ struct XmlFault {
     std::u16string text;       // what is wrong, in the parser's words; may be empty
 };
 
+// Of a file larger than kLargestFile.
+inline constexpr std::u16string_view kTooLarge = u"it is larger than 64 MiB";
+
 // No ordinary file nests its elements deeper. Open elements take memory.
 inline constexpr int kDeepestElement = 100'000;
 

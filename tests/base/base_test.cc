@@ -64,13 +64,18 @@ TEST(TextLines, ReadsAsInTextMode) {
         {"one\n\x1Atwo", {"one"}},
         {"a\0b\n"s, {"a\0b"s}},
         {longLine + "\r\nshort", {longLine, "short"}},
-        {"one\n" + longest + "\n" + longest + "x\nthree\n", {"one", longest}}};
+        {"one\n" + longest + "\r\n" + longest + "x\r\nthree\n", {"one", longest, longest, "three"}},
+        {longest + longest + longest, {longest}}};
     for (const auto& [bytes, expected] : rows) {
         for (const std::size_t step : {1u, 2u, 3u, 4096u}) {
             Bytes source(bytes, step);
             TextLines text(source);
             std::vector<std::string> lines;
-            for (std::string line; text.Next(line);) lines.push_back(line);
+            for (std::string line; text.Next(line);) {
+                EXPECT_EQ(text.Cut(), line == longest && lines.size() % 2 == 0);
+                lines.push_back(line);
+            }
+            EXPECT_FALSE(text.EndedEarly());
             EXPECT_EQ(expected, lines) << ::testing::PrintToString(bytes) << " by " << step;
         }
     }
@@ -91,6 +96,7 @@ TEST(TextLines, ReadsNoFurtherThanAnyHonestFile) {
     TextLines text(source);
     for (std::string line; text.Next(line);) continue;
     EXPECT_EQ(kLargestFile, source.read);
+    EXPECT_TRUE(text.EndedEarly());
 }
 
 TEST(WideText, TrimsAndComparesAsciiOnly) {

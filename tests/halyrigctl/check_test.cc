@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "base/byte_source.h"
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
 #include "config/saved_settings.h"
@@ -147,6 +148,7 @@ TEST_F(CheckTest, NamesTheCauseFirst) {
 }
 
 TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
+    const std::string longer(kLongestLine, ' ');
     const std::tuple<const char*, std::string, const char*, int> rows[] = {
         {"halyrig.xml:4", "<var twr='0' dfw='BSP'/>", "the Time channel follows the clock", 1},
         {"halyrig.xml:4", "<var twr='117' dfw='BSP'/>", "stands for other channels", 1},
@@ -170,6 +172,9 @@ TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
          "\xEF\xBB\xBF"
          "3,13,14,0,0,0,0,0,0,0\n",
          "byte-order mark", 1},
+        {"alternate.csv:2", '!' + longer + "\n3,13,14,0,0,0,0,0,0" + longer + ",0\n", "the line is longer than 1 MiB, and only", 1},
+        {"alternate.csv:3", '!' + longer + "\n3,13,14,0,0,0,0,0,0,0\n!" + std::string(kLargestFile, 'x'),
+         "the file is larger than 64 MiB, and nothing behind this line", 1},
         {"alternate.csv:1", "10,13,14,0,0,0,0,0,0,0\n", "there is no row 10", 1},
         {"alternate.csv:1", "3,13,414,0,0,0,0,0,0,0\n", "there is no channel 414", 1},
         {"alternate.csv:1", "3,13,65549,-1,0,0,0,0,0,32767\n", "there is no channel 65549", 1},
@@ -199,7 +204,7 @@ TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
         {"boats.xml:1", "<boats><boat id='7' mmsi='x'/></boats>", R"(mmsi="x" is not a number)", 1},
         {"J_vars06.d:6", "", "is read only up to here", 1}};
     for (const auto& [where, content, fragment, status] : rows) {
-        SCOPED_TRACE(content);
+        SCOPED_TRACE(content.substr(0, 80));
         SetUpWell();
         const std::string place(where), config = "ProgramData/Tidewright/config/";
         for (const char* name : {"alternate.csv", "channels.xml", "boats.xml"}) Remove((config + name).c_str());

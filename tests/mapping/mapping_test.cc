@@ -4,13 +4,14 @@
 #include <filesystem>
 #include <sstream>
 
+#include "base/byte_source.h"
 #include "base/wide_text.h"
 #include "mapping/legacy_import.h"
 #include "mapping/mapping_file.h"
 #include "mapping/variable_file.h"
 #include "platform/paths.h"
-#include "support/fakes.h"
 #include "support/child_process.h"
+#include "support/fakes.h"
 #include "support/test_system.h"
 
 namespace twr::testing {
@@ -176,9 +177,8 @@ TEST_F(MappingTest, TheFormerFileIsKept) {
         const std::string now = folder.Read("halyrig.xml");
         EXPECT_TRUE(then.empty() ? now.ends_with("</halyrig>") : now == then) << now;
         EXPECT_EQ(bakThen, folder.Read("halyrig.xml.bak"));
-    }
         EXPECT_EQ(2u, system->Core().files.List(folder.Text(), u"*").size());
-}
+    }
     for (const char* taken : {"halyrig.xml.bak", "halyrig.xml.bak.new"}) {
         std::filesystem::remove(folder.Path() / "halyrig.xml.bak");
         folder.Write(std::string(taken) + "/x", "");
@@ -213,6 +213,7 @@ TEST_F(MappingTest, AWriteProtectedFileAndItsCopyStayAsTheyAre) {
     EXPECT_EQ("<x></x>", folder.Read("halyrig.xml"));
     EXPECT_EQ("older", folder.Read("halyrig.xml.bak"));
     EXPECT_EQ(2u, system->Core().files.List(folder.Text(), u"*").size());
+}
 
 TEST_F(MappingTest, LinesOfTheOldFilesBecomeRows) {
     EXPECT_FALSE(ImportLegacyVars(fakes, u"/old.csv", catalogue)) << "there is no file";
@@ -252,12 +253,14 @@ TEST_F(MappingTest, TheSectionOfTheVariableFileIsReadUpToItsEnd) {
         {"5 ABCDEFGHIJKLMNO 1234567 1 2 3\n6 ABCDEFGHIJKLMNOP x 1 2 3\n", "5 ABCDEFGHIJKLMNO 1234567 1 3, "},
         {"5 ABCDEFGHIJKLMNOPQ 1 2 3 4\n", "5 ABCDEFGHIJKLMNO PQ 1 3, "},  // the rest of a name is column 3
         {"5 A 12345678 2 3 4\n", "5 A 1234567 8 3, "},
+        {"1 BSP kt 1 2 3" + std::string(2 * kLongestLine, ' ') + "!\n" + row2, one + "2 AWA d 4 6, "},
         {std::string("1 B\0SP kt 1 2 3\n", 16) + row2, ""}};
     for (const auto& [bytes, told] : rows) EXPECT_EQ(told, FoundIn("[variables]\n" + bytes)) << bytes;
     for (const std::string& end : {"[other]"s, "# a comment"s, "2 AWA deg 4 5"s, "\x1A"s, std::string(5000, '7')})
         EXPECT_EQ(one, FoundIn("[variables]\n" + row1 + end + "\n" + row2)) << end;
-    for (const std::string before : {"; notes\n[units]\n9 X y 1 1 1\n\n[variables]\n", " \t[variables]\v\f\r\n"})
-        EXPECT_EQ(one, FoundIn(before + row1)) << before;
+    for (const std::string& before : {"; notes\n[units]\n9 X y 1 1 1\n\n[variables]\n"s, " \t[variables]\v\f\r\n"s,
+                                      std::string(3 * kLongestLine, '!') + "\n[variables]\n"})
+        EXPECT_EQ(one, FoundIn(before + row1)) << before.substr(0, 40);
     for (const std::string before : {"", "[Variables]\n", "[variables] \x01\n", "\uFEFF[variables]\n"})
         EXPECT_EQ("", FoundIn(before + row1)) << before;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "base/byte_source.h"
 #include "base/wide_text.h"
 #include "support/child_process.h"
 #include "support/test_system.h"
@@ -132,6 +133,18 @@ TEST_F(XmlTest, ReadsLongFilesUpToAFaultFarBehindAndNoDeeperThanAnyHonestOne) {
     for (int i = 0; i < 2 * kDeepestElement; ++i) deep += "<d>";
     const std::string read = Read(deep);
     EXPECT_NEAR(kDeepestElement, std::ranges::count(read, 'd'), 1) << "the systems differ by one";
+}
+
+TEST_F(XmlTest, ReadsALongPieceAndALargeFileUpToTheLimit) {
+    const std::string begin = "<a>\n<b/>", end = "<c/></a>", piece(3 * kLongestLine, 'x');
+    EXPECT_EQ("a() b() c()", Read(begin + "<!--" + piece + "-->" + end));
+    EXPECT_EQ("a() b() c(d=" + piece + ")", Read(begin + "<c d='" + piece + "'/></a>"));
+    const std::string comment = "<!--" + std::string(kLargestFile - begin.size() - end.size() - 7, 'x') + "-->";
+    EXPECT_EQ("a() b() c()", Read(begin + comment + end));
+    const auto reader = xml_.OpenReader(test_.folder.Write("file.xml", begin + comment + " " + end));
+    EXPECT_EQ("a() b()", testing::Outline(*reader).substr(0, 7));
+    ASSERT_TRUE(reader->Fault());
+    EXPECT_EQ("it is larger than 64 MiB", ToUtf8(reader->Fault()->text));
 }
 
 TEST_F(XmlTest, WritesValuesThatReadBackTheSameAndRefusesWhatWouldBeNoXml) {

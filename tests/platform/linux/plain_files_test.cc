@@ -59,14 +59,6 @@ TEST_F(PlainFilesTest, AHugeOneEndsWhereTheProgramIsToldToEnd) {
     }
 }
 
-// The reader keeps what has no end yet.
-TEST_F(PlainFilesTest, XmlIsReadUpToAPieceThatNoHonestFileHas) {
-    for (const std::size_t size : {kLongestLine / 2, 2 * kLongestLine}) {
-        const auto path = test_.folder.Write("long.xml", "<a><b/><!--" + std::string(size, 'x') + "--><c/></a>");
-        EXPECT_EQ(size < kLongestLine ? "a() b() c()" : "a() b()", testing::Outline(*test_.system->Core().xml.OpenReader(path)));
-    }
-}
-
 TEST_F(PlainFilesTest, FoldersAreMadeForTheirUserAlone) {
     const std::u16string shared = files_.ProgramDataFolder(), own = JoinPath(shared, u"Tidewright");
     files_.MakeFolder(own);

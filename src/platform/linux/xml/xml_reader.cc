@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <deque>
 #include <string_view>
+#include <vector>
 
 #include "base/wide_text.h"
 #include "platform/linux/services.h"
@@ -14,7 +15,8 @@
 namespace twr {
 namespace {
 
-constexpr int kChunk = 8192;             // bytes
+constexpr std::size_t kChunk = 8192;  // bytes
+constexpr std::size_t kLargestChunk = 4 << 20;
 constexpr XML_Char kSeparator = '\xFF';  // of name space and local name; no text in UTF-8 holds it
 
 // The encoding of the byte-order mark, which overrides the declaration; nullptr without one.
@@ -57,29 +59,31 @@ private:
 
     // Ends at the end of the file and at the first fault.
     void ReadChunk() {
-        char chunk[kChunk];
+        chunk_.resize(std::min(std::clamp(Unfinished(), kChunk, kLargestChunk), kLargestFile - read_));
         std::size_t filled = 0;
         std::size_t got = 0;
-        while (filled < sizeof chunk && (got = source_->Read(chunk + filled, sizeof chunk - filled)) > 0) filled += got;
-        if (!parser_) Begin({chunk, filled});
+        while (filled < chunk_.size() && (got = source_->Read(chunk_.data() + filled, chunk_.size() - filled)) > 0) filled += got;
+        if (!parser_) Begin({chunk_.data(), filled});
         read_ += filled;
-        const bool last = filled < sizeof chunk;
-        const bool sound = parser_ && XML_Parse(parser_, chunk, static_cast<int>(filled), last) == XML_STATUS_OK;
-        ended_ = !sound || last || IsBeyondReason();
-        if (parser_ && ended_ && !(sound && last)) NoteFault();
+        const bool last = filled < chunk_.size() || read_ == kLargestFile;
+        const bool sound = parser_ && XML_Parse(parser_, chunk_.data(), static_cast<int>(filled), last) == XML_STATUS_OK;
+        ended_ = !sound || last;
+        if (parser_ && !sound) NoteFault();
     }
 
     void NoteFault() {
         const XML_Error error = XML_GetErrorCode(parser_);
-        const bool ours = error == XML_ERROR_NONE || error == XML_ERROR_ABORTED;
         fault_ = {XML_GetCurrentLineNumber(parser_), XML_GetCurrentColumnNumber(parser_) + 1,
-                  ours ? u"a document type declaration, or too large" : FromUtf8(XML_ErrorString(error))};
+                  error == XML_ERROR_ABORTED ? u"a document type declaration, or too deep"
+                  : read_ == kLargestFile    ? std::u16string(kTooLarge)
+                                             : FromUtf8(XML_ErrorString(error))};
     }
 
-    // The parser keeps unfinished input in memory.
-    bool IsBeyondReason() const {
-        const auto done = static_cast<std::size_t>(std::max<XML_Index>(0, XML_GetCurrentByteIndex(parser_)));
-        return read_ >= kLargestFile || read_ - std::min(done, read_) > kLongestLine;
+    // The parser keeps an unfinished piece and looks at it from its start again with each chunk. As much again is read, so that it
+    // does so a few times only, but within bounds: the elements of a chunk are kept too.
+    std::size_t Unfinished() const {
+        const auto done = static_cast<std::size_t>(std::max<XML_Index>(0, parser_ ? XML_GetCurrentByteIndex(parser_) : 0));
+        return read_ - std::min(done, read_);
     }
 
     static void XMLCALL OnElement(void* reader, const XML_Char* name, const XML_Char** attributes) {
@@ -101,6 +105,7 @@ private:
     XML_Parser parser_ = nullptr;
     std::deque<XmlElement> elements_;
     std::optional<XmlFault> fault_;
+    std::vector<char> chunk_;
     std::size_t read_ = 0;  // bytes
     int depth_ = 0;
     bool ended_ = false;

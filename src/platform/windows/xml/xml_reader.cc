@@ -15,11 +15,7 @@ namespace {
 std::string Contents(ByteSource& source) {
     std::string bytes;
     char part[16384];
-    while (bytes.size() < kLargestFile) {
-        const std::size_t got = source.Read(part, sizeof part);
-        if (got == 0) break;
-        bytes.append(part, got);
-    }
+    while (const std::size_t got = source.Read(part, std::min(sizeof part, kLargestFile - bytes.size()))) bytes.append(part, got);
     return bytes;
 }
 
@@ -118,7 +114,8 @@ XmlFault EndOf(std::u16string_view text) {
 std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
     const auto source = MakeFiles({})->Open(path);
     if (!source) return nullptr;
-    const std::u16string text = DecodeXml(Contents(*source));
+    const std::string bytes = Contents(*source);
+    const std::u16string text = DecodeXml(bytes);
     const std::u16string_view sound = WellFormedPrefix(text);
     const std::string document = "\xEF\xBB\xBF" + ToUtf8(sound).append(kFault);
     const ComPtr<IStream> stream(
@@ -130,7 +127,9 @@ std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
         return nullptr;
     }
     reader->SetProperty(XmlReaderProperty_MaxElementDepth, kDeepestElement);  // in place of its 256
-    return std::make_unique<LiteReader>(std::move(reader), EndOf(sound), sound.size() == text.size());
+    XmlFault end = EndOf(sound);
+    if (bytes.size() == kLargestFile) end.text = kTooLarge;
+    return std::make_unique<LiteReader>(std::move(reader), std::move(end), sound.size() == text.size());
 }
 
 class WindowsXml final : public Xml {
