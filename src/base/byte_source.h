@@ -1,6 +1,7 @@
 // Bytes that are read from start to end.
 #pragma once
 #include <cstddef>
+#include <string>
 
 namespace twr {
 
@@ -13,8 +14,11 @@ class ByteSource {
 public:
     virtual ~ByteSource() = default;
 
-    // Reads up to `room` bytes and returns their number; 0 at the end or when reading fails.
+    // Reads up to `room` bytes and returns their number; 0 at the end, or when reading fails, as Failure then says.
     virtual std::size_t Read(char* to, std::size_t room) = 0;
+
+    // Why the last reading failed, in the system's words, in UTF-8; empty if it did not.
+    virtual std::string Failure() const { return {}; }
 };
 
 }  // namespace twr

@@ -15,7 +15,7 @@ bool BoundedLines::Next(std::string_view& line) {
     std::size_t length = 0;
     while (true) {
         if (used_ == filled_ && !Refill()) {
-            const bool rest = length > 0 || tooLong_;
+            const bool rest = (length > 0 || tooLong_) && source_.Failure().empty();  // a part of a line could be another one
             line = std::string_view(line_.data(), length);
             wasTooLong_ = std::exchange(tooLong_, false);
             return rest;

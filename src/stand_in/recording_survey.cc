@@ -57,11 +57,13 @@ RecordingSurvey SurveyRecording(Files& files, std::u16string_view path) {
         survey.hasReading = survey.hasReading || heard;
         ++(heard || TimeOfDayOf(*sentence) ? survey.used : survey.unused)[std::string(sentence->type)];
     }
+    survey.failure = source->Failure();
     return survey;
 }
 
 std::string WhyUseless(const RecordingSurvey& survey) {
     if (!survey.opened) return "it can't be read";
+    if (!survey.failure.empty()) return "it can't be read to its end: " + survey.failure;
     if (survey.packed) return "it is packed by gzip: unpack it first";
     if (survey.lines == 0) return "it is empty";
     if (survey.hasReading) return "";

@@ -13,6 +13,7 @@ struct RecordingSurvey {
     using Counts = std::map<std::string, std::size_t>;  // of sentences, by their type of three letters
 
     bool opened = false;
+    std::string failure;      // why it can't be read to its end, in the system's words; empty if it can
     bool packed = false;      // by gzip
     bool hasReading = false;  // at least one sentence gives the instruments a value
     std::size_t lines = 0;    // blank ones not counted; one of some kilobytes counts more than once

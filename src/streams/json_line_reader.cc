@@ -77,7 +77,7 @@ bool JsonLineReader::NextLine() {
 
 std::optional<Change> JsonLineReader::Next() {
     while (fault_.empty() && NextLine()) {
-        ++number_;
+        if (ended_) ++number_;
         if (line_.find_first_not_of(" \t\r") == std::string::npos) continue;
         ReadLine read = line_.size() > kLongestChange ? ReadLine{{}, "it is too long"} : ParseJsonLine(line_);
         if (read.change) return read.change;

@@ -35,7 +35,7 @@ public:
     // nullopt at the end, and at the first line that is no change: Fault() then says its number and why.
     std::optional<Change> Next();
     const std::string& Fault() const { return fault_; }  // empty while there is none
-    std::size_t Number() const { return number_; }       // of lines that were read
+    std::size_t Number() const { return number_; }       // of lines that were read to their ends
 
 private:
     bool NextLine();

@@ -35,8 +35,8 @@ void RecordingReader::Reach(double time) {
 
 std::string RecordingReader::Fault() const {
     if (!lines_.Fault().empty()) return lines_.Fault();
-    return file_->Damaged() ? "line " + std::to_string(lines_.Number() + 1) + ": what follows is damaged, or not packed by gzip"
-                            : "";
+    const std::string fault = file_->Fault();
+    return fault.empty() ? "" : "line " + std::to_string(lines_.Number() + 1) + ": " + fault;
 }
 
 }  // namespace twr

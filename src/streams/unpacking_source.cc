@@ -9,7 +9,8 @@
 namespace twr {
 namespace {
 
-constexpr int kGzipWindow = 15 + 16;  // zlib's word for the largest window, and gzip's frame
+constexpr int kGzipWindow = 15 + 16;             // zlib's word for the largest window, and gzip's frame
+constexpr std::size_t kBetweenAsking = 1 << 16;  // bytes; a reader takes some milliseconds for so many
 constexpr unsigned char kMark[] = {0x1F, 0x8B};
 
 }  // namespace
@@ -19,11 +20,19 @@ struct UnpackingSource::State {
     std::array<char, 16384> buffer{};
 };
 
-UnpackingSource::UnpackingSource(std::unique_ptr<ByteSource> file) : file_(std::move(file)), state_(std::make_unique<State>()) {
+UnpackingSource::UnpackingSource(std::unique_ptr<ByteSource> file, std::function<bool()> goOn)
+    : file_(std::move(file)), goOn_(std::move(goOn)), state_(std::make_unique<State>()) {
     if (inflateInit2(&state_->stream, kGzipWindow) != Z_OK) throw std::bad_alloc();
 }
 
 UnpackingSource::~UnpackingSource() { inflateEnd(&state_->stream); }
+
+void UnpackingSource::Count(std::size_t bytes) {
+    sinceAsked_ += bytes;
+    if (sinceAsked_ < kBetweenAsking) return;
+    sinceAsked_ = 0;
+    ended_ = ended_ || (goOn_ && !goOn_());
+}
 
 // Behind what is left in the buffer, of which there is less than the mark. False at the file's end.
 bool UnpackingSource::Refill() {
@@ -33,6 +42,7 @@ bool UnpackingSource::Refill() {
     stream.next_in = reinterpret_cast<Bytef*>(buffer.data());
     const std::size_t got = file_->Read(buffer.data() + stream.avail_in, buffer.size() - stream.avail_in);
     stream.avail_in += static_cast<uInt>(got);
+    Count(got);
     return got > 0;
 }
 
@@ -44,11 +54,16 @@ void UnpackingSource::Begin() {
     begun_ = true;
 }
 
+std::string UnpackingSource::Fault() const {
+    if (const std::string failure = Failure(); !failure.empty()) return "what follows can't be read: " + failure;
+    return damaged_ ? "what follows is damaged, or not packed by gzip" : "";
+}
+
 std::size_t UnpackingSource::Read(char* to, std::size_t room) {
     if (!begun_) Begin();
     z_stream& stream = state_->stream;
     if (!packed_) {
-        if (stream.avail_in == 0) Refill();
+        if (stream.avail_in == 0 && !ended_) Refill();
         const std::size_t count = std::min<std::size_t>(room, stream.avail_in);
         std::copy_n(stream.next_in, count, reinterpret_cast<Bytef*>(to));
         stream.next_in += count;
@@ -61,12 +76,13 @@ std::size_t UnpackingSource::Read(char* to, std::size_t room) {
         if (stream.avail_in == 0 && !Refill()) break;
         const int result = inflate(&stream, Z_NO_FLUSH);
         if (result == Z_STREAM_END) {
-            ended_ = stream.avail_in == 0 && !Refill();
+            if (stream.avail_in == 0 && !Refill()) ended_ = true;
             inflateReset(&stream);
         } else if (result != Z_OK && result != Z_BUF_ERROR) {
             ended_ = damaged_ = true;
         }
     }
+    Count(room - stream.avail_out);
     return room - stream.avail_out;
 }
 

@@ -1,5 +1,7 @@
 // The bytes of a file, unpacked if it is packed by gzip.
 #pragma once
+#include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -11,20 +13,26 @@ namespace twr {
 // all that can be unpacked, and is no fault.
 class UnpackingSource : public ByteSource {
 public:
-    explicit UnpackingSource(std::unique_ptr<ByteSource> file);
+    // `goOn` is asked again and again, whatever the file holds, since a small one may unpack to any length, or to nothing for long.
+    // Once it returns false, the bytes end.
+    explicit UnpackingSource(std::unique_ptr<ByteSource> file, std::function<bool()> goOn = {});
     ~UnpackingSource() override;
 
     std::size_t Read(char* to, std::size_t room) override;
+    std::string Failure() const override { return file_->Failure(); }
 
-    // Whether it has ended early because what follows is not of gzip.
-    bool Damaged() const { return damaged_; }
+    // Why the bytes have ended early: they can't be read, or are not of gzip. Empty at the end, and while there is more.
+    std::string Fault() const;
 
 private:
     struct State;
     bool Refill();
     void Begin();
+    void Count(std::size_t bytes);
 
     const std::unique_ptr<ByteSource> file_;
+    const std::function<bool()> goOn_;
+    std::size_t sinceAsked_ = 0;  // bytes that were read or unpacked
     const std::unique_ptr<State> state_;
     bool begun_ = false;
     bool packed_ = false;

@@ -7,6 +7,7 @@
 #include "streams/recording_name.h"
 #include "streams/recording_reader.h"
 #include "streams/recording_writer.h"
+#include "support/fakes.h"
 
 namespace twr::testing {
 namespace {
@@ -202,6 +203,34 @@ TEST_F(RecordingTest, SaysWhyItCannotWrite) {
     EXPECT_TRUE(seconds > 0 && seconds < 5) << seconds;
     EXPECT_EQ(0u, writer.Fault().find("can't be written any more: the disk is full"));
     EXPECT_FALSE(Record(writer) || writer.Close());
+}
+
+TEST(RecordingReaderTest, AReadErrorIsAFaultAndNotTheEnd) {
+    std::string text;
+    for (int i = 0; i < 300; ++i) text += Line("01:00:00", i);
+    for (const std::string& file : {text, Packed(text)}) {
+        auto broken = std::make_unique<Broken>(std::make_unique<Text>(file, 1000), file.size() * 2 / 3);
+        RecordingReader reader(std::make_unique<UnpackingSource>(std::move(broken)));
+        int count = 0;
+        while (reader.Next()) ++count;
+        EXPECT_TRUE(100 < count && count < 300) << count;
+        EXPECT_EQ("line " + std::to_string(count + 1) + ": what follows can't be read: broken disk", reader.Fault());
+    }
+}
+
+TEST(RecordingReaderTest, WhateverAFileHoldsItIsReadNoFurtherThanWanted) {
+    const std::string first = Line("01:00:00", 1), blank(1 << 20, '\n');
+    std::string empty;
+    for (int i = 0; i < (1 << 20); i += 20) empty += Packed("");
+    for (const std::string& file :
+         {first + blank, Packed(first + blank), Packed(first) + empty, first + std::string(1 << 20, 'x')}) {
+        int asked = 0;
+        RecordingReader reader(std::make_unique<UnpackingSource>(std::make_unique<Text>(file, 1000), [&] { return ++asked < 3; }));
+        EXPECT_TRUE(reader.Next());
+        EXPECT_FALSE(reader.Next());
+        EXPECT_EQ(3, asked);
+        EXPECT_EQ("", reader.Fault());
+    }
 }
 
 TEST(RecordingReaderTest, TakesAnyBytes) {

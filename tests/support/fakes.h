@@ -84,6 +84,24 @@ public:
     bool quit = false;
 };
 
+// The first bytes of a source, as of a file on a disk that is broken behind them.
+class Broken : public ByteSource {
+public:
+    Broken(std::unique_ptr<ByteSource> whole, std::size_t readable) : whole_(std::move(whole)), left_(readable) {}
+    std::size_t Read(char* to, std::size_t room) override {
+        const std::size_t got = whole_->Read(to, std::min(room, left_));
+        failed_ = left_ == 0;
+        left_ -= got;
+        return got;
+    }
+    std::string Failure() const override { return failed_ ? "broken disk" : ""; }
+
+private:
+    const std::unique_ptr<ByteSource> whole_;
+    std::size_t left_;
+    bool failed_ = false;
+};
+
 // Files kept in memory, for what needs no real ones.
 class FakeFiles : public Files {
 public:

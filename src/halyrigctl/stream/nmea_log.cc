@@ -68,7 +68,7 @@ std::optional<Recorded> NmeaLog::Next() {
     return Recorded{gatheredAt_, change.time, change};
 }
 
-std::string NmeaLog::Fault() const { return file_->Damaged() ? "what follows is damaged, or not packed by gzip" : ""; }
+std::string NmeaLog::Fault() const { return file_->Fault(); }
 
 // Reads up to where time goes on. False at the end, once all is gathered.
 bool NmeaLog::ReadEpoch() {

@@ -25,7 +25,7 @@ public:
     Status Run();
 
 private:
-    std::unique_ptr<UnpackingSource> Open() const;
+    std::unique_ptr<UnpackingSource> Open();
     std::unique_ptr<RecordedSource> OpenLog();
     bool Understands();
     bool Attach();
@@ -33,6 +33,7 @@ private:
     bool PlayOnce();
     bool PlayUntilEnd(Replayer& replayer);
     bool Pause(int milliseconds);
+    bool GoesOn(int milliseconds = 0);
     bool Fail(const std::string& why);
     bool BridgeRuns() { return !options_.into && ReadBridgeStatus(system_.Core().memory).has_value(); }
 
@@ -75,10 +76,10 @@ bool Replay::Understands() {
     return false;
 }
 
-std::unique_ptr<UnpackingSource> Replay::Open() const {
+std::unique_ptr<UnpackingSource> Replay::Open() {
     auto file = system_.Core().files.Open(file_);
     if (!file) return nullptr;
-    return std::make_unique<UnpackingSource>(std::move(file));
+    return std::make_unique<UnpackingSource>(std::move(file), [this] { return GoesOn(); });
 }
 
 std::unique_ptr<RecordedSource> Replay::OpenLog() {
@@ -90,7 +91,10 @@ std::unique_ptr<RecordedSource> Replay::OpenLog() {
     const LogForm form = FormOf(*lookedAt);
     if (form == LogForm::kJson) return std::make_unique<RecordingReader>(std::move(played));
     if (form != LogForm::kNeither) return std::make_unique<NmeaLog>(std::move(played), form == LogForm::kNmeaWithClock);
-    Fail(Harmless(file_) + " line 1: it is neither a recording, nor are there sentences of NMEA 0183 below it.");
+    if (!GoesOn()) return nullptr;
+    const std::string fault = lookedAt->Fault();
+    Fail(Harmless(file_) +
+         " line 1: " + (fault.empty() ? "it is neither a recording, nor are there sentences of NMEA 0183 below it." : fault + "."));
     return nullptr;
 }
 
@@ -152,13 +156,16 @@ bool Replay::PlayUntilEnd(Replayer& replayer) {
 
 bool Replay::Pause(int milliseconds) {
     core_->StampTime();
-    if (!system_.GetConsole().Wait(milliseconds) || core_->QuitRequested()) return false;
+    if (!GoesOn(milliseconds)) return false;
     sinceBridgeCheck_ += milliseconds;
     if (sinceBridgeCheck_ < kBridgeCheckMs) return true;
     sinceBridgeCheck_ = 0;
     return !BridgeRuns() ||
            Fail(HALYRIG_PROGRAM " has been started; the replay has ended, so as not to mix with what is measured.");
 }
+
+// False once the user or the suite has asked to stop.
+bool Replay::GoesOn(int milliseconds) { return system_.GetConsole().Wait(milliseconds) && !(core_ && core_->QuitRequested()); }
 
 }  // namespace
 

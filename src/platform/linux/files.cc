@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
@@ -27,10 +28,12 @@ public:
         do {
             got = read(file_.Get(), to, room);
         } while (got < 0 && errno == EINTR);
+        failure_ = got < 0 ? std::strerror(errno) : "";
         if (got <= 0) return 0;
         read_ += static_cast<std::size_t>(got);
         return static_cast<std::size_t>(got);
     }
+    std::string Failure() const override { return failure_; }
 
 private:
     // No ordinary file is larger, and one that is must not delay a program that has been asked to end.
@@ -38,6 +41,7 @@ private:
 
     const Descriptor file_;
     std::size_t read_ = 0;  // bytes
+    std::string failure_;
 };
 
 class PosixWriter final : public FileWriter {

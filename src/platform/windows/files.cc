@@ -39,11 +39,15 @@ public:
 
     std::size_t Read(char* to, std::size_t room) override {
         DWORD got = 0;
-        return ReadFile(file_.get(), to, static_cast<DWORD>(room), &got, nullptr) ? got : 0;
+        const bool read = ReadFile(file_.get(), to, static_cast<DWORD>(room), &got, nullptr) != 0;
+        failure_ = read ? "" : "Windows reports error " + std::to_string(GetLastError());
+        return read ? got : 0;
     }
+    std::string Failure() const override { return failure_; }
 
 private:
     UniqueHandle file_;
+    std::string failure_;
 };
 
 class WindowsWriter final : public FileWriter {
