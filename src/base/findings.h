@@ -14,6 +14,7 @@ enum class Flaw {
     kLineNotRead,    // text: the form of a line that is read
     kLineCut,        // it is longer than kLongestLine
     kFileCut,        // it is larger than kLargestFile; nothing behind this line is read
+    kReadFailed,     // text: the system's words; nothing from there on is read
 
     // Any file in XML.
     kNotWellFormed,     // text: the parser's words, may be empty; nothing from there on is read

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/wide_text.h"
+
 namespace twr {
 
 bool TextLines::NextByte(char& byte) {
@@ -33,7 +35,13 @@ bool TextLines::Next(std::string& line) {
     if (ends && !over && line.ends_with('\r')) line.pop_back();
     cut_ = line.size() > kLongestLine;
     if (cut_) line.pop_back();
-    return any;
+    return any && (ends || source_.Failure().empty());  // a part of a line could be another one
+}
+
+bool TextLines::ReportFailure(const Place& place) const {
+    const std::string failure = source_.Failure();
+    if (!failure.empty()) place.Report(Flaw::kReadFailed, FromUtf8(failure));
+    return !failure.empty();
 }
 
 }  // namespace twr

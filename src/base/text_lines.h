@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/byte_source.h"
+#include "base/findings.h"
 
 namespace twr {
 
@@ -22,6 +23,9 @@ public:
 
     // Whether the text ended, or may have, because of its size.
     bool EndedEarly() const { return read_ == kLargestFile; }
+
+    // Reports if there was none because reading has failed, and returns whether it has.
+    bool ReportFailure(const Place& place) const;
 
 private:
     bool NextByte(char& byte);

@@ -27,13 +27,14 @@ bool CHalyrig32Dlg::ImportLegacyVars() {
     const std::u16string path = core_.GetDataFile(u"halyrig", u"halyrig.csv");
     mapping_.varRows.clear();
     FindVariableFile();  // so that the import uses Deckman's current files
-    auto rows = twr::ImportLegacyVars(services_.files, path, catalogue_.rows);
+    auto rows = twr::ImportLegacyVars(services_.files, path, catalogue_.rows, services_.findings);
     if (rows) mapping_.varRows = std::move(*rows);
     return rows.has_value();
 }
 
 void CHalyrig32Dlg::ImportLegacyRemotes() {
-    mapping_.remoteRows = twr::ImportLegacyRemotes(services_.files, core_.GetDataFile(u"halyrig", u"halyrigremotes.csv"));
+    mapping_.remoteRows =
+        twr::ImportLegacyRemotes(services_.files, core_.GetDataFile(u"halyrig", u"halyrigremotes.csv"), services_.findings);
 }
 
 }  // namespace twr

@@ -40,6 +40,14 @@ private:
 
 }  // namespace
 
+void UnreadFiles::Add(Finding finding) {
+    if (finding.flaw != Flaw::kReadFailed) return;
+    const std::u16string line = finding.line > 0 ? u":" + FromBytes(std::to_string(finding.line)) : u"";
+    desktop_.Remark(finding.path + line + u": reading it fails (" + finding.text +
+                        u"), and nothing from there on is used; see whether the disk is sound and this user may read the file",
+                    kProgramName);
+}
+
 CHalyrig32Dlg::CHalyrig32Dlg(System& system)
     : services_(system.Core()),
       executable_(system.GetExecutable()),
@@ -167,13 +175,14 @@ void CHalyrig32Dlg::ReloadMapping() {
 }
 
 void CHalyrig32Dlg::FindVariableFile() {
-    catalogue_ = twr::FindVariableFile(services_.files, settings_.dfwFolder, JoinPath(core_.GetDataFolder(u""), u"jvars.twr"));
+    catalogue_ = twr::FindVariableFile(services_.files, settings_.dfwFolder, JoinPath(core_.GetDataFolder(u""), u"jvars.twr"),
+                                       services_.findings);
     instruments_.ForgetTimer();
 }
 
 void CHalyrig32Dlg::LoadMapping() {
     mappingFolder_ = core_.GetDataFolder(u"");  // read first: a change meanwhile is noticed on the next tick
-    mapping_ = twr::LoadMapping(services_.xml, MappingPath(), catalogue_.rows);
+    mapping_ = twr::LoadMapping(services_.xml, MappingPath(), catalogue_.rows, services_.findings);
     NoteMapping();
     PrepareCrashReports();  // for the new folder, and once more after the library was loaded
 }

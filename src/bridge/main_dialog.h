@@ -16,6 +16,16 @@
 
 namespace twr {
 
+// Remarks on files that could not be read to their end. What else the readers pass over is not told.
+class UnreadFiles final : public Findings {
+public:
+    explicit UnreadFiles(CoreServices& services) : desktop_(services.desktop) { services.findings = this; }
+    void Add(Finding finding) override;
+
+private:
+    Desktop& desktop_;
+};
+
 class CHalyrig32Dlg : public Dialog {
 public:
     // Attaches to the record.
@@ -81,6 +91,7 @@ private:
     void End(DialogResult result);
 
     CoreServices services_;
+    UnreadFiles unread_{services_};
     Executable& executable_;
     CrashReports& crashes_;
     DialogWindow* window_ = nullptr;  // while the dialog is open

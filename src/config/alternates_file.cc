@@ -73,11 +73,12 @@ void CCore::LoadAlternatesFile() {
         for (std::int32_t& slot : row.slot) Put(slot, kNoInt);
     }
     const std::u16string path = GetDataFile(u"config", u"alternate.csv");
+    Place place{services_.findings, path};
     const auto file = services_.files.Open(path);
+    if (!file && services_.files.Exists(path)) place.Report(Flaw::kReadFailed, kNotOpened);
     if (!file) return;
     TextLines lines(*file);
     std::string line;
-    Place place{services_.findings, path};
     while (lines.Next(line)) {
         ++place.line;
         if (line.empty() || line.front() == '!') continue;
@@ -86,6 +87,7 @@ void CCore::LoadAlternatesFile() {
         if (lines.Cut()) place.Report(Flaw::kLineCut);
     }
     if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
+    lines.ReportFailure(place.At(place.line + 1));
 }
 
 }  // namespace twr

@@ -25,7 +25,7 @@ bool ForEachElement(Xml& xml, const Place& file, std::u16string_view root, std::
             place.Report(Flaw::kUnknownElement, element.name);
         }
     }
-    if (const auto fault = reader->Fault()) file.At(fault->line, fault->column).Report(Flaw::kNotWellFormed, fault->text);
+    if (const auto fault = reader->Fault()) file.At(fault->line, fault->column).Report(fault->flaw, fault->text);
     return rooted;
 }
 

@@ -80,7 +80,10 @@ const LibraryLook& Circumstances::Library() {
 
 const DeckmanCatalogue& Circumstances::Variables() {
     // Deckman's list is not copied if it is locked: only the bridge may write to the data folder.
-    if (!variables_) variables_ = FindVariableFile(services_.files, settings.dfwFolder, {});
+    if (!variables_) {
+        ofList_.found.clear();
+        variables_ = FindVariableFile(services_.files, settings.dfwFolder, {}, &ofList_);
+    }
     return *variables_;
 }
 
@@ -95,6 +98,12 @@ const MappingLook& Circumstances::TheMapping() {
         mapping_->meant = ReadMeant(services_.xml, mapping_->path);
     }
     return *mapping_;
+}
+
+std::vector<Finding> Circumstances::PassedOver() {
+    std::vector<Finding> found = TheMapping().faults;
+    found.insert(found.begin(), ofList_.found.begin(), ofList_.found.end());
+    return found;
 }
 
 const CoreRecord& Circumstances::Renewed() {

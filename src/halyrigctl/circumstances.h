@@ -51,6 +51,8 @@ public:
     const LibraryLook& Library();
     const DeckmanCatalogue& Variables();
     const MappingLook& TheMapping();
+    // What was passed over in both, a file that could not be read to its end among it.
+    std::vector<Finding> PassedOver();
     // The record that a start of the whole suite would make.
     const CoreRecord& Renewed();
 
@@ -66,6 +68,7 @@ private:
     double filesSince_ = 0.0;  // days: none was read before
     std::optional<LibraryLook> library_;
     std::optional<DeckmanCatalogue> variables_;
+    CollectedFindings ofList_;
     std::optional<MappingLook> mapping_;
     std::unique_ptr<Rehearsal> rehearsal_;
 };

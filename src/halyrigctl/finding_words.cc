@@ -17,6 +17,8 @@ constexpr FlawWords kWords[] = {
     {Flaw::kLineNotRead, "line-not-read", "the line can't be read", "write it as {}"},
     {Flaw::kLineCut, "line-cut", "the line is longer than 1 MiB, and only its start is read", "shorten it"},
     {Flaw::kFileCut, "file-cut", "the file is larger than 64 MiB, and nothing behind this line is read", "shorten it"},
+    {Flaw::kReadFailed, "read-failed", "reading it fails ({}), and nothing from here on is used",
+     "see whether the disk is sound and this user may read the file"},
     {Flaw::kNotWellFormed, "not-well-formed", "from here on it is not XML, and nothing behind is read{}", "mend the line"},
     {Flaw::kOtherRoot, "other-root", "the file begins with another element, and nothing of it is read", "begin it with <{}>"},
     {Flaw::kUnknownElement, "unknown-element", "there is no element {}", "check how it is spelled"},
@@ -84,6 +86,17 @@ Advice AdviceFor(const Finding& finding) {
     if (finding.flaw == Flaw::kNoSuchVariable && number)
         return {Filled(words.what, text), "its numbers may have changed; use names"};
     return {Filled(words.what, text), Filled(words.todo, text)};
+}
+
+bool ComplainOfUnread(Console& console, const std::vector<Finding>& findings) {
+    bool any = false;
+    for (const Finding& finding : findings) {
+        if (finding.flaw != Flaw::kReadFailed) continue;
+        any = true;
+        Complain(console,
+                 Harmless(finding.path) + (finding.line > 0 ? ":" + std::to_string(finding.line) : "") + ": " + Words(finding));
+    }
+    return any;
 }
 
 std::string_view WordFor(Flaw flaw) { return WordsOf(flaw).word; }

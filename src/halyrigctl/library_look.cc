@@ -116,7 +116,10 @@ std::unique_ptr<Library> Loaded(Files& files, Libraries& libraries, std::u16stri
         fault = files.Exists(path) ? Advice{shown + " can't be read", "let this user read it"} : AbsentFault(files, folder, name);
         return nullptr;
     }
-    fault = KindFault(KindOf(Header(*file)), shown);
+    const Header header(*file);
+    const std::string failure = file->Failure();
+    fault = failure.empty() ? KindFault(KindOf(header), shown)
+                            : Advice{shown + " can't be read: " + failure, "see whether the disk is sound"};
     if (fault) return nullptr;
     auto library = libraries.Load(path);
     if (!library)

@@ -56,6 +56,9 @@ public:
     bool Append(std::u16string_view, std::string_view) override { return false; }
     std::unique_ptr<FileWriter> Create(std::u16string_view) override { return nullptr; }
     bool Copy(std::u16string_view, std::u16string_view) override { return false; }
+    std::u16string Target(std::u16string_view path) const override { return files_.Target(path); }
+    std::unique_ptr<FileLock> Lock(std::u16string_view) override { return nullptr; }
+    std::u16string WriteBeside(std::u16string_view, std::string_view, std::u16string_view) override { return {}; }
     bool Rename(std::u16string_view, std::u16string_view) override { return false; }
     void Remove(std::u16string_view) override {}
     std::vector<std::u16string> List(std::u16string_view folder, std::u16string_view pattern) const override {

@@ -37,6 +37,7 @@ bool ForEachLine(Files& files, std::u16string_view path, Findings* findings, Tak
         if (lines.Cut()) place.Report(Flaw::kLineCut);
     }
     if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
+    lines.ReportFailure(place.At(place.line + 1));
     return true;
 }
 

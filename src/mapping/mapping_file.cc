@@ -142,7 +142,7 @@ Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<Mappin
             place.Report(Flaw::kUnknownElement, element.name);
         }
     }
-    if (const auto fault = reader->Fault()) file.At(fault->line, fault->column).Report(Flaw::kNotWellFormed, fault->text);
+    if (const auto fault = reader->Fault()) file.At(fault->line, fault->column).Report(fault->flaw, fault->text);
     return mapping;
 }
 

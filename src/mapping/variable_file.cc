@@ -61,7 +61,7 @@ DeckmanCatalogue ParseLines(TextLines lines, Place place) {
         }
     }
     if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
-    if (!inSection) place.At(0).Report(Flaw::kNoVariables);
+    if (!lines.ReportFailure(place.At(place.line + 1)) && !inSection) place.At(0).Report(Flaw::kNoVariables);
     return catalogue;
 }
 
@@ -79,11 +79,11 @@ DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::
     return catalogue;
 }
 
-DeckmanCatalogue FindVariableFile(Files& files, std::u16string_view dfwFolder, std::u16string_view copyPath) {
+DeckmanCatalogue FindVariableFile(Files& files, std::u16string_view dfwFolder, std::u16string_view copyPath, Findings* findings) {
     const std::u16string folder = JoinPath(dfwFolder, u"Data");
     DeckmanCatalogue catalogue;
     const auto hasRows = [&](const std::u16string& path) {
-        catalogue = ParseVariableFile(files, path, copyPath);
+        catalogue = ParseVariableFile(files, path, copyPath, findings);
         if (!catalogue.rows.empty()) catalogue.path = path;
         return !catalogue.rows.empty();
     };

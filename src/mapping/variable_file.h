@@ -25,6 +25,7 @@ DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::
 
 // The first file with at least one row: Data/J_vars06.d under the Deckman folder, else the first of Data/J_vars*.d in the order of
 // the file system. If there is none, the catalogue of the last file tried, hence without rows.
-DeckmanCatalogue FindVariableFile(Files& files, std::u16string_view dfwFolder, std::u16string_view copyPath);
+DeckmanCatalogue FindVariableFile(Files& files, std::u16string_view dfwFolder, std::u16string_view copyPath,
+                                  Findings* findings = nullptr);
 
 }  // namespace twr

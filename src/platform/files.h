@@ -24,6 +24,15 @@ public:
     virtual bool Flush() = 0;
 };
 
+// Keeps other processes from having the same lock while it lives; a killed one has none.
+class FileLock {
+public:
+    virtual ~FileLock() = default;
+};
+
+// Why a file that is there can't be read, where no more is known.
+inline constexpr std::u16string_view kNotOpened = u"it is not a plain file, or this user may not read it";
+
 class Files {
 public:
     virtual ~Files() = default;
@@ -48,7 +57,20 @@ public:
     // Copies a file, replacing an older one. False on failure.
     virtual bool Copy(std::u16string_view from, std::u16string_view to) = 0;
 
-    // Renames a file within its folder, replacing an older file of that name. Needs no disk space. False on failure.
+    // The file to which a link leads, whether it is there or not; `path` itself if that is no link.
+    virtual std::u16string Target(std::u16string_view path) const = 0;
+
+    // Takes the lock of those who change this file; it changes nothing for anybody else. nullptr while another process has it.
+    // Where there are no locks, everybody gets one.
+    virtual std::unique_ptr<FileLock> Lock(std::u16string_view path) = 0;
+
+    // Writes a new file beside `path`, named "<path>.<characters that no other has>.new", and waits until it is on the disk. It
+    // gets the owner and the rights of the file `like`, if that is there. Its path; empty on failure, which leaves none, and if
+    // `like` is write-protected.
+    virtual std::u16string WriteBeside(std::u16string_view path, std::string_view bytes, std::u16string_view like) = 0;
+
+    // Renames a file within its folder, replacing an older file of that name, and waits until that is on the disk. Needs no disk
+    // space. False on failure.
     virtual bool Rename(std::u16string_view from, std::u16string_view to) = 0;
 
     virtual void Remove(std::u16string_view path) = 0;

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/findings.h"
+
 namespace twr {
 
 struct XmlAttribute {
@@ -24,10 +26,11 @@ struct XmlElement {
 std::u16string Spelled(const XmlAttribute& attribute);
 std::u16string Spelled(const XmlElement& element);  // without brackets
 
-// Where a document stops being XML that is read.
+// Where a document stops being XML that is read, or can't be read at all.
 struct XmlFault {
-    std::size_t line, column;  // from 1
-    std::u16string text;       // what is wrong, in the parser's words; may be empty
+    std::size_t line, column;          // from 1; 0 for the file as a whole
+    std::u16string text;               // what is wrong, in the words of the parser or the system; may be empty
+    Flaw flaw = Flaw::kNotWellFormed;  // or kReadFailed
 };
 
 // Of a file larger than kLargestFile.
@@ -64,11 +67,17 @@ public:
     virtual bool Finish() = 0;
 };
 
+class Files;
+
+// In place of a reader where a file can't be opened: nullptr if there is none.
+std::unique_ptr<XmlReader> UnopenedXml(const Files& files, std::u16string_view path);
+
 class Xml {
 public:
     virtual ~Xml() = default;
 
-    // nullptr if the file is absent or can't be read. The encoding is that of the mark or the declaration.
+    // nullptr if there is no such file. One that can't be opened has a fault and no element. The encoding is that of the mark or
+    // the declaration.
     virtual std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) = 0;
 
     // Creates the file or empties an existing one, and writes the declaration; nullptr on failure.

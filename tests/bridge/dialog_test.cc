@@ -1,5 +1,6 @@
 // What every host of the dialog can rely on. The tests of a host show that it passes on what its user does.
 #include <cmath>
+#include <filesystem>
 
 #include "bridge/about.h"
 #include "bridge_fixture.h"
@@ -98,6 +99,15 @@ TEST_F(DialogTest, EachWayOutAsksAndSavesAsItShould) {
             EXPECT_TRUE(box.caption == u"Halyrig32" && box.buttons == BoxButtons::kYesNo && box.icon == BoxIcon::kQuestion);
         }
     }
+}
+
+TEST_F(DialogTest, AFileThatCanNotBeReadIsRemarkedOnWithoutABox) {
+    Variables("12 X\n");
+    std::filesystem::create_directories(test.folder.Path() / kMappingFile);  // no file, which not even an administrator can read
+    Run([&] { host.Tick(); });
+    ASSERT_EQ(1u, host.remarks.size());
+    EXPECT_NE(std::u16string::npos, host.remarks[0].find(u"halyrig.xml: reading it fails (it is not a plain file"));
+    EXPECT_TRUE(host.boxes.empty());
 }
 
 TEST_F(DialogTest, AnImportReplacesTheMappingOrLeavesIt) {

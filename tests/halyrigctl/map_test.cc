@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <random>
 
@@ -9,13 +10,13 @@
 #include "mapping/mapping_file.h"
 #include "mapping/variable_file.h"
 #include "status/bridge_status.h"
+#include "support/fakes.h"
 
 namespace twr::testing {
 namespace {
 
 constexpr const char* kPath = "ProgramData/Tidewright/instruments/halyrig.xml";
 constexpr const char* kBak = "ProgramData/Tidewright/instruments/halyrig.xml.bak";
-constexpr const char* kNew = "ProgramData/Tidewright/instruments/halyrig.xml.new";
 constexpr const char* kVariables =
     "[variables]\n1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 TWD degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n"
     "7 MKBRG degT 0 0 1\n8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING deg 0 0 1\n";
@@ -31,7 +32,10 @@ public:
     bool Exists(std::u16string_view path) const override { return real_.Exists(path); }
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return real_.ChangedAt(path); }
     void MakeFolder(std::u16string_view path) override { real_.MakeFolder(path); }
-    std::unique_ptr<ByteSource> Open(std::u16string_view path) override { return real_.Open(path); }
+    std::unique_ptr<ByteSource> Open(std::u16string_view path) override {
+        auto source = real_.Open(path);
+        return readable == std::string::npos || !source ? std::move(source) : std::make_unique<Broken>(std::move(source), readable);
+    }
     bool Append(std::u16string_view path, std::string_view bytes) override { return !Fails() && real_.Append(path, bytes); }
     std::unique_ptr<FileWriter> Create(std::u16string_view path) override {
         if (!Fails()) return real_.Create(path);
@@ -46,7 +50,17 @@ public:
         }
         return false;
     }
-    bool Rename(std::u16string_view from, std::u16string_view to) override { return !Fails() && real_.Rename(from, to); }
+    std::u16string Target(std::u16string_view path) const override { return real_.Target(path); }
+    std::unique_ptr<FileLock> Lock(std::u16string_view path) override { return lockedFor-- > 0 ? nullptr : real_.Lock(path); }
+    std::u16string WriteBeside(std::u16string_view path, std::string_view bytes, std::u16string_view like) override {
+        if (!Fails()) return real_.WriteBeside(path, bytes, like);
+        if (stopped && calls == failing + 1) real_.WriteBeside(path, "<hal", like);
+        return {};
+    }
+    bool Rename(std::u16string_view from, std::u16string_view to) override {
+        if (beforeRename) beforeRename();
+        return !Fails() && real_.Rename(from, to);
+    }
     void Remove(std::u16string_view path) override {
         if (!stopped || !Fails()) real_.Remove(path);
     }
@@ -58,6 +72,9 @@ public:
     int failing = -1;
     bool stopped = false;  // nothing is done from the failing call on
     int calls = 0;
+    int lockedFor = 0;                         // times that another process has the lock
+    std::size_t readable = std::string::npos;  // bytes of each file
+    std::function<void()> beforeRename;
 
 private:
     bool Fails() {
@@ -77,6 +94,10 @@ protected:
     CoreServices Core() override {
         const CoreServices real = test.system->Core();
         return {real.clock, real.zone, real.memory, real.registry, files, real.xml, real.desktop};
+    }
+    // New files that have not taken their place.
+    std::vector<std::u16string> LeftOver() {
+        return Core().files.List(test.folder.File("ProgramData/Tidewright/instruments"), u"*.new");
     }
     std::string File() { return test.folder.Read(kPath); }
     Mapping Rows() {
@@ -227,7 +248,7 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
     ExpectIn(Said("map remove HDG", 1), {"line 2 of ", "holds more than the mapping"});
     ExpectIn(Said("map add LOST 5", 1), {"would not be read as intended"});  // 32767 stands for no number
     EXPECT_EQ(nested, File());
-    EXPECT_EQ("", test.folder.Read(kNew));
+    EXPECT_TRUE(LeftOver().empty());
     for (const std::string text : {"\xEF\xBB\xBF<r a='\u00E9'/>", "<?xml version='1.0' encoding='ISO-8859-1'?><r/>"}) {
         test.folder.Write(kPath, text);
         Said("map add HDG 13");
@@ -296,12 +317,53 @@ TEST_F(MapTest, AtEveryMomentTheOldOrTheNewFileIsWhole) {
             EXPECT_EQ(status == kDone ? changed : kMapping, File()) << tried;
             EXPECT_TRUE(bak == "older" || bak == kMapping) << tried << bak;
             EXPECT_TRUE(status != kDone || bak == kMapping);
-            EXPECT_TRUE(stopped || test.folder.Read(kNew).empty()) << tried;
+            EXPECT_TRUE((stopped && status != kDone) || LeftOver().empty()) << tried;
             if (status != kDone) ExpectIn(said, {"; nothing is changed\n"});
             ASSERT_LT(tried, 20);
         }
         EXPECT_LE(4, tried) << "each operation has failed once";
     }
+}
+
+TEST_F(MapTest, OneChangeAtATime) {
+    test.folder.Write(kPath, kMapping);
+    const std::u16string path = test.folder.File(kPath);
+    console.goOn = [] { return true; };
+    auto lock = Core().files.Lock(path);
+    ExpectIn(Said("map add BSP 1", 1), {"another halyrigctl is changing ", "halyrig.xml; try again"});
+    EXPECT_LE(5000, console.waited);
+    EXPECT_EQ(kMapping, File());
+    lock.reset();
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(std::filesystem::path(path).parent_path()), {})) << "litter";
+    files.lockedFor = 3;
+    ExpectIn(Said("map add BSP 1"), {"BSP feeds"});
+    const std::string changed = File();
+    files.lockedFor = 1000;
+    console.goOn = [] { return false; };
+    Said("map add TWD 6", 1);
+    files.lockedFor = 0;
+    files.beforeRename = [&] { test.folder.Write(kPath, kMapping); };
+    ExpectIn(Said("map add TWD 6", 1), {"has changed ", " meanwhile; try again; nothing is changed"});
+    EXPECT_EQ(kMapping, File());
+    EXPECT_TRUE(LeftOver().empty());
+}
+
+TEST_F(MapTest, WhatCanNotBeReadIsSaidAndNeverChanged) {
+    StartSuite();
+    test.folder.Write(kPath, kMapping);
+    const std::string list =
+        "J_vars06.d:" + std::to_string(std::count(kVariables, kVariables + 60, '\n') + 1) + ": reading it fails (broken disk)";
+    for (const char* command : {"map", "map suggest", "map add BSP 1", "map remove HDG", "explain", "check"}) {
+        files.readable = 60;
+        ExpectIn(Said(command, 1), {list.c_str()});
+    }
+    EXPECT_EQ(kMapping, File());
+    files.readable = std::string::npos;
+    // What is no file stands for one that this user may not read, which an administrator always may.
+    std::filesystem::remove(test.folder.File(kPath));
+    std::filesystem::create_directory(test.folder.File(kPath));
+    for (const char* command : {"map", "map suggest", "map add BSP 1", "map remove HDG", "explain", "check"})
+        ExpectIn(Said(command, 1), {"halyrig.xml", "reading it fails (it is not a plain file"});
 }
 
 TEST_F(MapTest, EveryHelpEndsWithAnExampleThatIsUnderstood) {

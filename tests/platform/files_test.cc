@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 
+#include "base/wide_text.h"
 #include "platform/paths.h"
 #include "support/test_system.h"
 
@@ -58,6 +60,34 @@ TEST_F(FilesTest, ANewFileGrowsWhileItIsReadAndNeverReplacesAnother) {
     EXPECT_EQ("a\n" + std::string(90000, 'b') + "c", test_.folder.Read("n\xC3\xA4"));
     for (const auto& taken : {path, test_.folder.Text(), test_.folder.File("missing/file"), std::u16string()})
         EXPECT_EQ(nullptr, files_.Create(taken)) << ::testing::PrintToString(taken);
+}
+
+TEST_F(FilesTest, ANewFileBesideAnotherHasANameOfItsOwn) {
+    const std::u16string path = test_.folder.Write("a.xml", "old"), link = test_.folder.File("link");
+    const auto first = files_.WriteBeside(path, "1", path), second = files_.WriteBeside(path, "2", path);
+    EXPECT_NE(first, second);
+    for (const auto& [file, bytes] : {std::pair(first, "1"), std::pair(second, "2")}) {
+        EXPECT_TRUE(file.starts_with(path + u'.') && file.ends_with(u".new") && file.size() == path.size() + 11);
+        EXPECT_EQ(bytes, testing::BytesOf(file));
+    }
+    EXPECT_EQ(u"", files_.WriteBeside(test_.folder.File("missing/a"), "1", path));
+    std::error_code none;
+    std::filesystem::create_symlink(std::filesystem::path(path), std::filesystem::path(link), none);
+    if (!none) {
+        EXPECT_TRUE(files_.Target(link).ends_with(path)) << ToUtf8(files_.Target(link));
+    }
+    EXPECT_EQ(path, files_.Target(path));
+    EXPECT_EQ(test_.folder.File("none"), files_.Target(test_.folder.File("none")));
+}
+
+TEST_F(FilesTest, ALockIsForOneAtATime) {
+    const std::u16string path = test_.folder.File("a.xml");
+    auto lock = files_.Lock(path);
+    ASSERT_NE(nullptr, lock);
+    EXPECT_EQ(nullptr, files_.Lock(path));
+    lock.reset();
+    EXPECT_NE(nullptr, files_.Lock(path));
+    EXPECT_TRUE(std::filesystem::is_empty(test_.folder.Path())) << "litter";
 }
 
 TEST_F(FilesTest, NoFolderAndNothingThatIsMissingIsAFile) {

@@ -164,10 +164,11 @@ TEST_F(XmlTest, WritesValuesThatReadBackTheSameAndRefusesWhatWouldBeNoXml) {
 }
 
 TEST_F(XmlTest, NeitherReadsNorWritesWhereNoFileCanBe) {
-    for (const auto& path : {test_.folder.Text(), test_.folder.File("missing/file.xml")}) {
-        EXPECT_EQ(nullptr, xml_.OpenReader(path));
-        EXPECT_EQ(nullptr, xml_.OpenWriter(path));
-    }
+    EXPECT_EQ(nullptr, xml_.OpenReader(test_.folder.File("missing/file.xml")));
+    const auto folder = xml_.OpenReader(test_.folder.Text());
+    XmlElement element;
+    EXPECT_TRUE(folder && !folder->Next(element) && folder->Fault()->flaw == Flaw::kReadFailed);
+    for (const auto& path : {test_.folder.Text(), test_.folder.File("missing/file.xml")}) EXPECT_EQ(nullptr, xml_.OpenWriter(path));
 }
 
 }  // namespace

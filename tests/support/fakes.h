@@ -117,6 +117,9 @@ public:
     bool Append(std::u16string_view path, std::string_view bytes) override;
     std::unique_ptr<FileWriter> Create(std::u16string_view path) override;
     bool Copy(std::u16string_view from, std::u16string_view to) override;
+    std::u16string Target(std::u16string_view path) const override { return std::u16string(path); }
+    std::unique_ptr<FileLock> Lock(std::u16string_view) override { return std::make_unique<FileLock>(); }
+    std::u16string WriteBeside(std::u16string_view, std::string_view, std::u16string_view) override { return {}; }
     bool Rename(std::u16string_view, std::u16string_view) override { return false; }
     void Remove(std::u16string_view path) override {
         removed.emplace_back(path);

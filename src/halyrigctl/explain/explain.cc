@@ -9,6 +9,7 @@
 #include "halyrigctl/commands.h"
 #include "halyrigctl/explain/source_links.h"
 #include "halyrigctl/explain/value_chain.h"
+#include "halyrigctl/finding_words.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/json.h"
 
@@ -125,7 +126,9 @@ Status Explain(System& system, const ExplainOptions& options) {
         AddRemoteLinks(all.back().links, guest.Core(), channel, boat, circumstances);
     }
     const std::string mapping = Harmless(circumstances.TheMapping().path);
+    const std::vector<Finding> passedOver = circumstances.PassedOver();
     guest.Leave();
+    const bool unread = ComplainOfUnread(console, passedOver);
     if (all.empty()) {
         Complain(console, "no line of the mapping (" + mapping + ") can be used; 'halyrigctl check' says why");
         return kFailed;
@@ -139,7 +142,7 @@ Status Explain(System& system, const ExplainOptions& options) {
         for (const Explained& one : all) text += (text.empty() ? "" : "\n") + AsText(one);
     }
     const Status printed = Print(console, text);
-    return std::ranges::any_of(all, [](const Explained& one) { return bool(one.links.Fault()); }) ? kFailed : printed;
+    return unread || std::ranges::any_of(all, [](const Explained& one) { return bool(one.links.Fault()); }) ? kFailed : printed;
 }
 
 }  // namespace twr

@@ -111,6 +111,8 @@ Status ListMap(System& system, bool json) {
     guest.Leave();
     Console& console = system.GetConsole();
     if (const Status status = Print(console, json ? AsJson(map) : AsText(map)); status != kDone) return status;
+    const bool listUnread = ComplainOfUnread(console, map.inForce.ofList.found);
+    if (ComplainOfUnread(console, map.faults.found) || listUnread) return kFailed;
     if (map.inForce.variables.rows.empty()) Complain(console, NoVariables(map.inForce));
     if (!system.Core().files.Exists(map.inForce.path))
         Complain(console, "there is no mapping yet; 'halyrigctl map suggest' proposes one");

@@ -3,6 +3,7 @@
 #include "base/wide_text.h"
 #include "core/channel_catalogue.h"
 #include "halyrigctl/channel_names.h"
+#include "halyrigctl/finding_words.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/nearest_name.h"
 #include "mapping/mapping_text.h"
@@ -55,8 +56,23 @@ Status MapChange::OpenFor(const std::string& channel) {
 
 Status MapChange::ReadFile() {
     if (inForce_.path.empty()) return Refuse("the data folder is unknown; start " HALYRIG_PROGRAM " once, which makes it");
+    if (ComplainOfUnread(system_.GetConsole(), inForce_.ofList.found)) return kFailed;
+    services_.files.MakeFolder(inForce_.dataFolder);
+    services_.files.MakeFolder(InstrumentsFolder(inForce_));
+    if (!TakeLock())
+        return Refuse("another halyrigctl is changing " + Harmless(inForce_.path) + "; try again when it has ended, or end it");
     ReadMapFile(services_, inForce_, file_);
     return file_.fault.empty() ? kDone : Refuse(Harmless(inForce_.path) + " can't be changed by command: " + file_.fault);
+}
+
+// False if another process keeps it, or the user has asked to stop.
+bool MapChange::TakeLock() {
+    constexpr int kStepMs = 50, kLongestWaitMs = 5000;
+    for (int waited = 0; waited <= kLongestWaitMs; waited += kStepMs) {
+        lock_ = services_.files.Lock(inForce_.path);
+        if (lock_ || !system_.GetConsole().Wait(kStepMs)) break;
+    }
+    return lock_ != nullptr;
 }
 
 bool MapChange::HasPlace(BoatSlot boat) const {
@@ -95,7 +111,8 @@ Status MapChange::Remove(const std::function<bool(const XmlElement&)>& goes, con
 }
 
 Status MapChange::Write(const std::string& text, const Mapping& intended, const std::string& done) {
-    if (const std::string failure = ReplaceMapFile(services_, inForce_, text, intended); !failure.empty()) return Refuse(failure);
+    if (const std::string failure = ReplaceMapFile(services_, inForce_, file_, text, intended); !failure.empty())
+        return Refuse(failure);
     return Print(system_.GetConsole(), done + ".\n" + HowItIsRead(inForce_.bridgeRuns));
 }
 

@@ -1,6 +1,7 @@
 // One change of the user's mapping file by command: what it needs to know, and how it ends.
 #pragma once
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "halyrigctl/map/map_file.h"
@@ -41,10 +42,12 @@ private:
     Status Add(const Mapping& intended, std::string_view kind, const std::string& element, const std::string& done);
     Status Write(const std::string& text, const Mapping& intended, const std::string& done);
     Status ReadFile();
+    bool TakeLock();
 
     System& system_;
     const CoreServices services_;
     MappingInForce inForce_;
+    std::unique_ptr<FileLock> lock_;  // from before the file is read until it is replaced
     MapFile file_;
     ChannelId channel_ = kNoChannel;
     std::string shown_;  // number and name of the channel

@@ -1,6 +1,7 @@
 #include "halyrigctl/map/map_file.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "base/wide_text.h"
 #include "halyrigctl/finding_words.h"
@@ -13,19 +14,14 @@ namespace {
 
 constexpr const char* kSaveAsUtf8 = "open it in an editor and save it as UTF-8";
 
-std::string Contents(Files& files, std::u16string_view path) {
+// What is there, empty if there is no such file; nullopt if that can't be read.
+std::optional<std::string> Contents(Files& files, std::u16string_view path) {
     std::string bytes;
     char chunk[16384];
     const auto source = files.Open(path);
-    while (const std::size_t got = source && bytes.size() <= kLargestFile ? source->Read(chunk, sizeof chunk) : 0)
-        bytes.append(chunk, got);
-    return bytes;
-}
-
-// On the disk before it takes another's place: a power cut leaves the old or the new one.
-bool WriteWhole(Files& files, std::u16string_view path, std::string_view text) {
-    const auto writer = files.Create(path);
-    return writer && writer->Write(text) && writer->Flush();
+    if (!source) return files.Exists(path) ? std::nullopt : std::optional(bytes);
+    while (const std::size_t got = bytes.size() <= kLargestFile ? source->Read(chunk, sizeof chunk) : 0) bytes.append(chunk, got);
+    return source->Failure().empty() ? std::optional(bytes) : std::nullopt;
 }
 
 // Its declaration names UTF-8, or no encoding, or it begins with the mark.
@@ -50,12 +46,12 @@ std::string EncodingFault(std::string_view text) {
 
 std::string ReadElements(Xml& xml, std::u16string_view path, std::vector<XmlElement>& elements) {
     const auto reader = xml.OpenReader(path);
-    if (!reader) return "it can't be read";
+    if (!reader) return "it has been removed meanwhile; try again";
     for (XmlElement element; reader->Next(element);) elements.push_back(element);
     const auto fault = reader->Fault();
     if (!fault) return {};
-    return "line " + std::to_string(fault->line) + ", column " + std::to_string(fault->column) + ": " +
-           Words({{}, fault->line, fault->column, Flaw::kNotWellFormed, fault->text, {}});
+    const std::string place = "line " + std::to_string(fault->line) + ", column " + std::to_string(fault->column) + ": ";
+    return (fault->line > 0 ? place : "") + Words({{}, fault->line, fault->column, fault->flaw, fault->text, {}});
 }
 
 bool Agree(const std::vector<ElementSpan>& spans, const std::vector<XmlElement>& elements) {
@@ -65,13 +61,23 @@ bool Agree(const std::vector<ElementSpan>& spans, const std::vector<XmlElement>&
 }
 
 std::string FaultOf(const CoreServices& services, std::u16string_view path, MapFile& file) {
-    if (file.text.empty()) return services.files.Exists(path) ? "it is empty or can't be read; remove it" : "";
+    const auto text = Contents(services.files, path);
+    if (text && text->empty()) return services.files.Exists(path) ? "it is empty; remove it" : "";
+    if (text) file.text = *text;
     if (std::string fault = EncodingFault(file.text); !fault.empty()) return fault;
     if (std::string fault = ReadElements(services.xml, path, file.elements); !fault.empty()) return fault;
+    if (!text) return "it can't be read; see whether the disk is sound and this user may read it";
     auto spans = FindElements(file.text);
     if (!spans || !Agree(*spans, file.elements)) return "its elements are not where they seem to be; change it in an editor";
     file.spans = std::move(*spans);
     return {};
+}
+
+// Of processes that were killed: only who has the lock writes beside the mapping.
+void RemoveLeftOvers(Files& files, std::u16string_view path) {
+    const std::size_t name = path.rfind(kPathSeparator) + 1;
+    for (const std::u16string& file : files.List(path.substr(0, name), std::u16string(path.substr(name)) + u".??????.new"))
+        files.Remove(file);
 }
 
 bool IsSameVar(const MappingVar& left, const MappingVar& right) {
@@ -90,18 +96,16 @@ bool IsSame(const Mapping& left, const Mapping& right) {
 }  // namespace
 
 void ReadMapFile(const CoreServices& services, const MappingInForce& inForce, MapFile& file) {
-    file.text = Contents(services.files, inForce.path);
     file.fault = FaultOf(services, inForce.path, file);
     file.rows = LoadMapping(services.xml, inForce.path, inForce.variables.rows);
 }
 
 std::string NewMapText(const CoreServices& services, const MappingInForce& inForce, const Mapping& only) {
-    const std::u16string fresh = inForce.path + u".new";
-    services.files.MakeFolder(inForce.dataFolder);
-    services.files.MakeFolder(InstrumentsFolder(inForce));
-    services.files.Remove(fresh);
-    std::string text = SaveMapping(services.files, services.xml, fresh, only) ? Contents(services.files, fresh) : "";
-    services.files.Remove(fresh);
+    Files& files = services.files;
+    const std::u16string draft = files.WriteBeside(files.Target(inForce.path), {}, inForce.path);
+    const bool saved = !draft.empty() && SaveMapping(files, services.xml, draft, only);
+    std::string text = saved ? Contents(files, draft).value_or("") : "";
+    if (!draft.empty()) files.Remove(draft);
     // The bridge writes the variable's number.
     const auto spans = FindElements(text);
     if (only.varRows.empty() || !spans || spans->size() != 2) return text;
@@ -109,25 +113,31 @@ std::string NewMapText(const CoreServices& services, const MappingInForce& inFor
     return text.replace(var.begin, var.end - var.begin, VarText(only.varRows.front(), inForce.variables.rows));
 }
 
-std::string ReplaceMapFile(const CoreServices& services, const MappingInForce& inForce, const std::string& text,
-                           const Mapping& intended) {
+std::string ReplaceMapFile(const CoreServices& services, const MappingInForce& inForce, const MapFile& former,
+                           const std::string& text, const Mapping& intended) {
     Files& files = services.files;
-    const std::u16string& path = inForce.path;
-    const std::u16string fresh = path + u".new", kept = path + u".bak", keeping = path + u".bak.new";
+    const std::u16string &path = inForce.path, kept = path + u".bak", target = files.Target(path);
+    for (const std::u16string& file : {target, kept}) RemoveLeftOvers(files, file);
+    std::u16string fresh, keeping;
     const auto failed = [&](const std::string& what) {
-        files.Remove(fresh);
-        files.Remove(keeping);
+        for (const std::u16string& file : {fresh, keeping}) {
+            if (!file.empty()) files.Remove(file);
+        }
         return what + "; nothing is changed";
     };
-    files.Remove(fresh);
-    if (text.empty() || !WriteWhole(files, fresh, text))
-        return failed("can't write " + Harmless(fresh) + ": the disk may be full, or the folder can't be written");
+    if (!text.empty()) fresh = files.WriteBeside(target, text, target);
+    if (fresh.empty())
+        return failed("can't write a new file beside " + Harmless(target) +
+                      ": the disk may be full, or this user may not write there, or not what is there");
     if (!IsSame(LoadMapping(services.xml, fresh, inForce.variables.rows), intended))
         return failed("the changed file would not be read as intended; change it in an editor");
-    // Copied and renamed, so that the former file stays in its place until the new one takes it.
-    if (files.Exists(path) && (!files.Copy(path, keeping) || !files.Rename(keeping, kept)))
+    // Written and renamed, so that the former file stays in its place until the new one takes it.
+    if (!former.text.empty()) keeping = files.WriteBeside(kept, former.text, target);
+    if (!former.text.empty() && (keeping.empty() || !files.Rename(keeping, kept)))
         return failed("can't keep the former file as " + Harmless(kept) + ": the disk may be full, or another program has it open");
-    if (!files.Rename(fresh, path)) return failed("can't replace " + Harmless(path) + ": another program may have it open");
+    if (Contents(files, path) != former.text)
+        return failed("another program, an editor or the bridge, has changed " + Harmless(path) + " meanwhile; try again");
+    if (!files.Rename(fresh, target)) return failed("can't replace " + Harmless(target) + ": another program may have it open");
     return {};
 }
 

@@ -8,6 +8,7 @@
 #include "core/instrument_channels.h"
 #include "halyrigctl/channel_names.h"
 #include "halyrigctl/commands.h"
+#include "halyrigctl/finding_words.h"
 #include "halyrigctl/guest.h"
 #include "halyrigctl/map/map_match.h"
 #include "halyrigctl/map/mapping_in_force.h"
@@ -77,11 +78,14 @@ Status SuggestMap(System& system) {
     const MappingInForce inForce = FindMappingInForce(services, guest.Core());
     guest.Leave();
     const std::vector<MappingVar>& variables = inForce.variables.rows;
+    if (ComplainOfUnread(system.GetConsole(), inForce.ofList.found)) return kFailed;
     if (variables.empty()) {
         Complain(system.GetConsole(), NoVariables(inForce));
         return kFailed;
     }
-    Mapping mapping = LoadMapping(services.xml, inForce.path, variables);
+    CollectedFindings faults;
+    Mapping mapping = LoadMapping(services.xml, inForce.path, variables, &faults);
+    if (ComplainOfUnread(system.GetConsole(), faults.found)) return kFailed;
     const std::vector<MappingVar> mapped = mapping.varRows;
     Suggestions suggestions;
     for (const MappingVar& variable : variables) {

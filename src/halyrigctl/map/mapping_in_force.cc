@@ -27,7 +27,7 @@ MappingInForce FindMappingInForce(const CoreServices& services, const CCore& cor
     const Settings settings = bridge ? bridge->settings : ReadSettings(services.registry);
     inForce.dfwFolder = Trimmed(std::u16string_view(settings.dfwFolder));
     // Deckman's list is not copied if it is locked: only the bridge may write to the data folder.
-    inForce.variables = FindVariableFile(services.files, inForce.dfwFolder, {});
+    inForce.variables = FindVariableFile(services.files, inForce.dfwFolder, {}, &inForce.ofList);
     inForce.dataFolder = DataFolder(services, core);
     if (!inForce.dataFolder.empty()) inForce.path = JoinPath(InstrumentsFolder(inForce), u"halyrig.xml");
     return inForce;

@@ -12,6 +12,7 @@ struct MappingInForce {
     bool bridgeRuns = false;
     std::u16string dfwFolder;
     DeckmanCatalogue variables;  // without rows if that folder has none
+    CollectedFindings ofList;    // what was passed over on the way to them
     std::u16string dataFolder;   // empty if it is unknown; it may not exist yet
     std::u16string path;         // of the mapping file; empty if the data folder is unknown
 };

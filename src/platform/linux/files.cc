@@ -2,12 +2,16 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
@@ -55,12 +59,45 @@ private:
     const Descriptor file_;
 };
 
-// The name of a new file outlives a power cut only once its folder is on the disk too.
-void FlushFolderOf(const std::string& path) {
+Descriptor OpenFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (opened) fsync(opened.Get());
+    return Descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+// The name of a new file outlives a power cut only once its folder is on the disk too.
+void FlushFolderOf(const std::string& path) {
+    const Descriptor folder = OpenFolderOf(path);
+    if (folder) fsync(folder.Get());
+}
+
+// On the folder of the file: so there is no file to be left over, or to be removed while another process takes its lock.
+class FolderLock final : public FileLock {
+public:
+    explicit FolderLock(const std::string& path) : folder_(OpenFolderOf(path)) {
+        held_ = folder_ && flock(folder_.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    }
+    bool HeldByAnother() const { return held_; }
+
+private:
+    const Descriptor folder_;
+    bool held_ = false;
+};
+
+constexpr std::string_view kNew = ".new";
+
+// False if they can't be kept: others could read the file then, or its owner no longer write it.
+bool TakeRights(const Descriptor& file, const std::string& like) {
+    struct stat old {};
+    struct stat own {};
+    if (stat(like.c_str(), &old) != 0) {
+        const mode_t mask = umask(0);
+        umask(mask);
+        return errno == ENOENT && fchmod(file.Get(), 0666 & ~mask) == 0;
+    }
+    if (access(like.c_str(), W_OK) != 0 || fstat(file.Get(), &own) != 0) return false;
+    const bool same = old.st_uid == own.st_uid && old.st_gid == own.st_gid;
+    return (same || fchown(file.Get(), old.st_uid, old.st_gid) == 0) && fchmod(file.Get(), old.st_mode & 07777) == 0;
 }
 
 // Whether a name matches a pattern of "*" and "?". fnmatch has more special characters, and its "?" matches one byte only.
@@ -140,7 +177,36 @@ public:
     }
 
     bool Rename(std::u16string_view from, std::u16string_view to) override {
-        return rename(NativePath(from).c_str(), NativePath(to).c_str()) == 0;
+        if (rename(NativePath(from).c_str(), NativePath(to).c_str()) != 0) return false;
+        FlushFolderOf(NativePath(to));
+        return true;
+    }
+
+    std::u16string Target(std::u16string_view path) const override {
+        constexpr int kMostLinks = 40;  // as the system follows them
+        std::filesystem::path target = NativePath(path);
+        std::error_code none;
+        for (int i = 0; i < kMostLinks; ++i) {
+            const std::filesystem::path next = std::filesystem::read_symlink(target, none);
+            if (none) break;
+            target = target.parent_path() / next;
+        }
+        return FromUtf8(target.native());
+    }
+
+    std::unique_ptr<FileLock> Lock(std::u16string_view path) override {
+        auto lock = std::make_unique<FolderLock>(NativePath(Target(path)));
+        return lock->HeldByAnother() ? nullptr : std::move(lock);
+    }
+
+    std::u16string WriteBeside(std::u16string_view path, std::string_view bytes, std::u16string_view like) override {
+        std::string name = NativePath(path).append(".XXXXXX").append(kNew);
+        Descriptor file(mkostemps(name.data(), kNew.size(), O_CLOEXEC));
+        if (!file) return {};
+        if (TakeRights(file, NativePath(like)) && WriteAll(file, bytes) && fsync(file.Get()) == 0 && file.Close())
+            return FromUtf8(name);
+        unlink(name.c_str());
+        return {};
     }
 
     void Remove(std::u16string_view path) override { unlink(NativePath(path).c_str()); }

@@ -15,17 +15,7 @@ namespace {
 bool waits = false;
 std::string waiting;
 
-}  // namespace
-
-void IgnoreBrokenPipes() { signal(SIGPIPE, SIG_IGN); }
-
-void ShowOnStandardError(std::u16string_view text, std::u16string_view caption) {
-    IgnoreBrokenPipes();
-    std::fprintf(stderr, "%s: %s\n", ToUtf8(caption).c_str(), ToUtf8(text).c_str());
-}
-
-void TellUser(const std::string& text) {
-    const std::string line = std::string(program_invocation_short_name) + ": " + text + '\n';
+void Tell(const std::string& line) {
     if (waits) {
         if (!waiting.ends_with(line)) waiting += line;
     } else {
@@ -33,6 +23,16 @@ void TellUser(const std::string& text) {
         std::fputs(line.c_str(), stderr);
     }
 }
+
+}  // namespace
+
+void IgnoreBrokenPipes() { signal(SIGPIPE, SIG_IGN); }
+
+void ShowOnStandardError(std::u16string_view text, std::u16string_view caption) {
+    Tell(ToUtf8(caption) + ": " + ToUtf8(text) + '\n');
+}
+
+void TellUser(const std::string& text) { Tell(std::string(program_invocation_short_name) + ": " + text + '\n'); }
 
 ToldLater::ToldLater() { waits = isatty(STDERR_FILENO); }
 

@@ -3,6 +3,9 @@
 #include <io.h>
 #include <wchar.h>
 
+#include <cstddef>
+#include <iterator>
+
 #include "platform/paths.h"
 #include "platform/windows/file_time.h"
 #include "platform/windows/services.h"
@@ -22,6 +25,9 @@ public:
     bool Append(std::u16string_view path, std::string_view bytes) override;
     std::unique_ptr<FileWriter> Create(std::u16string_view path) override;
     bool Copy(std::u16string_view from, std::u16string_view to) override;
+    std::u16string Target(std::u16string_view path) const override;
+    std::unique_ptr<FileLock> Lock(std::u16string_view path) override;
+    std::u16string WriteBeside(std::u16string_view path, std::string_view bytes, std::u16string_view like) override;
     bool Rename(std::u16string_view from, std::u16string_view to) override;
     void Remove(std::u16string_view path) override;
     std::vector<std::u16string> List(std::u16string_view folder, std::u16string_view pattern) const override;
@@ -64,6 +70,29 @@ private:
     const UniqueHandle file_;
 };
 
+// A file that nobody else may open, and that the system removes when it is closed.
+class LockFile final : public FileLock {
+public:
+    explicit LockFile(UniqueHandle file) : file_(std::move(file)) {}
+
+private:
+    const UniqueHandle file_;
+};
+
+// The list of who may do what; of the attributes only those that a user sets.
+bool TakeRights(const std::wstring& file, const std::wstring& like) {
+    const DWORD attributes = GetFileAttributesW(like.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return true;
+    if (attributes & FILE_ATTRIBUTE_READONLY) return false;
+    DWORD size = 0;
+    GetFileSecurityW(like.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::vector<std::byte> rights(size);
+    constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE;
+    return GetFileSecurityW(like.c_str(), DACL_SECURITY_INFORMATION, rights.data(), size, &size) &&
+           SetFileSecurityW(file.c_str(), DACL_SECURITY_INFORMATION, rights.data()) &&
+           ((attributes & kKept) == 0 || SetFileAttributesW(file.c_str(), attributes & kKept));
+}
+
 }  // namespace
 
 bool WindowsFiles::Exists(std::u16string_view path) const { return _waccess(ToWide(path).c_str(), 0) == 0; }
@@ -104,7 +133,46 @@ bool WindowsFiles::Copy(std::u16string_view from, std::u16string_view to) {
 }
 
 bool WindowsFiles::Rename(std::u16string_view from, std::u16string_view to) {
-    return MoveFileExW(ToWide(from).c_str(), ToWide(to).c_str(), MOVEFILE_REPLACE_EXISTING);
+    return MoveFileExW(ToWide(from).c_str(), ToWide(to).c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+}
+
+std::u16string WindowsFiles::Target(std::u16string_view path) const {
+    const std::wstring name = ToWide(path);
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return std::u16string(path);
+    const UniqueHandle file(NullIfInvalid(CreateFileW(name.c_str(), 0, kSharedWithAll, nullptr, OPEN_EXISTING, 0, nullptr)));
+    std::wstring target(32768, L'\0');
+    const DWORD length = GetFinalPathNameByHandleW(file.get(), target.data(), static_cast<DWORD>(target.size()), 0);
+    return length > 0 && length < target.size() ? FromWide(target.substr(0, length)) : std::u16string(path);
+}
+
+std::unique_ptr<FileLock> WindowsFiles::Lock(std::u16string_view path) {
+    const std::wstring name = ToWide(Target(path) + u".lock");
+    UniqueHandle file(NullIfInvalid(CreateFileW(name.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, OPEN_ALWAYS,
+                                                FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr)));
+    const DWORD error = file ? ERROR_SUCCESS : GetLastError();
+    if (error == ERROR_SHARING_VIOLATION) return nullptr;
+    // One that is just being removed, unless it is the folder that can't be written.
+    if (error == ERROR_ACCESS_DENIED && (GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES || GetLastError() == error))
+        return nullptr;
+    return std::make_unique<LockFile>(std::move(file));
+}
+
+std::u16string WindowsFiles::WriteBeside(std::u16string_view path, std::string_view bytes, std::u16string_view like) {
+    std::u16string name;
+    std::unique_ptr<FileWriter> writer;
+    for (DWORD i = 0; i < 100 && !writer; ++i) {
+        wchar_t own[32];
+        swprintf(own, std::size(own), L".%04lx%02lx.new", GetCurrentProcessId() & 0xFFFF, (GetTickCount() + i) & 0xFF);
+        name = std::u16string(path) + FromWide(own);
+        writer = Create(name);
+    }
+    if (!writer) return {};
+    const bool written = writer->Write(bytes) && writer->Flush();
+    writer.reset();
+    if (written && TakeRights(ToWide(name), ToWide(like))) return name;
+    Remove(name);
+    return {};
 }
 
 void WindowsFiles::Remove(std::u16string_view path) { _wremove(ToWide(path).c_str()); }

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "base/wide_text.h"
 #include "platform/linux/signal_queue.h"
+#include "platform/linux/xml/xml_reader.h"
 #include "platform/paths.h"
 #include "support/linux/signals.h"
 #include "support/test_system.h"
@@ -27,8 +29,50 @@ TEST_F(PlainFilesTest, APipeOrDeviceIsNoneAndNeverWaitedFor) {
     for (const auto& path : std::vector<std::u16string>{pipe, u"/dev/null", u"/dev/zero"}) {
         SCOPED_TRACE(ToUtf8(path));
         EXPECT_FALSE(files_.Open(path) || files_.Append(path, "x") || files_.Copy(path, plain) || files_.Copy(plain, path));
-        EXPECT_FALSE(test_.system->Core().xml.OpenReader(path) || test_.system->Core().xml.OpenWriter(path));
+        EXPECT_EQ(nullptr, test_.system->Core().xml.OpenWriter(path));
+        EXPECT_EQ(Flaw::kReadFailed, test_.system->Core().xml.OpenReader(path)->Fault()->flaw);
     }
+}
+
+// The kernel has a plain file whose start can't be read.
+TEST_F(PlainFilesTest, AReadErrorIsNotTheEnd) {
+    constexpr const char16_t* kUnreadable = u"/proc/self/mem";
+    const auto source = files_.Open(kUnreadable);
+    char byte = 0;
+    ASSERT_NE(nullptr, source);
+    EXPECT_EQ("", source->Failure());
+    EXPECT_EQ(0u, source->Read(&byte, 1));
+    EXPECT_EQ("Input/output error", source->Failure());
+    const auto reader = test_.system->Core().xml.OpenReader(kUnreadable);
+    XmlElement element;
+    EXPECT_FALSE(reader->Next(element));
+    EXPECT_TRUE(reader->Fault() && reader->Fault()->flaw == Flaw::kReadFailed && reader->Fault()->text == u"Input/output error");
+    EXPECT_FALSE(files_.Copy(kUnreadable, test_.folder.File("copy")));
+    struct Text : ByteSource {
+        std::size_t Read(char* to, std::size_t room) override { return std::exchange(text, {}).copy(to, room); }
+        std::string Failure() const override { return text.empty() ? "broken disk" : ""; }
+        std::string text = "<a>\n<b/>\n<c";
+    };
+    const auto cut = ReadXml(std::make_unique<Text>());
+    EXPECT_EQ("a() b()", testing::Outline(*cut));
+    EXPECT_TRUE(cut->Fault() && cut->Fault()->line == 3 && cut->Fault()->text == u"broken disk");
+}
+
+TEST_F(PlainFilesTest, AReplacementKeepsOwnerAndRights) {
+    const auto path = test_.folder.Write("a", "x");
+    const std::string native = ToUtf8(path);
+    for (const mode_t mode : {0640u, 0600u, 0666u}) {
+        ASSERT_EQ(0, chmod(native.c_str(), mode));
+        const bool root = geteuid() == 0;
+        ASSERT_TRUE(!root || chown(native.c_str(), 12, 34) == 0);
+        const std::u16string fresh = files_.WriteBeside(path, "y", path);
+        struct stat status {};
+        ASSERT_EQ(0, stat(ToUtf8(fresh).c_str(), &status));
+        EXPECT_EQ(mode, status.st_mode & 07777);
+        EXPECT_TRUE(!root || (status.st_uid == 12 && status.st_gid == 34));
+    }
+    ASSERT_EQ(0, chmod(native.c_str(), 0400));
+    EXPECT_EQ(geteuid() != 0, files_.WriteBeside(path, "y", path).empty()) << "write-protected, which does not bind root";
 }
 
 TEST_F(PlainFilesTest, LinksCountForWhatTheyLeadTo) {

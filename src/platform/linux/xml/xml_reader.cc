@@ -65,15 +65,18 @@ private:
         while (filled < chunk_.size() && (got = source_->Read(chunk_.data() + filled, chunk_.size() - filled)) > 0) filled += got;
         if (!parser_) Begin({chunk_.data(), filled});
         read_ += filled;
-        const bool last = filled < chunk_.size() || read_ == kLargestFile;
+        const std::u16string failure = FromUtf8(source_->Failure());
+        const bool last = (filled < chunk_.size() && failure.empty()) || read_ == kLargestFile;
         const bool sound = parser_ && XML_Parse(parser_, chunk_.data(), static_cast<int>(filled), last) == XML_STATUS_OK;
-        ended_ = !sound || last;
-        if (parser_ && !sound) NoteFault();
+        ended_ = !sound || last || !failure.empty();
+        if (parser_ && ended_ && !(sound && last)) NoteFault(sound ? failure : std::u16string());
     }
 
-    void NoteFault() {
+    void NoteFault(const std::u16string& failure) {
+        const std::size_t line = XML_GetCurrentLineNumber(parser_), column = XML_GetCurrentColumnNumber(parser_) + 1;
+        if (!failure.empty()) return static_cast<void>(fault_ = {line, column, failure, Flaw::kReadFailed});
         const XML_Error error = XML_GetErrorCode(parser_);
-        fault_ = {XML_GetCurrentLineNumber(parser_), XML_GetCurrentColumnNumber(parser_) + 1,
+        fault_ = {line, column,
                   error == XML_ERROR_ABORTED ? u"a document type declaration, or too deep"
                   : read_ == kLargestFile    ? std::u16string(kTooLarge)
                                              : FromUtf8(XML_ErrorString(error))};
@@ -114,8 +117,9 @@ private:
 class XmlFiles final : public Xml {
 public:
     std::unique_ptr<XmlReader> OpenReader(std::u16string_view path) override {
-        auto source = MakeFiles({})->Open(path);
-        return source ? ReadXml(std::move(source)) : nullptr;
+        const auto files = MakeFiles({});
+        auto source = files->Open(path);
+        return source ? ReadXml(std::move(source)) : UnopenedXml(*files, path);
     }
 
     std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view path) override { return OpenXmlWriter(path); }

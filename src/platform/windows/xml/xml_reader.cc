@@ -112,8 +112,9 @@ XmlFault EndOf(std::u16string_view text) {
 // XmlLite knows other encodings than UTF-8 and UTF-16 on some machines only, and Wine's fails in UTF-16 beyond some thousand
 // characters; so it always gets UTF-8. The mark is for Wine's, which otherwise rejects blanks before the first element.
 std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
-    const auto source = MakeFiles({})->Open(path);
-    if (!source) return nullptr;
+    const auto files = MakeFiles({});
+    const auto source = files->Open(path);
+    if (!source) return UnopenedXml(*files, path);
     const std::string bytes = Contents(*source);
     const std::u16string text = DecodeXml(bytes);
     const std::u16string_view sound = WellFormedPrefix(text);
@@ -129,7 +130,12 @@ std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
     reader->SetProperty(XmlReaderProperty_MaxElementDepth, kDeepestElement);  // in place of its 256
     XmlFault end = EndOf(sound);
     if (bytes.size() == kLargestFile) end.text = kTooLarge;
-    return std::make_unique<LiteReader>(std::move(reader), std::move(end), sound.size() == text.size());
+    if (const std::string failure = source->Failure(); !failure.empty()) {
+        end.text = FromUtf8(failure);
+        end.flaw = Flaw::kReadFailed;
+    }
+    const bool whole = sound.size() == text.size() && end.flaw != Flaw::kReadFailed;
+    return std::make_unique<LiteReader>(std::move(reader), std::move(end), whole);
 }
 
 class WindowsXml final : public Xml {
