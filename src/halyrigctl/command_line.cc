@@ -130,7 +130,7 @@ void AddStream(Commands& all) {
         ->type_name("FORMAT");
     AddChannelList(command, options.channels);
     command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
-    command->add_option("--rate", options.rate, "Looks a second: 10 unless given, 1 for nmea")->check(CLI::Range(0.1, 10.0));
+    command->add_option("--rate", options.rate, "Looks a second: 20 unless given, 1 for nmea")->check(CLI::Range(0.1, 10.0));
     command->add_flag("--all", options.all, "Unchanged values once a second too");
     command->add_option("--seconds", options.seconds, "End after this time")->check(CLI::Range(1, 1000000));
     command->add_option("--listen", options.listen, "Serve clients that connect by TCP, in place of standard output")

@@ -30,6 +30,9 @@ public:
 
     // Waits; false as soon as the user has asked the program to stop (Ctrl-C, or its terminal is gone). 0 only checks.
     virtual bool Wait(int milliseconds) = 0;
+
+    // Takes note of that request, so that Wait is true until the next one.
+    virtual void ForgetStop() = 0;
 };
 
 }  // namespace twr

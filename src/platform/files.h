@@ -22,6 +22,9 @@ public:
 
     // Waits until what was written is on the disk, so that it outlives a power cut. False if that failed.
     virtual bool Flush() = 0;
+
+    // Whether its name still leads to it: false once it was removed, renamed or replaced.
+    virtual bool HasItsName() const = 0;
 };
 
 // Keeps other processes from having the same lock while it lives; a killed one has none.

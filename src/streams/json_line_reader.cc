@@ -44,6 +44,7 @@ ReadLine ParseJsonLine(std::string_view line) {
     const Json object = Json::parse(line, nullptr, false);
     if (!object.is_object()) return {{}, "it is no JSON object"};
     if (object.contains("format")) return ReadHeader(object);
+    if (object.contains("gap")) return {};
     const auto time = MomentIn(object);
     if (!time) return {{}, "\"time\" must be a moment such as \"2026-11-25T01:02:03.4Z\""};
     const auto channel = Below(kChannelCount, object, "id");

@@ -19,15 +19,15 @@ void AppendJsonLine(std::string& out, const Change& change, const CCore& core);
 
 struct ReadLine {
     std::optional<Change> change;  // nullopt if the line is none
-    std::string fault = {};        // why, unless it is a header
+    std::string fault = {};        // why, unless it is a header or a gap
 };
 
-// Understands a line, or the header of a recording, which has neither a change nor a fault. Members that it does not know are
-// passed over; "time", "id" and "value" must be there, without "boat" it is the own one.
+// Understands a line, or the header or a gap of a recording, which have neither a change nor a fault. Members that it does not know
+// are passed over; "time", "id" and "value" must be there, without "boat" it is the own one.
 ReadLine ParseJsonLine(std::string_view line);
 
-// The changes of a file of any length, line by line. Empty lines and headers are passed over, and so is a last line that a kill or
-// a power cut has torn.
+// The changes of a file of any length, line by line. Empty lines, headers and gaps are passed over, and so is a last line that a
+// kill or a power cut has torn.
 class JsonLineReader {
 public:
     explicit JsonLineReader(ByteSource& source) : source_(source) {}

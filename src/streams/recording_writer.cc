@@ -17,11 +17,11 @@ constexpr double kFlushAfter = 0.95 / kSecondsPerDay;  // a second, for a look t
 constexpr const char* kUnwritable = "can't be written any more: the disk is full, or has gone.";
 constexpr int kMostFiles = 100000;  // of one name
 
-void AppendHeader(std::string& out, double now) {
-    ((out += R"({"format":")") += kRecordingFormat) += R"(","version":)" + std::to_string(kRecordingVersion);
-    out += R"(,"halyrig":")" HALYRIG_VERSION R"(","units":"internal","start":")";
-    AppendIsoTime(out, now);
-    out += "\"}\n";
+std::string HeaderAt(double now) {
+    std::string header = std::string(R"({"format":")") + kRecordingFormat + R"(","version":)" + std::to_string(kRecordingVersion);
+    header += R"(,"halyrig":")" HALYRIG_VERSION R"(","units":"internal","start":")";
+    AppendIsoTime(header, now);
+    return header += "\"}\n";
 }
 
 // The Time channel, ahead of what changed at that look: publications may bear stamps of their own.
@@ -35,32 +35,50 @@ void AppendMark(std::string& out, double now) {
 
 }  // namespace
 
+void AppendGap(std::string& out, double from, double to) {
+    out += R"({"gap":{"from":")";
+    AppendIsoTime(out, from);
+    out += R"(","to":")";
+    AppendIsoTime(out, to);
+    out += "\"}}\n";
+}
+
 bool RecordingWriter::Put(std::string_view lines, RecordingMoment now) {
     if (!fault_.empty()) return false;
     if (file_ && !lines.empty() && NameAt(options_.name, now.shown) != name_ && !Close()) return false;
-    if (!lines.empty()) {
-        if (!file_ && !Open(now)) return false;
-        AppendMark(pending_, now.utc);
-        pending_ += lines;
-    }
+    now_ = now;
+    if (lines.empty()) return true;
+    if (!file_ && !Open()) return false;
+    AppendMark(pending_, now.utc);
+    pending_ += lines;
+    return true;
+}
+
+bool RecordingWriter::Keep() {
+    if (!fault_.empty()) return false;
     // A clock that was set back must not stop the writing.
-    if (!file_ || std::fabs(now.utc - flushed_) < kFlushAfter) return true;
-    if (!Flush(now.utc)) return false;
+    if (!file_ || std::fabs(now_.utc - flushed_) < kFlushAfter) return true;
+    if (!FindAgain() || !Flush()) return false;
     return options_.maxSize == 0 || size_ < options_.maxSize || Close();
 }
 
-bool RecordingWriter::Begin(RecordingMoment now) { return file_ || (Open(now) && Flush(now.utc)); }
+bool RecordingWriter::Begin(RecordingMoment now) {
+    now_ = now;
+    return file_ || (Open() && Flush());
+}
 
 bool RecordingWriter::Close() {
-    if (file_ && Flush(flushed_) && packer_ && !(Write(packer_->Finish()) && file_->Flush())) Fail(kUnwritable);
+    const bool open = fault_.empty() && file_ && (pending_.empty() || FindAgain());
+    if (open && Flush() && packer_ && !(Write(packer_->Finish()) && file_->Flush())) Fail(kUnwritable);
     file_.reset();
     packer_.reset();
     return fault_.empty();
 }
 
 // Never a file that exists: who looks for a recording finds what was written then. Files of the same name are numbered.
-bool RecordingWriter::Open(RecordingMoment now) {
-    std::u16string name = NameAt(options_.name, now.shown);
+bool RecordingWriter::Open() {
+    if (givenUp_) return Fail(kUnwritable);
+    std::u16string name = NameAt(options_.name, now_.shown);
     if (name != name_) number_ = 0;
     name_ = std::move(name);
     while (!file_ && number_ < kMostFiles) {
@@ -70,18 +88,32 @@ bool RecordingWriter::Open(RecordingMoment now) {
     }
     if (!file_) return Fail("can't be made: its folder is missing or may not be written, or the disk is full.");
     if (options_.gzip) packer_.emplace();
+    lost_.clear();
+    ++begun_;
     size_ = 0;
-    flushed_ = now.utc;
-    AppendHeader(pending_, now.utc);
+    flushed_ = now_.utc;
+    pending_.insert(0, HeaderAt(now_.utc));
     return true;
 }
 
-bool RecordingWriter::Flush(double now) {
-    flushed_ = now;
-    if (pending_.empty()) return true;
-    const bool written = Write(packer_ ? packer_->Pack(pending_) : pending_) && file_->Flush();
+// What was not written yet to a file that is not found any more goes to the next one.
+bool RecordingWriter::FindAgain() {
+    if (file_->HasItsName()) return true;
+    const std::u16string lost = path_;
+    file_.reset();
+    packer_.reset();
+    if (!Open()) return false;
+    lost_ = lost;
+    return true;
+}
+
+bool RecordingWriter::Flush() {
+    flushed_ = now_.utc;
+    const bool written = pending_.empty() || (Write(packer_ ? packer_->Pack(pending_) : pending_) && file_->Flush());
     pending_.clear();
-    return written || Fail(kUnwritable);
+    if (!written) return Fail(kUnwritable);
+    kept_ = flushed_;
+    return true;
 }
 
 bool RecordingWriter::Write(std::string_view bytes) {

@@ -1,5 +1,6 @@
 // Writes a recording: lines of JSON behind a header, file after file. docs/streams.md describes it.
 #pragma once
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -23,13 +24,20 @@ struct RecordingMoment {
     double shown;  // in the zone in which times of day are shown
 };
 
+// Appends the line that tells that what was published between two moments, in days of UTC, is not in the recording.
+void AppendGap(std::string& out, double from, double to);
+
 class RecordingWriter {
 public:
     RecordingWriter(Files& files, const RecordingOptions& options) : files_(files), options_(options) {}
 
-    // Takes the lines of a look, none if nothing has changed, and writes all it has to the disk once a second. False if that
-    // fails, which ends the recording; Fault() says why. To be called several times a second.
+    // Takes the lines of a look, none if nothing has changed. False if a file can't be made or written, which ends the recording;
+    // Fault() says why.
     bool Put(std::string_view lines, RecordingMoment now);
+
+    // Writes all it has to the disk if that was done last a second ago. If the file is not found under its name any more, it goes
+    // to a new one. False as above. To be called several times a second.
+    bool Keep();
 
     // Makes the file, even if there is nothing to write yet. False if it can't be made.
     bool Begin(RecordingMoment now);
@@ -37,12 +45,19 @@ public:
     // Writes what is left, and ends the file.
     bool Close();
 
+    // From another thread: no file is looked for or begun from now on.
+    void GiveUp() { givenUp_ = true; }
+
     const std::string& Fault() const { return fault_; }   // what is wrong and what to do, in UTF-8; empty while nothing is
     const std::u16string& Path() const { return path_; }  // of the file written last
+    const std::u16string& Lost() const { return lost_; }  // of the one before if that was not found under its name any more
+    int Begun() const { return begun_; }                  // files
+    double Kept() const { return kept_; }                 // what was put up to then is on the disk; days, UTC
 
 private:
-    bool Open(RecordingMoment now);
-    bool Flush(double now);
+    bool Open();
+    bool FindAgain();
+    bool Flush();
     bool Write(std::string_view bytes);
     bool Fail(const std::string& what);
 
@@ -51,11 +66,15 @@ private:
     std::unique_ptr<FileWriter> file_;
     std::optional<GzipPacker> packer_;
     std::u16string name_;  // of the first file at this time
-    std::u16string path_;
+    std::u16string path_, lost_;
     int number_ = 0;       // of the file, among those of that name
     std::string pending_;  // lines that are not written yet
     std::uint64_t size_ = 0;
-    double flushed_ = 0.0;  // days, UTC
+    int begun_ = 0;
+    RecordingMoment now_{};  // of what was put last
+    double flushed_ = 0.0;   // days, UTC
+    double kept_ = 0.0;      // the same, of the last time that succeeded
+    std::atomic<bool> givenUp_ = false;
     std::string fault_;
 };
 

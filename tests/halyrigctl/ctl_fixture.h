@@ -53,8 +53,9 @@ public:
     bool Wait(int milliseconds) override {
         waited += milliseconds;
         EXPECT_LE(milliseconds, 100) << "the suite may ask to close at any time";
-        return goOn();
+        return forgets ? stillGoesOn() : goOn();
     }
+    void ForgetStop() override { forgets = true; }
 
     std::optional<ConsoleSize> size;
     std::u32string keys;                // typed at the screen, one for each wait
@@ -66,6 +67,8 @@ public:
     int writes = 0;
     int waited = 0;  // milliseconds
     std::function<bool()> goOn = [] { return false; };
+    bool forgets = false;  // the request to stop; the next one is that of stillGoesOn
+    std::function<bool()> stillGoesOn = [] { return true; };
     std::function<void()> beforeError;
 
 private:
@@ -113,6 +116,7 @@ protected:
     std::string Said(const std::string& command, int status = 0) {
         std::istringstream words(command);
         console.written.clear();
+        console.forgets = false;
         EXPECT_EQ(status, RunCommandLine(*this, {std::istream_iterator<std::string>(words), {}})) << command;
         return console.written;
     }

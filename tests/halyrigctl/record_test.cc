@@ -1,4 +1,6 @@
 #include <cmath>
+#include <future>
+#include <thread>
 
 #include "ctl_fixture.h"
 #include "halyrigctl/stream/replayer.h"
@@ -19,12 +21,12 @@ protected:
     }
     CoreServices Core() override {
         const CoreServices real = test.system->Core();
-        return {clock, real.zone, real.memory, real.registry, real.files, real.xml, real.desktop};
+        return {clock, real.zone, real.memory, real.registry, disk ? *disk : real.files, real.xml, real.desktop};
     }
     bool Step() {
-        // A look comes a little late, so that no age limit falls onto one.
-        const int waited = console.waited - seen;
-        clock.AdvanceMs(waited + waited / 50);
+        // A look comes a little late, and never as late as another, so that no age limit falls onto one.
+        clock.AdvanceMs(console.waited - seen + late);
+        clock.ticks += 70;
         seen = console.waited;
         return each();
     }
@@ -37,10 +39,13 @@ protected:
             meanwhile(look++);
             return clock.Days() < end;
         };
-        return Said("record " + arguments);
+        const std::string said = Said("record " + arguments);
+        each = [] { return false; };
+        return said;
     }
-    std::vector<Recorded> Read(const char* name) {
-        RecordingReader reader(std::make_unique<UnpackingSource>(Core().files.Open(test.folder.File(name))));
+    std::vector<Recorded> Read(const char* name) { return Read(test.folder.File(name)); }
+    std::vector<Recorded> Read(const std::u16string& path) {
+        RecordingReader reader(std::make_unique<UnpackingSource>(Core().files.Open(path)));
         std::vector<Recorded> all;
         while (const auto next = reader.Next()) all.push_back(*next);
         EXPECT_EQ("", reader.Fault());
@@ -52,8 +57,12 @@ protected:
         return suite->GetChannel(channel, value, 0, false, true, false) ? value : kNoValue;
     }
 
+    bool HasSaid(const char* part) const { return console.written.find(part) != std::string::npos; }
+
     FakeClock clock;
-    int seen = 0;  // milliseconds that were waited
+    FakeFiles* disk = nullptr;  // in place of the machine's
+    int seen = 0;               // milliseconds that were waited
+    int late = 0;               // milliseconds by which the program comes back from each wait
     std::function<bool()> each = [] { return false; };
 };
 
@@ -93,7 +102,7 @@ TEST_F(RecordTest, WhatIsReplayedIsRecordedTheSame) {
     // Half a look apart, so that none tells two at once.
     const std::string said = Record(File("ashore") + " --boat 0", 32, [&](int look) {
         if (look == 0) start = clock.Days();
-        replayer.PlayTo((clock.Days() - start) * 86400 + 0.05);
+        replayer.PlayTo((clock.Days() - start) * 86400 + 0.025);
     });
     const auto second = Read("ashore");
     ASSERT_EQ(first.size(), second.size()) << said;
@@ -118,6 +127,88 @@ TEST_F(RecordTest, RecordOutlivesRecordsAndNeverOverwrites) {
     EXPECT_EQ(1, std::ranges::count_if(all, [](const Recorded& one) { return one.change.value == kNoValue; }));
     ExpectIn(Said("record " + File("missing/log"), 1), {"missing", "can't be made"});
     ExpectIn(Said("record " + File("%q"), 2), {"FILE has %q", "%Y"});
+}
+
+// The bridge publishes ten times a second, whatever a look takes.
+TEST_F(RecordTest, LooksOnABeatThatSeesEachTickOfTheBridge) {
+    StartSuite();
+    late = 30;
+    int ticks = 0;
+    const double start = clock.Days();
+    Record(File("beat") + " --channels BSP", 60, [&](int) {
+        if ((clock.Days() - start) * 864000 > ticks) Publish(kBsp, ++ticks % 30);
+    });
+    EXPECT_NEAR(600, ticks, 1);
+    EXPECT_NEAR(ticks, static_cast<int>(Read("beat").size()), 1) << "the last may come after the last look";
+}
+
+struct HangingDisk : FakeFiles {
+    HangingDisk() {
+        onFlush = [this, works = works.get_future().share()] {
+            if (flushes == 1) hangs.set_value();
+            return works.get();
+        };
+    }
+    std::promise<void> hangs;
+    std::promise<bool> works;  // again, from then on
+};
+
+TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
+    HangingDisk hanging;
+    disk = &hanging;
+    StartSuite();
+    Publish(kMkLat, 50.0);
+    int full = 0;
+    Record("/log --boat 0", 1e6, [&](int look) {
+        if (full == 0 && HasSaid("is lost until it does")) {
+            full = look;
+            suite->SetChannel(kMkLat, 0, kNoValue, 0.0);
+            Publish(kMkLon, -1.0);
+        }
+        if (full > 0 && look == full + 20) hanging.works.set_value(true);
+        if (full > 0 && look > full + 20) std::this_thread::yield();
+        suite->StampTime();
+        if (full > 0 && HasSaid("the recording tells so")) return clock.AdvanceMs(2'000'000'000);  // to the end
+        for (ChannelId channel = kAwa; channel < kChannelCount && look % 2 == 0 && full == 0; ++channel) {
+            if (channel != kMkLat && channel != kMkLon) Publish(channel, 1 + look / 1024.0);
+        }
+    });
+    EXPECT_LT(600, full) << "there is room for 30 seconds";
+    const std::string behind = hanging.files.at(0).bytes.substr(hanging.files[0].bytes.find(R"({"gap":{"from":")"));
+    ExpectIn(behind, {R"("name":"Mk Lat","boat":0,"value":null)", R"("name":"Mk Lon","boat":0,"value":-1)"});
+}
+
+TEST_F(RecordTest, EndsThoughTheDiskHangs) {
+    HangingDisk hanging;
+    disk = &hanging;
+    StartSuite();
+    Publish(kBsp, 6.0);
+    console.stillGoesOn = [] { return false; };
+    each = [&] { return console.waited == 0 || (hanging.hangs.get_future().wait(), false); };
+    ExpectIn(Said("record /log", 1), {"/log: the disk takes nothing; what was published after 2026-", " is lost"});
+    hanging.works.set_value(false);  // the thread that was given up ends without the disk
+}
+
+TEST_F(RecordTest, ARecordingThatIsRemovedGoesOnInTheNext) {
+    FakeFiles fake;
+    disk = &fake;
+    StartSuite();
+    Publish(kMkLat, 50.0);
+    fake.onFlush = [&] {
+        if (fake.files.front().bytes.find("Mk Lat") != std::string::npos) fake.Remove(u"/log");
+        return true;
+    };
+    int said = 0;
+    Record("/log", 1e6, [&](int look) {
+        Publish(kBsp, 1 + look % 20);
+        std::this_thread::yield();
+        if (HasSaid("/log was removed, renamed or replaced; the recording goes on in /log-2") && ++said == 4)
+            clock.AdvanceMs(2'000'000'000);
+    });
+    ASSERT_EQ(1u, fake.files.size());
+    EXPECT_EQ(u"/log-2", fake.files.front().path);
+    EXPECT_EQ(1, std::ranges::count_if(Read(std::u16string(u"/log-2")),
+                                       [](const Recorded& one) { return one.change.channel == kMkLat; }));
 }
 
 TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {

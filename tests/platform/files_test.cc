@@ -90,6 +90,21 @@ TEST_F(FilesTest, ALockIsForOneAtATime) {
     EXPECT_TRUE(std::filesystem::is_empty(test_.folder.Path())) << "litter";
 }
 
+// Windows does not let it go meanwhile.
+TEST_F(FilesTest, ANewFileKnowsWhetherItsNameLeadsToIt) {
+    const auto path = test_.folder.File("one"), other = test_.folder.File("other");
+    const auto first = files_.Create(path);
+    EXPECT_TRUE(first->HasItsName());
+    const bool renamed = files_.Rename(path, other);
+    EXPECT_NE(renamed, first->HasItsName());
+    const auto second = files_.Create(path);
+    EXPECT_EQ(renamed, second != nullptr);
+    EXPECT_NE(renamed, first->HasItsName()) << "the name of another";
+    if (!second) return;
+    files_.Remove(path);
+    EXPECT_EQ(files_.Exists(path), second->HasItsName());
+}
+
 TEST_F(FilesTest, NoFolderAndNothingThatIsMissingIsAFile) {
     const std::u16string plain = test_.folder.Write("plain", "x");
     for (const auto& path : {test_.folder.Text(), test_.folder.File("missing/file"), std::u16string()}) {

@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <future>
 #include <random>
 
 #include "streams/follow_fixture.h"
 #include "streams/json_lines.h"
 #include "streams/recording_name.h"
+#include "streams/recording_queue.h"
 #include "streams/recording_reader.h"
 #include "streams/recording_writer.h"
 #include "support/fakes.h"
@@ -88,6 +90,10 @@ TEST(RecordingReaderTest, TellsWhenEachChangeCame) {
          {0, 60, 60, 61}},
         {"files behind each other", header + Line("01:00:00", 1) + header + Line("01:00:01", 2), {0, 1}},
         {"packed files behind each other", Packed(header + Line("01:00:00", 1)) + Packed(Line("01:00:01", 2)), {0, 1}},
+        {"a gap in the recording",
+         Line("01:00:00", 1) + R"({"gap":{"from":"2026-11-25T01:00:00Z","to":"2026-11-25T01:00:09Z"}})" + "\n" +
+             Line("01:00:09", 2),
+         {0, 9}},
         {"a torn line", Line("01:00:00", 1) + R"({"time":"2026)", {0}},
         {"a whole line without its end", Line("01:00:00", 1) + Line("01:00:01", 1).substr(0, 52), {0}},
         {"a broken line", Line("01:00:00", 1) + "{\n" + Line("01:00:01", 2), {0}, "line 2: it is no JSON"},
@@ -114,15 +120,16 @@ TEST(RecordingReaderTest, TellsWhenEachChangeCame) {
 
 class RecordingTest : public FollowTest {
 protected:
-    // A look, and what it gives, goes to the recording.
-    bool Record(RecordingWriter& writer) {
+    // Of a look.
+    std::string Lines() {
         std::string lines;
         for (const Change& change : Look()) {
             AppendJsonLine(lines, change, *core);
             told.push_back(change);
         }
-        return writer.Put(lines, {Now(), Now() + ahead});
+        return lines;
     }
+    bool Record(RecordingWriter& writer) { return writer.Put(Lines(), {Now(), Now() + ahead}) && writer.Keep(); }
     const std::string& Bytes(const std::u16string& path) {
         return std::ranges::find(machine.files.files, path, &FakeFiles::File::path)->bytes;
     }
@@ -193,6 +200,45 @@ TEST_F(RecordingTest, BeginsANewFileByNameAndBySizeAndNeverOverOne) {
                                            u"/log-1120-2.jsonl"}),
               names);
     EXPECT_EQ("mine", Bytes(names[0]));
+}
+
+// A file that was removed, or whose folder was, is left within a second; what was not written to it goes to the next.
+TEST_F(RecordingTest, GoesOnInANewFileIfItsOwnHasGone) {
+    for (const bool gzip : {false, true}) {
+        const std::u16string path = gzip ? u"/packed" : u"/plain";
+        RecordingWriter writer(machine.files, {path, gzip, 0});
+        ASSERT_TRUE(writer.Begin({Now(), Now()}));
+        for (int tenth = 0; tenth < 25; ++tenth, Pass(0.1)) {
+            if (tenth == 12) machine.files.Remove(path);
+            Publish(kBsp, 1 + tenth);
+            ASSERT_TRUE(Record(writer));
+            EXPECT_EQ(tenth < 20 ? u"" : path, writer.Lost()) << tenth;
+        }
+        ASSERT_TRUE(writer.Close());
+        const auto left = Read(Bytes(path + u"-2")).all;
+        ASSERT_FALSE(left.empty());
+        EXPECT_EQ(12.0, left.front().change.value) << "the first that was not written";
+        EXPECT_EQ(25.0, left.back().change.value);
+    }
+}
+
+TEST_F(RecordingTest, ItsQueueTakesLooksWhileTheDiskHangs) {
+    std::promise<bool> works;
+    machine.files.onFlush = [works = works.get_future().share()] { return works.get(); };
+    RecordingQueue queue(machine.files, {u"/log", true, 0});
+    queue.Begin({Now(), Now()});
+    for (int look = 0; look < 40; ++look, Pass(0.1)) {
+        Publish(kBsp, look);
+        queue.Put(Lines(), {Now(), Now()});
+        EXPECT_TRUE(queue.HasRoom());
+    }
+    EXPECT_FALSE(queue.Finish(0));
+    EXPECT_EQ(0.0, queue.Now().kept);
+    works.set_value(true);
+    while (!queue.Finish(1000)) continue;
+    EXPECT_EQ(u"/log", queue.Now().path);
+    EXPECT_NEAR(Now(), queue.Now().kept, 0.2 / kSecondsPerDay);
+    ExpectTold(Read(Bytes(u"/log")).all, 40);
 }
 
 TEST_F(RecordingTest, SaysWhyItCannotWrite) {

@@ -28,11 +28,17 @@ struct FakeSource : ByteSource {
 struct FakeWriter : FileWriter {
     FakeWriter(FakeFiles& disk, std::u16string_view file) : files(disk), path(file) {}
     bool Write(std::string_view bytes) override {
+        if (!files.Exists(path)) return true;
         std::string& held = std::ranges::find(files.files, path, &FakeFiles::File::path)->bytes;
         held += bytes.substr(0, files.room - std::min(files.room, held.size()));
         return held.size() < files.room;
     }
-    bool Flush() override { return ++files.flushes > 0; }
+    bool Flush() override {
+        ++files.flushes;
+        const auto onFlush = files.onFlush;  // outlives the files, should they go while it blocks
+        return !onFlush || onFlush();
+    }
+    bool HasItsName() const override { return files.Exists(path); }
     FakeFiles& files;
     const std::u16string path;
 };

@@ -141,6 +141,7 @@ public:
     bool copiesFail = false;
     std::size_t room = std::string::npos;  // bytes that a created file can hold
     int flushes = 0;                       // of created files
+    std::function<bool()> onFlush;         // whether one succeeds; may be called by another thread
     std::vector<std::u16string> removed;
 
 private:

@@ -1,34 +1,98 @@
+#include <algorithm>
+#include <optional>
+#include <string>
+
 #include "base/wide_text.h"
 #include "core/days.h"
 #include "halyrigctl/stream/streamer.h"
+#include "streams/iso_time.h"
 #include "streams/recording_name.h"
-#include "streams/recording_writer.h"
+#include "streams/recording_queue.h"
 
 namespace twr {
 namespace {
 
+constexpr int kSliceMs = 100;
+constexpr int kMostDrainMs = 30'000;  // what waits is 30 s of every channel, and a service is killed after 90 s
+
+std::string MomentText(double days) {
+    std::string text;
+    AppendIsoTime(text, days);
+    return text;
+}
+
 class RecordingOutlet : public Outlet {
 public:
-    RecordingOutlet(const CoreServices& services, const RecordOptions& options, Streamer& streamer)
-        : services_(services),
+    RecordingOutlet(System& system, const RecordOptions& options, Streamer& streamer)
+        : services_(system.Core()),
+          console_(system.GetConsole()),
           streamer_(streamer),
-          changes_(ChangesWithTime(FromUtf8(options.file))),
-          writer_(services.files, {FromUtf8(options.file), options.gzip, options.maxSize}) {}
+          name_(FromUtf8(options.file)),
+          changes_(ChangesWithTime(name_)),
+          queue_(services_.files, {name_, options.gzip, options.maxSize}) {}
 
-    // Each file can be played alone, so all that is fresh is told again in a new one.
-    bool Put(std::string_view lines) override {
-        const RecordingMoment now = Now();
-        const std::u16string before = writer_.Path();
-        // A name without fields needs no zone, which the record names: a bad one is told at once.
-        const bool begun = (changes_ && !streamer_.Core()) || !before.empty() || writer_.Begin(now);
-        if (!begun || !writer_.Put(lines, now)) return false;
-        if (!before.empty() && writer_.Path() != before) streamer_.TellAll();
-        return true;
+    bool HasRoom() override {
+        hasRoom_ = queue_.HasRoom();
+        if (!hasRoom_ && !gapFrom_) {
+            gapFrom_ = last_;
+            Complain(console_, "the disk takes nothing; what is published from " + MomentText(last_) +
+                                   " on is lost until it does. Is it too slow, or failing?");
+        }
+        return hasRoom_;
     }
 
-    RecordingWriter& Writer() { return writer_; }
+    bool Put(std::string_view lines) override {
+        if (hasRoom_) Queue(lines);
+        return Follow();
+    }
+
+    // Waits until all is written, unless the disk holds that up for too long, or the user asks a second time. False if not all is.
+    bool Finish() {
+        hasRoom_ = true;
+        if (gapFrom_) Queue({});
+        console_.ForgetStop();
+        int left = kMostDrainMs;
+        while (!queue_.Finish(kSliceMs) && left > 0 && console_.Wait(0)) left -= kSliceMs;
+        const bool ended = queue_.Finish(0);
+        Follow();
+        const auto state = queue_.Now();
+        const std::string file = Harmless(state.path.empty() ? name_ : state.path);
+        const double kept = std::max(state.kept, first_.value_or(0.0));
+        if (!ended)
+            Complain(console_, file + ": the disk takes nothing; what was published after " + MomentText(kept) + " is lost.");
+        if (!state.fault.empty()) Complain(console_, file + " " + state.fault);
+        return ended && state.fault.empty();
+    }
 
 private:
+    void Queue(std::string_view lines) {
+        const RecordingMoment now = Now();
+        // A name without fields needs no zone, which the record names: a bad one is told at once.
+        if (!begins_ && (!changes_ || streamer_.Core())) begins_ = true, queue_.Begin(now);
+        if (!first_) first_ = now.utc;
+        std::string gap;
+        if (gapFrom_) {
+            Complain(console_, "what was published from " + MomentText(*gapFrom_) + " to " + MomentText(now.utc) +
+                                   " is lost, since the disk took nothing; the recording tells so.");
+            AppendGap(gap, *gapFrom_, now.utc);
+            gapFrom_.reset();
+        }
+        queue_.Put(gap.append(lines), now);
+        last_ = now.utc;
+    }
+
+    // Each file can be played alone, so all that is fresh is told again in a new one.
+    bool Follow() {
+        const auto state = queue_.Now();
+        if (state.begun > begun_ && !state.lost.empty()) {
+            Complain(console_,
+                     Harmless(state.lost) + " was removed, renamed or replaced; the recording goes on in " + Harmless(state.path));
+        }
+        if (state.begun > begun_ && begun_ > 0) streamer_.TellAll();
+        begun_ = state.begun;
+        return state.fault.empty();
+    }
+
     // The zone is that of the record, as long as it is known.
     RecordingMoment Now() {
         const double utc = UtcNowDays(services_.clock);
@@ -37,10 +101,18 @@ private:
     }
 
     const CoreServices services_;
+    Console& console_;
     Streamer& streamer_;
-    const bool changes_;  // the file's name, with time
-    RecordingWriter writer_;
-    double ahead_ = 0.0;  // days by which the zone is ahead of UTC
+    const std::u16string name_;
+    const bool changes_;  // the name, with time
+    RecordingQueue queue_;
+    bool begins_ = false;
+    std::optional<double> first_;  // look
+    bool hasRoom_ = true;
+    int begun_ = 0;                  // files
+    double ahead_ = 0.0;             // days by which the zone is ahead of UTC
+    double last_ = 0.0;              // look that the queue took; days, UTC
+    std::optional<double> gapFrom_;  // the last look before the queue was full
 };
 
 }  // namespace
@@ -55,11 +127,10 @@ Status Record(System& system, const RecordOptions& options) {
     lines.channels = options.channels;
     lines.boat = options.boat;
     Streamer streamer(system, lines);
-    RecordingOutlet outlet(system.Core(), options, streamer);
+    console.Wait(0);  // a request to end is for this thread: from here on those that it begins don't get one
+    RecordingOutlet outlet(system, options, streamer);
     const Status status = streamer.Run(outlet);
-    if (outlet.Writer().Close()) return status;
-    Complain(console, Harmless(outlet.Writer().Path()) + " " + outlet.Writer().Fault());
-    return kFailed;
+    return outlet.Finish() ? status : kFailed;
 }
 
 }  // namespace twr

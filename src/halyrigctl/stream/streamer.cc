@@ -16,7 +16,11 @@ namespace {
 constexpr int kSliceMs = 100;
 constexpr int kJoinMs = 1000;
 constexpr double kIdle = 10.0 / kSecondsPerDay;  // after which most values are stale
-constexpr double kRate = 10.0, kSentenceRate = 1.0;
+// The bridge publishes ten times a second. With two looks in that time a late one still finds each of its publications.
+constexpr double kRate = 20.0, kSentenceRate = 1.0;
+constexpr std::int64_t kTicksPerMs = 10'000;
+constexpr std::int64_t kMostEarly = 20 * kTicksPerMs;  // of a wait, by the coarse clock of Windows
+constexpr std::int64_t kMostLate = 1000 * kTicksPerMs;
 
 // A record lives as long as anyone holds it: without this, a guest would keep the one of programs that have ended long ago.
 bool IsIdle(const CoreRecord& record, const Clock& clock) {
@@ -39,7 +43,8 @@ Status Streamer::Run(Outlet& outlet) {
             saysWaiting_ = true;
         }
         if (status_ != kDone) break;
-        Look();
+        bytes_.clear();
+        if (outlet.HasRoom()) Look();
     } while (outlet.Put(bytes_) && Pause(outlet, core_ ? PeriodMs(options_) : kJoinMs));
     core_.reset();
     return status_;
@@ -105,7 +110,6 @@ void Streamer::Leave(const char* why) {
 }
 
 void Streamer::Look() {
-    bytes_.clear();
     bytes_.swap(farewell_);
     if (follower_) Append(bytes_, follower_->Look(), deltas_);
 }
@@ -124,9 +128,22 @@ void Streamer::Append(std::string& out, std::span<const Change> changes, SignalK
     }
 }
 
-bool Streamer::Pause(Outlet& outlet, int milliseconds) {
+// Milliseconds until the next look. Looks come on a beat: what one takes, or is late, does not put off those behind it. The beat
+// starts again when the clock was set, or the machine slept.
+int Streamer::UntilNext(int periodMs) {
+    const std::int64_t now = system_.Core().clock.Ticks(), period = periodMs * kTicksPerMs;
+    std::int64_t late = now - due_;
+    if (late < -kMostEarly || late > std::max(kMostLate, period)) late = 0;
+    const std::int64_t beats = 1 + std::max<std::int64_t>(late, 0) / period;
+    due_ = now - late + beats * period;
+    const auto left = static_cast<int>((due_ - now + kTicksPerMs - 1) / kTicksPerMs);
+    waited_ += beats * periodMs - left;  // what has passed of these beats by now
+    return left;
+}
+
+bool Streamer::Pause(Outlet& outlet, int periodMs) {
     const bool joined = core_ != nullptr;
-    for (; milliseconds > 0; milliseconds -= kSliceMs) {
+    for (int milliseconds = UntilNext(periodMs); milliseconds > 0; milliseconds -= kSliceMs) {
         LeaveIfNeeded();
         if (joined && !core_) return true;  // the end of its values is to be told
         const int slice = std::min(milliseconds, kSliceMs);

@@ -41,7 +41,8 @@ private:
     void Leave(const char* why);
     void Look();
     void Append(std::string& out, std::span<const Change> changes, SignalKDeltas& deltas);
-    bool Pause(Outlet& outlet, int milliseconds);
+    int UntilNext(int periodMs);
+    bool Pause(Outlet& outlet, int periodMs);
     bool TimeIsOver() const { return options_.seconds && waited_ >= *options_.seconds * std::int64_t{1000}; }
 
     System& system_;
@@ -51,6 +52,7 @@ private:
     SignalKDeltas deltas_;
     std::string bytes_;        // of this look
     std::string farewell_;     // of the record that was let go
+    std::int64_t due_ = 0;     // the next look, in ticks of the clock
     std::int64_t waited_ = 0;  // milliseconds
     bool saysWaiting_ = false;
     Status status_ = kDone;

@@ -55,6 +55,11 @@ public:
         return poll(&event, 1, milliseconds) == 0;
     }
 
+    void ForgetStop() override {
+        signalfd_siginfo taken;
+        while (!Wait(0) && read(signals_.Get(), &taken, sizeof taken) > 0) continue;
+    }
+
 private:
     // Only from the first wait or check on, so that a signal ends a command that never waits as usual.
     void Listen() {

@@ -50,13 +50,21 @@ private:
 
 class PosixWriter final : public FileWriter {
 public:
-    explicit PosixWriter(Descriptor file) : file_(std::move(file)) {}
+    PosixWriter(Descriptor file, std::string path) : file_(std::move(file)), path_(std::move(path)) {}
 
     bool Write(std::string_view bytes) override { return WriteAll(file_, bytes); }
     bool Flush() override { return fdatasync(file_.Get()) == 0; }
+    bool HasItsName() const override {
+        struct stat own {
+        }, named{};
+        if (fstat(file_.Get(), &own) != 0) return true;  // not known
+        if (stat(path_.c_str(), &named) != 0) return errno != ENOENT && errno != ENOTDIR;
+        return own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+    }
 
 private:
     const Descriptor file_;
+    const std::string path_;
 };
 
 Descriptor OpenFolderOf(const std::string& path) {
@@ -159,7 +167,7 @@ public:
         Descriptor file = OpenPlainFile(native, O_WRONLY | O_APPEND | O_CREAT | O_EXCL);
         if (!file) return nullptr;
         FlushFolderOf(native);
-        return std::make_unique<PosixWriter>(std::move(file));
+        return std::make_unique<PosixWriter>(std::move(file), native);
     }
 
     bool Copy(std::u16string_view from, std::u16string_view to) override {

@@ -19,6 +19,7 @@ public:
     Output Write(std::string_view utf8, const std::function<bool()>& goOn) override;
     void WriteError(std::string_view utf8) override;
     bool Wait(int milliseconds) override;
+    void ForgetStop() override;
 
 private:
     void Listen();
@@ -83,6 +84,8 @@ bool WindowsConsole::Wait(int milliseconds) {
     Listen();
     return WaitForSingleObject(StopEvent(), static_cast<DWORD>(milliseconds)) == WAIT_TIMEOUT;
 }
+
+void WindowsConsole::ForgetStop() { ResetEvent(StopEvent()); }
 
 std::unique_ptr<Console> MakeConsole() { return std::make_unique<WindowsConsole>(); }
 

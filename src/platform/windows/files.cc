@@ -58,16 +58,19 @@ private:
 
 class WindowsWriter final : public FileWriter {
 public:
-    explicit WindowsWriter(UniqueHandle file) : file_(std::move(file)) {}
+    WindowsWriter(UniqueHandle file, std::wstring path) : file_(std::move(file)), path_(std::move(path)) {}
 
     bool Write(std::string_view bytes) override {
         DWORD written = 0;
         return WriteFile(file_.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) && written == bytes.size();
     }
     bool Flush() override { return FlushFileBuffers(file_.get()) != 0; }
+    // The system lets nobody remove or rename it meanwhile, but on a disk of another machine it can go.
+    bool HasItsName() const override { return _waccess(path_.c_str(), 0) == 0; }
 
 private:
     const UniqueHandle file_;
+    const std::wstring path_;
 };
 
 // A file that nobody else may open, and that the system removes when it is closed.
@@ -122,10 +125,11 @@ bool WindowsFiles::Append(std::u16string_view path, std::string_view bytes) {
 }
 
 std::unique_ptr<FileWriter> WindowsFiles::Create(std::u16string_view path) {
+    const std::wstring wide = ToWide(path);
     UniqueHandle file(NullIfInvalid(
-        CreateFileW(ToWide(path).c_str(), GENERIC_WRITE, kSharedWithAll, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)));
+        CreateFileW(wide.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr)));
     if (!file || GetFileType(file.get()) != FILE_TYPE_DISK) return nullptr;
-    return std::make_unique<WindowsWriter>(std::move(file));
+    return std::make_unique<WindowsWriter>(std::move(file), wide);
 }
 
 bool WindowsFiles::Copy(std::u16string_view from, std::u16string_view to) {
