@@ -1,7 +1,7 @@
 // A library in Deckman's place that misbehaves as the environment variable TORTURE says: "hold" waits in Usr_Read while the file
 // TORTURE_HOLD exists, the names in Crash end the process sooner or later, "anything" gives random numbers, "signals" has timers
-// and signals of its own, "helper" forks, "thread" begins a thread that never ends. WITHOUT_... at compile time leaves a function
-// out.
+// and signals of its own, "helper" forks, "thread" begins a thread that never ends, "count" gives each variable another value at
+// each reading, 0 to 29 in turn. WITHOUT_... at compile time leaves a function out.
 #ifndef _WIN32
 #define _GNU_SOURCE
 #endif
@@ -108,13 +108,18 @@ static void Begin(void) {
 }
 #endif
 
+static float Count(int32_t variable) {
+    static unsigned readings[1024];
+    return (float)(readings[(uint32_t)variable % 1024]++ % 30);
+}
+
 #ifndef WITHOUT_Usr_Read
 EXPORT void CALL Usr_Read(int32_t variable, float* value) {
     static int begun;
     if (!begun++) Begin();
     if (Is("hold")) Hold();
     if (Random() % 100 == 0) Crash();
-    *value = Is("anything") ? Anything() : (float)variable;
+    *value = Is("anything") ? Anything() : Is("count") ? Count(variable) : (float)variable;
 }
 #endif
 
