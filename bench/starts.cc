@@ -54,14 +54,14 @@ Steady::duration TimeBareProcess(const char* program) {
     return begun && EndedWell(process) ? time : Steady::duration();
 }
 
-Steady::duration TimeBridge(const char* program, twr::SharedMemory& memory) {
+Steady::duration TimeBridge(const char* program, twr::System& system) {
     const auto begin = Steady::now();
     const pid_t process = Spawn(program, STDERR_FILENO);
     if (process < 0) return {};
     std::this_thread::sleep_until(begin + kPeriod);  // no tick comes earlier
     auto now = Steady::now();
     for (; now < begin + kPatience; now = Steady::now()) {
-        if (const auto status = twr::ReadBridgeStatus(memory); status && status->ticks > 0) break;
+        if (const auto status = twr::ReadBridgeStatus(system); status && status->ticks > 0) break;
         std::this_thread::sleep_for(20us);
     }
     kill(process, SIGTERM);
@@ -81,6 +81,6 @@ int main(int argc, char** argv) {
     const auto system = twr::MakeSystem(twr::UserRoots());
     for (int left = std::atoi(argv[3]); left > 0; --left) {
         if (!Print("BareProcess", TimeBareProcess(argv[2]), "")) return 1;
-        if (!Print("StartToFirstTick", TimeBridge(argv[1], system->Core().memory), "BareProcess")) return 1;
+        if (!Print("StartToFirstTick", TimeBridge(argv[1], *system), "BareProcess")) return 1;
     }
 }

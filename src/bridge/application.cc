@@ -1,5 +1,6 @@
 #include "bridge/application.h"
 
+#include "base/wide_text.h"
 #include "bridge/controls.h"
 #include "bridge/main_dialog.h"
 
@@ -15,11 +16,12 @@ constexpr std::u16string_view kLate =
 }  // namespace
 
 bool CHalyrig32App::InitInstance() {
-    if (!system_.GetInstance().Claim(u"Halyrig")) {
+    Desktop& desktop = system_.Core().desktop;
+    if (!system_.GetInstance().Claim(kBridgeName)) {
         system_.GetInstance().RaiseOther(kProgramName);
+        if (RecordIsLost(system_)) desktop.Remark(FromUtf8(std::string(kRecordLost) + "; " + kRecordLostToDo), kProgramName);
         return false;
     }
-    Desktop& desktop = system_.Core().desktop;
     desktop.ExpectDialog();
     CHalyrig32Dlg dialog(system_);
     const bool lateForTheSuite = dialog.QuitRequested();

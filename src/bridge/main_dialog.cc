@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::uintptr_t kTimerId = 1;
 constexpr unsigned kTickMs = 100;
+constexpr int kTicksBetweenLooks = 10;
 
 struct BoxOfSetting {
     int control;
@@ -55,7 +56,7 @@ CHalyrig32Dlg::CHalyrig32Dlg(System& system)
       library_(system.GetLibraries()),
       core_(services_),
       followsDataFolder_(core_.IsBeingFilled()),
-      status_(services_.memory),
+      status_(system.GetStatusBoard()),
       instruments_(core_, services_.clock, status_.Readings()),
       remotes_(core_) {}
 
@@ -75,12 +76,21 @@ void CHalyrig32Dlg::OnTimer(std::uintptr_t id) {
         return;
     }
     if (id != timerId_ || !core_.View() || working_) return;
+    if (RecordIsLost()) return End(DialogResult::kCancel);
     status_.Ticked();
     FollowDataFolder();
     if (!library_) return;
     ReadBoxes();
     status_.BoxesInForce(settings_);
     Undisturbed([this] { RunPasses(); });
+}
+
+// A system that ends a user's last session may remove the record's name. No other program could read what is published then, nor
+// ask the bridge to close. So it ends, without a question that perhaps nobody is there to answer.
+bool CHalyrig32Dlg::RecordIsLost() {
+    if (++sinceLook_ < kTicksBetweenLooks) return false;
+    sinceLook_ = 0;
+    return core_.RecordIsLost();
 }
 
 void CHalyrig32Dlg::RunPasses() {

@@ -76,6 +76,9 @@ private:
     bool ImportLegacyVars();  // false if no line found its variable
     void ImportLegacyRemotes();
 
+    // Looks once a second, so it is to be asked at each tick.
+    bool RecordIsLost();
+
     void RunPasses();
     void ReadInstruments() { instruments_.Run(library_, mapping_.varRows, catalogue_.timerVariableId, settings_); }
     void WriteRemotes() { remotes_.Run(library_, mapping_.remoteRows, settings_); }
@@ -96,6 +99,7 @@ private:
     CrashReports& crashes_;
     DialogWindow* window_ = nullptr;  // while the dialog is open
     std::uintptr_t timerId_ = 0;      // 0: no timer was started
+    int sinceLook_ = 0;               // ticks: after the record
     bool working_ = false;            // Deckman's library may be running
     bool ended_ = false, destroyed_ = false;
     std::vector<Event> waiting_;  // in the order in which they came

@@ -70,6 +70,8 @@ bool CCore::IsBeingFilled() {
     return beingFilled_;
 }
 
+bool CCore::RecordHasName(const CoreServices& services) { return services.memory.HasName(RecordName()); }
+
 bool CCore::QuitRequested() const { return view_ && Load(view_->sysFlag[kFlagQuitRequest]) != 0; }
 
 }  // namespace twr

@@ -48,6 +48,12 @@ public:
     // not had a second for it, far more than it takes.
     bool IsBeingFilled();
 
+    // Whether no other program finds the record any more, since its name has been taken from it. A look costs a call of the system.
+    bool RecordIsLost() const { return mapping_ && mapping_->IsLost(); }
+
+    // Whether a record, if a program holds one, can be found.
+    static bool RecordHasName(const CoreServices& services);
+
     // --- Publication (publish.cc) ---
 
     // Publishes a value, in the channel's internal unit, for a boat: stamped, wrapped, brought into range, calibrated, with the

@@ -53,7 +53,7 @@ bool MappingLook::Means(ChannelId channel, BoatSlot boat) const {
 }
 
 Circumstances::Circumstances(System& system, const CoreRecord& record)
-    : services_(system.Core()), libraries_(system.GetLibraries()), dataFolder_(FieldText(record.dataFolder)) {
+    : system_(system), services_(system.Core()), dataFolder_(FieldText(record.dataFolder)) {
     LookAgain();
 }
 
@@ -61,7 +61,8 @@ void Circumstances::LookAgain() {
     constexpr double kFilesLast = 5.0 / kSecondsPerDay;
     const auto before = std::pair(bridge ? std::optional(bridge->mapping.readAt) : std::nullopt, settings.dfwFolder);
     now = UtcNowDays(services_.clock);
-    bridge = ReadBridgeStatus(services_.memory);
+    name = LookForBridge(system_);
+    bridge = ReadBridgeStatus(system_);
     settings = bridge ? bridge->settings : ReadSettings(services_.registry);
     settings.dfwFolder = Trimmed(std::u16string_view(settings.dfwFolder));
     const bool anew = before != std::pair(bridge ? std::optional(bridge->mapping.readAt) : std::nullopt, settings.dfwFolder);
@@ -74,7 +75,7 @@ void Circumstances::LookAgain() {
 }
 
 const LibraryLook& Circumstances::Library() {
-    if (!library_) library_ = LookAtLibrary(services_.files, libraries_, settings.dfwFolder);
+    if (!library_) library_ = LookAtLibrary(services_.files, system_.GetLibraries(), settings.dfwFolder);
     return *library_;
 }
 
@@ -104,6 +105,17 @@ std::vector<Finding> Circumstances::PassedOver() {
     std::vector<Finding> found = TheMapping().faults;
     found.insert(found.begin(), ofList_.found.begin(), ofList_.found.end());
     return found;
+}
+
+Advice Circumstances::WithoutBridge() const {
+    switch (name.state) {
+        case NameLook::kTaken:
+            return {"the bridge is running, but its status can't be seen", "restart it"};
+        case NameLook::kUnknown:
+            return {"whether the bridge is running can't be seen: " + name.why};
+        default:
+            return {"the bridge is not running", "start " HALYRIG_PROGRAM};
+    }
 }
 
 const CoreRecord& Circumstances::Renewed() {

@@ -10,6 +10,7 @@
 #include "core/core_record.h"
 #include "halyrigctl/library_look.h"
 #include "halyrigctl/rehearsal.h"
+#include "halyrigctl/say.h"
 #include "mapping/mapping_rows.h"
 #include "mapping/variable_file.h"
 #include "platform/system.h"
@@ -53,17 +54,21 @@ public:
     const MappingLook& TheMapping();
     // What was passed over in both, a file that could not be read to its end among it.
     std::vector<Finding> PassedOver();
+    // Why the bridge can't be seen, for when it can't.
+    Advice WithoutBridge() const;
+
     // The record that a start of the whole suite would make.
     const CoreRecord& Renewed();
 
     double now = 0.0;                    // days
-    std::optional<BridgeStatus> bridge;  // nullopt if it is not running
+    NameLook name;                       // whether the bridge runs
+    std::optional<BridgeStatus> bridge;  // nullopt if it is not running, or can't be seen
     bool standsStill = false;            // the bridge runs, but does not tick
-    Settings settings;                   // the bridge's; the saved ones while it is not running
+    Settings settings;                   // the bridge's; the saved ones while it can't be seen
 
 private:
+    System& system_;
     CoreServices services_;
-    Libraries& libraries_;
     std::u16string dataFolder_;
     double filesSince_ = 0.0;  // days: none was read before
     std::optional<LibraryLook> library_;

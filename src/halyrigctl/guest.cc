@@ -1,6 +1,7 @@
 #include "halyrigctl/guest.h"
 
 #include "halyrigctl/say.h"
+#include "status/bridge_status.h"
 
 namespace twr {
 
@@ -8,12 +9,15 @@ Guest::Guest(System& system, WithoutRecord without) : console_(system.GetConsole
     core_.emplace(system.Core(), Attachment::kOpenOnly);
     if (core_->View() || without == WithoutRecord::kGoOn) return;
     core_.reset();
-    Complain(console_, "there is no record, since no program of the suite is running. Start " HALYRIG_PROGRAM " first.");
+    Complain(console_, RecordIsLost(system) ? std::string(kRecordLost) + "; " + kRecordLostToDo + "."
+                                            : "there is no record, since no program of the suite is running. Start " HALYRIG_PROGRAM
+                                              " first.");
 }
 
 // The request lasts as long as the record, so while one program stays, any that starts ends at once.
 void Guest::Release() {
     closing_ = closing_ || (core_ && core_->QuitRequested());
+    lost_ = lost_ || (core_ && core_->RecordIsLost());
     core_.reset();
 }
 

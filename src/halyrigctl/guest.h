@@ -23,6 +23,8 @@ public:
     // Releases the record, which ends the use of both.
     void Release();
 
+    bool RecordWasLost() const { return lost_; }  // when it was released
+
     // The same, then explains on standard error a request to close if the record had one. To be called before anything is written:
     // while output is held up, the request would persist with the record.
     void Leave();
@@ -31,6 +33,7 @@ private:
     Console& console_;
     std::optional<CCore> core_;
     bool closing_ = false;  // the suite had been asked to close
+    bool lost_ = false;
 };
 
 }  // namespace twr

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "platform/dialog.h"
@@ -38,12 +39,22 @@ public:
     virtual void PostQuit() = 0;
 };
 
+// What a look at a program's name shows.
+struct NameLook {
+    enum State { kFree, kTaken, kUnknown };
+    State state = kFree;
+    std::string why = {};  // it is unknown, and what to do: UTF-8
+};
+
 class Instance {
 public:
     virtual ~Instance() = default;
 
     // Takes the name for the life of the process. False if another process has it; true also if that is unknown.
     virtual bool Claim(std::u16string_view name) = 0;
+
+    // Whether any process has it. Takes and changes nothing.
+    virtual NameLook Look(std::u16string_view name) const = 0;
 
     // Brings forward the window with this caption that another process shows.
     virtual void RaiseOther(std::u16string_view caption) = 0;

@@ -16,6 +16,10 @@ public:
 
     // Whether another process already held the block. If not, this one has created it, filled with zeros.
     virtual bool Existed() const = 0;
+
+    // Whether the block's name has been taken from it, on systems where that can be, so that no other process will find it. The
+    // user is told once what has happened, and the program's exit status is not 0.
+    virtual bool IsLost() { return false; }
 };
 
 class SharedMemory {
@@ -28,6 +32,22 @@ public:
 
     // Opens a block that another process holds; nullptr if no process does or its size differs.
     virtual std::unique_ptr<SharedBlock> OpenExisting(std::u16string_view name, std::size_t size) = 0;
+
+    // Whether a block can be found by this name, if it is held at all: false only where a name can be taken from a held block.
+    virtual bool HasName(std::u16string_view /*name*/) const { return true; }
+};
+
+// Blocks in which a running program tells other programs of the same user about itself. They are an aid: nothing waits for one, and
+// nobody is told why one can't be had.
+class StatusBoard {
+public:
+    virtual ~StatusBoard() = default;
+
+    // The block of this program, filled with zeros, in place of whatever an earlier run has left. Removed with the object.
+    virtual std::unique_ptr<SharedBlock> Post(std::u16string_view program, std::size_t size) = 0;
+
+    // The block that a running program has posted, only to be read; nullptr if there is none of this size.
+    virtual std::unique_ptr<SharedBlock> See(std::u16string_view program, std::size_t size) const = 0;
 };
 
 }  // namespace twr

@@ -29,8 +29,8 @@ struct CoreServices {
     Findings* findings = nullptr;  // told what the readers of the user's files and settings pass over
 };
 
-// A folder of lock files.
-struct LockPlace {
+// A folder of files by which a user's programs know of each other.
+struct FilePlace {
     std::u16string folder;
     std::u16string tag = {};  // appended to the files' names, if several users share the folder
 };
@@ -39,8 +39,9 @@ struct LockPlace {
 struct Roots {
     std::u16string namePrefix = {};  // put before the names of shared memory and locks
     std::u16string registry = {};    // Linux: the registry's file; Windows: a key under the user's root, empty for that root itself
-    std::u16string programData = {};    // the folder for data that all users share
-    std::vector<LockPlace> locks = {};  // Linux: a program locks a file in each of them
+    std::u16string programData = {};     // the folder for data that all users share
+    std::vector<FilePlace> locks = {};   // Linux: a program locks a file in each of them
+    std::vector<FilePlace> status = {};  // Linux: its status is a file in the first of them where one can be made
 };
 
 // The running user's own. Unknown parts are empty.
@@ -53,11 +54,13 @@ public:
     virtual CoreServices Core() = 0;
     virtual Libraries& GetLibraries() = 0;
     virtual Instance& GetInstance() = 0;
+    virtual StatusBoard& GetStatusBoard() = 0;
     virtual Executable& GetExecutable() = 0;
     virtual Console& GetConsole() = 0;
     virtual CrashReports& GetCrashReports() = 0;
 
-    // The exit status of the program. Not 0 on Linux once shared memory was not available, so that a service is restarted.
+    // The exit status of the program. Not 0 on Linux once shared memory was not available or was lost, so that a service is
+    // restarted.
     virtual int ExitStatus() const { return 0; }
 };
 

@@ -1,7 +1,9 @@
 #include "status/bridge_status.h"
 
 #include <algorithm>
+#include <cstddef>
 
+#include "core/core.h"
 #include "core/days.h"
 #include "core/record_access.h"
 
@@ -10,9 +12,10 @@ namespace twr {
 // Other processes read while the bridge writes, so every number is one atomic access. The folder is written only when the library
 // is loaded; a look at that very moment may find a mixture of two paths.
 struct StatusBlock {
-    std::uint32_t filled;  // 1 once all else stands
+    std::uint32_t version;  // kVersion once all else stands
     std::uint8_t sendNames, degreesTrue, depthInFeet, useTimer;
     std::uint8_t loaded, reads;
+    std::uint8_t gap[2];
     std::uint32_t ticks;
     std::int32_t variables, varRows;
     double readAt;
@@ -21,10 +24,15 @@ struct StatusBlock {
     float readings[kChannelCount];
     char16_t dfwFolder[1024];
 };
+static_assert(sizeof(StatusBlock) == 3752 && offsetof(StatusBlock, sendNames) == 4 && offsetof(StatusBlock, loaded) == 8 &&
+              offsetof(StatusBlock, ticks) == 12 && offsetof(StatusBlock, variables) == 16 && offsetof(StatusBlock, readAt) == 24 &&
+              offsetof(StatusBlock, passBegan) == 32 && offsetof(StatusBlock, passSeconds) == 40 &&
+              offsetof(StatusBlock, readings) == 48 && offsetof(StatusBlock, dfwFolder) == 1704);
 
 namespace {
 
-constexpr std::u16string_view kName = u"HalyrigStatus";
+constexpr std::uint32_t kVersion = 1;  // of the layout
+constexpr int kLooks = 15, kBetweenLooksMs = 100;
 
 StatusBlock* BlockIn(const std::unique_ptr<SharedBlock>& memory) {
     return memory ? static_cast<StatusBlock*>(memory->Data()) : nullptr;
@@ -36,16 +44,12 @@ bool IsSet(const std::uint8_t& field) { return Load(field) != 0; }
 
 }  // namespace
 
-BridgeStatusWriter::BridgeStatusWriter(SharedMemory& memory)
-    : memory_(memory.CreateOrOpen(kName, sizeof(StatusBlock))), block_(BlockIn(memory_)) {
+BridgeStatusWriter::BridgeStatusWriter(StatusBoard& board)
+    : memory_(board.Post(kBridgeName, sizeof(StatusBlock))), block_(BlockIn(memory_)) {
     if (!block_) return;
-    Put(block_->filled, 0u);  // a viewer may have kept the block of an earlier run
-    LibraryLoaded({}, {});
     MappingLoaded({});
     BoxesInForce({});
-    Put(block_->passBegan, 0.0);
-    Put(block_->passSeconds, 0.0);
-    PutInOrder(block_->filled, 1u);
+    PutInOrder(block_->version, kVersion);
 }
 
 void BridgeStatusWriter::LibraryLoaded(std::u16string_view dfwFolder, LibraryState library) {
@@ -87,10 +91,13 @@ void BridgeStatusWriter::PassEnds(double now) {
 
 float* BridgeStatusWriter::Readings() const { return block_ ? block_->readings : nullptr; }
 
-std::optional<BridgeStatus> ReadBridgeStatus(SharedMemory& memory) {
-    const auto held = memory.OpenExisting(kName, sizeof(StatusBlock));
-    const StatusBlock* block = BlockIn(held);
-    if (!block || Load(block->filled) == 0) return std::nullopt;
+NameLook LookForBridge(System& system) { return system.GetInstance().Look(kBridgeName); }
+
+std::optional<BridgeStatus> ReadBridgeStatus(System& system) {
+    if (LookForBridge(system).state == NameLook::kFree) return std::nullopt;
+    const auto seen = system.GetStatusBoard().See(kBridgeName, sizeof(StatusBlock));
+    const StatusBlock* block = BlockIn(seen);
+    if (!block || Load(block->version) != kVersion) return std::nullopt;
     const double began = Load(block->passBegan);
     BridgeStatus status{
         .settings = {.dfwFolder = FieldText(block->dfwFolder),
@@ -106,6 +113,14 @@ std::optional<BridgeStatus> ReadBridgeStatus(SharedMemory& memory) {
     };
     std::ranges::transform(block->readings, status.readings.begin(), [](const float& reading) { return Load(reading); });
     return status;
+}
+
+bool RecordIsLost(System& system) {
+    for (int looks = 0; looks < kLooks; ++looks) {
+        if (LookForBridge(system).state != NameLook::kTaken || CCore::RecordHasName(system.Core())) return false;
+        if (!system.GetConsole().Wait(kBetweenLooksMs)) return false;
+    }
+    return true;
 }
 
 }  // namespace twr

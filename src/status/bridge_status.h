@@ -1,5 +1,5 @@
-// What the bridge says of its own run, in a block of shared memory of its own: with it another process can say why a value is
-// missing. The bridge reads nothing back.
+// What another process can see of the bridge: whether it runs, and what it says of its own run, by which can be said why a value is
+// missing. The bridge reads nothing back, and nothing that it does depends on whether it can say it.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -9,9 +9,19 @@
 
 #include "config/bridge_settings.h"
 #include "core/channel_catalogue.h"
-#include "platform/shared_memory.h"
+#include "platform/system.h"
 
 namespace twr {
+
+// The name that the running bridge has.
+inline constexpr std::u16string_view kBridgeName = u"Halyrig";
+
+// What is wrong, and what to do, if a bridge runs whose record no program finds any more.
+inline constexpr const char* kRecordLost =
+    "the bridge is running, but the name of its record has been removed, so no other program finds it";
+inline constexpr const char* kRecordLostToDo =
+    "it ends by itself, unless it hangs; else end it by force, then start it again. The guide says what removes names, and how to "
+    "prevent that";
 
 struct LibraryState {
     bool loaded = false;
@@ -44,7 +54,7 @@ struct StatusBlock;
 // The bridge's side. Without a block every operation does nothing.
 class BridgeStatusWriter {
 public:
-    explicit BridgeStatusWriter(SharedMemory& memory);
+    explicit BridgeStatusWriter(StatusBoard& board);
 
     void LibraryLoaded(std::u16string_view dfwFolder, LibraryState library);
     void MappingLoaded(LoadedMapping mapping);  // forgets the readings
@@ -63,7 +73,14 @@ private:
     StatusBlock* block_ = nullptr;
 };
 
-// nullopt if no bridge is running. The block is held only for the look, so that the bridge's end is seen.
-std::optional<BridgeStatus> ReadBridgeStatus(SharedMemory& memory);
+// Whether the bridge runs.
+NameLook LookForBridge(System& system);
+
+// nullopt if the bridge is not running, or can't be seen.
+std::optional<BridgeStatus> ReadBridgeStatus(System& system);
+
+// Whether the bridge runs and its record's name is gone. For a moment this is so at each start and end of the bridge: more than a
+// second of it counts, in which a bridge that ticks would have noticed.
+bool RecordIsLost(System& system);
 
 }  // namespace twr

@@ -26,11 +26,13 @@ public:
     }
     Libraries& GetLibraries() override { return *libraries; }
     Instance& GetInstance() override { return *this; }
+    StatusBoard& GetStatusBoard() override { return real_.GetStatusBoard(); }
     Executable& GetExecutable() override { return *this; }
     Console& GetConsole() override { return *console; }
     CrashReports& GetCrashReports() override { return *this; }
 
     bool Claim(std::u16string_view name) override { return claimed = name, !otherRuns; }
+    NameLook Look(std::u16string_view) const override { return {host.timerRuns ? NameLook::kTaken : NameLook::kFree}; }
     void RaiseOther(std::u16string_view caption) override { raised = caption; }
     std::optional<std::array<std::uint16_t, 4>> FileVersion() const override { return version; }
     void Prepare(std::u16string_view file, std::u16string_view) override { crashFile = file; }

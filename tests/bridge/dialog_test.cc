@@ -15,7 +15,7 @@ using Reads = std::vector<int>;
 
 class DialogTest : public BridgeTest {
 protected:
-    std::optional<BridgeStatus> Status() { return ReadBridgeStatus(machine.Core().memory); }
+    std::optional<BridgeStatus> Status() { return ReadBridgeStatus(machine); }
 };
 
 TEST_F(DialogTest, OpensWithTheStoredSettingsAndSavesWhatItShows) {

@@ -56,7 +56,7 @@ protected:
     }
     void Start() {
         StartSuite();
-        bridge = std::make_unique<BridgeStatusWriter>(Core().memory);
+        bridge = std::make_unique<RunningBridge>(test);
         bridge->LibraryLoaded(settings.dfwFolder, {true, true});
         bridge->MappingLoaded({3, 2, UtcNowDays(Core().clock) + 1.0});
         bridge->BoxesInForce(settings);
@@ -64,7 +64,7 @@ protected:
 
     Settings settings;
     std::string verdict;
-    std::unique_ptr<BridgeStatusWriter> bridge;
+    std::unique_ptr<RunningBridge> bridge;
 };
 
 TEST_F(CheckTest, ARightSetUpIsOneLine) {

@@ -12,6 +12,7 @@
 #include "core/core.h"
 #include "core/days.h"
 #include "halyrigctl/commands.h"
+#include "status/bridge_status.h"
 #include "support/record_bytes.h"
 #include "support/test_system.h"
 
@@ -96,11 +97,24 @@ inline void ExpectIn(const std::string& text, const std::vector<const char*>& pa
     for (const char* part : parts) EXPECT_NE(std::string::npos, text.find(part)) << part << "\nis not in\n" << text;
 }
 
+// A bridge that runs: its name is taken, and it tells its status.
+struct ClaimedName {
+    std::unique_ptr<System> system;
+};
+class RunningBridge : ClaimedName, public BridgeStatusWriter {
+public:
+    explicit RunningBridge(const TestSystem& test)
+        : ClaimedName{SystemOf(test.Arguments())}, BridgeStatusWriter(system->GetStatusBoard()) {
+        EXPECT_TRUE(system->GetInstance().Claim(kBridgeName));
+    }
+};
+
 class CtlTest : public ::testing::Test, public System {
 protected:
     CoreServices Core() override { return test.system->Core(); }
     Libraries& GetLibraries() override { return test.system->GetLibraries(); }
-    Instance& GetInstance() override { return test.system->GetInstance(); }
+    Instance& GetInstance() override { return instance ? *instance : test.system->GetInstance(); }
+    StatusBoard& GetStatusBoard() override { return test.system->GetStatusBoard(); }
     Executable& GetExecutable() override { return test.system->GetExecutable(); }
     Console& GetConsole() override { return console; }
     CrashReports& GetCrashReports() override { return test.system->GetCrashReports(); }
@@ -129,6 +143,7 @@ protected:
 
     TestSystem test;
     FakeConsole console;
+    Instance* instance = nullptr;  // in place of the system's
     std::unique_ptr<CCore> suite;
 };
 

@@ -163,7 +163,7 @@ TEST_F(MapTest, ChangesOneLineAndSaysHowItIsRead) {
     EXPECT_NE(std::string::npos,
               File().find("<remote remote=\"3\" twr=\"1\" damp=\"true\" boat=\"2\" />\r\n  <var twr=\"172\" dfw=\"X;Y\" boat"))
         << File();
-    BridgeStatusWriter bridge(Core().memory);
+    RunningBridge bridge(test);
     bridge.LibraryLoaded(test.folder.File("dfw"), {});
     WriteSettings(Core().registry, {.dfwFolder = u"/none"});
     test.folder.Write(kPath, kMapping);

@@ -13,6 +13,12 @@ namespace twr::testing {
 namespace {
 
 // Time passes only while a command waits.
+struct UnseenName : Instance {
+    bool Claim(std::u16string_view) override { return true; }
+    NameLook Look(std::u16string_view) const override { return {NameLook::kUnknown, "it is a link; remove it"}; }
+    void RaiseOther(std::u16string_view) override {}
+};
+
 class RecordTest : public CtlTest {
 protected:
     RecordTest() {
@@ -257,15 +263,28 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
 TEST_F(RecordTest, ReplayKeepsOutOfTheBridgesWay) {
     test.folder.Write("long.jsonl", At("01:00:00", 1, "6") + At("01:00:50", 1, "7"));
     StartSuite();
-    std::optional<BridgeStatusWriter> bridge(Core().memory);
+    std::optional<RunningBridge> bridge(test);
     each = [] { return true; };
     ExpectIn(Said("replay " + File("long.jsonl"), 1), {"is running", "--into"});
     EXPECT_EQ(kNoValue, Value(kBsp));
     Said("replay " + File("long.jsonl") + " --into");
     EXPECT_EQ(7, Value(kBsp));
     bridge.reset();
-    each = [&] { return bridge ? true : (bridge.emplace(Core().memory), true); };
+    each = [&] { return bridge ? true : (bridge.emplace(test), true); };
     ExpectIn(Said("replay " + File("long.jsonl"), 1), {"has been started"});
+    EXPECT_EQ(6, Value(kBsp));
+
+    // What decides is its name, not what it tells, and a name that can't be looked at may be taken.
+    each = [] { return true; };
+    bridge.reset();
+    const auto silent = SystemOf(test.Arguments());
+    EXPECT_TRUE(silent->GetInstance().Claim(kBridgeName));
+    ExpectIn(Said("replay " + File("long.jsonl"), 1), {"is running"});
+    EXPECT_EQ(std::string::npos, Said("get aws", 1).find("not running"));
+    UnseenName unseen;
+    instance = &unseen;
+    ExpectIn(Said("replay " + File("long.jsonl"), 1), {"can't be seen", "it is a link; remove it", "--into"});
+    ExpectIn(Said("get aws", 1), {"can't be seen: it is a link; remove it"});
     EXPECT_EQ(6, Value(kBsp));
 }
 

@@ -134,7 +134,7 @@ TEST_F(WatchTest, TellsTheStateOfEachChannel) {
     Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
     Record().Set<std::uint8_t>(RecordBytes::Channel(kTrim) + 4, 1);
     Record().SetFlag(52, true);
-    BridgeStatusWriter bridge(Core().memory);
+    RunningBridge bridge(test);
     bridge.LibraryLoaded(u"/dfw", {.loaded = true, .reads = true});
     bridge.MappingLoaded({.variables = 3, .varRows = 1});
     bridge.Readings()[kTws] = 151.0f;

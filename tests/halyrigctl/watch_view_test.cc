@@ -74,7 +74,7 @@ TEST(BridgePulse, TellsTheTicksBetweenLooks) {
         return bridge;
     };
     // In their order: seconds, bridge, words
-    const std::tuple<double, std::optional<BridgeStatus>, const char*> looks[] = {{0.0, std::nullopt, "the bridge is not running"},
+    const std::tuple<double, std::optional<BridgeStatus>, const char*> looks[] = {{0.0, std::nullopt, ""},
                                                                                   {1.0, with(50), "the bridge is running"},
                                                                                   {1.5, with(55), "the bridge is running"},
                                                                                   {2.0, with(60), "bridge 10 ticks/s"},
@@ -83,7 +83,7 @@ TEST(BridgePulse, TellsTheTicksBetweenLooks) {
                                                                                   {4.0, with(69), "bridge 9 ticks/s"},
                                                                                   {4.5, with(2), "the bridge is running"},
                                                                                   {5.5, with(12), "bridge 10 ticks/s"},
-                                                                                  {6.0, std::nullopt, "the bridge is not running"}};
+                                                                                  {6.0, std::nullopt, ""}};
     BridgePulse pulse;
     for (const auto& [seconds, bridge, words] : looks) {
         pulse.Look(bridge, seconds);

@@ -62,14 +62,37 @@ TEST(Console, GivesUpOnOutputThatNobodyTakesAndTheProcessEnds) { EXPECT_EQ(kGive
 
 TEST(Instance, IsOneUntilItsProcessHasGone) {
     const TestSystem test;
+    const auto look = [&] { return test.system->GetInstance().Look(u"Halyrig").state; };
+    EXPECT_EQ(NameLook::kFree, look());
     const auto first = StartRole("claim", test.Arguments());
     ASSERT_EQ("claimed", first->ReadLine());
+    EXPECT_EQ(NameLook::kTaken, look());
     EXPECT_EQ("refused", StartRole("claim", test.Arguments())->ReadLine());
     EXPECT_FALSE(test.system->GetInstance().Claim(u"Halyrig"));
     EXPECT_TRUE(test.system->GetInstance().Claim(u"Other"));
     first->Kill();
     first->Wait();
+    EXPECT_EQ(NameLook::kFree, look());
     EXPECT_EQ("claimed", StartRole("claim", test.Arguments())->ReadLine());
+}
+
+TEST(StatusBoard, ShowsWhatARunningProgramPosts) {
+    const TestSystem test;
+    StatusBoard& board = test.system->GetStatusBoard();
+    EXPECT_EQ(nullptr, board.See(u"Halyrig", 8192));
+    for (const char byte : {'a', 'b'}) {
+        auto posted = board.Post(u"Halyrig", 8192);
+        ASSERT_NE(nullptr, posted);
+        char* const bytes = static_cast<char*>(posted->Data());
+        EXPECT_EQ(8192, std::count(bytes, bytes + 8192, '\0')) << "nothing of an earlier run";
+        bytes[8191] = byte;
+        const auto seen = board.See(u"Halyrig", 8192);
+        ASSERT_NE(nullptr, seen);
+        EXPECT_EQ(byte, static_cast<const char*>(seen->Data())[8191]);
+        EXPECT_EQ(nullptr, board.See(u"Halyrig", 1)) << "of another version";
+        EXPECT_EQ(nullptr, board.See(u"Other", 8192));
+    }
+    EXPECT_EQ(nullptr, board.See(u"Halyrig", 8192));
 }
 
 TEST(Library, GivesItsExportsAndHarmsNothingWhereItIsNone) {

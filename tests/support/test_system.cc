@@ -54,7 +54,7 @@ Roots TestRoots(const std::string& name, const std::u16string& folder) {
     roots.registry =
         kPathSeparator == u'/' ? JoinPath(folder, u"config/registry.reg") : u"Software\\HalyrigTest\\" + FromBytes(name);
     roots.programData = JoinPath(folder, u"ProgramData");
-    roots.locks = {{folder}};
+    roots.locks = roots.status = {{folder}};
     return roots;
 }
 

@@ -1,4 +1,4 @@
-// A named block of shared memory, as another program finds it. Status 3 if there is none.
+// A named block of shared memory, or on Linux a file by its path, as another program finds it. Status 3 if there is none.
 //   block NAME                                   prints its bytes
 //   block NAME OFFSET BYTE                       writes one of them
 //   block NAME scribble MILLISECONDS [SPARED]    writes random ones all over it for so long, but not at the offset SPARED
@@ -33,7 +33,7 @@ static void Rest(void) { Sleep((DWORD)(rand() % 2)); }
 #include <unistd.h>
 
 static unsigned char* Map(const char* name, size_t* size) {
-    const int file = shm_open(name, O_RDWR, 0);
+    const int file = strchr(name, '/') ? open(name, O_RDWR) : shm_open(name, O_RDWR, 0);
     struct stat status;
     if (file < 0 || fstat(file, &status) != 0 || status.st_size == 0) return NULL;
     *size = (size_t)status.st_size;

@@ -41,7 +41,7 @@ std::string AsLine(const CheckFinding& finding) {
     for (const std::size_t number : {finding.line, finding.column}) {
         if (number > 0) place += ":" + Digits(number);
     }
-    return (IsNote(finding) ? "note: " : "") + place + ": " + finding.says.Line() + "\n";
+    return (IsNote(finding) ? "note: " : "") + place + (place.empty() ? "" : ": ") + finding.says.Line() + "\n";
 }
 
 std::string OnOff(bool on) { return on ? "on" : "off"; }
@@ -56,7 +56,7 @@ std::string Table(const CheckReport& report) {
     std::string table;
     const auto row = [&](const char* name, const std::string& what) { table += Padded(name, 13) + what + "\n"; };
     const Settings& boxes = report.settings;
-    const std::string from = report.running ? " (in force)" : " (saved)";
+    const std::string from = report.inForce ? " (in force)" : " (saved)";
     const auto& [path, count, timer] = report.variables;
     const auto& library = report.library;
     row("Dfw folder", Harmless(boxes.dfwFolder) + (report.given ? "" : from));

@@ -12,6 +12,7 @@ namespace twr {
 
 // The more serious first.
 enum class Weight {
+    kBridge,     // how it runs now, whatever the files say
     kSettings,   // settings that are lost, which may be why what follows is wrong
     kLibrary,    // without it nothing comes from Deckman
     kVariables,  // the same
@@ -24,7 +25,7 @@ enum class Weight {
 
 struct CheckFinding {
     Weight weight;
-    std::u16string path;
+    std::u16string path = {};          // none if it concerns no file
     std::size_t line = 0, column = 0;  // from 1; 0 for none
     std::string_view flaw = {};        // a word for programs
     Advice says = {};
@@ -48,8 +49,9 @@ struct CheckReport {
     };
 
     bool running = false;  // the bridge
+    bool inForce = false;  // the settings are those of the running bridge
     bool given = false;    // the folder is the caller's, not the one in force
-    Settings settings;     // those in force, or else those saved
+    Settings settings;
     std::u16string dataFolder;
     bool dataFolderExists = false;
     LibraryPart library;

@@ -35,6 +35,16 @@ Weight WeightOf(const Finding& finding) {
     }
 }
 
+// A bridge that runs and can't be seen, or has a record that can't be found.
+void CheckBridge(const CheckedSetup& setup, System& system) {
+    if (!setup.live && RecordIsLost(system)) {
+        setup.Add({.weight = Weight::kBridge, .flaw = "record-lost", .says = {kRecordLost, kRecordLostToDo}});
+    } else if (!setup.now.bridge && setup.now.name.state != NameLook::kFree) {
+        const bool runs = setup.now.name.state == NameLook::kTaken;  // it needs no status to do its work
+        setup.Add({.weight = runs ? Weight::kNote : Weight::kBridge, .flaw = "bridge-not-seen", .says = setup.now.WithoutBridge()});
+    }
+}
+
 void CheckLibrary(const CheckedSetup& setup) {
     const std::u16string& folder = setup.now.settings.dfwFolder;
     const LibraryLook& look = setup.now.Library();
@@ -139,12 +149,14 @@ CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& fol
     Circumstances now(system, *core.View());
     if (folder) now.settings.dfwFolder = Trimmed(std::u16string_view(*folder));
     const CheckedSetup setup{rehearsal.Services(), now, core, live, rehearsal.Core(), report};
-    report.running = now.bridge.has_value();
+    report.running = now.bridge || now.name.state == NameLook::kTaken;
+    report.inForce = now.bridge.has_value();
     report.given = folder.has_value();
     report.settings = now.settings;
     report.dataFolder = FieldText(core.View()->dataFolder);
     report.dataFolderExists = machine.files.Exists(report.dataFolder);
     for (const Finding& finding : heard.found) setup.Add(WeightOf(finding), finding);
+    if (!now.bridge || !live) CheckBridge(setup, system);
     CheckLibrary(setup);
     CheckVariables(setup);
     CheckMapping(setup);

@@ -44,7 +44,7 @@ std::vector<std::pair<ChannelId, BoatSlot>> MappedChannels(const CoreRecord& rec
 bool StandsStill(System& system, const std::optional<BridgeStatus>& first) {
     if (!first) return false;
     for (int tick = 0; tick < 3; ++tick) system.GetConsole().Wait(100);
-    const auto later = ReadBridgeStatus(system.Core().memory);
+    const auto later = ReadBridgeStatus(system);
     return later && later->ticks == first->ticks;
 }
 

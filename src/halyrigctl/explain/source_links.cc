@@ -84,8 +84,10 @@ private:
         const double waited =
             now_.bridge && now_.bridge->waitsSince ? std::fabs(now_.now - *now_.bridge->waitsSince) * kSecondsPerDay : 0.0;
         Advice fault;
-        if (!now_.bridge) {
-            fault = {"the bridge is not running", "start " HALYRIG_PROGRAM};
+        if (!now_.bridge && now_.name.state == NameLook::kTaken) {
+            return links_.Hold("bridge", now_.WithoutBridge().Line());
+        } else if (!now_.bridge) {
+            fault = now_.WithoutBridge();
         } else if (waited > kSurelyWaits || (now_.standsStill && now_.bridge->waitsSince)) {
             fault = {"the bridge stands still: Deckman's library, which it has called, has not returned for " +
                          Printed("%.1f s", waited),

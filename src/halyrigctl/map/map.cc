@@ -42,8 +42,9 @@ MappedChannel Mapped(CCore& core, std::size_t line, std::int32_t channelOfRow, s
             .text = core.View() ? LiveText(core, channel, boat, damped) : std::u16string()};
 }
 
-void ReadMap(const CoreServices& services, CCore& core, ListedMap& map) {
-    map.inForce = FindMappingInForce(services, core);
+void ReadMap(System& system, CCore& core, ListedMap& map) {
+    const CoreServices services = system.Core();
+    map.inForce = FindMappingInForce(system, core);
     map.rows = LoadMapping(services.xml, map.inForce.path, map.inForce.variables.rows, &map.faults);
     for (const MappingVar& row : map.rows.varRows) map.vars.push_back(Mapped(core, row.line, row.channel, row.boat, false));
     for (const MappingRemote& row : map.rows.remoteRows)
@@ -107,7 +108,7 @@ std::string AsJson(const ListedMap& map) {
 Status ListMap(System& system, bool json) {
     ListedMap map;
     Guest guest(system, WithoutRecord::kGoOn);
-    ReadMap(system.Core(), guest.Core(), map);
+    ReadMap(system, guest.Core(), map);
     guest.Leave();
     Console& console = system.GetConsole();
     if (const Status status = Print(console, json ? AsJson(map) : AsText(map)); status != kDone) return status;

@@ -32,7 +32,7 @@ std::vector<std::u16string> CatalogueNames() {
 
 Status MapChange::Open() {
     Guest guest(system_, WithoutRecord::kGoOn);
-    inForce_ = FindMappingInForce(services_, guest.Core());
+    inForce_ = FindMappingInForce(system_, guest.Core());
     guest.Leave();
     return ReadFile();
 }
@@ -49,7 +49,7 @@ Status MapChange::OpenFor(const std::string& channel) {
     }
     channel_ = *found;
     shown_ = std::to_string(*found) + " " + Harmless(NameForPeople(guest.Core(), *found));
-    inForce_ = FindMappingInForce(services_, guest.Core());
+    inForce_ = FindMappingInForce(system_, guest.Core());
     guest.Leave();
     return ReadFile();
 }

@@ -75,7 +75,7 @@ std::string AsText(const Suggestions& suggestions) {
 Status SuggestMap(System& system) {
     const CoreServices services = system.Core();
     Guest guest(system, WithoutRecord::kGoOn);
-    const MappingInForce inForce = FindMappingInForce(services, guest.Core());
+    const MappingInForce inForce = FindMappingInForce(system, guest.Core());
     guest.Leave();
     const std::vector<MappingVar>& variables = inForce.variables.rows;
     if (ComplainOfUnread(system.GetConsole(), inForce.ofList.found)) return kFailed;

@@ -20,10 +20,11 @@ std::u16string DataFolder(const CoreServices& services, const CCore& core) {
 
 }  // namespace
 
-MappingInForce FindMappingInForce(const CoreServices& services, const CCore& core) {
+MappingInForce FindMappingInForce(System& system, const CCore& core) {
+    const CoreServices services = system.Core();
     MappingInForce inForce;
-    const auto bridge = ReadBridgeStatus(services.memory);
-    inForce.bridgeRuns = bridge.has_value();
+    const auto bridge = ReadBridgeStatus(system);
+    inForce.bridgeRuns = bridge || LookForBridge(system).state == NameLook::kTaken;
     const Settings settings = bridge ? bridge->settings : ReadSettings(services.registry);
     inForce.dfwFolder = Trimmed(std::u16string_view(settings.dfwFolder));
     // Deckman's list is not copied if it is locked: only the bridge may write to the data folder.

@@ -18,7 +18,7 @@ struct MappingInForce {
 };
 
 // The record's data folder is used if the core is attached.
-MappingInForce FindMappingInForce(const CoreServices& services, const CCore& core);
+MappingInForce FindMappingInForce(System& system, const CCore& core);
 
 // What to do about a list of variables without rows.
 std::string NoVariables(const MappingInForce& inForce);

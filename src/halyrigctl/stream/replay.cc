@@ -14,7 +14,7 @@ namespace twr {
 namespace {
 
 constexpr int kSliceMs = 100;
-constexpr int kBridgeCheckMs = 1000;
+constexpr int kBetweenChecksMs = 1000;
 constexpr double kLongestStep = 1.0;  // seconds; a machine that slept, or whose clock was set, plays on where it was
 
 // The replay of one file, from its start to its end.
@@ -35,7 +35,7 @@ private:
     bool Pause(int milliseconds);
     bool GoesOn(int milliseconds = 0);
     bool Fail(const std::string& why);
-    bool BridgeRuns() { return !options_.into && ReadBridgeStatus(system_.Core().memory).has_value(); }
+    bool IsAlone(const std::string& ifNot);
 
     System& system_;
     const ReplayOptions options_;
@@ -43,7 +43,7 @@ private:
     ReplayStart start_;
     std::set<ChannelId> channels_;
     std::unique_ptr<CCore> core_;
-    int sinceBridgeCheck_ = 0;  // milliseconds
+    int sinceCheck_ = 0;  // milliseconds
     Status status_ = kDone;
 };
 
@@ -98,10 +98,18 @@ std::unique_ptr<RecordedSource> Replay::OpenLog() {
     return nullptr;
 }
 
+// Beside the bridge, what is recorded would mix with what is measured. A bridge that can't be seen may run.
+bool Replay::IsAlone(const std::string& ifNot) {
+    if (options_.into) return true;
+    const NameLook bridge = LookForBridge(system_);
+    if (bridge.state == NameLook::kTaken) return Fail(HALYRIG_PROGRAM + ifNot);
+    return bridge.state == NameLook::kFree ||
+           Fail("whether " HALYRIG_PROGRAM " is running can't be seen, and a replay would mix with what it publishes: " +
+                bridge.why + ", or publish into that with --into.");
+}
+
 bool Replay::Attach() {
-    if (BridgeRuns()) {
-        return Fail(HALYRIG_PROGRAM " is running and publishes what is measured; end it first, or publish into that with --into.");
-    }
+    if (!IsAlone(" is running and publishes what is measured; end it first, or publish into that with --into.")) return false;
     core_ = std::make_unique<CCore>(system_.Core());
     if (!core_->View()) return Fail("the record can't be made or joined.");
     if (!core_->QuitRequested()) return true;
@@ -157,11 +165,11 @@ bool Replay::PlayUntilEnd(Replayer& replayer) {
 bool Replay::Pause(int milliseconds) {
     core_->StampTime();
     if (!GoesOn(milliseconds)) return false;
-    sinceBridgeCheck_ += milliseconds;
-    if (sinceBridgeCheck_ < kBridgeCheckMs) return true;
-    sinceBridgeCheck_ = 0;
-    return !BridgeRuns() ||
-           Fail(HALYRIG_PROGRAM " has been started; the replay has ended, so as not to mix with what is measured.");
+    sinceCheck_ += milliseconds;
+    if (sinceCheck_ < kBetweenChecksMs) return true;
+    sinceCheck_ = 0;
+    if (core_->RecordIsLost()) return Fail("the replay has ended, since nobody can follow it.");
+    return IsAlone(" has been started; the replay has ended, so as not to mix with what is measured.");
 }
 
 // False once the user or the suite has asked to stop.

@@ -94,6 +94,8 @@ void Streamer::LeaveIfNeeded() {
     if (!core_) return;
     if (core_->QuitRequested()) {
         Leave("the suite has been asked to close; waiting for the next record.");
+    } else if (core_->RecordIsLost()) {
+        Leave("waiting for the next record.");
     } else if (IsIdle(*core_->View(), system_.Core().clock)) {
         Leave("no program of the suite has published anything for 10 s; waiting for one that does.");
     }

@@ -24,7 +24,7 @@ void BridgePulse::Look(const std::optional<BridgeStatus>& bridge, double seconds
 }
 
 std::string BridgePulse::Words() const {
-    if (!from_) return "the bridge is not running";
+    if (!from_) return {};
     if (!rate_) return "the bridge is running";
     if (StandsStill()) return "the bridge stands still";
     return "bridge " + std::to_string(std::lround(*rate_)) + " ticks/s";

@@ -10,12 +10,12 @@ namespace twr {
 
 class BridgePulse {
 public:
-    // Takes a look; `bridge` is nullopt if it is not running, `seconds` count from any moment.
+    // Takes a look; `bridge` is nullopt if it can't be seen, `seconds` count from any moment.
     void Look(const std::optional<BridgeStatus>& bridge, double seconds);
 
     bool StandsStill() const { return rate_ == 0.0; }
     bool Works() const { return from_ && !StandsStill(); }
-    std::string Words() const;
+    std::string Words() const;  // none while there is no bridge to be seen
 
 private:
     struct Count {

@@ -24,6 +24,9 @@ namespace {
 // The next look may be an hour away, and holding the record until then would keep a request to close alive.
 constexpr int kSliceMs = 100;
 
+// Asked to close, or out of reach of every other program.
+bool HasEnded(const CCore& core) { return core.QuitRequested() || core.RecordIsLost(); }
+
 // Looks at everything that is shown.
 class Watcher {
 public:
@@ -39,7 +42,8 @@ public:
         pulse_.Look(circumstances_.bridge, circumstances_.now * kSecondsPerDay);
         circumstances_.standsStill = pulse_.StandsStill();
         const double time = core_.ToDisplayTime(circumstances_.now);
-        return {ToUtf8(DateTimeFormat(time, dated ? u"%d-%b-%Y %H:%M:%S" : u"%H:%M:%S")), pulse_.Words(), pulse_.Works(),
+        return {ToUtf8(DateTimeFormat(time, dated ? u"%d-%b-%Y %H:%M:%S" : u"%H:%M:%S")),
+                circumstances_.bridge ? pulse_.Words() : circumstances_.WithoutBridge().what, pulse_.Works(),
                 channels_.Look(circumstances_), ReadRemotes(memory_, circumstances_.settings.dfwFolder)};
     }
 
@@ -66,11 +70,11 @@ std::vector<ChannelId> FindChannels(const CCore& core, const std::vector<std::st
 void WatchLive(ConsoleScreen& screen, const CCore& core, Watcher& watcher, const WatchOptions& options) {
     WatchView view(options.order);
     int left = 0;
-    while (!core.QuitRequested()) {
+    while (!HasEnded(core)) {
         if (left <= 0) left = options.intervalMs;
         screen.Draw(view.Draw(watcher.Look(false), screen.Size()));
         std::optional<char32_t> key;
-        while (left > 0 && !key && !core.QuitRequested()) {
+        while (left > 0 && !key && !HasEnded(core)) {
             const int slice = std::min(left, kSliceMs);
             key = screen.Wait(slice);
             if (!key) left -= slice;
@@ -82,9 +86,9 @@ void WatchLive(ConsoleScreen& screen, const CCore& core, Watcher& watcher, const
 // False as soon as the user or the suite asks to stop.
 bool WaitForNextLook(Console& console, const CCore& core, int milliseconds) {
     for (; milliseconds > 0; milliseconds -= kSliceMs) {
-        if (core.QuitRequested() || !console.Wait(std::min(milliseconds, kSliceMs))) return false;
+        if (HasEnded(core) || !console.Wait(std::min(milliseconds, kSliceMs))) return false;
     }
-    return !core.QuitRequested();
+    return !HasEnded(core);
 }
 
 std::string PlainText(WatchedLook look, RowOrder order) {
@@ -99,7 +103,7 @@ std::string PlainText(WatchedLook look, RowOrder order) {
 }
 
 Output WatchAsText(Console& console, const CCore& core, Watcher& watcher, const WatchOptions& options) {
-    const auto goOn = [&] { return !core.QuitRequested() && console.Wait(0); };
+    const auto goOn = [&] { return !HasEnded(core) && console.Wait(0); };
     Output output;
     int shown = 0;
     do output = console.Write(PlainText(watcher.Look(true), options.order), goOn);
@@ -132,7 +136,7 @@ Status Watch(System& system, const WatchOptions& options) {
         }
     }
     guest.Leave();
-    return StatusOf(console, output);
+    return guest.RecordWasLost() ? kFailed : StatusOf(console, output);
 }
 
 }  // namespace twr

@@ -13,16 +13,16 @@
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
 #include "platform/linux/standard_error.h"
-#include "platform/paths.h"
 
 namespace twr {
 namespace {
 
 // Opens a lock file of this user; returns why it can't be used, or an empty text.
-std::string Open(const std::string& path, Descriptor& file) {
-    file = OpenPlainFile(path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+std::string Open(const std::string& path, int flags, Descriptor& file) {
+    file = OpenPlainFile(path, flags | O_NOFOLLOW, 0600);
     struct stat status {};
     if (!file && errno == ELOOP) return "it is a link";
+    if (!file && (errno == EINVAL || errno == EISDIR)) return "it is not a plain file";
     if (!file || fstat(file.Get(), &status) != 0) return std::strerror(errno);
     return status.st_uid == geteuid() ? "" : "it belongs to another user";
 }
@@ -34,10 +34,10 @@ public:
     // A file that can't be locked does not show whether another instance runs, and must not prevent a start.
     bool Claim(std::u16string_view name) override {
         std::vector<Descriptor> locked;
-        for (const LockPlace& place : roots_.locks) {
+        for (const FilePlace& place : roots_.locks) {
             const std::string path = PathOf(place, name);
             Descriptor file;
-            std::string fault = Open(path, file);
+            std::string fault = Open(path, O_RDWR | O_CREAT, file);
             if (fault.empty()) {
                 if (std::ranges::any_of(locked, [&](const Descriptor& other) { return SameFile(file, other); })) continue;
                 struct flock whole {};
@@ -56,15 +56,30 @@ public:
         return true;
     }
 
+    // One lock is enough; one that can't be seen may be the only one that a program in another environment has.
+    NameLook Look(std::u16string_view name) const override {
+        NameLook look;
+        for (const FilePlace& place : roots_.locks) {
+            const std::string path = PathOf(place, name);
+            Descriptor file;
+            std::string fault = Open(path, O_RDONLY, file);
+            struct flock whole {};
+            whole.l_type = F_WRLCK;
+            if (!file && errno == ENOENT) continue;
+            if (fault.empty() && fcntl(file.Get(), F_OFD_GETLK, &whole) != 0) fault = std::strerror(errno);
+            if (fault.empty() && whole.l_type != F_UNLCK) return {NameLook::kTaken};
+            if (!fault.empty()) look = {NameLook::kUnknown, path + " can't be looked at: " + fault + "; remove the file"};
+        }
+        return look;
+    }
+
     void RaiseOther(std::u16string_view caption) override {
         std::fprintf(stderr, "%s is already running.\n", ToUtf8(caption).c_str());
     }
 
 private:
-    std::string PathOf(const LockPlace& place, std::u16string_view name) const {
-        std::u16string file(name);
-        std::ranges::transform(file, file.begin(), [](char16_t c) { return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c; });
-        return NativePath(JoinPath(place.folder, roots_.namePrefix + file + place.tag + u".lock"));
+    std::string PathOf(const FilePlace& place, std::u16string_view name) const {
+        return FileIn(place, roots_.namePrefix, name, place.tag + u".lock");
     }
 
     const Roots roots_;

@@ -20,7 +20,12 @@ std::unique_ptr<Xml> MakeXml();
 std::unique_ptr<Libraries> MakeLibraries();
 std::unique_ptr<Desktop> MakeHeadlessDesktop();
 std::unique_ptr<Desktop> MakeTerminalDesktop();
+
+// The path of a program's file in a folder: the prefix, the program's name in small letters, and `ending`.
+std::string FileIn(const FilePlace& place, std::u16string_view prefix, std::u16string_view program, std::u16string_view ending);
+
 std::unique_ptr<Instance> MakeInstance(const Roots& roots);
+std::unique_ptr<StatusBoard> MakeStatusBoard(const Roots& roots);
 std::unique_ptr<Executable> MakeExecutable();
 std::unique_ptr<CrashReports> MakeCrashReports();
 std::unique_ptr<Console> MakeConsole();

@@ -31,10 +31,11 @@ constexpr auto kPause = std::chrono::microseconds(100);
 
 class Block final : public SharedBlock {
 public:
-    Block(SharedObject object, std::size_t size, bool existed)
+    Block(SharedObject object, std::size_t size, bool existed, std::function<void()> tellLost)
         : object_(std::move(object)),
           size_(size),
           existed_(existed),
+          tellLost_(std::move(tellLost)),
           data_(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, object_.Get(), 0)) {}
     ~Block() override {
         if (Data()) munmap(data_, size_);
@@ -42,11 +43,20 @@ public:
 
     void* Data() const override { return data_ == MAP_FAILED ? nullptr : data_; }
     bool Existed() const override { return existed_; }
+    bool IsLost() override {
+        if (!lost_ && object_.HasLostName()) {
+            lost_ = true;
+            tellLost_();
+        }
+        return lost_;
+    }
 
 private:
     const SharedObject object_;
     const std::size_t size_;
     const bool existed_;
+    const std::function<void()> tellLost_;
+    bool lost_ = false;
     void* const data_;
 };
 
@@ -64,6 +74,11 @@ public:
 
     std::unique_ptr<SharedBlock> OpenExisting(std::u16string_view name, std::size_t size) override {
         return Acquire(prefix_ + ToUtf8(name), size, false);
+    }
+
+    bool HasName(std::u16string_view name) const override {
+        struct stat status {};
+        return lstat(ObjectPath(prefix_ + ToUtf8(name)).c_str(), &status) == 0 || errno != ENOENT;
     }
 
 private:
@@ -93,7 +108,7 @@ private:
         if (!object.IsNamed()) return Missed(name);
         if (const int error = object.Fill(size)) return Refuse(name, "there is no room for it", error);
         if (!object.Lock(F_RDLCK, kWhole)) return Refuse(name, "it can't be locked", errno);
-        return std::make_unique<Block>(std::move(object), size, false);
+        return Held(std::move(object), name, size, false);
     }
 
     // Joins the processes that hold the block. The first check takes no lock: many processes that find what a killed holder left
@@ -105,7 +120,17 @@ private:
         if (!object.HeldByOthers()) return std::nullopt;
         if (!object.HasSize(size)) return Refuse(name, "a program that holds it created it with another size; end that program");
         if (!object.Lock(F_RDLCK, kWhole)) return std::nullopt;
-        return std::make_unique<Block>(std::move(object), size, true);
+        return Held(std::move(object), name, size, true);
+    }
+
+    std::unique_ptr<SharedBlock> Held(SharedObject object, const std::string& name, std::size_t size, bool existed) const {
+        const auto tellLost = [tell = tell_, path = ObjectPath(name)] {
+            tell("shared memory " + path +
+                 ": its name has been removed, so no other program finds it. The system does that when "
+                 "a user's last session ends, unless 'loginctl enable-linger' is set for the user. Start the programs of the suite "
+                 "again.");
+        };
+        return std::make_unique<Block>(std::move(object), size, existed, tellLost);
     }
 
     Attempt Missed(const std::string& name) const {
@@ -116,17 +141,15 @@ private:
     std::unique_ptr<SharedBlock> RefuseToOpen(const std::string& name) const {
         const int error = errno;
         struct stat status {};
-        const bool foreign = error == EACCES && lstat(PathOf(name).c_str(), &status) == 0 && status.st_uid != geteuid();
+        const bool foreign = error == EACCES && lstat(ObjectPath(name).c_str(), &status) == 0 && status.st_uid != geteuid();
         return foreign ? Refuse(name, "it belongs to another user, with uid " + std::to_string(status.st_uid) + "; remove it")
                        : Refuse(name, "it can't be opened", error);
     }
 
     std::unique_ptr<SharedBlock> Refuse(const std::string& name, const std::string& cause, int error = 0) const {
-        tell_("shared memory " + PathOf(name) + ": " + cause + (error ? std::string(": ") + std::strerror(error) : ""));
+        tell_("shared memory " + ObjectPath(name) + ": " + cause + (error ? std::string(": ") + std::strerror(error) : ""));
         return nullptr;
     }
-
-    static std::string PathOf(const std::string& name) { return "/dev/shm" + name; }
 
     const std::string prefix_;
     const std::function<void(const std::string&)> tell_;

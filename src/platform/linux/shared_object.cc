@@ -12,7 +12,7 @@
 namespace twr {
 
 SharedObject::SharedObject(std::string name, int flags)
-    : name_(std::move(name)), file_(shm_open(name_.c_str(), flags | O_RDWR | O_CLOEXEC, 0600)) {
+    : name_(std::move(name)), path_(ObjectPath(name_)), file_(shm_open(name_.c_str(), flags | O_RDWR | O_CLOEXEC, 0600)) {
     file_.KeepFromForks();
 }
 
@@ -43,6 +43,13 @@ bool SharedObject::IsNamed() const {
     if (!now) return false;
     errno = ENOENT;  // if another object has the name
     return SameFile(now, file_);
+}
+
+bool SharedObject::HasLostName() const {
+    struct stat named {};
+    struct stat own {};
+    if (lstat(path_.c_str(), &named) != 0) return errno == ENOENT;
+    return fstat(file_.Get(), &own) == 0 && (named.st_dev != own.st_dev || named.st_ino != own.st_ino);
 }
 
 bool SharedObject::HasSize(std::size_t size) const {

@@ -18,6 +18,9 @@ inline constexpr LockRange kWhole{0, 0};
 inline constexpr LockRange kLook{0, kLastByte};
 inline constexpr LockRange kHolders{kLastByte, 0};
 
+// The file behind the object's name.
+inline std::string ObjectPath(const std::string& name) { return "/dev/shm" + name; }
+
 // An object while this process may have a lock on it. The destructor unlinks the name if it finds no other holder.
 class SharedObject {
 public:
@@ -39,6 +42,9 @@ public:
     // ENOENT if that is unknown.
     bool IsNamed() const;
 
+    // Whether the name is surely gone, or leads to another object. Opens nothing.
+    bool HasLostName() const;
+
     bool HasSize(std::size_t size) const;
 
     // Why another user could read, change or shorten the object; empty if none can.
@@ -52,6 +58,7 @@ private:
     void Leave();
 
     std::string name_;
+    std::string path_;  // of the name, so that a look takes no memory
     Descriptor file_;
     bool locked_ = false;
 };

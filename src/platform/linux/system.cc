@@ -36,7 +36,8 @@ public:
         : memory_(MakeSharedMemory(roots.namePrefix, [this](const std::string& cause) { OnNoMemory(cause); })),
           registry_(MakeRegistry(roots.registry)),
           files_(MakeFiles(roots.programData)),
-          instance_(MakeInstance(roots)) {
+          instance_(MakeInstance(roots)),
+          status_(MakeStatusBoard(roots)) {
         // Writes to a closed pipe or beyond the file size limit fail without ending the process.
         for (const int number : {SIGPIPE, SIGXFSZ}) signal(number, SIG_IGN);
     }
@@ -44,6 +45,7 @@ public:
     CoreServices Core() override { return {*clock_, *zone_, *memory_, *registry_, *files_, *xml_, *desktop_}; }
     Libraries& GetLibraries() override { return *libraries_; }
     Instance& GetInstance() override { return *instance_; }
+    StatusBoard& GetStatusBoard() override { return *status_; }
     Executable& GetExecutable() override { return *executable_; }
     Console& GetConsole() override { return *console_; }
     CrashReports& GetCrashReports() override { return *crashes_; }
@@ -65,6 +67,7 @@ private:
     const std::unique_ptr<Desktop> desktop_ = MakeDesktop();
     const std::unique_ptr<Libraries> libraries_ = MakeLibraries();
     const std::unique_ptr<Instance> instance_;
+    const std::unique_ptr<StatusBoard> status_;
     const std::unique_ptr<Executable> executable_ = MakeExecutable();
     const std::unique_ptr<Console> console_ = MakeConsole();
     const std::unique_ptr<CrashReports> crashes_ = MakeCrashReports();

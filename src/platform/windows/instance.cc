@@ -1,3 +1,4 @@
+#include "base/wide_text.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
@@ -9,6 +10,7 @@ class WindowsInstance final : public Instance {
 public:
     explicit WindowsInstance(std::u16string prefix) : prefix_(std::move(prefix)) {}
     bool Claim(std::u16string_view name) override;
+    NameLook Look(std::u16string_view name) const override;
     void RaiseOther(std::u16string_view caption) override;
 
 private:
@@ -20,10 +22,26 @@ private:
 
 bool WindowsInstance::Claim(std::u16string_view name) {
     const std::wstring fullName = ToWide(prefix_ + std::u16string(name));
-    UniqueHandle mutex(CreateMutexW(nullptr, FALSE, fullName.c_str()));
-    if (mutex && GetLastError() == ERROR_ALREADY_EXISTS) return false;
-    mutex_ = std::move(mutex);
-    return true;
+    for (int tries = 3; tries > 0; --tries) {
+        UniqueHandle mutex(CreateMutexW(nullptr, FALSE, fullName.c_str()));
+        if (!mutex || GetLastError() != ERROR_ALREADY_EXISTS) {
+            mutex_ = std::move(mutex);
+            return true;
+        }
+        mutex = {};
+        Sleep(20);  // it may have been no more than a look
+    }
+    return false;
+}
+
+NameLook WindowsInstance::Look(std::u16string_view name) const {
+    const std::wstring fullName = ToWide(prefix_ + std::u16string(name));
+    const UniqueHandle mutex(OpenMutexW(SYNCHRONIZE, FALSE, fullName.c_str()));
+    const DWORD error = GetLastError();
+    if (mutex) return {NameLook::kTaken};
+    if (error == ERROR_FILE_NOT_FOUND) return {NameLook::kFree};
+    return {NameLook::kUnknown, "the mutex " + ToUtf8(name) + " can't be opened: error " + std::to_string(error) +
+                                    "; end the program of another user that has it"};
 }
 
 void WindowsInstance::RaiseOther(std::u16string_view caption) {

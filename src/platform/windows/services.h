@@ -16,6 +16,7 @@ std::unique_ptr<Xml> MakeXml();
 std::unique_ptr<Libraries> MakeLibraries();
 std::unique_ptr<Desktop> MakeDesktop();
 std::unique_ptr<Instance> MakeInstance(const std::u16string& namePrefix);
+std::unique_ptr<StatusBoard> MakeStatusBoard(const std::u16string& namePrefix);
 std::unique_ptr<Executable> MakeExecutable();
 std::unique_ptr<CrashReports> MakeCrashReports();
 

@@ -1,5 +1,7 @@
 #include "platform/shared_memory.h"
 
+#include <cstring>
+
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/wide.h"
@@ -63,6 +65,32 @@ std::unique_ptr<SharedBlock> WindowsSharedMemory::OpenExisting(std::u16string_vi
     auto view = Mapped(mapping.get(), size);
     if (!view) return nullptr;
     return std::make_unique<Block>(std::move(mapping), std::move(view), true);
+}
+
+// A named block too, which Windows removes with the last process that has it open.
+class WindowsStatusBoard final : public StatusBoard {
+public:
+    explicit WindowsStatusBoard(const std::u16string& prefix) : memory_(u"Local\\" + prefix) {}
+
+    std::unique_ptr<SharedBlock> Post(std::u16string_view program, std::size_t size) override {
+        auto block = memory_.CreateOrOpen(NameOf(program), size);
+        if (!block || !block->Data()) return nullptr;
+        if (block->Existed()) std::memset(block->Data(), 0, size);  // a look at an earlier run still has it
+        return block;
+    }
+
+    std::unique_ptr<SharedBlock> See(std::u16string_view program, std::size_t size) const override {
+        return memory_.OpenExisting(NameOf(program), size);
+    }
+
+private:
+    static std::u16string NameOf(std::u16string_view program) { return std::u16string(program) + u"Status"; }
+
+    mutable WindowsSharedMemory memory_;
+};
+
+std::unique_ptr<StatusBoard> MakeStatusBoard(const std::u16string& namePrefix) {
+    return std::make_unique<WindowsStatusBoard>(namePrefix);
 }
 
 std::unique_ptr<SharedMemory> MakeSharedMemory(const std::u16string& namePrefix) {

@@ -21,7 +21,8 @@ public:
         : memory_(MakeSharedMemory(roots.namePrefix)),
           registry_(MakeRegistry(roots.registry)),
           files_(MakeFiles(roots.programData)),
-          instance_(MakeInstance(roots.namePrefix)) {
+          instance_(MakeInstance(roots.namePrefix)),
+          status_(MakeStatusBoard(roots.namePrefix)) {
         // A missing drive or a damaged library is a failure like any other, not a message box of the system.
         SetErrorMode(SetErrorMode(0) | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
     }
@@ -29,6 +30,7 @@ public:
     CoreServices Core() override { return {*clock_, *zone_, *memory_, *registry_, *files_, *xml_, *desktop_}; }
     Libraries& GetLibraries() override { return *libraries_; }
     Instance& GetInstance() override { return *instance_; }
+    StatusBoard& GetStatusBoard() override { return *status_; }
     Executable& GetExecutable() override { return *executable_; }
     Console& GetConsole() override { return *console_; }
     CrashReports& GetCrashReports() override { return *crashes_; }
@@ -43,6 +45,7 @@ private:
     const std::unique_ptr<Desktop> desktop_ = MakeDesktop();
     const std::unique_ptr<Libraries> libraries_ = MakeLibraries();
     const std::unique_ptr<Instance> instance_;
+    const std::unique_ptr<StatusBoard> status_;
     const std::unique_ptr<Executable> executable_ = MakeExecutable();
     const std::unique_ptr<Console> console_ = MakeConsole();
     const std::unique_ptr<CrashReports> crashes_ = MakeCrashReports();

@@ -32,6 +32,7 @@ public:
         return system_.GetLibraries();
     }
     Instance& GetInstance() override { return system_.GetInstance(); }
+    StatusBoard& GetStatusBoard() override { return system_.GetStatusBoard(); }
     Executable& GetExecutable() override { return system_.GetExecutable(); }
     Console& GetConsole() override { return system_.GetConsole(); }
     CrashReports& GetCrashReports() override { return system_.GetCrashReports(); }

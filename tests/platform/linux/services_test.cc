@@ -120,17 +120,20 @@ TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
 
 TEST(UserRoots, FollowTheEnvironment) {
     const std::string user = std::to_string(geteuid()), session = "/run/user/" + user;
-    const std::string always = (fs::exists(session) ? session + ' ' : "") + "/tmp-" + user + ' ';
+    const std::string here = fs::exists(session) ? session + ' ' : "", always = here + "/tmp-" + user + " status ";
+    const std::string usual = always + (here.empty() ? "/dev/shm-" + user + ' ' : here);
     const std::tuple<const char*, const char*, const char*, const char*, std::string> rows[] = {
-        {"/h", nullptr, nullptr, nullptr, "/h/.config/tidewright/registry.reg /h/.local/share " + always},
-        {"/h", "/c", "/d", "/dev", "/c/tidewright/registry.reg /d /dev " + always},
-        {"/h", "relative", "", "/no/such/folder", "/h/.config/tidewright/registry.reg /h/.local/share " + always}};
+        {"/h", nullptr, nullptr, nullptr, "/h/.config/tidewright/registry.reg /h/.local/share " + usual},
+        {"/h", "/c", "/d", "/dev", "/c/tidewright/registry.reg /d /dev " + always + "/dev " + here},
+        {"/h", "relative", "", "/no/such/folder", "/h/.config/tidewright/registry.reg /h/.local/share " + usual}};
     for (const auto& [home, config, data, runtime, expected] : rows) {
         const EnvironmentVariable a("HOME", home), b("XDG_CONFIG_HOME", config);
         const EnvironmentVariable c("XDG_DATA_HOME", data), d("XDG_RUNTIME_DIR", runtime);
         const Roots roots = UserRoots();
         std::string all = ToUtf8(roots.namePrefix + roots.registry + u' ' + roots.programData) + ' ';
-        for (const LockPlace& place : roots.locks) all += ToUtf8(place.folder + place.tag) + ' ';
+        for (const FilePlace& place : roots.locks) all += ToUtf8(place.folder + place.tag) + ' ';
+        all += "status ";
+        for (const FilePlace& place : roots.status) all += ToUtf8(place.folder + place.tag) + ' ';
         EXPECT_EQ(expected, all);
     }
     const EnvironmentVariable homeless("HOME", nullptr), data("XDG_DATA_HOME", nullptr);
@@ -144,7 +147,7 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
     const std::tuple<const char*, std::function<void(const fs::path&)>, const char*, bool> rows[] = {
         {"nothing there", [](const auto&) {}, "", false},
         {"a link", [](const auto& path) { fs::create_symlink("/dev/null", path); }, "it is a link", true},
-        {"a folder", [](const auto& path) { fs::create_directory(path); }, "Is a directory", true},
+        {"a folder", [](const auto& path) { fs::create_directory(path); }, "it is not a plain file", true},
         {"a file of another user's",
          [](const auto& path) {
              std::ofstream(path).put('x');
@@ -170,6 +173,10 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
         EXPECT_TRUE(fs::exists(folder.Path() / "a/halyrig.lock"));
         ::testing::internal::CaptureStderr();
         EXPECT_FALSE(system("a")->GetInstance().Claim(u"Halyrig"));
+        EXPECT_EQ(NameLook::kTaken, system("a")->GetInstance().Look(u"Halyrig").state);
+        const NameLook look = system("b")->GetInstance().Look(u"Halyrig");
+        EXPECT_EQ(second ? NameLook::kUnknown : NameLook::kTaken, look.state);
+        EXPECT_NE(std::string::npos, look.why.find(second ? told : "")) << look.why;
         EXPECT_EQ(second, system("b")->GetInstance().Claim(u"Halyrig"));
         const pid_t helper = fork();  // as a library's; it has no part in the locks
         if (helper == 0) {
@@ -181,6 +188,43 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
         kill(helper, SIGKILL);
         waitpid(helper, nullptr, 0);
         ::testing::internal::GetCapturedStderr();
+    }
+}
+
+// Nothing that lies in its place is taken for a status, nor keeps a program from anything.
+TEST(StatusFiles, AreOfARunningProgramOfThisUser) {
+    const std::tuple<const char*, bool, std::function<void(const fs::path&)>> rows[] = {
+        {"a file of 8 bytes, as one that was killed leaves it", true, [](const auto& path) { std::ofstream(path) << "killed.."; }},
+        {"a link", true, [](const auto& path) { fs::create_symlink("../victim", path); }},
+        {"a pipe", true, [](const auto& path) { EXPECT_EQ(0, mkfifo(path.c_str(), 0600)); }},
+        {"a folder", false, [](const auto& path) { fs::create_directory(path); }},
+        {"no folder", false, [](const auto& path) { fs::remove_all(path.parent_path()); }}};
+    for (const auto& [what, posts, plant] : rows) {
+        SCOPED_TRACE(what);
+        const TempFolder folder;
+        Roots roots = TestRoots("x", folder.Text());
+        roots.status = {{folder.File("own"), u"-7"}};
+        const auto system = MakeSystem(roots), other = MakeSystem(roots);
+        const fs::path path = folder.Path() / "own/HalyrigTest_x_halyrig-status-7";
+        fs::create_directory(path.parent_path());
+        folder.Write("victim", "whatever");
+        plant(path);
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(nullptr, other->GetStatusBoard().See(u"Halyrig", 8));
+        auto posted = system->GetStatusBoard().Post(u"Halyrig", 8);
+        EXPECT_EQ(posts, posted != nullptr);
+        EXPECT_EQ(posts, other->GetStatusBoard().See(u"Halyrig", 8) != nullptr);
+        struct stat status {};
+        EXPECT_TRUE(!posts || (stat(path.c_str(), &status) == 0 && (status.st_mode & 0777) == 0600));
+        if (geteuid() == 0 && posts) {
+            EXPECT_EQ(0, chown(path.c_str(), 12345, 12345));
+            EXPECT_EQ(nullptr, other->GetStatusBoard().See(u"Halyrig", 8)) << "another user's";
+        }
+        posted.reset();
+        EXPECT_TRUE(!posts || !fs::exists(path)) << "removed with the program";
+        EXPECT_EQ("", ::testing::internal::GetCapturedStderr());
+        EXPECT_EQ(0, system->ExitStatus());
+        EXPECT_EQ("whatever", folder.Read("victim"));
     }
 }
 

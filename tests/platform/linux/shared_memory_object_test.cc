@@ -176,6 +176,27 @@ TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
     EXPECT_EQ("read 0 0", LockOfOthers(Object(), 0)) << "who holds it is left alone";
 }
 
+// As a system does that ends a user's last session.
+TEST_F(SharedMemoryObjectTest, ANameThatIsTakenFromItIsNoticedAndTold) {
+    for (const bool another : {false, true}) {
+        const auto system = testing::SystemOf(test_.Arguments());
+        auto block = system->Core().memory.CreateOrOpen(u"Block", kSize);
+        ::testing::internal::CaptureStderr();
+        EXPECT_FALSE(block->IsLost());
+        EXPECT_TRUE(memory_.HasName(u"Block"));
+        shm_unlink(ObjectName().c_str());
+        EXPECT_FALSE(memory_.HasName(u"Block"));
+        const auto next = another ? memory_.CreateOrOpen(u"Block", kSize) : nullptr;
+        EXPECT_TRUE(block->IsLost() && block->IsLost());
+        const std::string told = ::testing::internal::GetCapturedStderr();
+        EXPECT_EQ(1, std::ranges::count(told, '\n')) << told;
+        EXPECT_NE(std::string::npos, told.find("/dev/shm" + ObjectName() + ": its name has been removed")) << told;
+        EXPECT_NE(0, system->ExitStatus());
+        block.reset();
+        EXPECT_EQ(another, memory_.HasName(u"Block")) << "what others have made stays";
+    }
+}
+
 TEST_F(SharedMemoryObjectTest, IsGoneAfterManyHaveLeftAtOnce) {
     for (int round = 0; round < 1000; ++round) {
         std::barrier together(2);
