@@ -1,7 +1,9 @@
 // A library in Deckman's place that misbehaves as the environment variable TORTURE says: "hold" waits in Usr_Read while the file
 // TORTURE_HOLD exists, the names in Crash end the process sooner or later, "anything" gives random numbers, "signals" has timers
-// and signals of its own, "helper" forks, "thread" begins a thread that never ends, "count" gives each variable another value at
-// each reading, 0 to 29 in turn. WITHOUT_... at compile time leaves a function out.
+// TORTURE_HOLD exists, the names in Crash end the process sooner or later, "anything" gives random numbers, "signals" has timers
+// and signals of its own, "helper" forks a process that removes the file TORTURE_HELPER when TORTURE_HOLD has gone, "thread" begins
+// a thread that never ends, "count" gives each variable another value at each reading, 0 to 29 in turn. WITHOUT_... at compile time
+// leaves a function out.
 #ifndef _WIN32
 #define _GNU_SOURCE
 #endif
@@ -97,8 +99,8 @@ static void Begin(void) {
     pthread_t thread;
     if (Is("thread")) pthread_create(&thread, NULL, RunOn, &steps);
     if (Is("helper") && fork() == 0) {
-        sleep(3600);
-        _exit(0);
+        Hold();
+        _exit(remove(getenv("TORTURE_HELPER")));
     }
     if (!Is("signals")) return;
     setitimer(ITIMER_REAL, &soon, NULL);

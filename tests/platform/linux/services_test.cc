@@ -179,10 +179,8 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
         EXPECT_NE(std::string::npos, look.why.find(second ? told : "")) << look.why;
         EXPECT_EQ(second, system("b")->GetInstance().Claim(u"Halyrig"));
         const pid_t helper = fork();  // as a library's; it has no part in the locks
-        if (helper == 0) {
-            pause();
-            _exit(0);
-        }
+        while (helper == 0) raise(SIGSTOP);
+        waitpid(helper, nullptr, WUNTRACED);
         first.reset();
         EXPECT_TRUE(system("b")->GetInstance().Claim(u"Halyrig"));
         kill(helper, SIGKILL);
@@ -275,7 +273,7 @@ TEST_F(HeadlessDesktopTest, TakesSignalsForAClosingThatIsMeantAndNoneEndsTheProc
 TEST_F(HeadlessDesktopTest, TakesNoSignalOfItsOwnProcessForAClosing) {
     const auto disturb = [this] {
         for (const int number : kCloseSignals) raise(number), kill(getpid(), number);
-        const itimerval soon{{0, 1}, {0, 1}};
+        const itimerval soon{{0, 5000}, {0, 5000}};
         for (const auto which : {ITIMER_REAL, ITIMER_VIRTUAL}) setitimer(which, &soon, nullptr);
         signal(SIGTERM, SIG_IGN);
         dialog_.window->StartTimer(1, 1);
