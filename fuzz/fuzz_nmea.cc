@@ -1,6 +1,6 @@
 #include <string_view>
 
-#include "stand_in/nmea_sentence.h"
+#include "nmea/sentence.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     const std::string_view line(reinterpret_cast<const char*>(data), size);

@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "halyrigctl/stream/nmea_log.h"
-#include "halyrigctl/stream/replayer.h"
+#include "halyrigctl/recordings/nmea_log.h"
+#include "halyrigctl/recordings/replayer.h"
 #include "kept_core.h"
 #include "streams/recording_reader.h"
 

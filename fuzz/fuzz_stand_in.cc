@@ -1,6 +1,6 @@
 #include <cmath>
 
-#include "stand_in/recording_replay.h"
+#include "stand_in/log_replay.h"
 #include "stand_in/stand_in_settings.h"
 #include "support/fakes.h"
 
@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     const twr::StandInSettings settings = twr::ReadStandInSettings(files, u"/file");
     if (settings.speed < 0.1 || settings.speed > 100.0 || settings.startLead < 10 || settings.startLead > 3600) __builtin_trap();
 
-    twr::RecordingReplay replay(files, u"/file");
+    twr::LogReplay replay(files, u"/file");
     // Long steps would play a short recording, which begins anew a second after its end, again and again; so it is taken away.
     for (const double step : {0.1, 1.5, 100.0}) {
         if (step > 2.0) files.files.clear();

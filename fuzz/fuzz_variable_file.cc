@@ -1,11 +1,11 @@
-#include "mapping/variable_file.h"
+#include "deckman/variable_file.h"
 #include "support/fakes.h"
 
 namespace {
 
-void Check(const std::vector<twr::MappingVar>& rows) {
+void Check(const std::vector<twr::DeckmanVariable>& rows) {
     std::int32_t before = 0;
-    for (const twr::MappingVar& row : rows) {
+    for (const twr::DeckmanVariable& row : rows) {
         if (row.dfwId < before || row.dfwName.empty() || row.dfwName.size() > 15) __builtin_trap();
         before = row.dfwId;
     }

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <cmath>
 
-#include "base/printed.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 
 namespace twr {

@@ -3,40 +3,14 @@
 #include <cmath>
 
 #include "core/days.h"
-#include "core/instrument_channels.h"
 #include "core/record_access.h"
 
 namespace twr {
 namespace {
 
-constexpr float kFeetPerMetre = 3.2808f;
 constexpr double kRepeatAfter = 1.0 / kSecondsPerDay;
 
 }  // namespace
-
-float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& units) {
-    if (IsInstrumentBearing(channel)) return units.degreesTrue ? MagneticBearing(reading, units.variation) : reading;
-    switch (channel) {
-        case kLeeway:
-        case kHeel:
-            return reading * -1.0f;
-        case kDepth:
-            return units.depthInFeet ? reading / kFeetPerMetre : reading;
-        default:
-            return reading;
-    }
-}
-
-float MagneticBearing(float trueBearing, double variation) {
-    double bearing = trueBearing;
-    if (bearing == kNoValue || variation == kNoValue) return static_cast<float>(kNoValue);
-    bearing -= variation;
-    if (bearing != kNoValue) {
-        if (bearing >= 360.0) bearing -= 360.0;
-        if (bearing < 0.0) bearing += 360.0;
-    }
-    return static_cast<float>(bearing);
-}
 
 InstrumentPass::InstrumentPass(CCore& core, const Clock& clock, float* readings) : core_(core), clock_(clock), readings_(readings) {
     sentTime_.fill(0.0);

@@ -3,25 +3,13 @@
 #include <array>
 #include <span>
 
-#include "bridge/deckman_library.h"
 #include "config/bridge_settings.h"
 #include "core/core.h"
+#include "deckman/deckman_library.h"
+#include "deckman/instrument_value.h"
 #include "mapping/mapping_rows.h"
 
 namespace twr {
-
-struct ReadingUnits {
-    bool degreesTrue;  // headings and directions are true
-    bool depthInFeet;
-    double variation;  // degrees, east positive; kNoValue if unknown
-};
-
-// A reading of Deckman in the channel's internal unit, with its sign. Deckman gives 32-bit floats, and the conversions use them
-// too.
-float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& units);
-
-// Subtracts the variation from a true bearing, and corrects the result by one turn. kNoValue without a variation.
-float MagneticBearing(float trueBearing, double variation);
 
 class InstrumentPass {
 public:

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "bridge/deckman_library.h"
 #include "bridge/instrument_pass.h"
 #include "bridge/remote_pass.h"
 #include "config/bridge_settings.h"
 #include "core/core.h"
+#include "deckman/deckman_library.h"
+#include "deckman/variable_file.h"
 #include "mapping/mapping_rows.h"
-#include "mapping/variable_file.h"
 #include "platform/system.h"
 #include "status/bridge_status.h"
 

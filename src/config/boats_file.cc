@@ -1,5 +1,5 @@
 // boats.xml: names, MMSIs and display colours of the boats.
-#include "base/scan.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 #include "config/xml_elements.h"
 #include "core/core.h"

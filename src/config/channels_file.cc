@@ -1,5 +1,5 @@
 // channels.xml: log mark, damping and decimals of single channels, and the types and names of the user channels.
-#include "base/scan.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 #include "config/xml_elements.h"
 #include "core/core.h"

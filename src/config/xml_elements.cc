@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/scan.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 
 namespace twr {

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "core/angles.h"
+#include "base/angles.h"
 #include "core/core.h"
 #include "core/record_access.h"
 

@@ -7,7 +7,6 @@
 
 #include "base/no_value.h"
 #include "core/channel_catalogue.h"
-#include "core/instrument_channels.h"
 #include "core/record_access.h"
 
 namespace twr {
@@ -23,6 +22,9 @@ constexpr std::size_t kInitialSysFlags[] = {1, 3, 7, 21, 40, 41, 42};
 constexpr ChannelId kFirstLogMarks[] = {0,   1,   2,   3,   4,   5,   6,   10,  11,  12,  13,  16,  17,  18,  19,
                                         20,  22,  39,  41,  43,  47,  48,  49,  50,  51,  60,  146, 161, 162, 163,
                                         164, 165, 166, 167, 204, 205, 206, 207, 208, 256, 282, 283, 284};
+
+// Above every valid choice.
+constexpr std::int32_t kNoPositionSource = 7;
 
 template <std::size_t Count>
 void Fill(double (&entries)[Count], double value) {

@@ -1,7 +1,7 @@
 // Publication: the steps by which a value enters the record, and the channels derived from it.
 #include <algorithm>
 
-#include "core/angles.h"
+#include "base/angles.h"
 #include "core/core.h"
 #include "core/days.h"
 #include "core/record_access.h"

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <span>
 
+#include "base/angles.h"
 #include "base/no_value.h"
-#include "core/angles.h"
 #include "core/channel_catalogue.h"
 #include "core/record_access.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/channel_ids.h"
-#include "halyrigctl/say.h"
+#include "halyrigctl/output/say.h"
 #include "platform/system.h"
 
 namespace twr {

@@ -54,7 +54,7 @@ bool HasFields(std::size_t filled, std::size_t needed, std::u16string_view form,
 }  // namespace
 
 std::optional<std::vector<MappingVar>> ImportLegacyVars(Files& files, std::u16string_view path,
-                                                        const std::vector<MappingVar>& catalogue, Findings* findings) {
+                                                        const std::vector<DeckmanVariable>& catalogue, Findings* findings) {
     std::vector<MappingVar> rows;
     ForEachLine(files, path, findings, [&](const Fields& fields, std::size_t filled, const Place& place) {
         const auto [id, channel, third, unused] = fields;
@@ -64,7 +64,7 @@ std::optional<std::vector<MappingVar>> ImportLegacyVars(Files& files, std::u16st
             !InRange(boat, 0, kBoatCount, place, Flaw::kNoSuchBoat)) {
             return;
         }
-        const auto variable = std::ranges::find(catalogue, id, &MappingVar::dfwId);
+        const auto variable = std::ranges::find(catalogue, id, &DeckmanVariable::dfwId);
         if (variable == catalogue.end()) {
             place.Report(Flaw::kNoSuchVariable, FromBytes(std::to_string(id)));
             return;
@@ -72,7 +72,7 @@ std::optional<std::vector<MappingVar>> ImportLegacyVars(Files& files, std::u16st
         MappingVar& row = rows.emplace_back();
         row.channel = channel;
         row.boat = boat;
-        BindVariable(row, *variable);
+        static_cast<DeckmanVariable&>(row) = *variable;
     });
     return rows.empty() ? std::nullopt : std::optional(std::move(rows));
 }

@@ -14,7 +14,8 @@ namespace twr {
 // `catalogue`, which it copies, has the number. nullopt if no line is kept or the file can't be read. What is passed over is
 // reported to `findings`, if given.
 std::optional<std::vector<MappingVar>> ImportLegacyVars(Files& files, std::u16string_view path,
-                                                        const std::vector<MappingVar>& catalogue, Findings* findings = nullptr);
+                                                        const std::vector<DeckmanVariable>& catalogue,
+                                                        Findings* findings = nullptr);
 
 // Lines of "remote counted from 0,channel,boat,damp", all fields required. Lines or files that can't be read give no rows.
 std::vector<MappingRemote> ImportLegacyRemotes(Files& files, std::u16string_view path, Findings* findings = nullptr);

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/channel_ids.h"
-#include "base/scan.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 
 namespace twr {
@@ -41,8 +41,8 @@ bool IsRemote(std::int32_t remote, const Place& place) {
 }
 
 // The first variable with the row's number or, where the file gives one, its name.
-const MappingVar* FindVariable(const std::vector<MappingVar>& catalogue, const MappingVar& row) {
-    const auto found = std::ranges::find_if(catalogue, [&](const MappingVar& variable) {
+const DeckmanVariable* FindVariable(const std::vector<DeckmanVariable>& catalogue, const MappingVar& row) {
+    const auto found = std::ranges::find_if(catalogue, [&](const DeckmanVariable& variable) {
         return variable.dfwId == row.dfwId || (!row.dfwName.empty() && variable.dfwName == row.dfwName);
     });
     return found == catalogue.end() ? nullptr : &*found;
@@ -117,7 +117,7 @@ bool ParseRemoteElement(const XmlElement& element, MappingRemote& row, const Pla
     return IsChannel(row.channel, place) && IsRemote(row.remote, place) && IsBoat(row.boat, place);
 }
 
-Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<MappingVar>& catalogue, Findings* findings) {
+Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<DeckmanVariable>& catalogue, Findings* findings) {
     Mapping mapping;
     const Place file{findings, path};
     const auto reader = xml.OpenReader(path);
@@ -127,12 +127,12 @@ Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<Mappin
         const std::u16string spelled = findings ? Spelled(element) : std::u16string();
         const Place place = file.At(element.line).Of(spelled);
         if (MappingVar row; ParseVarElement(element, row, place)) {
-            const MappingVar* variable = FindVariable(catalogue, row);
+            const DeckmanVariable* variable = FindVariable(catalogue, row);
             if (!variable) {
                 place.Report(Flaw::kNoSuchVariable, row.dfwName.empty() ? Digits(row.dfwId) : row.dfwName);
                 continue;
             }
-            BindVariable(row, *variable);
+            static_cast<DeckmanVariable&>(row) = *variable;
             row.line = element.line;
             mapping.varRows.push_back(row);
         } else if (MappingRemote remote; ParseRemoteElement(element, remote, place)) {

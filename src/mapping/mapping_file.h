@@ -13,7 +13,8 @@ namespace twr {
 // Reads every `var` and `remote` element of a file, whatever its root. A `var` is kept if a row of `catalogue` has its number or
 // its name, and copies that row. Reading ends at the first fault; what can't be read gives an empty mapping. What is passed over is
 // reported to `findings`, if given.
-Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<MappingVar>& catalogue, Findings* findings = nullptr);
+Mapping LoadMapping(Xml& xml, std::u16string_view path, const std::vector<DeckmanVariable>& catalogue,
+                    Findings* findings = nullptr);
 
 // Writes the whole mapping into the file of that name, which keeps its owner, rights and links. What it held is first copied to
 // `path` plus ".bak", unless it is incomplete. False if that can't be done, or if the file can't be written: nothing has changed

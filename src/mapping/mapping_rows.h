@@ -2,24 +2,17 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <vector>
 
-#include "base/no_value.h"
+#include "deckman/variable_file.h"
 
 namespace twr {
 
-// One instrument variable that feeds one channel. Also a row of Deckman's own list of variables, with `channel` kNoInt and `boat`
-// 0.
-struct MappingVar {
+// One of Deckman's variables that feeds one channel. Its number and columns are those of Deckman's list where that has it.
+struct MappingVar : DeckmanVariable {
     std::int32_t channel = kNoInt;  // ChannelId
     std::int32_t boat = 0;          // BoatSlot
-    std::int32_t dfwId = kNoInt;    // Deckman's number of the variable
-    std::int32_t dfwColumn4 = 0;    // carried along from Deckman's file, like column 3 and 6
-    std::int32_t dfwColumn6 = 0;
-    std::u16string dfwName;  // at most 15 characters once it comes from Deckman's file
-    std::u16string dfwColumn3;
-    std::size_t line = 0;  // of the file that it was read from, from 1
+    std::size_t line = 0;           // of the file that it was read from, from 1
 };
 
 // One channel that feeds one remote.
@@ -38,8 +31,5 @@ struct Mapping {
     std::vector<MappingVar> varRows;
     std::vector<MappingRemote> remoteRows;
 };
-
-// Copies a variable's properties from Deckman's list; channel and boat are unchanged.
-void BindVariable(MappingVar& row, const MappingVar& variable);
 
 }  // namespace twr

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "base/scan.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 
 namespace twr {
@@ -26,9 +26,9 @@ std::string Escaped(std::u16string_view name) {
     return escaped;
 }
 
-bool IsFoundByName(const MappingVar& row, const std::vector<MappingVar>& variables) {
+bool IsFoundByName(const MappingVar& row, const std::vector<DeckmanVariable>& variables) {
     if (ScanInt(row.dfwName) || std::ranges::any_of(row.dfwName, [](char16_t c) { return c < u' '; })) return false;
-    const auto first = std::ranges::find(variables, row.dfwName, &MappingVar::dfwName);
+    const auto first = std::ranges::find(variables, row.dfwName, &DeckmanVariable::dfwName);
     return first != variables.end() && first->dfwId == row.dfwId;
 }
 
@@ -107,7 +107,7 @@ std::string Without(std::string_view text, const ElementSpan& element) {
 
 }  // namespace
 
-std::string VarText(const MappingVar& row, const std::vector<MappingVar>& variables) {
+std::string VarText(const MappingVar& row, const std::vector<DeckmanVariable>& variables) {
     const std::string variable = IsFoundByName(row, variables) ? Escaped(row.dfwName) : std::to_string(row.dfwId);
     return "<var twr=\"" + std::to_string(row.channel) + "\" dfw=\"" + variable + '"' + BoatText(row.boat) + " />";
 }

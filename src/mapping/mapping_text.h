@@ -12,7 +12,7 @@ namespace twr {
 
 // The element as text. The variable goes by its name if Deckman's list finds it by that, since a name outlasts a new numbering;
 // else by its number.
-std::string VarText(const MappingVar& row, const std::vector<MappingVar>& variables);
+std::string VarText(const MappingVar& row, const std::vector<DeckmanVariable>& variables);
 std::string RemoteText(const MappingRemote& row);
 
 // With `added`, an element named `kind`, on a line of its own: behind the last element of that name, else at the end of the root.

@@ -1,6 +1,6 @@
 // How the simulated yacht moves: steering, speed, heel, leeway and track, step by step.
 #pragma once
-#include "stand_in/angles.h"
+#include "stand_in/wind_model.h"
 #include "stand_in/yacht_polar.h"
 
 namespace twr {

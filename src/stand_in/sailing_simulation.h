@@ -3,7 +3,7 @@
 #pragma once
 #include <cstdint>
 
-#include "stand_in/moment.h"
+#include "stand_in/instrument_source.h"
 #include "stand_in/race.h"
 #include "stand_in/racing_yacht.h"
 #include "stand_in/random.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/paths.h"
-#include "stand_in/recording_replay.h"
+#include "stand_in/log_replay.h"
 #include "stand_in/sailing_simulation.h"
 #include "stand_in/variables.h"
 
@@ -16,7 +16,7 @@ constexpr std::int64_t kLongestStep = 100000000;  // 10 s; after a longer sleep 
 
 std::unique_ptr<InstrumentSource> MakeSource(Files& files, std::u16string_view folder, const StandInSettings& settings) {
     const std::u16string recording = JoinPath(folder, u"recording.nmea");
-    if (files.Exists(recording)) return std::make_unique<RecordingReplay>(files, recording);
+    if (files.Exists(recording)) return std::make_unique<LogReplay>(files, recording);
     return std::make_unique<SailingSimulation>(settings.seed, settings.startLead);
 }
 

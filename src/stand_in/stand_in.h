@@ -9,7 +9,7 @@
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/shared_memory.h"
-#include "stand_in/moment.h"
+#include "stand_in/instrument_source.h"
 #include "stand_in/stand_in_settings.h"
 
 namespace twr {

@@ -2,9 +2,9 @@
 
 #include <charconv>
 
+#include "base/bounded_lines.h"
 #include "base/wide_text.h"
-#include "stand_in/bounded_lines.h"
-#include "stand_in/nmea_sentence.h"
+#include "nmea/sentence.h"
 
 namespace twr {
 namespace {

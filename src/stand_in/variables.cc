@@ -1,8 +1,8 @@
 #include "stand_in/variables.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
+
+#include "base/numbers.h"
 
 namespace twr {
 namespace {
@@ -74,10 +74,7 @@ std::string VariableFileText() {
         "\n"
         "[variables]\n";
     for (const Variable& v : Variables()) {
-        std::array<char, 80> line{};
-        std::snprintf(line.data(), line.size(), "%3d %-15s %-7s %d %d %d\n", static_cast<int>(v.number), v.name, v.unit, v.decimals,
-                      v.isSigned, v.page);
-        text += line.data();
+        text += Printed("%3d %-15s %-7s %d %d %d\n", static_cast<int>(v.number), v.name, v.unit, v.decimals, v.isSigned, v.page);
     }
     return text;
 }

@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "stand_in/moment.h"
+#include "nmea/moment.h"
 
 namespace twr {
 

@@ -2,10 +2,19 @@
 #pragma once
 #include <array>
 
-#include "stand_in/angles.h"
+#include "base/angles.h"
 #include "stand_in/random.h"
 
 namespace twr {
+
+// A wind: where it comes from and how fast.
+struct Wind {
+    double from = 0.0;   // bearing, degrees true
+    double speed = 0.0;  // knots
+};
+
+inline Vector VelocityOf(Wind wind) { return Towards(wind.from + 180.0, wind.speed); }
+inline Wind WindOf(Vector velocity) { return {BearingOf(velocity * -1.0), Length(velocity)}; }
 
 class WindModel {
 public:

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "stand_in/angles.h"
+#include "base/angles.h"
 
 namespace twr {
 namespace {

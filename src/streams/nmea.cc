@@ -3,8 +3,8 @@
 #include <cmath>
 #include <optional>
 
-#include "base/whole_number.h"
-#include "core/angles.h"
+#include "base/angles.h"
+#include "base/numbers.h"
 #include "core/units.h"
 #include "streams/iso_time.h"
 #include "streams/nmea_line.h"

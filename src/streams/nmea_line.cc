@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cmath>
 
-#include "base/printed.h"
+#include "base/numbers.h"
 
 namespace twr {
 namespace {

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <utility>
 
-#include "base/printed.h"
+#include "base/angles.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
-#include "core/angles.h"
 #include "core/record_access.h"
 #include "streams/iso_time.h"
 

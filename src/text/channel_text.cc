@@ -3,8 +3,7 @@
 #include <cmath>
 #include <span>
 
-#include "base/printed.h"
-#include "base/whole_number.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 #include "core/core.h"
 #include "core/record_access.h"

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "base/no_value.h"
-#include "base/printed.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 
 namespace twr {

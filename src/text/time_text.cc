@@ -5,8 +5,7 @@
 
 #include "base/calendar.h"
 #include "base/no_value.h"
-#include "base/printed.h"
-#include "base/whole_number.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 #include "core/core.h"
 #include "core/days.h"

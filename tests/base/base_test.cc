@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "base/scan.h"
+#include "base/numbers.h"
 #include "base/text_lines.h"
 #include "base/wide_text.h"
 

@@ -2,6 +2,7 @@
 #include "base/wide_text.h"
 #include "bridge/instrument_pass.h"
 #include "bridge/remote_pass.h"
+#include "deckman/remote_text.h"
 #include "support/core_fixture.h"
 #include "support/stub_deckman.h"
 

@@ -1,9 +1,9 @@
 // Numbers and texts are the same in every build: each of these sums was taken from one build and holds for all.
 #include <cmath>
 
-#include "bridge/instrument_pass.h"
-#include "bridge/remote_pass.h"
 #include "core/days.h"
+#include "deckman/instrument_value.h"
+#include "deckman/remote_text.h"
 #include "support/core_fixture.h"
 
 namespace twr::testing {

@@ -1,4 +1,4 @@
-#include "halyrigctl/library_look.h"
+#include "halyrigctl/setup/library_look.h"
 
 #include <gtest/gtest.h>
 

@@ -5,10 +5,10 @@
 
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
+#include "deckman/variable_file.h"
 #include "halyrigctl/ctl_fixture.h"
 #include "halyrigctl/map/map_match.h"
 #include "mapping/mapping_file.h"
-#include "mapping/variable_file.h"
 #include "status/bridge_status.h"
 #include "support/fakes.h"
 

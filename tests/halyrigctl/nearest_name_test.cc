@@ -1,4 +1,4 @@
-#include "halyrigctl/nearest_name.h"
+#include "halyrigctl/setup/nearest_name.h"
 
 #include <gtest/gtest.h>
 

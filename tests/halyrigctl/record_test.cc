@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "ctl_fixture.h"
-#include "halyrigctl/stream/replayer.h"
+#include "halyrigctl/recordings/replayer.h"
 #include "status/bridge_status.h"
 #include "streams/json_lines.h"
 #include "streams/recording_reader.h"

@@ -1,9 +1,8 @@
-#include "halyrigctl/rehearsal.h"
-
 #include <algorithm>
 #include <cstring>
 
 #include "halyrigctl/ctl_fixture.h"
+#include "halyrigctl/setup/dry_run.h"
 #include "halyrigctl/snapshot.h"
 
 namespace twr::testing {
@@ -13,11 +12,11 @@ TEST_F(CtlTest, ARehearsalGivesTheRecordThatTheSuiteWillMakeAndLeavesNoTrace) {
     test.folder.Write("ProgramData/x", "");
     const auto compare = [&](const char* what) {
         const auto before = Snapshot(test);
-        const Rehearsal rehearsal(Core());
+        const DryRun dryRun(Core());
         EXPECT_EQ(before, Snapshot(test)) << what;
         EXPECT_FALSE(Held()) << what;
         StartSuite();
-        EXPECT_EQ(0, std::memcmp(&rehearsal.Record(), suite->View(), offsetof(CoreRecord, fullBlocks))) << what;
+        EXPECT_EQ(0, std::memcmp(&dryRun.Record(), suite->View(), offsetof(CoreRecord, fullBlocks))) << what;
         suite.reset();
     };
     compare("nothing there");
@@ -34,15 +33,15 @@ TEST_F(CtlTest, ARehearsalGivesTheRecordThatTheSuiteWillMakeAndLeavesNoTrace) {
 TEST_F(CtlTest, WhatARehearsalIsAskedToWriteIsNotWritten) {
     test.folder.Write("ProgramData/x", "");
     const auto before = Snapshot(test);
-    Rehearsal rehearsal(Core());
-    const CoreServices services = rehearsal.Services();
+    DryRun dryRun(Core());
+    const CoreServices services = dryRun.Services();
     const std::u16string file = test.folder.File("ProgramData/x"), other = test.folder.File("ProgramData/y");
     services.files.Remove(file);
     EXPECT_FALSE(services.files.Append(file, "x") || services.files.Copy(file, other) || services.files.Rename(file, other));
     EXPECT_FALSE(services.registry.Write(u"Software", u"x", DwordValue(1)));
     EXPECT_EQ(nullptr, services.xml.OpenWriter(other));
     EXPECT_EQ(nullptr, services.memory.OpenExisting(u"TwrCore_356_166784", sizeof(CoreRecord)));
-    rehearsal.Core().WriteSystemLog(u"x");
+    dryRun.Core().WriteSystemLog(u"x");
     EXPECT_EQ(before, Snapshot(test));
 }
 

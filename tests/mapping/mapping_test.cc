@@ -6,9 +6,9 @@
 
 #include "base/byte_source.h"
 #include "base/wide_text.h"
+#include "deckman/variable_file.h"
 #include "mapping/legacy_import.h"
 #include "mapping/mapping_file.h"
-#include "mapping/variable_file.h"
 #include "platform/paths.h"
 #include "support/child_process.h"
 #include "support/fakes.h"
@@ -19,8 +19,8 @@ namespace {
 
 using namespace std::string_literals;
 
-MappingVar Variable(std::int32_t id, std::u16string name) {
-    return {.dfwId = id, .dfwColumn4 = 4, .dfwColumn6 = 6, .dfwName = std::move(name), .dfwColumn3 = u"u"};
+DeckmanVariable Variable(std::int32_t id, std::u16string name) {
+    return {.dfwId = id, .dfwName = std::move(name), .dfwColumn3 = u"u", .dfwColumn4 = 4, .dfwColumn6 = 6};
 }
 
 // Each row as "channel=numberNAME@boat ", and as "channel>remote@boat ", a damped one with a d.
@@ -49,7 +49,7 @@ protected:
     std::string Found() {
         const DeckmanCatalogue found = FindVariableFile(fakes, u"/dfw", copy);
         std::ostringstream told;
-        for (const MappingVar& row : found.rows) {
+        for (const DeckmanVariable& row : found.rows) {
             told << row.dfwId << " " << ToBytes(row.dfwName) << " " << ToBytes(row.dfwColumn3) << " " << row.dfwColumn4 << " "
                  << row.dfwColumn6 << ", ";
         }
@@ -67,8 +67,8 @@ protected:
     TempFolder folder;
     std::unique_ptr<System> system = MakeSystem({});
     Xml& xml = system->Core().xml;
-    std::vector<MappingVar> catalogue{Variable(0, u"ZERO"), Variable(12, u"HDG"), Variable(17, u"BSP"), Variable(17, u"TWIN"),
-                                      Variable(40, u"bsp2")};
+    std::vector<DeckmanVariable> catalogue{Variable(0, u"ZERO"), Variable(12, u"HDG"), Variable(17, u"BSP"), Variable(17, u"TWIN"),
+                                           Variable(40, u"bsp2")};
 };
 
 TEST_F(MappingTest, ElementsBecomeRows) {
@@ -125,7 +125,7 @@ TEST_F(MappingTest, TellsWhatItPassesOverAndWhere) {
 TEST_F(MappingTest, SavesTheSameBytesOnEverySystem) {
     Mapping mapping = Load(R"(<x><var twr="13" dfw="HDG"/><var twr="13" dfw="12" boat="2"/>)"
                            R"(<remote twr="117" remote="1"/><remote twr="117" remote="3" damp="true" boat="2"/></x>)");
-    mapping.varRows.push_back(catalogue[1]);  // no channel yet: left out
+    mapping.varRows.push_back({catalogue[1]});  // no channel yet: left out
     mapping.remoteRows.push_back({});
     Files& files = system->Core().files;
     EXPECT_TRUE(SaveMapping(files, xml, folder.Write("halyrig.xml", std::string(5000, 'x')), mapping));

@@ -67,9 +67,10 @@ TEST(MappingTextTest, AVariableGoesByItsNameIfThatFindsIt) {
         row.dfwName = name;
         return row;
     };
-    const std::vector<MappingVar> list = {variable(1, u"HDG"), variable(2, u"A&\u00E9"), variable(3, u"12V"), variable(4, u"HDG")};
+    const std::vector<MappingVar> rows = {variable(1, u"HDG"), variable(2, u"A&\u00E9"), variable(3, u"12V"), variable(4, u"HDG")};
+    const std::vector<DeckmanVariable> list(rows.begin(), rows.end());
     const char* written[] = {R"(dfw="HDG" />)", R"(dfw="A&#38;&#233;" boat="2" />)", R"(dfw="3" />)", R"(dfw="4" />)"};
-    for (std::size_t i = 0; i < list.size(); ++i) EXPECT_EQ(std::string("<var twr=\"13\" ") + written[i], VarText(list[i], list));
+    for (std::size_t i = 0; i < list.size(); ++i) EXPECT_EQ(std::string("<var twr=\"13\" ") + written[i], VarText(rows[i], list));
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 #include "base/calendar.h"
 #include "base/no_value.h"
-#include "base/printed.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
 #include "platform/paths.h"
 #include "support/core_fixture.h"

@@ -1,10 +1,10 @@
 // Whether what is shown, and what the boxes ask for, is fed by anything.
 #include <algorithm>
 
-#include "core/instrument_channels.h"
+#include "deckman/instrument_value.h"
 #include "halyrigctl/check/check_setup.h"
-#include "halyrigctl/check/fed_channels.h"
-#include "halyrigctl/explain/source_links.h"
+#include "halyrigctl/setup/fed_channels.h"
+#include "halyrigctl/setup/source_links.h"
 
 namespace twr {
 

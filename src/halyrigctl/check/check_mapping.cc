@@ -2,10 +2,10 @@
 #include <algorithm>
 
 #include "base/wide_text.h"
-#include "core/instrument_channels.h"
 #include "core/record_access.h"
+#include "deckman/instrument_value.h"
 #include "halyrigctl/check/check_setup.h"
-#include "halyrigctl/explain/source_links.h"
+#include "halyrigctl/setup/source_links.h"
 
 namespace twr {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "base/wide_text.h"
-#include "halyrigctl/cells.h"
-#include "halyrigctl/json.h"
+#include "halyrigctl/output/cells.h"
+#include "halyrigctl/output/json.h"
 
 namespace twr {
 namespace {

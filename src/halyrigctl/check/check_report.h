@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "config/bridge_settings.h"
-#include "halyrigctl/say.h"
+#include "halyrigctl/output/say.h"
 
 namespace twr {
 

@@ -4,10 +4,10 @@
 
 #include "base/wide_text.h"
 #include "core/record_access.h"
-#include "halyrigctl/cells.h"
-#include "halyrigctl/finding_words.h"
-#include "halyrigctl/nearest_name.h"
-#include "halyrigctl/rehearsal.h"
+#include "halyrigctl/output/cells.h"
+#include "halyrigctl/setup/dry_run.h"
+#include "halyrigctl/setup/finding_words.h"
+#include "halyrigctl/setup/nearest_name.h"
 #include "mapping/legacy_import.h"
 #include "platform/paths.h"
 
@@ -129,7 +129,7 @@ void CheckedSetup::Add(Weight weight, const Finding& finding) const {
     Advice says = AdviceFor(finding);
     if (finding.flaw == Flaw::kNoSuchVariable) {
         std::vector<std::u16string> names;
-        for (const MappingVar& row : now.Variables().rows) names.push_back(row.dfwName);
+        for (const DeckmanVariable& row : now.Variables().rows) names.push_back(row.dfwName);
         if (const auto nearest = Nearest(finding.text, names)) says.todo = "did you mean " + Harmless(*nearest) + "?";
     }
     if (!finding.of.empty()) says.what = Cut(Harmless(finding.of), kLongestQuote) + ": " + says.what;
@@ -141,14 +141,14 @@ CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& fol
     CollectedFindings heard;
     const CoreServices machine = system.Core();
     machine.registry.Check(heard);  // first: what it reports is not told at each reading again
-    Rehearsal rehearsal(machine, &heard);
+    DryRun dryRun(machine, &heard);
     ReadSettings(machine.registry, &heard);
     CCore guest(machine, Attachment::kOpenOnly);
     const bool live = guest.View() != nullptr;
-    CCore& core = live ? guest : rehearsal.Core();
+    CCore& core = live ? guest : dryRun.Core();
     Circumstances now(system, *core.View());
     if (folder) now.settings.dfwFolder = Trimmed(std::u16string_view(*folder));
-    const CheckedSetup setup{rehearsal.Services(), now, core, live, rehearsal.Core(), report};
+    const CheckedSetup setup{dryRun.Services(), now, core, live, dryRun.Core(), report};
     report.running = now.bridge || now.name.state == NameLook::kTaken;
     report.inForce = now.bridge.has_value();
     report.given = folder.has_value();

@@ -5,7 +5,7 @@
 
 #include "core/core.h"
 #include "halyrigctl/check/check_report.h"
-#include "halyrigctl/circumstances.h"
+#include "halyrigctl/setup/circumstances.h"
 
 namespace twr {
 

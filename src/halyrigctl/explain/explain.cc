@@ -3,15 +3,15 @@
 #include <utility>
 #include <vector>
 
-#include "core/instrument_channels.h"
-#include "halyrigctl/cells.h"
-#include "halyrigctl/channel_names.h"
+#include "deckman/instrument_value.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/explain/source_links.h"
-#include "halyrigctl/explain/value_chain.h"
-#include "halyrigctl/finding_words.h"
-#include "halyrigctl/guest.h"
-#include "halyrigctl/json.h"
+#include "halyrigctl/setup/finding_words.h"
+#include "halyrigctl/output/cells.h"
+#include "halyrigctl/output/guest.h"
+#include "halyrigctl/output/json.h"
+#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/source_links.h"
+#include "halyrigctl/setup/value_chain.h"
 
 namespace twr {
 namespace {

@@ -2,15 +2,15 @@
 #include <string>
 #include <vector>
 
-#include "base/printed.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
-#include "halyrigctl/channel_names.h"
-#include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/finding_words.h"
-#include "halyrigctl/guest.h"
-#include "halyrigctl/json.h"
-#include "halyrigctl/map/mapping_in_force.h"
+#include "halyrigctl/output/guest.h"
+#include "halyrigctl/output/json.h"
+#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/channel_reading.h"
+#include "halyrigctl/setup/finding_words.h"
+#include "halyrigctl/setup/mapping_in_force.h"
 #include "mapping/mapping_file.h"
 
 namespace twr {

@@ -2,10 +2,10 @@
 
 #include "base/wide_text.h"
 #include "core/channel_catalogue.h"
-#include "halyrigctl/channel_names.h"
-#include "halyrigctl/finding_words.h"
-#include "halyrigctl/guest.h"
-#include "halyrigctl/nearest_name.h"
+#include "halyrigctl/setup/finding_words.h"
+#include "halyrigctl/output/guest.h"
+#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/nearest_name.h"
 #include "mapping/mapping_text.h"
 #include "platform/paths.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "halyrigctl/map/map_file.h"
-#include "halyrigctl/say.h"
+#include "halyrigctl/output/say.h"
 
 namespace twr {
 

@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "base/wide_text.h"
-#include "halyrigctl/finding_words.h"
-#include "halyrigctl/say.h"
+#include "halyrigctl/output/say.h"
+#include "halyrigctl/setup/finding_words.h"
 #include "mapping/mapping_text.h"
 #include "platform/paths.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "halyrigctl/map/mapping_in_force.h"
+#include "halyrigctl/setup/mapping_in_force.h"
 #include "mapping/element_spans.h"
 #include "mapping/mapping_file.h"
 

@@ -5,8 +5,8 @@
 
 #include "base/wide_text.h"
 #include "core/channel_catalogue.h"
-#include "core/instrument_channels.h"
-#include "halyrigctl/say.h"
+#include "deckman/instrument_value.h"
+#include "halyrigctl/output/say.h"
 
 namespace twr {
 namespace {
@@ -77,19 +77,19 @@ const std::vector<UnitOfType>& Units() {
 }
 
 // False only if Deckman's unit is known and is not the channel's.
-bool UnitFits(const MappingVar& variable, ChannelId channel) {
+bool UnitFits(const DeckmanVariable& variable, ChannelId channel) {
     const std::u16string unit = UpperCase(variable.dfwColumn3);
     const auto row = std::ranges::find(Units(), unit, &UnitOfType::unit);
     return row == Units().end() || std::ranges::find(row->types, ChannelCatalogue()[channel].type) != row->types.end();
 }
 
 // The bridge makes only the bearings of the instruments magnetic.
-bool StaysTrue(const MappingVar& variable, ChannelId channel) {
+bool StaysTrue(const DeckmanVariable& variable, ChannelId channel) {
     return EqualsIgnoringCase(variable.dfwColumn3, u"degT") && !IsInstrumentBearing(channel);
 }
 
 // What speaks against the channel; empty if nothing does.
-std::string DoubtOf(const MappingVar& variable, ChannelId channel) {
+std::string DoubtOf(const DeckmanVariable& variable, ChannelId channel) {
     if (!UnitFits(variable, channel))
         return "Deckman gives it in " + Harmless(variable.dfwColumn3) + ", which is not the channel's unit";
     return StaysTrue(variable, channel) ? "Deckman gives it in degrees true, and the box for those does not change it" : "";
@@ -121,7 +121,7 @@ std::vector<ChannelId> ByName(const std::u16string& name) {
 }
 
 // Those whose name contains the variable's, or is contained in it, and whose unit fits.
-std::vector<ChannelId> Similar(const MappingVar& variable, const std::u16string& name) {
+std::vector<ChannelId> Similar(const DeckmanVariable& variable, const std::u16string& name) {
     const auto holds = [](const std::u16string& longer, const std::u16string& shorter) {
         return shorter.size() >= 3 && longer.find(shorter) != longer.npos;
     };
@@ -135,7 +135,7 @@ std::vector<ChannelId> Similar(const MappingVar& variable, const std::u16string&
 
 }  // namespace
 
-ChannelMatch MatchChannel(const MappingVar& variable) {
+ChannelMatch MatchChannel(const DeckmanVariable& variable) {
     const std::u16string name = Plain(variable.dfwName);
     ChannelMatch match;
     match.channels = ByName(name);

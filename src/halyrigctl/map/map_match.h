@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/channel_ids.h"
-#include "mapping/mapping_rows.h"
+#include "deckman/variable_file.h"
 
 namespace twr {
 
@@ -16,6 +16,6 @@ struct ChannelMatch {
 
 // Sure is a channel whose short name, or else whose long name, is that of the variable but for letter case and blanks, or which the
 // name is known to mean, if Deckman's unit is that of the channel or tells nothing.
-ChannelMatch MatchChannel(const MappingVar& variable);
+ChannelMatch MatchChannel(const DeckmanVariable& variable);
 
 }  // namespace twr

@@ -5,13 +5,13 @@
 
 #include "base/wide_text.h"
 #include "core/channel_catalogue.h"
-#include "core/instrument_channels.h"
-#include "halyrigctl/channel_names.h"
+#include "deckman/instrument_value.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/finding_words.h"
-#include "halyrigctl/guest.h"
+#include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/map/map_match.h"
-#include "halyrigctl/map/mapping_in_force.h"
+#include "halyrigctl/output/guest.h"
+#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/mapping_in_force.h"
 #include "mapping/mapping_file.h"
 
 namespace twr {
@@ -25,7 +25,7 @@ struct Suggestions {
 std::string Shown(ChannelId channel) { return std::to_string(channel) + " " + ToUtf8(CatalogueName(channel)); }
 
 // A name that a shell takes as it is, else the number.
-std::string Typed(const MappingVar& variable) {
+std::string Typed(const DeckmanVariable& variable) {
     const bool plain = std::ranges::all_of(variable.dfwName, [](char16_t c) {
         return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || c == u'_';
     });
@@ -45,7 +45,7 @@ const MappingVar* Feeding(const Mapping& mapping, ChannelId channel) {
     return found == mapping.varRows.end() ? nullptr : &*found;
 }
 
-void Suggest(const MappingVar& variable, Mapping& mapping, Suggestions& suggestions) {
+void Suggest(const DeckmanVariable& variable, Mapping& mapping, Suggestions& suggestions) {
     const ChannelMatch match = MatchChannel(variable);
     const auto leaveOpen = [&](const std::string& why) { suggestions.open.push_back(Harmless(variable.dfwName) + ": " + why); };
     if (!match.sure) return leaveOpen(Candidates(match));
@@ -53,7 +53,7 @@ void Suggest(const MappingVar& variable, Mapping& mapping, Suggestions& suggesti
     if (channel == kLat || channel == kLon) return leaveOpen("comes with the position, without a line, while Sys_i6 is 3");
     if (const MappingVar* fed = Feeding(mapping, channel))
         return leaveOpen(Shown(channel) + " is fed by " + Harmless(fed->dfwName));
-    MappingVar& row = mapping.varRows.emplace_back(variable);  // for the variables that follow
+    MappingVar& row = mapping.varRows.emplace_back(MappingVar{variable});  // for the variables that follow
     row.channel = static_cast<std::int32_t>(channel);
     (channel == kMagVar ? suggestions.first : suggestions.ready)
         .push_back("halyrigctl map add " + Typed(variable) + " " + std::to_string(channel));
@@ -77,7 +77,7 @@ Status SuggestMap(System& system) {
     Guest guest(system, WithoutRecord::kGoOn);
     const MappingInForce inForce = FindMappingInForce(system, guest.Core());
     guest.Leave();
-    const std::vector<MappingVar>& variables = inForce.variables.rows;
+    const std::vector<DeckmanVariable>& variables = inForce.variables.rows;
     if (ComplainOfUnread(system.GetConsole(), inForce.ofList.found)) return kFailed;
     if (variables.empty()) {
         Complain(system.GetConsole(), NoVariables(inForce));
@@ -88,7 +88,7 @@ Status SuggestMap(System& system) {
     if (ComplainOfUnread(system.GetConsole(), faults.found)) return kFailed;
     const std::vector<MappingVar> mapped = mapping.varRows;
     Suggestions suggestions;
-    for (const MappingVar& variable : variables) {
+    for (const DeckmanVariable& variable : variables) {
         if (std::ranges::find(mapped, variable.dfwId, &MappingVar::dfwId) == mapped.end()) Suggest(variable, mapping, suggestions);
     }
     if (inForce.variables.timerVariableId >= 0) suggestions.open.push_back("TIMER: needs no line; the box in the dialog uses it");

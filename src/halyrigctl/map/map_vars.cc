@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <optional>
 
-#include "base/scan.h"
+#include "base/numbers.h"
 #include "base/wide_text.h"
-#include "core/instrument_channels.h"
+#include "deckman/instrument_value.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/map/map_change.h"
 
@@ -18,10 +18,10 @@ std::optional<std::int32_t> NumberIn(const std::u16string& typed) {
 }
 
 // A variable of Deckman's list by its name, capitals included, or its number; nullptr if there is none.
-const MappingVar* Listed(const std::vector<MappingVar>& variables, const std::u16string& typed) {
-    auto found = std::ranges::find(variables, typed, &MappingVar::dfwName);
+const DeckmanVariable* Listed(const std::vector<DeckmanVariable>& variables, const std::u16string& typed) {
+    auto found = std::ranges::find(variables, typed, &DeckmanVariable::dfwName);
     const auto number = NumberIn(typed);
-    if (found == variables.end() && number) found = std::ranges::find(variables, *number, &MappingVar::dfwId);
+    if (found == variables.end() && number) found = std::ranges::find(variables, *number, &DeckmanVariable::dfwId);
     return found == variables.end() ? nullptr : &*found;
 }
 
@@ -31,7 +31,7 @@ Status RefuseVariable(MapChange& change, const std::u16string& typed) {
     if (typed == u"TIMER" && inForce.variables.timerVariableId >= 0)
         return change.Refuse("TIMER needs no mapping; tick the box for it in the dialog of " HALYRIG_PROGRAM);
     std::vector<std::u16string> names;
-    for (const MappingVar& variable : inForce.variables.rows) names.push_back(variable.dfwName);
+    for (const DeckmanVariable& variable : inForce.variables.rows) names.push_back(variable.dfwName);
     return change.Refuse("Deckman's list has no variable " + Harmless(typed) + "; " +
                              Guess(typed, names, "capitals count, and 'halyrigctl map suggest' shows those that are not mapped"),
                          kMisunderstood);
@@ -74,7 +74,7 @@ Status AddToMap(System& system, const MapOptions& options) {
     MapChange change(system);
     if (const Status status = change.OpenFor(options.channel); status != kDone) return status;
     const std::u16string typed = FromUtf8(options.variable);
-    const MappingVar* variable = Listed(change.InForce().variables.rows, typed);
+    const DeckmanVariable* variable = Listed(change.InForce().variables.rows, typed);
     if (!variable) return RefuseVariable(change, typed);
     if (const Status status = CheckMayBeFed(change, options.boat); status != kDone) return status;
     Mapping intended = change.Rows();
@@ -91,7 +91,7 @@ Status RemoveFromMap(System& system, const MapOptions& options) {
     MapChange change(system);
     if (const Status status = change.OpenFor(options.channel); status != kDone) return status;
     const std::u16string typed = FromUtf8(options.variable);
-    const MappingVar* listed = Listed(change.InForce().variables.rows, typed);
+    const DeckmanVariable* listed = Listed(change.InForce().variables.rows, typed);
     const auto isNamed = [&](const MappingVar& row) {
         if (typed.empty() || row.dfwName == typed) return true;
         if (listed) return row.dfwId == listed->dfwId || row.dfwName == listed->dfwName;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "halyrigctl/cells.h"
+#include "halyrigctl/output/cells.h"
 
 namespace twr {
 namespace {

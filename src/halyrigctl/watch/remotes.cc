@@ -2,7 +2,7 @@
 
 #include "base/wide_text.h"
 #include "displays/displays.h"
-#include "halyrigctl/say.h"
+#include "halyrigctl/output/say.h"
 
 namespace twr {
 

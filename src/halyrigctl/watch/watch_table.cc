@@ -1,19 +1,14 @@
 #include "halyrigctl/watch/watch_table.h"
 
 #include <algorithm>
-#include <cstdio>
 
-#include "halyrigctl/cells.h"
+#include "base/numbers.h"
+#include "halyrigctl/output/cells.h"
 
 namespace twr {
 namespace {
 
-std::string AgeText(const WatchedRow& row) {
-    if (!row.age) return "-";
-    char text[64];
-    std::snprintf(text, sizeof text, "%.1f s", *row.age);
-    return text;
-}
+std::string AgeText(const WatchedRow& row) { return row.age ? Printed("%.1f s", *row.age) : "-"; }
 
 // --- On a screen ---
 

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "base/wide_text.h"
-#include "halyrigctl/cells.h"
+#include "halyrigctl/output/cells.h"
 #include "halyrigctl/watch/displays_picture.h"
 #include "halyrigctl/watch/watch_table.h"
 

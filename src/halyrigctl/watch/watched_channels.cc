@@ -8,8 +8,8 @@
 #include "base/wide_text.h"
 #include "core/days.h"
 #include "core/record_access.h"
-#include "halyrigctl/channel_names.h"
-#include "halyrigctl/say.h"
+#include "halyrigctl/output/say.h"
+#include "halyrigctl/setup/channel_names.h"
 
 namespace twr {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "halyrigctl/channel_reading.h"
 #include "halyrigctl/commands.h"
+#include "halyrigctl/setup/channel_reading.h"
 #include "halyrigctl/watch/sparkline.h"
 
 namespace twr {

@@ -1,0 +1,95 @@
+#include "halyrigctl/setup/channel_reading.h"
+
+#include <cmath>
+
+#include "core/days.h"
+#include "core/record_access.h"
+#include "core/units.h"
+#include "halyrigctl/setup/source_links.h"
+#include "halyrigctl/setup/value_chain.h"
+
+namespace twr {
+namespace {
+
+// The unit in which the record keeps a type; empty if the type has none.
+std::u16string_view InternalUnit(std::int16_t type) {
+    UnitSettings internal{};
+    internal.magnetic = true;
+    switch (type) {
+        case kTypeDateTime:
+        case kTypeDuration:
+            return u"days";
+        case kTypeLatitude:
+        case kTypeLongitude:
+            return u"°";
+        default:
+            return UnitLabel(type, internal);
+    }
+}
+
+ChannelState StateWithoutValue(const Subject& subject, std::string_view brokenLink) {
+    if (!subject.entry) return ChannelState::kMissing;
+    if (brokenLink == "suite" || brokenLink == "range") return ChannelState::kRefused;
+    return subject.stored != kNoValue && subject.IsStale() ? ChannelState::kStale : ChannelState::kMissing;
+}
+
+// The unit behind a value's text; empty if there is none, or the text contains it.
+std::u16string_view TextUnit(const CCore& core, ChannelId source, std::u16string_view text) {
+    return text.find(u'°') != text.npos ? std::u16string_view()
+                                        : UnitLabel(core.ChannelTypeOf(source), UnitSettingsOf(*core.View()));
+}
+
+// A fresh value in the user's units; kNoValue if there is none.
+double ShownValue(const CCore& core, ChannelId channel, BoatSlot boat, bool damped) {
+    double shown = kNoValue;
+    core.GetFreshChannel(channel, shown, boat, damped, Load(core.View()->sysFlag[kFlagMagnetic]) != 0, kNoValue);
+    return shown;
+}
+
+}  // namespace
+
+std::u16string LiveText(CCore& core, ChannelId channel, BoatSlot boat, bool damped) {
+    const ChannelId resolved = core.ResolveAlternate(channel, true);
+    const ChannelId source = core.ResolveAlternate(resolved, true);
+    if (source >= kChannelCount) return u"- -";
+    const double shown = ShownValue(core, resolved, boat, damped);
+    const std::u16string text = core.ChannelText(resolved, shown);
+    const std::u16string_view unit = shown == kNoValue ? std::u16string_view() : TextUnit(core, source, text);
+    return unit.empty() ? text : text + u" " + std::u16string(unit);
+}
+
+std::string_view StateWord(ChannelState state) {
+    static constexpr std::string_view kWords[] = {"fresh", "stale", "refused", "missing"};
+    return kWords[static_cast<std::size_t>(state)];
+}
+
+ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
+    CoreRecord& record = *core.View();
+    ChannelReading reading;
+    const ChannelId resolved = core.ResolveAlternate(channel, true);
+    const ChannelId source = core.ResolveAlternate(resolved, true);  // a longer chain is followed when its value is read
+    if (source >= kChannelCount) {
+        reading.text = u"- -";
+        reading.missing = ValueChain(core, channel, boat, circumstances).Fault();
+        return reading;
+    }
+    const Entry entry = EntryOf(record, source, boat);
+    const double time = entry ? Load(*entry.time) : 0.0;
+    if (time != 0.0) reading.age = std::fabs(circumstances.now - time) * kSecondsPerDay;
+    reading.limit = core.StaleSeconds(source, boat);
+    reading.valueUnit = InternalUnit(core.ChannelTypeOf(source));
+    const double shown = ShownValue(core, resolved, boat, false);
+    reading.text = core.ChannelText(resolved, shown);
+    if (shown == kNoValue || !std::isfinite(shown) || !entry) {
+        const Links links = ValueChain(core, channel, boat, circumstances);
+        reading.missing = links.Fault();
+        reading.state = StateWithoutValue({core, source, boat, circumstances.now}, links.Broken());
+        return reading;
+    }
+    reading.state = ChannelState::kFresh;
+    reading.value = Load(*entry.value);
+    reading.textUnit = TextUnit(core, source, reading.text);
+    return reading;
+}
+
+}  // namespace twr

@@ -1,0 +1,71 @@
+#include "halyrigctl/setup/fed_channels.h"
+
+#include <algorithm>
+
+#include "core/record_access.h"
+#include "deckman/instrument_value.h"
+
+namespace twr {
+namespace {
+
+constexpr double kBefore = 1.0 / kSecondsPerDay;  // rates need two values at different times
+
+// Twice, as different values within the channel's range.
+void Publish(CCore& core, ChannelId channel, BoatSlot boat, double now) {
+    const ChannelInfo& info = ChannelCatalogue()[channel];
+    const double middle = info.min == info.max ? 1.0 : (info.min + info.max) / 2.0;
+    core.SetChannel(channel, boat, middle, now - kBefore);
+    core.SetChannel(channel, boat, middle + 0.5, now);
+}
+
+bool HasValue(CoreRecord& record, ChannelId channel, BoatSlot boat) {
+    const Entry entry = EntryOf(record, channel, boat);
+    return entry && Load(*entry.value) != kNoValue;
+}
+
+}  // namespace
+
+FedChannels::FedChannels(const CoreServices& services, const Mapping& mapping, CoreRecord& inForce)
+    : trial_(services), inForce_(inForce) {
+    CCore& core = trial_.Core();
+    for (std::size_t flag = 0; flag < kSysFlagCount; ++flag) {
+        if (flag != kFlagHoldActive) Put(core.View()->sysFlag[flag], Load(inForce.sysFlag[flag]));
+    }
+    const double now = UtcNowDays(services.clock);
+    const bool position = PositionFromDeckman(inForce);
+    for (const ChannelId channel : {kLat, kLon}) {
+        if (position) Publish(core, channel, 0, now);
+    }
+    // The order matters for what is derived from two of them.
+    for (int time = 0; time < 2; ++time) {
+        for (const MappingVar& row : mapping.varRows) {
+            const auto channel = static_cast<ChannelId>(row.channel);
+            if (position || !FollowsPositionSource(channel)) Publish(core, channel, static_cast<BoatSlot>(row.boat), now);
+        }
+    }
+}
+
+bool FedChannels::FeedsItself(ChannelId channel, BoatSlot boat) const {
+    return channel == kTime || HasValue(*trial_.Core().View(), channel, boat) || HasValue(inForce_, channel, boat);
+}
+
+bool FedChannels::Feeds(ChannelId channel, BoatSlot boat) const {
+    if (!IsAlternating(channel)) return FeedsItself(channel, boat);
+    // One that stands for another alternating channel is followed as often as there are of them.
+    std::array<bool, kAlternateCount> seen{};
+    std::vector<ChannelId> open{channel};
+    while (!open.empty()) {
+        const ChannelId next = open.back();
+        open.pop_back();
+        if (!IsAlternating(next)) {
+            if (next < kChannelCount && FeedsItself(next, boat)) return true;
+        } else if (!seen[next - kAlt0]) {
+            seen[next - kAlt0] = true;
+            for (const std::int32_t& slot : inForce_.alternates[next - kAlt0].slot)
+                open.push_back(static_cast<ChannelId>(Load(slot)));
+        }
+    }
+    return false;
+}
+
+}  // namespace twr
