@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "stand_in/log_replay.h"
-#include "stand_in/stand_in_settings.h"
+#include "stand_in/stand_in.h"
 #include "support/fakes.h"
 
 // What the stand-in reads beside itself: its settings and a recording.

@@ -6,7 +6,7 @@
 #include "kept_core.h"
 #include "mapping/mapping_file.h"
 #include "mapping/mapping_text.h"
-#include "platform/linux/xml/xml_reader.h"
+#include "platform/linux/xml/xml.h"
 
 namespace {
 

@@ -1,6 +1,5 @@
-#include "bridge/about.h"
-
 #include "base/wide_text.h"
+#include "bridge/controls.h"
 
 namespace twr {
 

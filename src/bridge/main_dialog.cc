@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/wide_text.h"
-#include "bridge/about.h"
 #include "bridge/controls.h"
 #include "core/days.h"
 #include "mapping/mapping_file.h"

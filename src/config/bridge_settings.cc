@@ -1,6 +1,6 @@
 #include "config/bridge_settings.h"
 
-#include "config/saved_values.h"
+#include "config/saved_settings.h"
 
 namespace twr {
 namespace {

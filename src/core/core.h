@@ -10,8 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "calibration/calibration_catalogue.h"
-#include "calibration/object.h"
+#include "calibration/objects.h"
 #include "core/channel_catalogue.h"
 #include "core/core_record.h"
 #include "core/days.h"

@@ -4,7 +4,7 @@
 
 #include "base/wide_text.h"
 #include "platform/code_page.h"
-#include "text/time_text.h"
+#include "text/texts.h"
 
 namespace twr {
 namespace {

@@ -1,14 +1,30 @@
 // Changes of the mapping file's text. All that is not changed stays as it is: comments, unknown elements, order, indentation and
 // line ends.
 #pragma once
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "mapping/element_spans.h"
 #include "mapping/mapping_rows.h"
 
 namespace twr {
+
+struct ElementSpan {
+    std::string_view name;  // as written, with its prefix
+    std::size_t begin;      // of its start tag; places are in bytes from the start of the text
+    std::size_t tagEnd;     // behind its start tag
+    std::size_t endTag;     // of its end tag; tagEnd if it is written as <a/>
+    std::size_t end;        // behind the whole element
+};
+
+// The elements in the order of their start tags, the root first. The text is in UTF-8, or in ASCII alone. nullopt if it has a
+// document type declaration or its tags do not close each other; it may have other faults, which a reader finds.
+std::optional<std::vector<ElementSpan>> FindElements(std::string_view text);
+
+// The name without its prefix.
+std::string_view LocalName(const ElementSpan& element);
 
 // The element as text. The variable goes by its name if Deckman's list finds it by that, since a name outlasts a new numbering;
 // else by its number.

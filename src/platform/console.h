@@ -1,12 +1,18 @@
-// The output of a command-line program, and the user's request to stop it.
+// The arguments and the output of a command-line program, and the user's request to stop it.
 #pragma once
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/console_screen.h"
 
 namespace twr {
+
+// The arguments of main in UTF-8, without the program's own name. On Windows main gets text in a code page, so the wide command
+// line is used there.
+std::vector<std::string> Arguments(int argc, char** argv);
 
 enum class Output {
     kWritten,

@@ -1,6 +1,6 @@
 // log_report: prints what the stand-in can use of an NMEA 0183 recording. The exit status is 1 if that is nothing.
 #include "base/wide_text.h"
-#include "platform/arguments.h"
+#include "platform/console.h"
 #include "platform/system.h"
 #include "stand_in/log_survey.h"
 

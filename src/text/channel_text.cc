@@ -7,8 +7,7 @@
 #include "base/wide_text.h"
 #include "core/core.h"
 #include "core/record_access.h"
-#include "text/position_text.h"
-#include "text/time_text.h"
+#include "text/texts.h"
 
 namespace twr {
 namespace {

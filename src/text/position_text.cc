@@ -1,10 +1,9 @@
-#include "text/position_text.h"
-
 #include <cmath>
 
 #include "base/no_value.h"
 #include "base/numbers.h"
 #include "base/wide_text.h"
+#include "text/texts.h"
 
 namespace twr {
 namespace {

@@ -1,11 +1,10 @@
 // The names of channels, in full and as a remote shows them.
-#include "text/remote_label.h"
-
 #include <cstddef>
 
 #include "base/wide_text.h"
 #include "core/core.h"
 #include "core/record_access.h"
+#include "text/texts.h"
 
 namespace twr {
 namespace {

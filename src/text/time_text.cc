@@ -1,5 +1,3 @@
-#include "text/time_text.h"
-
 #include <cinttypes>
 #include <cmath>
 
@@ -10,6 +8,7 @@
 #include "core/core.h"
 #include "core/days.h"
 #include "core/record_access.h"
+#include "text/texts.h"
 
 namespace twr {
 namespace {

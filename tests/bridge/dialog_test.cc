@@ -2,7 +2,7 @@
 #include <cmath>
 #include <filesystem>
 
-#include "bridge/about.h"
+#include "bridge/controls.h"
 #include "bridge_fixture.h"
 #include "core/days.h"
 #include "status/bridge_status.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "calibration/object.h"
+#include "calibration/objects.h"
 
 namespace twr {
 namespace {

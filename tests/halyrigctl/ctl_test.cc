@@ -4,7 +4,7 @@
 #include "config/bridge_settings.h"
 #include "displays/displays.h"
 #include "halyrigctl/ctl_fixture.h"
-#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/names.h"
 #include "status/bridge_status.h"
 
 namespace twr::testing {

@@ -1,6 +1,6 @@
-#include "halyrigctl/setup/nearest_name.h"
-
 #include <gtest/gtest.h>
+
+#include "halyrigctl/setup/names.h"
 
 namespace twr::testing {
 namespace {

@@ -4,7 +4,7 @@
 #include <map>
 #include <utility>
 
-#include "platform/arguments.h"
+#include "platform/console.h"
 #include "support/child_process.h"
 
 namespace twr::testing {

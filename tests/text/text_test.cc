@@ -9,9 +9,7 @@
 #include "base/wide_text.h"
 #include "platform/paths.h"
 #include "support/core_fixture.h"
-#include "text/position_text.h"
-#include "text/remote_label.h"
-#include "text/time_text.h"
+#include "text/texts.h"
 
 namespace twr::testing {
 namespace {

@@ -8,7 +8,7 @@
 #include "bridge/controls.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 #include "support/child_process.h"
 #include "support/scripted_dialog.h"
 #include "support/windows/window_probe.h"

@@ -4,10 +4,11 @@
 
 #include "base/wide_text.h"
 #include "core/record_access.h"
+#include "halyrigctl/commands.h"
 #include "halyrigctl/output/cells.h"
 #include "halyrigctl/setup/dry_run.h"
 #include "halyrigctl/setup/finding_words.h"
-#include "halyrigctl/setup/nearest_name.h"
+#include "halyrigctl/setup/names.h"
 #include "mapping/legacy_import.h"
 #include "platform/paths.h"
 
@@ -165,6 +166,15 @@ CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& fol
     CheckLegacy(setup);
     report.Sort();
     return report;
+}
+
+Status Check(System& system, const CheckOptions& options) {
+    const auto folder = options.folder ? std::optional(FromUtf8(*options.folder)) : std::nullopt;
+    const CheckReport report = LookAtSetup(system, folder);
+    const Status printed = Print(system.GetConsole(), options.json      ? CheckAsJson(report)
+                                                      : options.summary ? CheckAsSummary(report)
+                                                                        : CheckAsText(report));
+    return report.Faults() > 0 ? kFailed : printed;
 }
 
 }  // namespace twr

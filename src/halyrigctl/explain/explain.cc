@@ -5,11 +5,11 @@
 
 #include "deckman/instrument_value.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/output/cells.h"
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/output/json.h"
-#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/finding_words.h"
+#include "halyrigctl/setup/names.h"
 #include "halyrigctl/setup/source_links.h"
 #include "halyrigctl/setup/value_chain.h"
 

@@ -7,10 +7,10 @@
 #include "halyrigctl/commands.h"
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/output/json.h"
-#include "halyrigctl/setup/channel_names.h"
 #include "halyrigctl/setup/channel_reading.h"
 #include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/setup/mapping_in_force.h"
+#include "halyrigctl/setup/names.h"
 #include "mapping/mapping_file.h"
 
 namespace twr {

@@ -2,10 +2,9 @@
 
 #include "base/wide_text.h"
 #include "core/channel_catalogue.h"
-#include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/output/guest.h"
-#include "halyrigctl/setup/channel_names.h"
-#include "halyrigctl/setup/nearest_name.h"
+#include "halyrigctl/setup/finding_words.h"
+#include "halyrigctl/setup/names.h"
 #include "mapping/mapping_text.h"
 #include "platform/paths.h"
 

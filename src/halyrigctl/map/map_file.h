@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "halyrigctl/setup/mapping_in_force.h"
-#include "mapping/element_spans.h"
 #include "mapping/mapping_file.h"
+#include "mapping/mapping_text.h"
 
 namespace twr {
 

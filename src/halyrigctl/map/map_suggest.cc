@@ -7,11 +7,11 @@
 #include "core/channel_catalogue.h"
 #include "deckman/instrument_value.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/map/map_match.h"
 #include "halyrigctl/output/guest.h"
-#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/setup/mapping_in_force.h"
+#include "halyrigctl/setup/names.h"
 #include "mapping/mapping_file.h"
 
 namespace twr {

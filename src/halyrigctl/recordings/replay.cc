@@ -6,7 +6,7 @@
 #include "halyrigctl/commands.h"
 #include "halyrigctl/recordings/nmea_log.h"
 #include "halyrigctl/recordings/replayer.h"
-#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/names.h"
 #include "status/bridge_status.h"
 #include "streams/recording_reader.h"
 

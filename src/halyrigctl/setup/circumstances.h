@@ -8,8 +8,8 @@
 
 #include "base/findings.h"
 #include "core/core_record.h"
-#include "halyrigctl/output/say.h"
 #include "deckman/variable_file.h"
+#include "halyrigctl/output/say.h"
 #include "halyrigctl/setup/dry_run.h"
 #include "halyrigctl/setup/library_look.h"
 #include "mapping/mapping_rows.h"

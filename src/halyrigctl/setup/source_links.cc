@@ -7,8 +7,8 @@
 #include "base/wide_text.h"
 #include "core/days.h"
 #include "deckman/instrument_value.h"
-#include "halyrigctl/setup/channel_names.h"
 #include "halyrigctl/setup/finding_words.h"
+#include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {

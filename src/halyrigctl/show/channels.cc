@@ -6,7 +6,7 @@
 #include "core/channel_catalogue.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/output/json.h"
-#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {

@@ -7,8 +7,8 @@
 #include "halyrigctl/output/cells.h"
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/output/json.h"
-#include "halyrigctl/setup/channel_names.h"
 #include "halyrigctl/setup/channel_reading.h"
+#include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {

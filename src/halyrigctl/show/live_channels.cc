@@ -7,7 +7,7 @@
 #include "halyrigctl/commands.h"
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/output/json.h"
-#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "core/days.h"
 #include "core/record_access.h"
-#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/names.h"
 #include "streams/json_lines.h"
 #include "streams/nmea.h"
 

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <string>
 
+#include "base/wide_text.h"
+#include "displays/displays.h"
 #include "halyrigctl/output/cells.h"
+#include "halyrigctl/output/say.h"
 
 namespace twr {
 namespace {
@@ -72,6 +75,17 @@ DisplaysPicture DrawAllSmall(const std::vector<RemoteLine>& remotes, ConsoleSize
 }
 
 }  // namespace
+
+std::vector<RemoteLine> ReadRemotes(SharedMemory& memory, std::u16string_view dfwFolder) {
+    const auto shown = [](const DisplayedText& text) { return Harmless(FromBytes(text.text)); };
+    const DisplayReader displays(memory, Trimmed(dfwFolder));
+    std::vector<RemoteLine> lines;
+    for (int remote = 1; remote <= kRemoteCount; ++remote) {
+        const DisplayedText value = displays.Value(remote);
+        if (value.updates > 0) lines.push_back({remote, shown(value), shown(displays.Name(remote))});
+    }
+    return lines;
+}
 
 DisplaysPicture DrawDisplays(const std::vector<RemoteLine>& remotes, ConsoleSize size) {
     if (remotes.empty()) return {};

@@ -1,11 +1,21 @@
 // The remotes drawn as the displays on the mast.
 #pragma once
+#include <string>
+#include <string_view>
 #include <vector>
 
-#include "halyrigctl/watch/remotes.h"
 #include "platform/console_screen.h"
+#include "platform/shared_memory.h"
 
 namespace twr {
+
+struct RemoteLine {
+    int number;
+    std::string value, name;  // UTF-8
+};
+
+// The texts sent to the stand-in in this folder; none with the real Deckman.
+std::vector<RemoteLine> ReadRemotes(SharedMemory& memory, std::u16string_view dfwFolder);
 
 struct DisplaysPicture {
     std::vector<ScreenText> texts;  // from row and column 0

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "halyrigctl/commands.h"
-#include "halyrigctl/watch/remotes.h"
+#include "halyrigctl/watch/displays_picture.h"
 #include "halyrigctl/watch/watched_channels.h"
 #include "platform/console_screen.h"
 

@@ -9,7 +9,7 @@
 #include "core/days.h"
 #include "core/record_access.h"
 #include "halyrigctl/output/say.h"
-#include "halyrigctl/setup/channel_names.h"
+#include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {

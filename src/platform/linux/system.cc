@@ -6,7 +6,7 @@
 #include <cstdio>
 
 #include "base/version.h"
-#include "platform/arguments.h"
+#include "platform/console.h"
 #include "platform/linux/services.h"
 #include "platform/linux/standard_error.h"
 #include "platform/linux/terminal/screen.h"

@@ -1,6 +1,5 @@
 #include "platform/clock.h"
 
-#include "platform/windows/file_time.h"
 #include "platform/windows/services.h"
 #include "platform/windows/win32.h"
 

@@ -1,6 +1,5 @@
 #include "platform/code_page.h"
 
-#include "platform/windows/wide.h"
 #include "platform/windows/win32.h"
 
 namespace twr {

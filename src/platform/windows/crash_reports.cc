@@ -11,10 +11,9 @@
 #include "base/wide_text.h"
 #include "platform/crash_line.h"
 #include "platform/crash_reports.h"
-#include "platform/windows/file_time.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr {
 namespace {

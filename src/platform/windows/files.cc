@@ -7,10 +7,9 @@
 #include <iterator>
 
 #include "platform/paths.h"
-#include "platform/windows/file_time.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr {
 namespace {

@@ -1,7 +1,7 @@
 #include "base/wide_text.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr {
 namespace {

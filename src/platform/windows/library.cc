@@ -1,10 +1,9 @@
 #include "platform/library.h"
 
 #include "platform/windows/crash_reports.h"
-#include "platform/windows/module_path.h"
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr {
 namespace {

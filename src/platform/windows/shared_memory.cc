@@ -4,7 +4,7 @@
 
 #include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr {
 namespace {

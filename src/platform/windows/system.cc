@@ -1,11 +1,10 @@
 #include "platform/system.h"
 
 #include "base/wide_text.h"
-#include "platform/arguments.h"
+#include "platform/console.h"
 #include "platform/paths.h"
-#include "platform/windows/module_path.h"
 #include "platform/windows/services.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr {
 namespace {

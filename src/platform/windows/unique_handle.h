@@ -47,4 +47,18 @@ using UniqueFind = Unique<CloseFind>;
 // For the calls whose failure value is INVALID_HANDLE_VALUE.
 inline HANDLE NullIfInvalid(HANDLE handle) { return handle == INVALID_HANDLE_VALUE ? nullptr : handle; }
 
+// An owner for a COM interface.
+inline void ReleaseInterface(IUnknown* object) { object->Release(); }
+
+template <class Interface>
+class ComPtr : public Unique<ReleaseInterface, Interface*> {
+public:
+    using Unique<ReleaseInterface, Interface*>::Unique;
+
+    Interface* operator->() const { return this->get(); }
+
+    // For calls that return any interface through an untyped pointer.
+    void** ReceiveVoid() { return reinterpret_cast<void**>(this->Receive()); }
+};
+
 }  // namespace twr

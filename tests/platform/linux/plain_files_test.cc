@@ -8,7 +8,7 @@
 
 #include "base/wide_text.h"
 #include "platform/linux/signal_queue.h"
-#include "platform/linux/xml/xml_reader.h"
+#include "platform/linux/xml/xml.h"
 #include "platform/paths.h"
 #include "support/linux/signals.h"
 #include "support/test_system.h"

@@ -1,9 +1,8 @@
 #include "support/child_process.h"
 
 #include "base/wide_text.h"
-#include "platform/windows/module_path.h"
 #include "platform/windows/unique_handle.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr::testing {
 namespace {

@@ -1,6 +1,6 @@
 #include "support/windows/window_probe.h"
 
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr::testing {
 namespace {

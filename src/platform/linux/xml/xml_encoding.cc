@@ -1,5 +1,3 @@
-#include "platform/linux/xml/xml_encoding.h"
-
 #include <iconv.h>
 
 #include <algorithm>
@@ -7,6 +5,8 @@
 #include <cerrno>
 #include <cstdint>
 #include <memory>
+
+#include "platform/linux/xml/xml.h"
 
 namespace twr {
 namespace {

@@ -1,4 +1,3 @@
-#include "platform/linux/xml/xml_reader.h"
 
 #include <expat.h>
 
@@ -9,8 +8,7 @@
 
 #include "base/wide_text.h"
 #include "platform/linux/services.h"
-#include "platform/linux/xml/xml_encoding.h"
-#include "platform/linux/xml/xml_writer.h"
+#include "platform/linux/xml/xml.h"
 
 namespace twr {
 namespace {

@@ -1,10 +1,9 @@
-#include "platform/linux/xml/xml_writer.h"
-
 #include <fcntl.h>
 #include <unistd.h>
 
 #include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
+#include "platform/linux/xml/xml.h"
 
 namespace twr {
 namespace {

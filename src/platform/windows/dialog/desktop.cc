@@ -1,7 +1,6 @@
 // The desktop of Windows: message boxes, and dialogs from the executable's resources.
 #include "platform/windows/dialog/dialog_host.h"
 #include "platform/windows/services.h"
-#include "platform/windows/wide.h"
 #include "platform/windows/win32.h"
 
 namespace twr {

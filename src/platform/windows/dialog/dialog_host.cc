@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/windows/dialog/window_text.h"
 #include "platform/windows/resource_ids.h"
-#include "platform/windows/wide.h"
+#include "platform/windows/win32.h"
 
 namespace twr {
 namespace {

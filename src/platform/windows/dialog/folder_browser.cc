@@ -1,6 +1,6 @@
 #include "platform/windows/dialog/folder_browser.h"
 
-#include "platform/windows/xml/com_ptr.h"
+#include "platform/windows/unique_handle.h"
 
 namespace twr {
 namespace {

@@ -1,6 +1,5 @@
 #include "platform/windows/dialog/folder_field.h"
 
-#include "platform/windows/dialog/window_text.h"
 #include "platform/windows/win32.h"
 
 namespace twr {

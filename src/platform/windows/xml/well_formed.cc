@@ -1,7 +1,7 @@
-#include "platform/windows/xml/well_formed.h"
-
 #include <algorithm>
 #include <cstdint>
+
+#include "platform/windows/xml/xml.h"
 
 namespace twr {
 namespace {

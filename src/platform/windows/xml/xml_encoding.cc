@@ -1,5 +1,3 @@
-#include "platform/windows/xml/xml_encoding.h"
-
 #include <algorithm>
 #include <charconv>
 #include <optional>
@@ -7,6 +5,7 @@
 
 #include "base/wide_text.h"
 #include "platform/windows/win32.h"
+#include "platform/windows/xml/xml.h"
 
 namespace twr {
 namespace {

@@ -4,10 +4,8 @@
 
 #include "base/wide_text.h"
 #include "platform/windows/services.h"
-#include "platform/windows/xml/com_ptr.h"
-#include "platform/windows/xml/well_formed.h"
-#include "platform/windows/xml/xml_encoding.h"
-#include "platform/windows/xml/xml_writer.h"
+#include "platform/windows/unique_handle.h"
+#include "platform/windows/xml/xml.h"
 
 namespace twr {
 namespace {

@@ -1,9 +1,8 @@
-#include "platform/windows/xml/xml_writer.h"
-
 #include <xmllite.h>
 
-#include "platform/windows/wide.h"
-#include "platform/windows/xml/com_ptr.h"
+#include "platform/windows/unique_handle.h"
+#include "platform/windows/win32.h"
+#include "platform/windows/xml/xml.h"
 
 namespace twr {
 namespace {

@@ -1,8 +1,9 @@
-// One calibration: a table of curves over one or two input channels, or a single constant. It yields a correction in the units of
-// the channel, never the corrected value itself.
+// The calibration objects: which there are, and a correction by one.
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <span>
+#include <string_view>
 #include <vector>
 
 #include "calibration/curve.h"
@@ -27,5 +28,23 @@ struct CalibrationObject {
     // The same on one curve; false for an index without a curve.
     bool EvaluateCurve(std::size_t index, double& out, double x);
 };
+
+inline constexpr std::size_t kCalibrationCount = 20;
+
+struct CalibrationInfo {
+    std::uint16_t corrected, inputX, inputY;  // ChannelIds; 32767 for none
+    std::uint8_t pointsX, pointsY;            // points on the first and second axis
+    float value;                              // in `unit`
+    float startX, startY, stepX, stepY;       // in the units of the inputs
+    std::uint8_t flags[2];
+    std::uint8_t always;  // in force whether or not it is switched on
+    std::uint8_t flag3;
+    std::u16string_view unit;
+    std::u16string_view name;
+    std::int32_t next;  // the row after it, 0 after the last
+};
+
+// Indexed like the calibrations themselves.
+std::span<const CalibrationInfo, kCalibrationCount> CalibrationCatalogue();
 
 }  // namespace twr

@@ -1,14 +1,15 @@
+#include "halyrigctl/setup/dry_run.h"
+
 #include <algorithm>
 #include <cstring>
 
 #include "halyrigctl/ctl_fixture.h"
-#include "halyrigctl/setup/dry_run.h"
 #include "halyrigctl/snapshot.h"
 
 namespace twr::testing {
 namespace {
 
-TEST_F(CtlTest, ARehearsalGivesTheRecordThatTheSuiteWillMakeAndLeavesNoTrace) {
+TEST_F(CtlTest, ADryRunGivesTheRecordThatTheSuiteWillMakeAndLeavesNoTrace) {
     test.folder.Write("ProgramData/x", "");
     const auto compare = [&](const char* what) {
         const auto before = Snapshot(test);
@@ -30,7 +31,7 @@ TEST_F(CtlTest, ARehearsalGivesTheRecordThatTheSuiteWillMakeAndLeavesNoTrace) {
     compare("all there");
 }
 
-TEST_F(CtlTest, WhatARehearsalIsAskedToWriteIsNotWritten) {
+TEST_F(CtlTest, WhatADryRunIsAskedToWriteIsNotWritten) {
     test.folder.Write("ProgramData/x", "");
     const auto before = Snapshot(test);
     DryRun dryRun(Core());
