@@ -7,7 +7,7 @@
 #include "bridge/controls.h"
 #include "core/days.h"
 #include "mapping/mapping_file.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

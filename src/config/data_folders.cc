@@ -1,7 +1,7 @@
 // The data folder, the root of the suite's files, and the paths that the suite's programs share.
 #include "core/core.h"
 #include "core/record_access.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

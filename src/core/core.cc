@@ -8,7 +8,7 @@
 #include "core/days.h"
 #include "core/initialise.h"
 #include "core/record_access.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

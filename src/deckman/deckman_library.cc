@@ -1,6 +1,6 @@
 #include "deckman/deckman_library.h"
 
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

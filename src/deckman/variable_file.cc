@@ -7,7 +7,7 @@
 
 #include "base/text_lines.h"
 #include "base/wide_text.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

@@ -52,14 +52,6 @@ bool IsMappingElement(const XmlElement& element) {
     return EqualsIgnoringCase(element.name, kVar) || EqualsIgnoringCase(element.name, kRemote);
 }
 
-std::string Contents(Files& files, std::u16string_view path) {
-    const auto source = files.Open(path);
-    std::string bytes;
-    char chunk[4096];
-    while (const std::size_t got = source ? source->Read(chunk, sizeof chunk) : 0) bytes.append(chunk, got);
-    return bytes;
-}
-
 // A mapping file that is incomplete, for example after a full disk, has no end tag. In some encodings every other byte is zero.
 bool IsWhole(std::string text) {
     std::erase(text, '\0');
@@ -158,9 +150,9 @@ bool WriteRemoteElement(XmlWriter& writer, const MappingRemote& row) {
 }
 
 bool SaveMapping(Files& files, Xml& xml, std::u16string_view path, const Mapping& mapping) {
-    const std::string former = Contents(files, path);
+    const auto former = ReadWhole(files, path);
     // Whether it may be written is asked first, so that an older copy is not given up for nothing.
-    if (IsWhole(former) && !(files.Append(path, {}) && Keep(files, path, former))) return false;
+    if (!former || (IsWhole(*former) && !(files.Append(path, {}) && Keep(files, path, *former)))) return false;
     const auto writer = xml.OpenWriter(path);
     if (!writer || !writer->StartElement(u"halyrig") || !writer->Attribute(u"version", u"1.0") ||
         !writer->Attribute(u"creator", u"Tidewright - https://tidewright.example")) {

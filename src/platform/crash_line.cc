@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 

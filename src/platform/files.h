@@ -1,4 +1,4 @@
-// Files and folders. Paths are absolute and use the system's own separator (paths.h).
+// Files and folders. Paths are absolute and use the system's own separator.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -85,5 +85,15 @@ public:
     // The folder for data that all users of the machine share; empty if it is unknown.
     virtual std::u16string ProgramDataFolder() const = 0;
 };
+
+// The bytes of a whole file, empty if there is none; nullopt if it can't be opened, or not be read to its end or to kLargestFile.
+std::optional<std::string> ReadWhole(Files& files, std::u16string_view path);
+
+extern const char16_t kPathSeparator;
+extern const std::u16string_view kLibrarySuffix;  // of a loadable library's file name, dot included
+extern const std::string_view kLineEnd;           // of the lines of a text file for users
+
+// `folder`, the separator and `name`.
+std::u16string JoinPath(std::u16string_view folder, std::u16string_view name);
 
 }  // namespace twr

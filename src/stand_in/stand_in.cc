@@ -6,7 +6,7 @@
 #include "base/bounded_lines.h"
 #include "base/wide_text.h"
 #include "nmea/sentence.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "stand_in/log_replay.h"
 #include "stand_in/sailing_simulation.h"
 #include "stand_in/variables.h"

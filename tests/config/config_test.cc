@@ -1,7 +1,7 @@
 // The suite's configuration files, its folders and the paths it shares. Files and XML are the system's own, all else is fake.
 
 #include "base/wide_text.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "support/core_fixture.h"
 #include "support/test_system.h"
 

@@ -2,7 +2,7 @@
 
 #include "base/wide_text.h"
 #include "core/initialise.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "support/core_fixture.h"
 
 namespace twr::testing {

@@ -8,7 +8,7 @@
 #include "config/saved_settings.h"
 #include "halyrigctl/ctl_fixture.h"
 #include "halyrigctl/snapshot.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "status/bridge_status.h"
 
 namespace twr::testing {

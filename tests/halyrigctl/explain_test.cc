@@ -4,7 +4,7 @@
 
 #include "bridge/bridge_fixture.h"
 #include "halyrigctl/ctl_fixture.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr::testing {
 namespace {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <iterator>
 
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "support/test_system.h"
 
 namespace twr::testing {

@@ -9,7 +9,7 @@
 #include "deckman/variable_file.h"
 #include "mapping/legacy_import.h"
 #include "mapping/mapping_file.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "support/child_process.h"
 #include "support/fakes.h"
 #include "support/test_system.h"

@@ -8,7 +8,7 @@
 
 #include "base/wide_text.h"
 #include "platform/crash_line.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "support/child_process.h"
 #include "support/scripted_dialog.h"
 #include "support/test_system.h"

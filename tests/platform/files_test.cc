@@ -6,7 +6,6 @@
 #include <filesystem>
 
 #include "base/wide_text.h"
-#include "platform/paths.h"
 #include "support/test_system.h"
 
 namespace twr {

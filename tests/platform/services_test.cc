@@ -8,8 +8,8 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/files.h"
 #include "platform/held_output.h"
-#include "platform/paths.h"
 #include "platform/registry.h"
 #include "support/child_process.h"
 #include "support/test_system.h"

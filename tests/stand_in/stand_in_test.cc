@@ -5,8 +5,8 @@
 
 #include <cstring>
 
+#include "platform/files.h"
 #include "platform/library.h"
-#include "platform/paths.h"
 #include "stand_in/sailing_simulation.h"
 #include "stand_in/variables.h"
 #include "support/fakes.h"

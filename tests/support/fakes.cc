@@ -1,6 +1,6 @@
 #include "support/fakes.h"
 
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr::testing {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/files.h"
 #include "platform/library.h"
-#include "platform/paths.h"
 
 namespace twr::testing {
 

@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "base/wide_text.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr::testing {
 

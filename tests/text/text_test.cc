@@ -7,7 +7,7 @@
 #include "base/no_value.h"
 #include "base/numbers.h"
 #include "base/wide_text.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "support/core_fixture.h"
 #include "text/texts.h"
 

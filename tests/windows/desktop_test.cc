@@ -6,7 +6,7 @@
 
 #include "base/wide_text.h"
 #include "bridge/controls.h"
-#include "platform/windows/services.h"
+#include "platform/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
 #include "support/child_process.h"

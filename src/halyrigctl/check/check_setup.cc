@@ -10,7 +10,7 @@
 #include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/setup/names.h"
 #include "mapping/legacy_import.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

@@ -5,7 +5,7 @@
 #include "config/saved_settings.h"
 #include "core/record_access.h"
 #include "halyrigctl/check/check_setup.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

@@ -6,7 +6,7 @@
 #include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/setup/names.h"
 #include "mapping/mapping_text.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

@@ -7,22 +7,12 @@
 #include "halyrigctl/output/say.h"
 #include "halyrigctl/setup/finding_words.h"
 #include "mapping/mapping_text.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {
 
 constexpr const char* kSaveAsUtf8 = "open it in an editor and save it as UTF-8";
-
-// What is there, empty if there is no such file; nullopt if that can't be read.
-std::optional<std::string> Contents(Files& files, std::u16string_view path) {
-    std::string bytes;
-    char chunk[16384];
-    const auto source = files.Open(path);
-    if (!source) return files.Exists(path) ? std::nullopt : std::optional(bytes);
-    while (const std::size_t got = bytes.size() <= kLargestFile ? source->Read(chunk, sizeof chunk) : 0) bytes.append(chunk, got);
-    return source->Failure().empty() ? std::optional(bytes) : std::nullopt;
-}
 
 // Its declaration names UTF-8, or no encoding, or it begins with the mark.
 bool IsDeclaredUtf8(std::string_view text) {
@@ -61,7 +51,7 @@ bool Agree(const std::vector<ElementSpan>& spans, const std::vector<XmlElement>&
 }
 
 std::string FaultOf(const CoreServices& services, std::u16string_view path, MapFile& file) {
-    const auto text = Contents(services.files, path);
+    const auto text = ReadWhole(services.files, path);
     if (text && text->empty()) return services.files.Exists(path) ? "it is empty; remove it" : "";
     if (text) file.text = *text;
     if (std::string fault = EncodingFault(file.text); !fault.empty()) return fault;
@@ -104,7 +94,7 @@ std::string NewMapText(const CoreServices& services, const MappingInForce& inFor
     Files& files = services.files;
     const std::u16string draft = files.WriteBeside(files.Target(inForce.path), {}, inForce.path);
     const bool saved = !draft.empty() && SaveMapping(files, services.xml, draft, only);
-    std::string text = saved ? Contents(files, draft).value_or("") : "";
+    std::string text = saved ? ReadWhole(files, draft).value_or("") : "";
     if (!draft.empty()) files.Remove(draft);
     // The bridge writes the variable's number.
     const auto spans = FindElements(text);
@@ -135,7 +125,7 @@ std::string ReplaceMapFile(const CoreServices& services, const MappingInForce& i
     if (!former.text.empty()) keeping = files.WriteBeside(kept, former.text, target);
     if (!former.text.empty() && (keeping.empty() || !files.Rename(keeping, kept)))
         return failed("can't keep the former file as " + Harmless(kept) + ": the disk may be full, or another program has it open");
-    if (Contents(files, path) != former.text)
+    if (ReadWhole(files, path) != former.text)
         return failed("another program, an editor or the bridge, has changed " + Harmless(path) + " meanwhile; try again");
     if (!files.Rename(fresh, target)) return failed("can't replace " + Harmless(target) + ": another program may have it open");
     return {};

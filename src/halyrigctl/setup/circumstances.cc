@@ -10,7 +10,7 @@
 #include "core/record_access.h"
 #include "halyrigctl/setup/finding_words.h"
 #include "mapping/mapping_file.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

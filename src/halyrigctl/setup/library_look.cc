@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "halyrigctl/output/say.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 
 namespace twr {
 namespace {

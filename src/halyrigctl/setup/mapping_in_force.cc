@@ -4,7 +4,7 @@
 #include "core/record_access.h"
 #include "halyrigctl/output/say.h"
 #include "halyrigctl/setup/dry_run.h"
-#include "platform/paths.h"
+#include "platform/files.h"
 #include "status/bridge_status.h"
 
 namespace twr {

@@ -17,7 +17,6 @@
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
 #include "platform/linux/signal_queue.h"
-#include "platform/paths.h"
 
 namespace twr {
 namespace {

@@ -20,6 +20,7 @@
 #include "base/wide_text.h"
 #include "platform/linux/services.h"
 #include "platform/linux/shared_object.h"
+#include "platform/linux/standard_error.h"
 
 namespace twr {
 namespace {
@@ -157,8 +158,11 @@ private:
 
 }  // namespace
 
-std::unique_ptr<SharedMemory> MakeSharedMemory(const std::u16string& namePrefix, std::function<void(const std::string&)> tell) {
-    return std::make_unique<PosixSharedMemory>(namePrefix, std::move(tell));
+std::unique_ptr<SharedMemory> MakeSharedMemory(const Roots& roots, std::function<void()> failed) {
+    return std::make_unique<PosixSharedMemory>(roots.namePrefix, [failed = std::move(failed)](const std::string& cause) {
+        TellUser(cause);
+        failed();
+    });
 }
 
 }  // namespace twr

@@ -6,9 +6,9 @@
 #include <cstdlib>
 
 #include "base/wide_text.h"
+#include "platform/files.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/services.h"
-#include "platform/paths.h"
 
 namespace twr {
 namespace {

@@ -1,6 +1,6 @@
 #include "platform/clock.h"
 
-#include "platform/windows/services.h"
+#include "platform/services.h"
 #include "platform/windows/win32.h"
 
 namespace twr {

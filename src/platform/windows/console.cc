@@ -1,8 +1,8 @@
 #include "platform/console.h"
 
 #include "platform/held_output.h"
+#include "platform/services.h"
 #include "platform/windows/console_screen.h"
-#include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
 
 namespace twr {

@@ -11,7 +11,7 @@
 #include "base/wide_text.h"
 #include "platform/crash_line.h"
 #include "platform/crash_reports.h"
-#include "platform/windows/services.h"
+#include "platform/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
 

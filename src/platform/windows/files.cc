@@ -6,8 +6,7 @@
 #include <cstddef>
 #include <iterator>
 
-#include "platform/paths.h"
-#include "platform/windows/services.h"
+#include "platform/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
 

@@ -1,5 +1,5 @@
 #include "base/wide_text.h"
-#include "platform/windows/services.h"
+#include "platform/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
 
@@ -52,6 +52,6 @@ void WindowsInstance::RaiseOther(std::u16string_view caption) {
     SetForegroundWindow(popup);
 }
 
-std::unique_ptr<Instance> MakeInstance(const std::u16string& namePrefix) { return std::make_unique<WindowsInstance>(namePrefix); }
+std::unique_ptr<Instance> MakeInstance(const Roots& roots) { return std::make_unique<WindowsInstance>(roots.namePrefix); }
 
 }  // namespace twr

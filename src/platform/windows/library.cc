@@ -1,7 +1,7 @@
 #include "platform/library.h"
 
+#include "platform/services.h"
 #include "platform/windows/crash_reports.h"
-#include "platform/windows/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
 

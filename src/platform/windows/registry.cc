@@ -1,6 +1,6 @@
 #include "platform/registry.h"
 
-#include "platform/windows/services.h"
+#include "platform/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "platform/windows/services.h"
+#include "platform/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
 
@@ -89,12 +89,10 @@ private:
     mutable WindowsSharedMemory memory_;
 };
 
-std::unique_ptr<StatusBoard> MakeStatusBoard(const std::u16string& namePrefix) {
-    return std::make_unique<WindowsStatusBoard>(namePrefix);
-}
+std::unique_ptr<StatusBoard> MakeStatusBoard(const Roots& roots) { return std::make_unique<WindowsStatusBoard>(roots.namePrefix); }
 
-std::unique_ptr<SharedMemory> MakeSharedMemory(const std::u16string& namePrefix) {
-    return std::make_unique<WindowsSharedMemory>(namePrefix);
+std::unique_ptr<SharedMemory> MakeSharedMemory(const Roots& roots, std::function<void()>) {
+    return std::make_unique<WindowsSharedMemory>(roots.namePrefix);
 }
 
 }  // namespace twr

@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "base/wide_text.h"
+#include "platform/files.h"
 #include "platform/linux/signal_queue.h"
 #include "platform/linux/xml/xml.h"
-#include "platform/paths.h"
 #include "support/linux/signals.h"
 #include "support/test_system.h"
 

@@ -8,9 +8,9 @@
 #include <chrono>
 
 #include "base/wide_text.h"
+#include "platform/files.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/registry/registry_text.h"
-#include "platform/paths.h"
 #include "support/test_system.h"
 
 namespace twr {

@@ -1,6 +1,6 @@
 // The desktop of Windows: message boxes, and dialogs from the executable's resources.
+#include "platform/services.h"
 #include "platform/windows/dialog/dialog_host.h"
-#include "platform/windows/services.h"
 #include "platform/windows/win32.h"
 
 namespace twr {

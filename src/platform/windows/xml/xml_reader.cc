@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/wide_text.h"
-#include "platform/windows/services.h"
+#include "platform/services.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/xml/xml.h"
 
