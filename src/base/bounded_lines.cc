@@ -1,45 +1,53 @@
 #include "base/bounded_lines.h"
 
+#include <algorithm>
 #include <utility>
+
+#include "base/wide_text.h"
 
 namespace twr {
 
 bool BoundedLines::Refill() {
+    const std::size_t room = over_ ? 0 : std::min(buffer_.size(), form_.largest - read_);
     used_ = 0;
-    filled_ = source_.Read(buffer_.data(), buffer_.size());
+    filled_ = room == 0 ? 0 : source_.Read(buffer_.data(), room);
+    read_ += filled_;
+    const auto end = buffer_.begin() + static_cast<std::ptrdiff_t>(filled_);
+    const auto last = form_.endsAtCtrlZ ? std::find(buffer_.begin(), end, '\x1A') : end;
+    over_ = over_ || last != end;
+    filled_ = static_cast<std::size_t>(last - buffer_.begin());
     return filled_ > 0;
 }
 
-bool BoundedLines::Next(std::string_view& line) {
-    line = {};
-    std::size_t length = 0;
-    while (true) {
-        if (used_ == filled_ && !Refill()) {
-            const bool rest = (length > 0 || tooLong_) && source_.Failure().empty();  // a part of a line could be another one
-            line = std::string_view(line_.data(), length);
-            wasTooLong_ = std::exchange(tooLong_, false);
-            return rest;
-        }
-        while (used_ < filled_) {
-            const char byte = buffer_[used_++];
-            if (byte == '\n' || byte == '\r') {
-                wasTooLong_ = std::exchange(tooLong_, false);
-                line = std::string_view(line_.data(), length);
-                return true;
-            }
-            if (length < kLongest && !tooLong_) {
-                line_[length++] = byte;
-            } else {
-                tooLong_ = true;
-                length = 0;
-            }
-        }
-        // The caller decides how much of an endless line is worth reading.
-        if (tooLong_) {
-            wasTooLong_ = true;
-            return true;
-        }
+bool BoundedLines::Next() {
+    line_.clear();
+    hasEnd_ = false;
+    cut_ = std::exchange(goesOn_, false);
+    bool any = cut_;
+    std::size_t size = 0;  // of the line, if it is not cut
+    while (!hasEnd_ && !goesOn_ && (used_ < filled_ || Refill())) {
+        any = true;
+        const char* const from = buffer_.data() + used_;
+        const char* const end = buffer_.data() + filled_;
+        const char* const to = std::find_if(from, end, [&](char c) { return c == '\n' || (c == '\r' && form_.endsAtCr); });
+        const auto count = static_cast<std::size_t>(to - from);
+        line_.append(from, std::min(count, form_.longest + 1 - line_.size()));  // one byte more, for the CR
+        size += count;
+        hasEnd_ = to != end;
+        used_ += count + (hasEnd_ ? 1 : 0);
+        goesOn_ = form_.emptiesLonger && !hasEnd_ && (cut_ || size > form_.longest);
     }
+    if (hasEnd_ && size == line_.size() && line_.ends_with('\r')) line_.pop_back(), --size;
+    cut_ = cut_ || size > form_.longest;
+    line_.resize(cut_ && form_.emptiesLonger ? 0 : std::min(size, form_.longest));
+    return any && (hasEnd_ || goesOn_ || source_.Failure().empty());  // a part of a line could be another one
+}
+
+bool BoundedLines::ReportEnd(const Place& place) const {
+    const std::string failure = source_.Failure();
+    if (EndedEarly()) place.Report(Flaw::kFileCut);
+    if (!failure.empty()) place.At(place.line + 1).Report(Flaw::kReadFailed, FromUtf8(failure));
+    return !failure.empty();
 }
 
 }  // namespace twr

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "base/text_lines.h"
+#include "base/bounded_lines.h"
 #include "base/wide_text.h"
 #include "core/core.h"
 #include "core/record_access.h"
@@ -77,17 +77,16 @@ void CCore::LoadAlternatesFile() {
     const auto file = services_.files.Open(path);
     if (!file && services_.files.Exists(path)) place.Report(Flaw::kReadFailed, kNotOpened);
     if (!file) return;
-    TextLines lines(*file);
-    std::string line;
-    while (lines.Next(line)) {
+    BoundedLines lines(*file, kTextMode);
+    while (lines.Next()) {
+        const std::string& line = lines.Line();
         ++place.line;
         if (line.empty() || line.front() == '!') continue;
         const std::u16string spelled = services_.findings ? FromBytes(line) : std::u16string();
         ReadLine(line, *view_, place.Of(spelled));
         if (lines.Cut()) place.Report(Flaw::kLineCut);
     }
-    if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
-    lines.ReportFailure(place.At(place.line + 1));
+    lines.ReportEnd(place);
 }
 
 }  // namespace twr

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "base/text_lines.h"
+#include "base/bounded_lines.h"
 #include "base/wide_text.h"
 #include "platform/files.h"
 
@@ -32,15 +32,15 @@ std::optional<DeckmanVariable> ParseRow(const std::string& line) {
     return row;
 }
 
-DeckmanCatalogue ParseLines(TextLines lines, Place place) {
+DeckmanCatalogue ParseLines(ByteSource& source, Place place) {
     DeckmanCatalogue catalogue;
     catalogue.rows.reserve(kUsualRows);
-    std::string line;
+    BoundedLines lines(source, kTextMode);
     bool inSection = false;
     std::int32_t previous = 0;
-    while (lines.Next(line)) {
+    while (lines.Next()) {
         ++place.line;
-        line = Trimmed(std::string_view(line));
+        const std::string line(Trimmed(std::string_view(lines.Line())));
         if (line.empty()) continue;
         if (!inSection) {
             inSection = line == kSection;
@@ -60,8 +60,7 @@ DeckmanCatalogue ParseLines(TextLines lines, Place place) {
             catalogue.rows.push_back(*row);
         }
     }
-    if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
-    if (!lines.ReportFailure(place.At(place.line + 1)) && !inSection) place.At(0).Report(Flaw::kNoVariables);
+    if (!lines.ReportEnd(place) && !inSection) place.At(0).Report(Flaw::kNoVariables);
     return catalogue;
 }
 
@@ -69,11 +68,11 @@ DeckmanCatalogue ParseLines(TextLines lines, Place place) {
 
 DeckmanCatalogue ParseVariableFile(Files& files, std::u16string_view path, std::u16string_view copyPath, Findings* findings) {
     const Place place{findings, path};
-    if (const auto source = files.Open(path)) return ParseLines(TextLines(*source), place);
+    if (const auto source = files.Open(path)) return ParseLines(*source, place);
     // Deckman may hold its file so that it can be copied but not opened.
     DeckmanCatalogue catalogue;
     if (files.Copy(path, copyPath)) {
-        if (const auto source = files.Open(copyPath)) catalogue = ParseLines(TextLines(*source), place);
+        if (const auto source = files.Open(copyPath)) catalogue = ParseLines(*source, place);
     }
     files.Remove(copyPath);
     return catalogue;

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <string>
 
+#include "base/bounded_lines.h"
 #include "base/channel_ids.h"
-#include "base/text_lines.h"
 #include "base/wide_text.h"
 
 namespace twr {
@@ -26,18 +26,17 @@ template <class Take>
 bool ForEachLine(Files& files, std::u16string_view path, Findings* findings, Take take) {
     const auto source = files.Open(path);
     if (!source) return false;
-    TextLines lines(*source);
-    std::string line;
+    BoundedLines lines(*source, kTextMode);
     Fields fields{};
     Place place{findings, path};
-    while (lines.Next(line)) {
+    while (lines.Next()) {
+        const std::string& line = lines.Line();
         ++place.line;
         const std::u16string spelled = findings ? FromBytes(line) : std::u16string();
         if (!line.empty()) take(fields, ScanFields(line, fields), place.Of(spelled));
         if (lines.Cut()) place.Report(Flaw::kLineCut);
     }
-    if (lines.EndedEarly()) place.Report(Flaw::kFileCut);
-    lines.ReportFailure(place.At(place.line + 1));
+    lines.ReportEnd(place);
     return true;
 }
 

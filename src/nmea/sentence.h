@@ -1,11 +1,16 @@
-// One line of an NMEA 0183 recording, taken apart.
+// One line of a log of NMEA 0183, taken apart.
 #pragma once
 #include <array>
 #include <cstddef>
 #include <optional>
 #include <string_view>
 
+#include "base/bounded_lines.h"
+
 namespace twr {
+
+// The lines of a log: its sentences have 82 characters at most, and some devices end them by CR alone.
+inline constexpr LineForm kLogLines{.longest = 160, .endsAtCr = true, .emptiesLonger = true};
 
 struct NmeaSentence {
     static constexpr std::size_t kMostFields = 48;

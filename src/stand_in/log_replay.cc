@@ -5,7 +5,7 @@ namespace {
 
 constexpr int kLinesAtOnce = 5000;  // bounds the time that one advance takes
 constexpr int kLinesToFindTime = 1000;
-constexpr double kPause = 1.0;  // seconds before the recording starts again, or is looked for again
+constexpr double kPause = 1.0;  // seconds before the log starts again, or is looked for again
 
 }  // namespace
 
@@ -16,7 +16,7 @@ bool LogReplay::Open() {
     const bool hasClock = TellsTime();
     source_ = files_.Open(path_);
     if (!source_) return false;
-    lines_.emplace(*source_);
+    lines_.emplace(*source_, kLogLines);
     clock_.Start(hasClock);
     return true;
 }
@@ -24,10 +24,9 @@ bool LogReplay::Open() {
 bool LogReplay::TellsTime() {
     const auto source = files_.Open(path_);
     if (!source) return false;
-    BoundedLines lines(*source);
-    std::string_view line;
-    for (int i = 0; i < kLinesToFindTime && lines.Next(line); ++i) {
-        const auto sentence = ParseSentence(line);
+    BoundedLines lines(*source, kLogLines);
+    for (int i = 0; i < kLinesToFindTime && lines.Next(); ++i) {
+        const auto sentence = ParseSentence(lines.Line());
         if (sentence && TimeOfDayOf(*sentence)) return true;
     }
     return false;
@@ -42,12 +41,11 @@ void LogReplay::Close() {
 
 // Gets the next sentence and its time; false if the line has none.
 bool LogReplay::Read() {
-    std::string_view line;
-    if (!lines_->Next(line)) {
+    if (!lines_->Next()) {
         Close();
         return false;
     }
-    next_ = ParseSentence(line);
+    next_ = ParseSentence(lines_->Line());
     if (next_) readTime_ += clock_.Step(*next_);
     return next_.has_value();
 }

@@ -1,11 +1,10 @@
-// Replays an NMEA 0183 recording, over and over. The instruments' source if there is one.
+// Replays a log of NMEA 0183, over and over. The instruments' source if there is one.
 #pragma once
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "base/bounded_lines.h"
 #include "nmea/log_clock.h"
 #include "nmea/readings.h"
 #include "nmea/sentence.h"
@@ -14,7 +13,7 @@
 
 namespace twr {
 
-// Reads as it plays, so that a recording may be of any length. What is not in it, or was not renewed for a while, is absent; so is
+// Reads as it plays, so that a log may be of any length. What is not in it, or was not renewed for a while, is absent; so is
 // everything while the file can't be opened.
 class LogReplay final : public InstrumentSource {
 public:

@@ -1,6 +1,5 @@
 #include "stand_in/log_survey.h"
 
-#include "base/bounded_lines.h"
 #include "base/numbers.h"
 #include "base/wide_text.h"
 #include "nmea/readings.h"
@@ -39,12 +38,12 @@ LogSurvey SurveyLog(Files& files, std::u16string_view path) {
     survey.packed = IsGzip(files, path);
     if (!source || survey.packed) return survey;
 
-    BoundedLines lines(*source);
+    BoundedLines lines(*source, kLogLines);
     Readings readings;
-    for (std::string_view line; lines.Next(line);) {
-        if (Trimmed(line).empty() && !lines.WasTooLong()) continue;
+    while (lines.Next()) {
+        if (Trimmed(std::string_view(lines.Line())).empty() && !lines.Cut()) continue;
         ++survey.lines;
-        const auto sentence = ParseSentence(line);
+        const auto sentence = ParseSentence(lines.Line());
         if (!sentence) {
             ++survey.broken;
             continue;

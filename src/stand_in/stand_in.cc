@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 
-#include "base/bounded_lines.h"
 #include "base/wide_text.h"
 #include "nmea/sentence.h"
 #include "platform/files.h"
@@ -53,9 +52,9 @@ StandInSettings ReadStandInSettings(Files& files, std::u16string_view path) {
     StandInSettings settings;
     const auto source = files.Open(path);
     if (!source) return settings;
-    BoundedLines lines(*source);
-    std::string_view line;
-    for (int i = 0; i < kMostLines && lines.Next(line); ++i) {
+    BoundedLines lines(*source, kLogLines);
+    for (int i = 0; i < kMostLines && lines.Next(); ++i) {
+        const std::string_view line = lines.Line();
         const std::size_t equals = line.find('=');
         if (equals != std::string_view::npos)
             TakeSetting(Trimmed(line.substr(0, equals)), Trimmed(line.substr(equals + 1)), settings);

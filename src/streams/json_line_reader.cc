@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "streams/iso_time.h"
@@ -9,8 +8,6 @@ namespace twr {
 namespace {
 
 using Json = nlohmann::json;
-
-constexpr std::size_t kLongestChange = 4096;  // bytes; a line that this program writes has less than 1500
 
 // The whole number that a member holds, if it is below a bound.
 std::optional<std::uint32_t> Below(std::uint32_t bound, const Json& object, const char* member) {
@@ -56,33 +53,13 @@ ReadLine ParseJsonLine(std::string_view line) {
     return {Change{*time, *channel, *boat, *value}};
 }
 
-// False at the end of the file. A line that is longer than any change is cut, and refused for its length.
-bool JsonLineReader::NextLine() {
-    line_.clear();
-    ended_ = false;
-    for (;;) {
-        if (used_ == filled_) {
-            filled_ = source_.Read(buffer_.data(), buffer_.size());
-            used_ = 0;
-            if (filled_ == 0) return !line_.empty();
-        }
-        const auto from = buffer_.begin() + static_cast<std::ptrdiff_t>(used_);
-        const auto end = std::find(from, buffer_.begin() + static_cast<std::ptrdiff_t>(filled_), '\n');
-        used_ = static_cast<std::size_t>(end - buffer_.begin());
-        if (line_.size() <= kLongestChange) line_.append(from, end);
-        if (used_ == filled_) continue;
-        ++used_;
-        return ended_ = true;
-    }
-}
-
 std::optional<Change> JsonLineReader::Next() {
-    while (fault_.empty() && NextLine()) {
-        if (ended_) ++number_;
-        if (line_.find_first_not_of(" \t\r") == std::string::npos) continue;
-        ReadLine read = line_.size() > kLongestChange ? ReadLine{{}, "it is too long"} : ParseJsonLine(line_);
+    while (fault_.empty() && lines_.Next()) {
+        if (lines_.HasEnd()) ++number_;
+        if (lines_.Line().find_first_not_of(" \t\r") == std::string::npos && !lines_.Cut()) continue;
+        ReadLine read = lines_.Cut() ? ReadLine{{}, "it is too long"} : ParseJsonLine(lines_.Line());
         if (read.change) return read.change;
-        if (!ended_ || read.fault.empty()) continue;
+        if (!lines_.HasEnd() || read.fault.empty()) continue;
         fault_ = "line " + std::to_string(number_) + ": " + read.fault;
     }
     return std::nullopt;

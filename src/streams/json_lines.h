@@ -1,13 +1,12 @@
 // Changes as lines of JSON, for logs and for programs of the crew's own, and back:
 //   {"time":"2026-11-25T01:02:03.4Z","id":1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"6.50"}
 #pragma once
-#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "base/byte_source.h"
+#include "base/bounded_lines.h"
 #include "core/core.h"
 #include "streams/change.h"
 
@@ -30,7 +29,7 @@ ReadLine ParseJsonLine(std::string_view line);
 // kill or a power cut has torn.
 class JsonLineReader {
 public:
-    explicit JsonLineReader(ByteSource& source) : source_(source) {}
+    explicit JsonLineReader(ByteSource& source) : lines_(source, {.longest = kLongest}) {}
 
     // nullopt at the end, and at the first line that is no change: Fault() then says its number and why.
     std::optional<Change> Next();
@@ -38,14 +37,9 @@ public:
     std::size_t Number() const { return number_; }       // of lines that were read to their ends
 
 private:
-    bool NextLine();
+    static constexpr std::size_t kLongest = 4096;  // bytes; one that this program writes has less than 1500
 
-    ByteSource& source_;
-    std::array<char, 4096> buffer_{};
-    std::size_t filled_ = 0;
-    std::size_t used_ = 0;
-    std::string line_;
-    bool ended_ = false;  // the line has its end
+    BoundedLines lines_;
     std::size_t number_ = 0;
     std::string fault_;
 };

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/bounded_lines.h"
 #include "base/numbers.h"
-#include "base/text_lines.h"
 #include "base/wide_text.h"
 
 namespace twr {
@@ -51,7 +51,7 @@ struct Bytes final : ByteSource {
     std::size_t step;
 };
 
-TEST(TextLines, ReadsAsInTextMode) {
+TEST(BoundedLines, ReadsAsInTextMode) {
     const std::string longLine(10000, 'x');  // than the buffer
     const std::string longest(kLongestLine, 'x');
     const std::pair<std::string, std::vector<std::string>> rows[] = {
@@ -69,11 +69,11 @@ TEST(TextLines, ReadsAsInTextMode) {
     for (const auto& [bytes, expected] : rows) {
         for (const std::size_t step : {1u, 2u, 3u, 4096u}) {
             Bytes source(bytes, step);
-            TextLines text(source);
+            BoundedLines text(source, kTextMode);
             std::vector<std::string> lines;
-            for (std::string line; text.Next(line);) {
-                EXPECT_EQ(text.Cut(), line == longest && lines.size() % 2 == 0);
-                lines.push_back(line);
+            while (text.Next()) {
+                EXPECT_EQ(text.Cut(), text.Line() == longest && lines.size() % 2 == 0);
+                lines.push_back(text.Line());
             }
             EXPECT_FALSE(text.EndedEarly());
             EXPECT_EQ(expected, lines) << ::testing::PrintToString(bytes) << " by " << step;
@@ -81,7 +81,7 @@ TEST(TextLines, ReadsAsInTextMode) {
     }
 }
 
-TEST(TextLines, ReadsNoFurtherThanAnyHonestFile) {
+TEST(BoundedLines, ReadsNoFurtherThanAnyHonestFile) {
     // Endless.
     class Line final : public ByteSource {
     public:
@@ -93,8 +93,8 @@ TEST(TextLines, ReadsNoFurtherThanAnyHonestFile) {
         }
         std::size_t read = 0;
     } source;
-    TextLines text(source);
-    for (std::string line; text.Next(line);) continue;
+    BoundedLines text(source, kTextMode);
+    while (text.Next()) continue;
     EXPECT_EQ(kLargestFile, source.read);
     EXPECT_TRUE(text.EndedEarly());
 }

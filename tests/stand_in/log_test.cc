@@ -149,7 +149,7 @@ TEST(LogReplay, HasNothingWhileTheRecordingIsGone) {
 }
 
 TEST(LogSurvey, SaysWhatIsOfUse) {
-    const std::string longest = "$IIHDT,5,T" + std::string(BoundedLines::kLongest - 10, ' ');
+    const std::string longest = "$IIHDT,5,T" + std::string(kLogLines.longest - 10, ' ');
     const std::pair<std::string, const char*> rows[] = {
         {Speed(1) + "\n" + At("120000") + Speed(2) + "$IIVHW,,T,,M,,N,,K\n$GPGSV,1\n# a remark\n$IIVHW,,T,,M,5,N,,K*00",
          "7 lines, of which 2 (28.6 %) are broken\n  used: VHW 2, ZDA 1\n  empty, or of no use to the stand-in: GSV 1, VHW 1\n"},

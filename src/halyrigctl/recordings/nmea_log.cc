@@ -44,11 +44,10 @@ LogForm FormOf(ByteSource& source) {
         bool given = false;
     } whole(source);
     if (whole.first == '{') return LogForm::kJson;
-    BoundedLines lines(whole);
+    BoundedLines lines(whole, kLogLines);
     LogForm form = LogForm::kNeither;
-    std::string_view line;
-    for (int i = 0; i < kLinesToLookAt && lines.Next(line); ++i) {
-        const auto sentence = ParseSentence(line);
+    for (int i = 0; i < kLinesToLookAt && lines.Next(); ++i) {
+        const auto sentence = ParseSentence(lines.Line());
         if (!sentence) continue;
         form = LogForm::kNmea;
         if (TimeOfDayOf(*sentence)) return LogForm::kNmeaWithClock;
@@ -56,7 +55,7 @@ LogForm FormOf(ByteSource& source) {
     return form;
 }
 
-NmeaLog::NmeaLog(std::unique_ptr<UnpackingSource> file, bool hasClock) : file_(std::move(file)), lines_(*file_) {
+NmeaLog::NmeaLog(std::unique_ptr<UnpackingSource> file, bool hasClock) : file_(std::move(file)), lines_(*file_, kLogLines) {
     clock_.Start(hasClock);
 }
 
@@ -72,9 +71,8 @@ std::string NmeaLog::Fault() const { return file_->Fault(); }
 
 // Reads up to where time goes on. False at the end, once all is gathered.
 bool NmeaLog::ReadEpoch() {
-    std::string_view line;
-    while (lines_.Next(line)) {
-        const auto sentence = ParseSentence(line);
+    while (lines_.Next()) {
+        const auto sentence = ParseSentence(lines_.Line());
         if (!sentence) continue;
         const double step = clock_.Step(*sentence);
         if (const auto ofDay = TimeOfDayOf(*sentence); ofDay && !start_) start_ = *ofDay - seconds_;

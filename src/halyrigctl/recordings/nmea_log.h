@@ -3,7 +3,6 @@
 #include <deque>
 #include <memory>
 
-#include "base/bounded_lines.h"
 #include "nmea/log_clock.h"
 #include "nmea/readings.h"
 #include "streams/recorded.h"
