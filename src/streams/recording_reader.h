@@ -6,7 +6,7 @@
 
 #include "streams/json_lines.h"
 #include "streams/recorded.h"
-#include "streams/unpacking_source.h"
+#include "streams/gzip.h"
 
 namespace twr {
 

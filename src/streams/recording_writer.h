@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "platform/files.h"
-#include "streams/gzip_packer.h"
+#include "streams/gzip.h"
 
 namespace twr {
 

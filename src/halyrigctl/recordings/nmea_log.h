@@ -6,7 +6,7 @@
 #include "nmea/log_clock.h"
 #include "nmea/readings.h"
 #include "streams/recorded.h"
-#include "streams/unpacking_source.h"
+#include "streams/gzip.h"
 
 namespace twr {
 

@@ -1,16 +1,38 @@
-// The bytes of a file, unpacked if it is packed by gzip.
+// Bytes packed by gzip, and unpacked.
 #pragma once
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "base/byte_source.h"
 
 namespace twr {
 
-// gzip is recognised by its first bytes. Packed parts may follow each other. A file that was cut, by a kill or a power cut, gives
-// all that can be unpacked, and is no fault.
+// Packs bytes as they come.
+class GzipPacker {
+public:
+    GzipPacker();
+    ~GzipPacker();
+    GzipPacker(const GzipPacker&) = delete;
+    GzipPacker& operator=(const GzipPacker&) = delete;
+
+    // Packs more bytes; with what was given before, the result can be unpacked up to their end.
+    std::string Pack(std::string_view bytes);
+
+    // The end of the whole, after which nothing may follow.
+    std::string Finish();
+
+private:
+    struct State;
+    std::string Deflate(std::string_view bytes, int flush);
+
+    const std::unique_ptr<State> state_;
+};
+
+// The bytes of a file, unpacked if it is packed, which its first bytes tell. Packed parts may follow each other. A file that was
+// cut, by a kill or a power cut, gives all that can be unpacked, and is no fault.
 class UnpackingSource : public ByteSource {
 public:
     // `goOn` is asked again and again, whatever the file holds, since a small one may unpack to any length, or to nothing for long.
