@@ -6,7 +6,7 @@
 #include "halyrigctl/recordings/nmea_log.h"
 #include "halyrigctl/recordings/replayer.h"
 #include "kept_core.h"
-#include "streams/recording_reader.h"
+#include "streams/recording.h"
 
 namespace {
 

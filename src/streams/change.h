@@ -1,10 +1,14 @@
-// One thing that has changed in the record: what all formats of a stream are made from.
+// What has changed in the record, from which all formats of a stream are made, and what had changed when it was recorded.
 #pragma once
+#include <optional>
+#include <string>
+
 #include "base/channel_ids.h"
 #include "base/no_value.h"
 
 namespace twr {
 
+// One thing that has changed.
 struct Change {
     double time;  // days: the publication's stamp; the moment of the look for a value that is found stale or gone
     ChannelId channel;
@@ -12,6 +16,22 @@ struct Change {
     double value;  // in the channel's internal unit; kNoValue once it is stale or gone
 
     bool operator==(const Change&) const = default;
+};
+
+// What was published at some time, to be published again.
+struct Recorded {
+    double seconds;  // since the start of the recording, never less than those before it
+    double time;     // that moment, days; of a log that tells the time of day alone, its day is day 0
+    Change change;
+};
+
+class RecordedSource {
+public:
+    virtual ~RecordedSource() = default;
+
+    // The next one; nullopt at the end, and for ever at what is no recording: Fault() then says where and why.
+    virtual std::optional<Recorded> Next() = 0;
+    virtual std::string Fault() const = 0;  // in UTF-8; empty while there is none
 };
 
 }  // namespace twr

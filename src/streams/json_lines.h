@@ -1,4 +1,4 @@
-// Changes as lines of JSON, for logs and for programs of the crew's own, and back:
+// Changes as lines of JSON, for recordings and for programs of the crew's own, and back:
 //   {"time":"2026-11-25T01:02:03.4Z","id":1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"6.50"}
 #pragma once
 #include <cstddef>
@@ -15,6 +15,12 @@ namespace twr {
 // Appends the line of a change, with its end: ASCII, the time to the millisecond, the value in the internal unit with every digit,
 // the text in the user's units. `unit` is null if the channel has none, `value` and `text` without a value.
 void AppendJsonLine(std::string& out, const Change& change, const CCore& core);
+
+// The lines of a recording that are no channel's change, at moments in days of UTC: its first one, the time of a look, and that
+// what was published between two looks is not in it.
+void AppendHeader(std::string& out, double start);
+void AppendMark(std::string& out, double now);
+void AppendGap(std::string& out, double from, double to);
 
 struct ReadLine {
     std::optional<Change> change;  // nullopt if the line is none

@@ -9,7 +9,7 @@
 namespace twr {
 namespace {
 
-struct Look {
+struct QueuedLook {
     std::string lines;
     RecordingMoment moment;
     bool begins = false;  // makes the file
@@ -25,13 +25,13 @@ std::vector<std::thread>& Abandoned() {
 
 struct RecordingQueue::Shared {
     Shared(Files& files, const RecordingOptions& options) : writer(files, options) {}
-    void Queue(Look look);
+    void Queue(QueuedLook look);
     void Run();
-    bool Write(const std::vector<Look>& looks);
+    bool Write(const std::vector<QueuedLook>& looks);
 
     std::mutex mutex;  // of all but the writer, which is the thread's
     std::condition_variable changed;
-    std::vector<Look> waiting;
+    std::vector<QueuedLook> waiting;
     std::size_t bytes = 0;  // that wait
     bool ending = false;
     bool ended = false;
@@ -39,7 +39,7 @@ struct RecordingQueue::Shared {
     RecordingWriter writer;
 };
 
-void RecordingQueue::Shared::Queue(Look look) {
+void RecordingQueue::Shared::Queue(QueuedLook look) {
     const std::lock_guard guard(mutex);
     if (ended) return;
     // Of looks that found nothing only the last counts.
@@ -59,7 +59,7 @@ void RecordingQueue::Shared::Run() {
     for (bool goesOn = true; goesOn;) {
         changed.wait(guard, [this] { return ending || !waiting.empty(); });
         const bool last = ending;
-        const std::vector<Look> looks = std::exchange(waiting, {});
+        const std::vector<QueuedLook> looks = std::exchange(waiting, {});
         bytes = 0;
         guard.unlock();
         goesOn = Write(looks) && !last;
@@ -71,7 +71,7 @@ void RecordingQueue::Shared::Run() {
     changed.notify_all();
 }
 
-bool RecordingQueue::Shared::Write(const std::vector<Look>& looks) {
+bool RecordingQueue::Shared::Write(const std::vector<QueuedLook>& looks) {
     for (const auto& [lines, moment, begins] : looks) {
         if ((begins && !writer.Begin(moment)) || !writer.Put(lines, moment)) return false;
     }

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <thread>
 
-#include "streams/recording_writer.h"
+#include "streams/recording.h"
 
 namespace twr {
 

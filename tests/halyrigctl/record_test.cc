@@ -6,7 +6,7 @@
 #include "halyrigctl/recordings/replayer.h"
 #include "status/bridge_status.h"
 #include "streams/json_lines.h"
-#include "streams/recording_reader.h"
+#include "streams/recording.h"
 #include "support/fakes.h"
 
 namespace twr::testing {

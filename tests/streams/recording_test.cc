@@ -1,3 +1,5 @@
+#include "streams/recording.h"
+
 #include <gtest/gtest.h>
 
 #include <future>
@@ -7,8 +9,6 @@
 #include "streams/json_lines.h"
 #include "streams/recording_name.h"
 #include "streams/recording_queue.h"
-#include "streams/recording_reader.h"
-#include "streams/recording_writer.h"
 #include "support/fakes.h"
 
 namespace twr::testing {

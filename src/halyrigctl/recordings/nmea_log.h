@@ -5,7 +5,7 @@
 
 #include "nmea/log_clock.h"
 #include "nmea/readings.h"
-#include "streams/recorded.h"
+#include "streams/change.h"
 #include "streams/gzip.h"
 
 namespace twr {

@@ -8,7 +8,7 @@
 #include "halyrigctl/recordings/replayer.h"
 #include "halyrigctl/setup/names.h"
 #include "status/bridge_status.h"
-#include "streams/recording_reader.h"
+#include "streams/recording.h"
 
 namespace twr {
 namespace {

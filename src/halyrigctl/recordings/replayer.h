@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "core/core.h"
-#include "streams/recorded.h"
+#include "streams/change.h"
 
 namespace twr {
 

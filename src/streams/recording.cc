@@ -1,13 +1,9 @@
-#include "streams/recording_writer.h"
+#include "streams/recording.h"
 
-#include <charconv>
+#include <algorithm>
 #include <cmath>
 
-#include "base/version.h"
-#include "base/wide_text.h"
 #include "core/days.h"
-#include "streams/iso_time.h"
-#include "streams/recording_format.h"
 #include "streams/recording_name.h"
 
 namespace twr {
@@ -15,33 +11,10 @@ namespace {
 
 constexpr double kFlushAfter = 0.95 / kSecondsPerDay;  // a second, for a look that comes a little early
 constexpr const char* kUnwritable = "can't be written any more: the disk is full, or has gone.";
-constexpr int kMostFiles = 100000;  // of one name
-
-std::string HeaderAt(double now) {
-    std::string header = std::string(R"({"format":")") + kRecordingFormat + R"(","version":)" + std::to_string(kRecordingVersion);
-    header += R"(,"halyrig":")" HALYRIG_VERSION R"(","units":"internal","start":")";
-    AppendIsoTime(header, now);
-    return header += "\"}\n";
-}
-
-// The Time channel, ahead of what changed at that look: publications may bear stamps of their own.
-void AppendMark(std::string& out, double now) {
-    out += R"({"time":")";
-    AppendIsoTime(out, now);
-    char value[32];
-    const char* const end = std::to_chars(value, value + sizeof value, now).ptr;
-    (out += R"(","id":0,"value":)").append(value, static_cast<std::size_t>(end - value)) += "}\n";
-}
+constexpr int kMostFiles = 100000;    // of one name
+constexpr double kLongestGap = 60.0;  // seconds; longer ones are cut: nobody published anything, or the clock was set
 
 }  // namespace
-
-void AppendGap(std::string& out, double from, double to) {
-    out += R"({"gap":{"from":")";
-    AppendIsoTime(out, from);
-    out += R"(","to":")";
-    AppendIsoTime(out, to);
-    out += "\"}}\n";
-}
 
 bool RecordingWriter::Put(std::string_view lines, RecordingMoment now) {
     if (!fault_.empty()) return false;
@@ -49,7 +22,7 @@ bool RecordingWriter::Put(std::string_view lines, RecordingMoment now) {
     now_ = now;
     if (lines.empty()) return true;
     if (!file_ && !Open()) return false;
-    AppendMark(pending_, now.utc);
+    AppendMark(pending_, now.utc);  // ahead of what changed at that look: publications may bear stamps of their own
     pending_ += lines;
     return true;
 }
@@ -92,7 +65,9 @@ bool RecordingWriter::Open() {
     ++begun_;
     size_ = 0;
     flushed_ = now_.utc;
-    pending_.insert(0, HeaderAt(now_.utc));
+    std::string header;
+    AppendHeader(header, now_.utc);
+    pending_.insert(0, header);
     return true;
 }
 
@@ -124,6 +99,33 @@ bool RecordingWriter::Write(std::string_view bytes) {
 bool RecordingWriter::Fail(const std::string& what) {
     if (fault_.empty()) fault_ = what;
     return false;
+}
+
+std::optional<Recorded> RecordingReader::Next() {
+    while (const std::optional<Change> change = lines_.Next()) {
+        if (change->channel == kTime) {
+            marked_ = true;
+            Reach(change->time);
+            reached_ = change->time;
+            continue;
+        }
+        if (!marked_) Reach(change->time);
+        return Recorded{seconds_, *reached_, *change};
+    }
+    return std::nullopt;
+}
+
+// Stamps of single values may lie in the past, so only a mark sets the time back.
+void RecordingReader::Reach(double time) {
+    const double before = reached_.value_or(time);
+    seconds_ += std::clamp((time - before) * kSecondsPerDay, 0.0, kLongestGap);
+    reached_ = std::max(before, time);
+}
+
+std::string RecordingReader::Fault() const {
+    if (!lines_.Fault().empty()) return lines_.Fault();
+    const std::string fault = file_->Fault();
+    return fault.empty() ? "" : "line " + std::to_string(lines_.Number() + 1) + ": " + fault;
 }
 
 }  // namespace twr

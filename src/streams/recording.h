@@ -1,4 +1,4 @@
-// Writes a recording: lines of JSON behind a header, file after file. docs/streams.md describes it.
+// A recording: lines of JSON behind a header. docs/streams.md describes it.
 #pragma once
 #include <atomic>
 #include <cstdint>
@@ -9,6 +9,7 @@
 
 #include "platform/files.h"
 #include "streams/gzip.h"
+#include "streams/json_lines.h"
 
 namespace twr {
 
@@ -24,9 +25,7 @@ struct RecordingMoment {
     double shown;  // in the zone in which times of day are shown
 };
 
-// Appends the line that tells that what was published between two moments, in days of UTC, is not in the recording.
-void AppendGap(std::string& out, double from, double to);
-
+// Writes it, file after file.
 class RecordingWriter {
 public:
     RecordingWriter(Files& files, const RecordingOptions& options) : files_(files), options_(options) {}
@@ -76,6 +75,24 @@ private:
     double kept_ = 0.0;      // the same, of the last time that succeeded
     std::atomic<bool> givenUp_ = false;
     std::string fault_;
+};
+
+// Reads one, or what halyrigctl stream has written.
+class RecordingReader : public RecordedSource {
+public:
+    explicit RecordingReader(std::unique_ptr<UnpackingSource> file) : file_(std::move(file)), lines_(*file_) {}
+
+    std::optional<Recorded> Next() override;
+    std::string Fault() const override;
+
+private:
+    void Reach(double time);
+
+    const std::unique_ptr<UnpackingSource> file_;
+    JsonLineReader lines_;
+    double seconds_ = 0.0;
+    std::optional<double> reached_;  // days
+    bool marked_ = false;            // lines of the Time channel tell the time
 };
 
 }  // namespace twr
