@@ -2,9 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include "streams/follower.h"
-#include "streams/json_lines.h"
-#include "streams/nmea.h"
-#include "streams/signalk.h"
+#include "streams/stream_format.h"
 #include "support/test_system.h"
 
 namespace twr {
@@ -53,25 +51,15 @@ void LookQuiet(benchmark::State& state) {
 }
 BENCHMARK(LookQuiet)->Unit(benchmark::kMicrosecond)->Iterations(20000);  // before the values go stale
 
-void LookAndJsonLines(benchmark::State& state) {
-    Looks(state, [](Followed& followed, std::span<const Change> changes, std::string& out) {
-        for (const Change& change : changes) AppendJsonLine(out, change, followed.core);
-    });
-}
-BENCHMARK(LookAndJsonLines)->Unit(benchmark::kMicrosecond);
-
-void LookAndSignalK(benchmark::State& state) {
-    SignalKDeltas deltas;
+void LookAndTell(benchmark::State& state, const char* format) {
+    const std::unique_ptr<StreamFormat> told = StreamFormatOf(format).make();
     Looks(state, [&](Followed& followed, std::span<const Change> changes, std::string& out) {
-        deltas.Append(out, changes, followed.follower, *followed.core.View());
+        told->Append(out, changes, followed.follower);
     });
 }
-BENCHMARK(LookAndSignalK)->Unit(benchmark::kMicrosecond);
-
-void LookAndSentences(benchmark::State& state) {
-    Looks(state, [](Followed& followed, std::span<const Change>, std::string& out) { AppendSentences(out, followed.follower, 0); });
-}
-BENCHMARK(LookAndSentences)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(LookAndTell, json, "json")->Name("LookAndJsonLines")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(LookAndTell, signalk, "signalk")->Name("LookAndSignalK")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(LookAndTell, nmea, "nmea")->Name("LookAndSentences")->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace twr

@@ -2,10 +2,12 @@
 #include <algorithm>
 #include <sstream>
 
+#include "base/numbers.h"
 #include "base/version.h"
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/map/map_command_line.h"
+#include "streams/stream_format.h"
 
 namespace twr {
 namespace {
@@ -119,18 +121,30 @@ void AddChannelList(CLI::App* command, std::vector<std::string>& channels) {
         ->type_name("CHANNEL");
 }
 
+// What the help says of the formats of a stream.
+struct FormatsHelp {
+    FormatsHelp() {
+        const std::span<const StreamFormatRow> rows = StreamFormats();
+        for (const StreamFormatRow& row : rows) {
+            if (!known.empty()) names += &row == &rows.back() ? " or " : ", ";
+            names += Printed("%s (%s)", row.name, row.help);
+            if (row.rate != rows.front().rate) rates += Printed(", %g for %s", row.rate, row.name);
+            known.emplace_back(row.name);
+        }
+        rates.insert(0, Printed("Looks a second: %g unless given", rows.front().rate));
+    }
+    std::vector<std::string> known;
+    std::string names, rates;
+};
+
 void AddStream(Commands& all) {
     CLI::App* command = all.app.add_subcommand("stream", "Write what is published, as it is published, until Ctrl-C");
     StreamOptions& options = all.stream;
-    const auto setFormat = [&](const std::string& word) {
-        options.format = word == "nmea" ? StreamFormat::kNmea : word == "signalk" ? StreamFormat::kSignalK : StreamFormat::kJson;
-    };
-    command->add_option_function<std::string>("--format", setFormat, "json (lines of JSON), signalk (deltas) or nmea (sentences)")
-        ->check(CLI::IsMember({"json", "signalk", "nmea"}))
-        ->type_name("FORMAT");
+    const FormatsHelp formats;
+    command->add_option("--format", options.format, formats.names)->check(CLI::IsMember(formats.known))->type_name("FORMAT");
     AddChannelList(command, options.channels);
     command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
-    command->add_option("--rate", options.rate, "Looks a second: 20 unless given, 1 for nmea")->check(CLI::Range(0.1, 10.0));
+    command->add_option("--rate", options.rate, formats.rates)->check(CLI::Range(0.1, 10.0));
     command->add_flag("--all", options.all, "Unchanged values once a second too");
     command->add_option("--seconds", options.seconds, "End after this time")->check(CLI::Range(1, 1000000));
     command->add_option("--listen", options.listen, "Serve clients that connect by TCP, in place of standard output")

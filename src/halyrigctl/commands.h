@@ -96,10 +96,8 @@ Status AddRemoteToMap(System& system, const MapOptions& options);
 Status RemoveFromMap(System& system, const MapOptions& options);
 Status RemoveRemoteFromMap(System& system, const MapOptions& options);
 
-enum class StreamFormat { kJson, kSignalK, kNmea };
-
 struct StreamOptions {
-    StreamFormat format = StreamFormat::kJson;
+    std::string format = "json";        // the name of one of StreamFormats()
     std::vector<std::string> channels;  // as FindChannel takes them; none for all but Time and the alternating ones
     std::optional<BoatSlot> boat;       // below kBoatCount; nullopt for all in use, of sentences the own one
     std::optional<double> rate;         // looks a second, 10 at most; nullopt for the format's own

@@ -43,6 +43,11 @@ public:
     // The stamp of that value, days; 0.0 without a value.
     double Time(ChannelId channel, BoatSlot boat) const;
 
+    // The boat of a format that tells one alone.
+    BoatSlot Boat() const { return options_.boat.value_or(0); }
+
+    const CCore& Core() const { return core_; }
+
     // Whether changes of the channel are told.
     bool Tells(ChannelId channel) const { return tells_[channel] != 0; }
 

@@ -6,6 +6,7 @@
 #include "base/version.h"
 #include "core/record_access.h"
 #include "streams/iso_time.h"
+#include "streams/stream_format.h"
 
 namespace twr {
 namespace {
@@ -115,6 +116,12 @@ void AppendMoment(std::string& out, const char* member, double days) {
     out += '"';
 }
 
+class JsonLines final : public StreamFormat {
+    void Append(std::string& out, std::span<const Change> changes, const Follower& follower) override {
+        for (const Change& change : changes) AppendJsonLine(out, change, follower.Core());
+    }
+};
+
 // The whole number that a member holds, if it is below a bound.
 std::optional<std::uint32_t> Below(std::uint32_t bound, const Json& object, const char* member) {
     const auto found = object.find(member);
@@ -142,6 +149,8 @@ ReadLine ReadHeader(const Json& object) {
 }
 
 }  // namespace
+
+std::unique_ptr<StreamFormat> MakeJsonLines() { return std::make_unique<JsonLines>(); }
 
 void AppendJsonLine(std::string& out, const Change& change, const CCore& core) {
     const ChannelId source = core.ResolveAlternate(core.ResolveAlternate(change.channel, true), true);

@@ -1,5 +1,6 @@
-#include "streams/nmea.h"
-
+// A boat's values as sentences of NMEA 0183, for plotters and displays.
+#include <charconv>
+#include <chrono>
 #include <cmath>
 #include <optional>
 
@@ -7,7 +8,7 @@
 #include "base/numbers.h"
 #include "core/units.h"
 #include "streams/iso_time.h"
-#include "streams/nmea_line.h"
+#include "streams/stream_format.h"
 
 namespace twr {
 namespace {
@@ -17,6 +18,101 @@ using Known = std::optional<double>;
 constexpr double kGreatest = 1e6;  // what is beyond is no measurement, and no sentence of 82 characters has room for it
 constexpr double kKmhPerKnot = kMetresPerNauticalMile / 1000;
 constexpr double kMsPerKnot = kMetresPerNauticalMile / 3600;
+constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
+constexpr std::int64_t kPerDegree = 6000000;  // hundred-thousandths of a minute
+constexpr std::int64_t kHundredthsPerDay = 8640000;
+
+// Hundredths of a second, so that day and time are rounded as one.
+std::int64_t Hundredths(double days) { return std::llround(days * static_cast<double>(kHundredthsPerDay)); }
+
+std::chrono::year_month_day DateOf(double days) { return kDayZero + std::chrono::days(Hundredths(days) / kHundredthsPerDay); }
+
+// One sentence as it grows, field by field.
+class NmeaLine {
+public:
+    // Begins a sentence of talker II at the end of a text.
+    NmeaLine(std::string& out, const char* formatter);
+
+    // The next field; empty without a number. Numbers are below a million.
+    void Number(std::optional<double> value, int decimals);
+    void Text(const char* text);
+
+    // A number and its fixed unit in the next field; both empty without a number.
+    void WithUnit(std::optional<double> value, int decimals, const char* unit);
+
+    // The size of a number and its side in the next field, "W" for negative ones.
+    void WithSide(std::optional<double> value, int decimals, const char* positive, const char* negative);
+
+    // Degrees as ddmm.mmmmm with as many digits of degrees as given, and the side in the next field.
+    void Coordinate(std::optional<double> degrees, int digits, const char* positive, const char* negative);
+
+    // Of a moment that ISO 8601 has a text for: hhmmss.ss; ddmmyy; dd, mm and yyyy in three fields.
+    void TimeOfDay(double days);
+    void Date(double days);
+    void FullDate(double days);
+
+    // Ends the sentence, or takes it back if it says nothing.
+    void End(bool saysSomething);
+
+private:
+    std::string& out_;
+    const std::size_t start_;
+};
+
+NmeaLine::NmeaLine(std::string& out, const char* formatter) : out_(out), start_(out.size()) { (out_ += "$II") += formatter; }
+
+void NmeaLine::Number(std::optional<double> value, int decimals) {
+    out_ += ',';
+    if (!value) return;
+    char digits[32];
+    out_.append(digits, std::to_chars(digits, digits + sizeof digits, *value, std::chars_format::fixed, decimals).ptr);
+}
+
+void NmeaLine::Text(const char* text) { (out_ += ',') += text; }
+
+void NmeaLine::WithUnit(std::optional<double> value, int decimals, const char* unit) {
+    Number(value, decimals);
+    Text(value ? unit : "");
+}
+
+void NmeaLine::WithSide(std::optional<double> value, int decimals, const char* positive, const char* negative) {
+    Number(value ? std::optional(std::fabs(*value)) : std::nullopt, decimals);
+    Text(!value ? "" : *value < 0.0 ? negative : positive);
+}
+
+void NmeaLine::Coordinate(std::optional<double> degrees, int digits, const char* positive, const char* negative) {
+    out_ += ',';
+    if (degrees) {
+        const std::int64_t size = std::llround(std::fabs(*degrees) * static_cast<double>(kPerDegree));
+        out_ += Printed("%0*d%02d.%05d", digits, static_cast<int>(size / kPerDegree), static_cast<int>(size % kPerDegree / 100000),
+                        static_cast<int>(size % 100000));
+    }
+    Text(!degrees ? "" : *degrees < 0.0 ? negative : positive);
+}
+
+void NmeaLine::TimeOfDay(double days) {
+    const int ofDay = static_cast<int>(Hundredths(days) % kHundredthsPerDay);
+    out_ += Printed(",%02d%02d%02d.%02d", ofDay / 360000, ofDay / 6000 % 60, ofDay / 100 % 60, ofDay % 100);
+}
+
+void NmeaLine::Date(double days) {
+    const std::chrono::year_month_day date = DateOf(days);
+    out_ += Printed(",%02u%02u%02d", static_cast<unsigned>(date.day()), static_cast<unsigned>(date.month()),
+                    static_cast<int>(date.year()) % 100);
+}
+
+void NmeaLine::FullDate(double days) {
+    const std::chrono::year_month_day date = DateOf(days);
+    out_ += Printed(",%02u,%02u,%04d", static_cast<unsigned>(date.day()), static_cast<unsigned>(date.month()),
+                    static_cast<int>(date.year()));
+}
+
+void NmeaLine::End(bool saysSomething) {
+    if (!saysSomething) return out_.resize(start_);
+    unsigned char sum = 0;
+    for (std::size_t i = start_ + 1; i < out_.size(); ++i) sum ^= static_cast<unsigned char>(out_[i]);
+    out_ += Printed("*%02X\r\n", sum);
+}
 
 // What the sentences tell of one boat.
 struct Told {
@@ -184,17 +280,23 @@ void AppendTime(std::string& out, const Told& told) {
     zda.End(true);
 }
 
+// Talker II, checksum, CR LF. Each sentence is made from fresh values of channels that the follower tells; a field without one is
+// empty, and a sentence with nothing to say is left out. Directions from true north need the variation.
+class Sentences final : public StreamFormat {
+    void Append(std::string& out, std::span<const Change>, const Follower& follower) override {
+        const Told told{follower, follower.Boat()};
+        AppendTime(out, told);
+        AppendFix(out, told);
+        AppendTrack(out, told);
+        AppendHeading(out, told);
+        AppendWind(out, told);
+        AppendWater(out, told);
+        AppendMotion(out, told);
+    }
+};
+
 }  // namespace
 
-void AppendSentences(std::string& out, const Follower& follower, BoatSlot boat) {
-    const Told told{follower, boat};
-    AppendTime(out, told);
-    AppendFix(out, told);
-    AppendTrack(out, told);
-    AppendHeading(out, told);
-    AppendWind(out, told);
-    AppendWater(out, told);
-    AppendMotion(out, told);
-}
+std::unique_ptr<StreamFormat> MakeSentences() { return std::make_unique<Sentences>(); }
 
 }  // namespace twr

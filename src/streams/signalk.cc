@@ -1,6 +1,7 @@
-#include "streams/signalk.h"
-
+// Changes as delta messages of Signal K 1.7, one JSON object a line.
 #include <algorithm>
+#include <array>
+#include <bitset>
 #include <charconv>
 #include <cmath>
 #include <utility>
@@ -10,12 +11,15 @@
 #include "base/wide_text.h"
 #include "core/record_access.h"
 #include "streams/iso_time.h"
+#include "streams/signalk_paths.h"
+#include "streams/stream_format.h"
 
 namespace twr {
 namespace {
 
 constexpr std::uint32_t kHighestMmsi = 999999999;
-constexpr std::size_t kRoomForOne = 600;  // bytes: one path with its unit, and the frame of a message
+constexpr std::size_t kLongestMessage = 1400;  // bytes: a datagram holds it, and a reader that gives up on longer lines is not met
+constexpr std::size_t kRoomForOne = 600;       // bytes: one path with its unit, and the frame of a message
 
 // Empty if the boat can't be named.
 void SetContext(std::string& context, const CoreRecord& record, BoatSlot boat) {
@@ -66,21 +70,49 @@ void SetValue(std::string& value, const SignalKPath& path, BoatSlot boat, const 
     if (IsObject(path) && !value.empty()) value += '}';
 }
 
-}  // namespace
+// Tells the own boat as vessels.self, the others by their MMSI, and boats without one not at all. What has no path is left out, and
+// so are directions from true north while the variation is unknown. The unit of a path goes with its first value.
+class SignalKDeltas final : public StreamFormat {
+public:
+    SignalKDeltas() : state_(kBoatCount * SignalKPaths().size()) {}
 
-void AppendSignalKHello(std::string& out, double now) {
+    void Greet(std::string& out, double now) const override;
+    void Append(std::string& out, std::span<const Change> changes, const Follower& follower) override;
+
+private:
+    struct State {
+        bool hasValue = false;  // the last that was told is no null
+        bool hasMeta = false;   // its unit has been told
+    };
+
+    void AppendBoat(std::string& out, std::span<const Change> changes, const Follower& follower);
+    void CloseMessage(std::string& out);
+    std::optional<double> ChangedAt(const SignalKPath& path) const;
+    void Collect(std::size_t index, BoatSlot boat, const Follower& follower);
+    void CollectMeta(const SignalKPath& path);
+    void OpenUpdate(double time);
+
+    std::vector<State> state_;  // of each boat and path
+    std::bitset<kChannelCount> changed_;
+    std::array<double, kChannelCount> times_{};  // of those that have changed
+    std::string updates_, meta_, value_, context_;
+    std::int64_t updateTime_ = -1;  // milliseconds; -1 while none is open
+};
+
+// Who speaks, and that the own boat is vessels.self.
+void SignalKDeltas::Greet(std::string& out, double now) const {
     out += R"({"name":"halyrig","version":"1.7.0","timestamp":")";
     AppendIsoTime(out, now);
     out += R"(","self":"vessels.self","roles":["master","main"]})"
            "\n";
 }
 
-void SignalKDeltas::Append(std::string& out, std::span<const Change> changes, const Follower& follower, const CoreRecord& record) {
+void SignalKDeltas::Append(std::string& out, std::span<const Change> changes, const Follower& follower) {
     while (!changes.empty()) {
         const BoatSlot boat = changes.front().boat;
         const auto next = std::ranges::find_if(changes, [&](const Change& change) { return change.boat != boat; });
         const auto count = static_cast<std::size_t>(next - changes.begin());
-        SetContext(context_, record, boat);
+        SetContext(context_, *follower.Core().View(), boat);
         if (!context_.empty()) AppendBoat(out, changes.first(count), follower);
         changes = changes.subspan(count);
     }
@@ -157,5 +189,9 @@ void SignalKDeltas::OpenUpdate(double time) {
     updates_ += R"(","values":[)";
     updateTime_ = millisecond;
 }
+
+}  // namespace
+
+std::unique_ptr<StreamFormat> MakeSignalKDeltas() { return std::make_unique<SignalKDeltas>(); }
 
 }  // namespace twr

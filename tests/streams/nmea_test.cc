@@ -1,9 +1,8 @@
-#include "streams/nmea.h"
-
 #include <cstdio>
 #include <sstream>
 
 #include "streams/follow_fixture.h"
+#include "streams/stream_format.h"
 
 namespace twr::testing {
 namespace {
@@ -11,10 +10,9 @@ namespace {
 class NmeaTest : public FollowTest {
 protected:
     // The sentences without talker and checksum, which are checked.
-    std::string Sentences(BoatSlot boat = 0) {
-        follower->Look();
+    std::string Sentences() {
         std::string out, all;
-        AppendSentences(out, *follower, boat);
+        StreamFormatOf("nmea").make()->Append(out, follower->Look(), *follower);
         std::istringstream lines(out);
         for (std::string line; std::getline(lines, line);) {
             EXPECT_TRUE(line.starts_with("$II") && line.ends_with('\r') && line.size() <= 81) << line.size() << line;
@@ -82,8 +80,8 @@ TEST_F(NmeaTest, LeavesMissingFieldsEmpty) {
 TEST_F(NmeaTest, TellsTheChosenBoatAndChannels) {
     Publish(kBsp, 5.0), Publish(kBsp, 6.0, 7), Publish(kHdg, 90.0, 7), Publish(kMagVar, 3.0);
     EXPECT_EQ("VHW,,,,,5.00,N,9.26,K\n", Sentences());
-    Follow({.channels = {kHdg}});
-    EXPECT_EQ("HDG,90.0,,,3.0,E\nHDT,93.0,T\nVHW,93.0,T,90.0,M,,,,\n", Sentences(7));
+    Follow({.channels = {kHdg}, .boat = 7});
+    EXPECT_EQ("HDG,90.0,,,3.0,E\nHDT,93.0,T\nVHW,93.0,T,90.0,M,,,,\n", Sentences());
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 #include <sstream>
 
 #include "base/wide_text.h"
-#include "streams/nmea.h"
-#include "streams/signalk.h"
+#include "streams/signalk_paths.h"
+#include "streams/stream_format.h"
 #include "support/fakes.h"
 
 namespace twr::testing {
@@ -23,8 +23,7 @@ struct Sample {
     void PublishNormal(ChannelId channel) { Publish(channel, channel == kGpsMethod ? 2.0 : channel == kMagVar ? -3.0 : 10.5); }
     std::string Sentences() {
         std::string out;
-        follower.Look();
-        AppendSentences(out, follower, 0);
+        StreamFormatOf("nmea").make()->Append(out, follower.Look(), follower);
         return out;
     }
 
@@ -36,10 +35,10 @@ struct Sample {
 void PrintDeltas(Sample& sample) {
     for (ChannelId channel = 1; channel < kChannelCount; ++channel) sample.Publish(channel, 1.0 + channel / 128.0);
     Put(sample.core.View()->boats[1].mmsi, 211234560u);
-    SignalKDeltas deltas;
+    const std::unique_ptr<StreamFormat> deltas = StreamFormatOf("signalk").make();
     std::string out;
-    deltas.Append(out, sample.follower.Look(), sample.follower, *sample.core.View());
-    deltas.Append(out, sample.follower.Gone(), sample.follower, *sample.core.View());
+    deltas->Append(out, sample.follower.Look(), sample.follower);
+    deltas->Append(out, sample.follower.Gone(), sample.follower);
     std::fputs(out.c_str(), stdout);
 }
 

@@ -1,5 +1,3 @@
-#include "streams/signalk.h"
-
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -7,6 +5,7 @@
 #include <sstream>
 
 #include "streams/follow_fixture.h"
+#include "streams/stream_format.h"
 
 namespace twr::testing {
 namespace {
@@ -18,7 +17,7 @@ protected:
     // The messages of a look.
     std::vector<Json> Messages() {
         std::string out;
-        deltas.Append(out, follower->Look(), *follower, *core->View());
+        deltas->Append(out, follower->Look(), *follower);
         std::vector<Json> messages;
         std::istringstream lines(out);
         for (std::string line; std::getline(lines, line);) messages.push_back(Json::parse(line));
@@ -45,7 +44,7 @@ protected:
         return list;
     }
 
-    SignalKDeltas deltas;
+    const std::unique_ptr<StreamFormat> deltas = StreamFormatOf("signalk").make();
 };
 
 constexpr double kRadians = std::numbers::pi / 180;

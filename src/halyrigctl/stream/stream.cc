@@ -37,8 +37,7 @@ public:
         if (options.udp) {
             const EndpointReading to = ParseEndpoint(*options.udp, EndpointUse::kSend, options.allowRemote);
             if (!to.endpoint) return Fail(console, to.fault, kMisunderstood);
-            // Readers of Signal K take a datagram for one message.
-            const std::size_t fits = options.format == StreamFormat::kSignalK ? 0 : UdpSender::kUsualDatagram;
+            const std::size_t fits = StreamFormatOf(options.format).datagram;
             if (const std::string fault = sender_.emplace().Open(*to.endpoint, fits); !fault.empty()) return Fail(console, fault);
         }
         return kDone;

@@ -7,8 +7,6 @@
 #include "core/days.h"
 #include "core/record_access.h"
 #include "halyrigctl/setup/names.h"
-#include "streams/json_lines.h"
-#include "streams/nmea.h"
 
 namespace twr {
 namespace {
@@ -16,8 +14,6 @@ namespace {
 constexpr int kSliceMs = 100;
 constexpr int kJoinMs = 1000;
 constexpr double kIdle = 10.0 / kSecondsPerDay;  // after which most values are stale
-// The bridge publishes ten times a second. With two looks in that time a late one still finds each of its publications.
-constexpr double kRate = 20.0, kSentenceRate = 1.0;
 constexpr std::int64_t kTicksPerMs = 10'000;
 constexpr std::int64_t kMostEarly = 20 * kTicksPerMs;  // of a wait, by the coarse clock of Windows
 constexpr std::int64_t kMostLate = 1000 * kTicksPerMs;
@@ -27,14 +23,10 @@ bool IsIdle(const CoreRecord& record, const Clock& clock) {
     return std::fabs(UtcNowDays(clock) - Load(record.fullBlocks[0].time[kTime])) > kIdle;
 }
 
-int PeriodMs(const StreamOptions& options) {
-    const double rate = options.rate.value_or(options.format == StreamFormat::kNmea ? kSentenceRate : kRate);
-    return static_cast<int>(std::lround(1000 / rate));
-}
-
 }  // namespace
 
 Status Streamer::Run(Outlet& outlet) {
+    const auto periodMs = static_cast<int>(std::lround(1000 / options_.rate.value_or(row_.rate)));
     do {
         if (!core_ && !Join() && !saysWaiting_ && status_ == kDone) {
             Complain(system_.GetConsole(),
@@ -45,16 +37,16 @@ Status Streamer::Run(Outlet& outlet) {
         if (status_ != kDone) break;
         bytes_.clear();
         if (outlet.HasRoom()) Look();
-    } while (outlet.Put(bytes_) && Pause(outlet, core_ ? PeriodMs(options_) : kJoinMs));
+    } while (outlet.Put(bytes_) && Pause(outlet, core_ ? periodMs : kJoinMs));
     core_.reset();
     return status_;
 }
 
 std::string Streamer::Greeting() {
     std::string greeting;
-    if (options_.format == StreamFormat::kSignalK) AppendSignalKHello(greeting, UtcNowDays(system_.Core().clock));
-    SignalKDeltas fromNow;
-    if (follower_) Append(greeting, follower_->Present(), fromNow);
+    const std::unique_ptr<StreamFormat> fromNow = row_.make();
+    fromNow->Greet(greeting, UtcNowDays(system_.Core().clock));
+    if (follower_) fromNow->Append(greeting, follower_->Present(), *follower_);
     return greeting;
 }
 
@@ -104,7 +96,7 @@ void Streamer::LeaveIfNeeded() {
 // The end of all values is written down before the record goes, and the record goes before anything is said: what is held up would
 // hold it too.
 void Streamer::Leave(const char* why) {
-    Append(farewell_, follower_->Gone(), deltas_);
+    format_->Append(farewell_, follower_->Gone(), *follower_);
     follower_.reset();
     core_.reset();
     Complain(system_.GetConsole(), why);
@@ -113,21 +105,7 @@ void Streamer::Leave(const char* why) {
 
 void Streamer::Look() {
     bytes_.swap(farewell_);
-    if (follower_) Append(bytes_, follower_->Look(), deltas_);
-}
-
-void Streamer::Append(std::string& out, std::span<const Change> changes, SignalKDeltas& deltas) {
-    switch (options_.format) {
-        case StreamFormat::kJson:
-            for (const Change& change : changes) AppendJsonLine(out, change, *core_);
-            break;
-        case StreamFormat::kSignalK:
-            deltas.Append(out, changes, *follower_, *core_->View());
-            break;
-        case StreamFormat::kNmea:
-            AppendSentences(out, *follower_, options_.boat.value_or(0));
-            break;
-    }
+    if (follower_) format_->Append(bytes_, follower_->Look(), *follower_);
 }
 
 // Milliseconds until the next look. Looks come on a beat: what one takes, or is late, does not put off those behind it. The beat

@@ -9,13 +9,14 @@
 #include "halyrigctl/commands.h"
 #include "streams/follower.h"
 #include "streams/outlet.h"
-#include "streams/signalk.h"
+#include "streams/stream_format.h"
 
 namespace twr {
 
 class Streamer {
 public:
-    Streamer(System& system, const StreamOptions& options) : system_(system), options_(options) {}
+    Streamer(System& system, const StreamOptions& options)
+        : system_(system), options_(options), row_(StreamFormatOf(options.format)), format_(row_.make()) {}
 
     // Streams until the user asks to stop, the options' time is over, or the outlet has nobody left. It outlives records: one that
     // is asked to close, or in which nobody publishes, is let go, and the next one joined; both are said on standard error.
@@ -40,7 +41,6 @@ private:
     void LeaveIfNeeded();
     void Leave(const char* why);
     void Look();
-    void Append(std::string& out, std::span<const Change> changes, SignalKDeltas& deltas);
     int UntilNext(int periodMs);
     bool Pause(Outlet& outlet, int periodMs);
     bool TimeIsOver() const { return options_.seconds && waited_ >= *options_.seconds * std::int64_t{1000}; }
@@ -49,7 +49,8 @@ private:
     const StreamOptions options_;
     std::unique_ptr<CCore> core_;       // null while there is no record
     std::optional<Follower> follower_;  // of that record
-    SignalKDeltas deltas_;
+    const StreamFormatRow& row_;
+    const std::unique_ptr<StreamFormat> format_;
     std::string bytes_;        // of this look
     std::string farewell_;     // of the record that was let go
     std::int64_t due_ = 0;     // the next look, in ticks of the clock
