@@ -7,9 +7,9 @@
 // A recording: what is read lies in its bounds, and its time comes back to the millisecond.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     twr::testing::FakeFiles files;
-    files.files = {{u"/log", std::string(reinterpret_cast<const char*>(data), size)}};
-    const auto log = files.Open(u"/log");
-    twr::JsonLineReader reader(*log);
+    files.files = {{u"/recording", std::string(reinterpret_cast<const char*>(data), size)}};
+    const auto recording = files.Open(u"/recording");
+    twr::JsonLineReader reader(*recording);
     while (const auto change = reader.Next()) {
         if (change->channel >= twr::kChannelCount || change->boat >= twr::kBoatCount) __builtin_trap();
         if (!twr::HasIsoTime(change->time)) continue;

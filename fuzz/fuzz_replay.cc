@@ -22,23 +22,23 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     kept.Reset();
     twr::testing::FakeMachine& machine = kept.machine;
     machine.files.files.push_back({u"/file", std::string(reinterpret_cast<const char*>(data), size)});
-    const twr::LogForm form = twr::FormOf(*Open(machine.files));
-    std::unique_ptr<twr::RecordedSource> log;
-    if (form == twr::LogForm::kJson) {
-        log = std::make_unique<twr::RecordingReader>(Open(machine.files));
+    const twr::RecordedForm form = twr::FormOf(*Open(machine.files));
+    std::unique_ptr<twr::RecordedSource> source;
+    if (form == twr::RecordedForm::kRecording) {
+        source = std::make_unique<twr::RecordingReader>(Open(machine.files));
     } else {
-        log = std::make_unique<twr::NmeaLog>(Open(machine.files), form == twr::LogForm::kNmeaWithClock);
+        source = std::make_unique<twr::NmeaLog>(Open(machine.files), form == twr::RecordedForm::kLogWithClock);
     }
     twr::Put(kept.core.View()->sysFlag[twr::kFlagMastAngle], std::uint8_t{1});
     // The last byte says whether it is played from a time of day on.
     const bool later = size > 0 && data[size - 1] % 2 == 1;
-    twr::Replayer replayer(kept.core, *log, {}, later ? *twr::ParseReplayStart("12:00") : twr::ReplayStart{});
+    twr::Replayer replayer(kept.core, *source, {}, later ? *twr::ParseReplayStart("12:00") : twr::ReplayStart{});
     double due = 0.0;
     for (int step = 0; step < 100 && replayer.PlayTo(due) != twr::Replayer::Result::kEnded; ++step) {
         // What is published at once is at most behind.
         if (!std::isfinite(replayer.Due()) || replayer.Due() < 0.0) __builtin_trap();
         due = std::max(due, replayer.Due());
     }
-    log->Fault();
+    source->Fault();
     return 0;
 }

@@ -1,4 +1,4 @@
-// The time that passes in a recording, derived from its sentences as they come.
+// The time that passes in a log, derived from its sentences as they come.
 #pragma once
 #include <array>
 #include <optional>
@@ -9,11 +9,11 @@ namespace twr {
 
 class LogClock {
 public:
-    // `hasClock`: the recording contains the time of day. If not, a second passes each time that its leading sentence, the first
+    // `hasClock`: the log contains the time of day. If not, a second passes each time that its leading sentence, the first
     // one, comes around.
     void Start(bool hasClock);
 
-    // Seconds by which this sentence advances the recording, never less than 0. Gaps are cut to a minute. Midnight, and a clock
+    // Seconds by which this sentence advances the log, never less than 0. Gaps are cut to a minute. Midnight, and a clock
     // that is set back, are no gaps.
     double Step(const NmeaSentence& sentence);
 

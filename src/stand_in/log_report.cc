@@ -1,4 +1,4 @@
-// log_report: prints what the stand-in can use of an NMEA 0183 recording. The exit status is 1 if that is nothing.
+// log_report: prints what the stand-in can use of a log of NMEA 0183. The exit status is 1 if that is nothing.
 #include "base/wide_text.h"
 #include "platform/console.h"
 #include "platform/system.h"
@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
     const std::string& file = arguments.front();
     const twr::LogSurvey survey = twr::SurveyLog(system->Core().files, twr::FromUtf8(file));
     if (const std::string why = twr::WhyUseless(survey); !why.empty()) {
-        console.WriteError("the recording " + file + " can't be played: " + why + "\n");
+        console.WriteError("the log " + file + " can't be played: " + why + "\n");
         return 1;
     }
     const auto notStopped = [&] { return console.Wait(0); };

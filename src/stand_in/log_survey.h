@@ -1,4 +1,4 @@
-// What the stand-in can use of a recording, for a look at it before it is played.
+// What the stand-in can use of a log, for a look at it before it is played.
 #pragma once
 #include <cstddef>
 #include <map>
@@ -28,7 +28,7 @@ LogSurvey SurveyLog(Files& files, std::u16string_view path);
 // Why playing it would give nothing; empty when it would give something.
 std::string WhyUseless(const LogSurvey& survey);
 
-// A summary of a usable recording, in lines.
+// A summary of a usable log, in lines.
 std::string Described(const LogSurvey& survey);
 
 }  // namespace twr

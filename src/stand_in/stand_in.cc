@@ -41,8 +41,8 @@ constexpr std::int64_t kOneMoment = 200000;       // 20 ms: all reads within it 
 constexpr std::int64_t kLongestStep = 100000000;  // 10 s; after a longer sleep it goes on where it was
 
 std::unique_ptr<InstrumentSource> MakeSource(Files& files, std::u16string_view folder, const StandInSettings& settings) {
-    const std::u16string recording = JoinPath(folder, u"recording.nmea");
-    if (files.Exists(recording)) return std::make_unique<LogReplay>(files, recording);
+    const std::u16string log = JoinPath(folder, u"recording.nmea");
+    if (files.Exists(log)) return std::make_unique<LogReplay>(files, log);
     return std::make_unique<SailingSimulation>(settings.seed, settings.startLead);
 }
 

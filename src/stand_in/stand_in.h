@@ -15,7 +15,7 @@ namespace twr {
 
 struct StandInSettings {
     std::uint64_t seed = 1;        // "seed": which day is simulated
-    double speed = 1.0;            // "speed": seconds that pass in a second, 0.1 to 100; for a recording too
+    double speed = 1.0;            // "speed": seconds that pass in a second, 0.1 to 100; for a log too
     std::int32_t startLead = 300;  // "start_lead": seconds of the count before each start, 10 to 3600
 };
 

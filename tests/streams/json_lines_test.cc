@@ -100,9 +100,9 @@ TEST(JsonLineReaderTest, RefusesWithLineNumberAndReason) {
         std::string text;
         for (int i = 0; i < 100; ++i) text += std::string(kGood) + "\r\n\n";
         FakeFiles files;
-        files.files = {{u"/log", text + line + "\n" + kGood}};
-        const auto log = files.Open(u"/log");
-        JsonLineReader reader(*log);
+        files.files = {{u"/recording", text + line + "\n" + kGood}};
+        const auto recording = files.Open(u"/recording");
+        JsonLineReader reader(*recording);
         for (int i = 0; i < 100; ++i) EXPECT_EQ(6.5, reader.Next().value_or(Change{}).value);
         EXPECT_FALSE(reader.Next()) << line;
         EXPECT_NE(std::string::npos, reader.Fault().find(fault)) << reader.Fault();

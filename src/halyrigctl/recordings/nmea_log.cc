@@ -8,13 +8,13 @@ namespace {
 
 constexpr int kLinesToLookAt = 1000;
 
-struct Source {
+struct Mapped {
     Quantity quantity;
     ChannelId channel;
 };
 
 // As the demo's mapping has them.
-constexpr Source kSources[] = {
+constexpr Mapped kMapped[] = {
     {Quantity::kVariation, kMagVar}, {Quantity::kBsp, kBsp},     {Quantity::kAwa, kAwa},       {Quantity::kAws, kAws},
     {Quantity::kTwa, kTwa},          {Quantity::kTws, kTws},     {Quantity::kTwd, kTwd},       {Quantity::kHdg, kHdg},
     {Quantity::kHeel, kHeel},        {Quantity::kTrim, kTrim},   {Quantity::kRudder, kRudder}, {Quantity::kRateOfTurn, kRot},
@@ -25,7 +25,7 @@ constexpr Source kSources[] = {
 
 }  // namespace
 
-LogForm FormOf(ByteSource& source) {
+RecordedForm FormOf(ByteSource& source) {
     // A line of JSON may be longer than any sentence, so its first character must do.
     struct WithFirst : ByteSource {
         explicit WithFirst(ByteSource& of) : source(of) {
@@ -43,14 +43,14 @@ LogForm FormOf(ByteSource& source) {
         char first = '\0';
         bool given = false;
     } whole(source);
-    if (whole.first == '{') return LogForm::kJson;
+    if (whole.first == '{') return RecordedForm::kRecording;
     BoundedLines lines(whole, kLogLines);
-    LogForm form = LogForm::kNeither;
+    RecordedForm form = RecordedForm::kNeither;
     for (int i = 0; i < kLinesToLookAt && lines.Next(); ++i) {
         const auto sentence = ParseSentence(lines.Line());
         if (!sentence) continue;
-        form = LogForm::kNmea;
-        if (TimeOfDayOf(*sentence)) return LogForm::kNmeaWithClock;
+        form = RecordedForm::kLog;
+        if (TimeOfDayOf(*sentence)) return RecordedForm::kLogWithClock;
     }
     return form;
 }
@@ -95,10 +95,10 @@ void NmeaLog::Gather() {
     const ReadingUnits units{.degreesTrue = true, .depthInFeet = true, .variation = variation == kAbsent ? kNoValue : variation};
     const double time = (start_.value_or(0.0) + seconds_) / kSecondsPerDay;
     gatheredAt_ = seconds_;
-    for (const Source& source : kSources) {
-        if (moment[source.quantity] == kAbsent) continue;
-        const double value = InstrumentValue(source.channel, moment[source.quantity], units);
-        if (value != kNoValue) gathered_.push_back({time, source.channel, 0, value});
+    for (const Mapped& mapped : kMapped) {
+        if (moment[mapped.quantity] == kAbsent) continue;
+        const double value = InstrumentValue(mapped.channel, moment[mapped.quantity], units);
+        if (value != kNoValue) gathered_.push_back({time, mapped.channel, 0, value});
     }
 }
 

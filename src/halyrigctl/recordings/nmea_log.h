@@ -11,13 +11,13 @@
 namespace twr {
 
 // What a file holds, by its first lines.
-enum class LogForm {
-    kJson,
-    kNmea,  // without the time of day
-    kNmeaWithClock,
+enum class RecordedForm {
+    kRecording,
+    kLog,  // without the time of day
+    kLogWithClock,
     kNeither,
 };
-LogForm FormOf(ByteSource& source);
+RecordedForm FormOf(ByteSource& source);
 
 // Sentences that are broken, or of an unknown type, are passed over.
 class NmeaLog : public RecordedSource {

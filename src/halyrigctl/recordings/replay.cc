@@ -26,7 +26,7 @@ public:
 
 private:
     std::unique_ptr<UnpackingSource> Open();
-    std::unique_ptr<RecordedSource> OpenLog();
+    std::unique_ptr<RecordedSource> OpenSource();
     bool Understands();
     bool Attach();
     bool ChooseChannels();
@@ -48,7 +48,7 @@ private:
 };
 
 Status Replay::Run() {
-    if (!Understands() || !OpenLog() || !Attach() || !ChooseChannels()) return status_;
+    if (!Understands() || !OpenSource() || !Attach() || !ChooseChannels()) return status_;
     Complain(system_.GetConsole(),
              "publishing what was recorded into the live record: every program of the suite takes it for what is measured now. "
              "Ctrl-C ends it.");
@@ -82,15 +82,15 @@ std::unique_ptr<UnpackingSource> Replay::Open() {
     return std::make_unique<UnpackingSource>(std::move(file), [this] { return GoesOn(); });
 }
 
-std::unique_ptr<RecordedSource> Replay::OpenLog() {
+std::unique_ptr<RecordedSource> Replay::OpenSource() {
     auto lookedAt = Open(), played = Open();
     if (!lookedAt || !played) {
         Fail(Harmless(file_) + " can't be read; give the path of a recording.");
         return nullptr;
     }
-    const LogForm form = FormOf(*lookedAt);
-    if (form == LogForm::kJson) return std::make_unique<RecordingReader>(std::move(played));
-    if (form != LogForm::kNeither) return std::make_unique<NmeaLog>(std::move(played), form == LogForm::kNmeaWithClock);
+    const RecordedForm form = FormOf(*lookedAt);
+    if (form == RecordedForm::kRecording) return std::make_unique<RecordingReader>(std::move(played));
+    if (form != RecordedForm::kNeither) return std::make_unique<NmeaLog>(std::move(played), form == RecordedForm::kLogWithClock);
     if (!GoesOn()) return nullptr;
     const std::string fault = lookedAt->Fault();
     Fail(Harmless(file_) +
@@ -131,11 +131,11 @@ bool Replay::ChooseChannels() {
 
 // False if that is to be the last time.
 bool Replay::PlayOnce() {
-    const auto log = OpenLog();
-    if (!log) return false;
-    Replayer replayer(*core_, *log, channels_, start_);
+    const auto source = OpenSource();
+    if (!source) return false;
+    Replayer replayer(*core_, *source, channels_, start_);
     if (!PlayUntilEnd(replayer)) return false;
-    if (!log->Fault().empty()) return Fail(Harmless(file_) + " " + Harmless(FromUtf8(log->Fault())) + "; ended there.");
+    if (!source->Fault().empty()) return Fail(Harmless(file_) + " " + Harmless(FromUtf8(source->Fault())) + "; ended there.");
     if (!replayer.Started()) {
         return Fail(Harmless(file_) +
                     (options_.from.empty() ? " holds no value." : " ends before " + Harmless(FromUtf8(options_.from))));

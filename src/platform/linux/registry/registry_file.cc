@@ -97,9 +97,9 @@ bool HasTooLongLine(std::string_view bytes) {
 
 // Keeps other programs of the suite from changing the file between reading and writing it. A stopped one can't block this for long:
 // settings are then written without the lock.
-class FolderLock {
+class RegistryLock {
 public:
-    explicit FolderLock(const std::string& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    explicit RegistryLock(const std::string& folder) : folder_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         for (int i = 0; i < 100 && folder_ && flock(folder_.Get(), LOCK_EX | LOCK_NB) != 0; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
@@ -114,7 +114,7 @@ public:
     explicit RegistryFile(const std::u16string& path) : path_(NativePath(path)) {}
 
     bool OpenOrCreate(std::u16string_view key) override {
-        const FolderLock lock = Lock();
+        const RegistryLock lock = Lock();
         RegistryText* text = Current();
         if (!text) return false;
         if (text->HasKey(FullKey(key))) return true;
@@ -132,7 +132,7 @@ public:
     }
 
     bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) override {
-        const FolderLock lock = Lock();
+        const RegistryLock lock = Lock();
         RegistryText* text = Current();
         if (!text) return false;
         if (text->Find(FullKey(key), name) == value) return true;
@@ -170,10 +170,10 @@ private:
         bool operator==(const Stamp&) const = default;
     };
 
-    FolderLock Lock() const {
+    RegistryLock Lock() const {
         const std::string folder = path_.substr(0, path_.rfind('/') + 1);
         if (folder.starts_with('/')) MakeFolders(folder);
-        return FolderLock(folder);
+        return RegistryLock(folder);
     }
 
     // The current text of the file, a new one if there is no file; nullptr if the file can't be read.

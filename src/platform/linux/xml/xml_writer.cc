@@ -55,10 +55,10 @@ std::string Escaped(std::u16string_view text) {
     return escaped;
 }
 
-class FileWriter final : public XmlWriter {
+class XmlFileWriter final : public XmlWriter {
 public:
-    explicit FileWriter(Descriptor file) : file_(std::move(file)), pending_(kStart) {}
-    ~FileWriter() override { Flush(); }
+    explicit XmlFileWriter(Descriptor file) : file_(std::move(file)), pending_(kStart) {}
+    ~XmlFileWriter() override { Flush(); }
 
     bool StartElement(std::u16string_view name) override {
         if (!IsName(name) || (open_.empty() && rootWritten_)) return false;
@@ -132,7 +132,7 @@ private:
 std::unique_ptr<XmlWriter> OpenXmlWriter(std::u16string_view path) {
     Descriptor file = OpenPlainFile(NativePath(path), O_WRONLY | O_CREAT);
     if (!file || ftruncate(file.Get(), 0) != 0) return nullptr;
-    return std::make_unique<FileWriter>(std::move(file));
+    return std::make_unique<XmlFileWriter>(std::move(file));
 }
 
 }  // namespace twr
