@@ -81,8 +81,9 @@ Known TrueBearing(Known trueBearing, Known magnetic, Known variation) {
 }  // namespace
 
 bool Readings::Take(const NmeaSentence& sentence, double time) {
+    const SentenceReadings held = ReadSentence(sentence);
     bool any = false;
-    for (const auto& [reading, value] : ReadSentence(sentence).All()) {
+    for (const auto& [reading, value] : held.All()) {
         const auto index = static_cast<std::size_t>(reading);
         if (value < kLimits[index].least || value > kLimits[index].most) continue;
         heard_[index] = {value, time};

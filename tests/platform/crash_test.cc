@@ -51,7 +51,7 @@ TEST(Crash, NamesTheLibraryInALineAndEndsAsItWouldButNeverAsIfAllWereWell) {
         {"stack of a thread", 128 + 11, 0, "SIGSEGV at address 0x", true},
         {"instruction", 128 + 4, 0xC000001D, " 0x", true},
         {"abort", 128 + 6, 3, linux ? "crashed by SIGABRT, in " : "crashed by abort, while", false},
-        {"raise", 128 + 7, 0, "crashed by SIGBUS, in ", false},
+        {"raise", 128 + 5, 0, "crashed by SIGTRAP, in ", false},
         {"exit", 1, 1, "ended by a call of exit, while", false},
         {"quick_exit", 1, 0, "ended by a call of quick_exit, while", false},
         {"_exit", 1, 0, "ended by a call of _exit, in ", true},

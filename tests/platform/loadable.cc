@@ -28,7 +28,7 @@ void CrashOnLinux(std::string_view how) {
     if (how == "_exit") _exit(0);
     if (how == "quick_exit") quick_exit(0);
     if (how == "pthread_exit") pthread_exit(nullptr);
-    if (how == "raise") raise(SIGBUS);
+    if (how == "raise") raise(SIGTRAP);
     for (int file = 3; how == "close" && file < 1024; ++file) close(file);
 }
 #else

@@ -279,11 +279,12 @@ TEST_F(HeadlessDesktopTest, TakesNoSignalOfItsOwnProcessForAClosing) {
         dialog_.window->StartTimer(1, 1);
     };
     const auto rest = [this] {
-        if (dialog_.ticks == 20) SendFromOutside(SIGTERM);
+        if (dialog_.ticks != 20) return;
+        const itimerval none{};
+        for (const auto which : {ITIMER_REAL, ITIMER_VIRTUAL}) setitimer(which, &none, nullptr);
+        SendFromOutside(SIGTERM);
     };
     EXPECT_EQ("init cancel yes destroy 20", Run(disturb, rest));
-    const itimerval none{};
-    for (const auto which : {ITIMER_REAL, ITIMER_VIRTUAL}) setitimer(which, &none, nullptr);
 }
 
 TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEndsAndKeepsWhatItsControlsShow) {
