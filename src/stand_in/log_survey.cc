@@ -16,7 +16,8 @@ bool IsGzip(Files& files, std::u16string_view path) {
 
 std::string BrokenShare(const LogSurvey& survey) {
     const double percent = 100.0 * static_cast<double>(survey.broken) / static_cast<double>(survey.lines);
-    return Printed("%zu lines, of which %zu (%.1f %%) are broken", survey.lines, survey.broken, percent);
+    return std::to_string(survey.lines) + " lines, of which " + std::to_string(survey.broken) +
+           Printed(" (%.1f %%) are broken", percent);
 }
 
 std::string Listed(const char* heading, const LogSurvey::Counts& counts) {
