@@ -165,7 +165,7 @@ TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
     StartSuite();
     Publish(kMkLat, 50.0);
     int full = 0;
-    Record("/log --boat 0", 1e6, [&](int look) {
+    Record("log --boat 0", 1e6, [&](int look) {
         if (full == 0 && HasSaid("is lost until it does")) {
             full = look;
             suite->SetChannel(kMkLat, 0, kNoValue, 0.0);
@@ -191,7 +191,7 @@ TEST_F(RecordTest, EndsThoughTheDiskHangs) {
     Publish(kBsp, 6.0);
     console.stillGoesOn = [] { return false; };
     each = [&] { return console.waited == 0 || (hanging.hangs.get_future().wait(), false); };
-    ExpectIn(Said("record /log", 1), {"/log: the disk takes nothing; what was published after 2026-", " is lost"});
+    ExpectIn(Said("record log", 1), {"log: the disk takes nothing; what was published after 2026-", " is lost"});
     hanging.works.set_value(false);  // the thread that was given up ends without the disk
 }
 
@@ -201,20 +201,20 @@ TEST_F(RecordTest, ARecordingThatIsRemovedGoesOnInTheNext) {
     StartSuite();
     Publish(kMkLat, 50.0);
     fake.onFlush = [&] {
-        if (fake.files.front().bytes.find("Mk Lat") != std::string::npos) fake.Remove(u"/log");
+        if (fake.files.front().bytes.find("Mk Lat") != std::string::npos) fake.Remove(u"log");
         return true;
     };
     int said = 0;
-    Record("/log", 1e6, [&](int look) {
+    Record("log", 1e6, [&](int look) {
         Publish(kBsp, 1 + look % 20);
         std::this_thread::yield();
-        if (HasSaid("/log was removed, renamed or replaced; the recording goes on in /log-2") && ++said == 4)
+        if (HasSaid("log was removed, renamed or replaced; the recording goes on in log-2") && ++said == 4)
             clock.AdvanceMs(2'000'000'000);
     });
     ASSERT_EQ(1u, fake.files.size());
-    EXPECT_EQ(u"/log-2", fake.files.front().path);
-    EXPECT_EQ(1, std::ranges::count_if(Read(std::u16string(u"/log-2")),
-                                       [](const Recorded& one) { return one.change.channel == kMkLat; }));
+    EXPECT_EQ(u"log-2", fake.files.front().path);
+    EXPECT_EQ(
+        1, std::ranges::count_if(Read(std::u16string(u"log-2")), [](const Recorded& one) { return one.change.channel == kMkLat; }));
 }
 
 TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "base/byte_source.h"
@@ -208,6 +209,7 @@ TEST_F(MappingTest, AWriteProtectedFileAndItsCopyStayAsTheyAre) {
     std::filesystem::permissions(folder.Path() / "halyrig.xml", std::filesystem::perms(0444));
     {
         const CommonUser user;
+        if (std::ofstream(folder.Path() / "halyrig.xml", std::ios::app)) GTEST_SKIP() << "this user may write everything";
         EXPECT_FALSE(SaveMapping(system->Core().files, xml, folder.File("halyrig.xml"), {}));
     }
     EXPECT_EQ("<x></x>", folder.Read("halyrig.xml"));

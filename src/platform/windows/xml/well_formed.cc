@@ -68,4 +68,19 @@ std::u16string_view WellFormedPrefix(std::u16string_view document) {
     return document;
 }
 
+std::u16string WithShortComments(std::u16string_view document) {
+    constexpr std::size_t kLongest = 65'536;
+    std::u16string shorter;
+    while (!document.empty()) {
+        const std::u16string_view piece = document.substr(0, std::max<std::size_t>(1, PlainLength(document)));
+        if (piece.size() > kLongest && piece.starts_with(u"<!--") && piece.ends_with(u"-->")) {
+            shorter.append(u"<!--").append(static_cast<std::size_t>(std::ranges::count(piece, u'\n')), u'\n').append(u"-->");
+        } else {
+            shorter += piece;
+        }
+        document.remove_prefix(piece.size());
+    }
+    return shorter;
+}
+
 }  // namespace twr

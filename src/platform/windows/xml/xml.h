@@ -12,6 +12,9 @@ namespace twr {
 // entities, so that only the five that are built in count.
 std::u16string_view WellFormedPrefix(std::u16string_view document);
 
+// The document with nothing but line ends in comments of over 64 Ki characters, on which Wine's XmlLite crashes.
+std::u16string WithShortComments(std::u16string_view document);
+
 // Decodes a document by its mark, else by its declaration, else as UTF-8, and removes the encoding from its declaration. The text
 // ends at the first malformed character; it is empty if the declaration names an unknown encoding.
 std::u16string DecodeXml(std::string_view bytes);

@@ -116,7 +116,7 @@ std::unique_ptr<XmlReader> OpenXmlReader(std::u16string_view path) {
     const std::string bytes = Contents(*source);
     const std::u16string text = DecodeXml(bytes);
     const std::u16string_view sound = WellFormedPrefix(text);
-    const std::string document = "\xEF\xBB\xBF" + ToUtf8(sound).append(kFault);
+    const std::string document = "\xEF\xBB\xBF" + ToUtf8(WithShortComments(sound)).append(kFault);
     const ComPtr<IStream> stream(
         SHCreateMemStream(reinterpret_cast<const BYTE*>(document.data()), static_cast<UINT>(document.size())));
     ComPtr<IXmlReader> reader;
