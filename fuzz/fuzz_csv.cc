@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
             if (slot != twr::kNoInt && (slot < 1 || slot > 413)) __builtin_trap();
         }
     }
-    std::vector<twr::MappingVar> catalogue(1);
+    std::vector<twr::DeckmanVariable> catalogue(1);
     catalogue[0].dfwId = 1;
     twr::ImportLegacyVars(files, u"/legacy.csv", catalogue, &kept.heard);
     twr::ImportLegacyRemotes(files, u"/legacy.csv", &kept.heard);

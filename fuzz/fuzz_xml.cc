@@ -85,7 +85,7 @@ void CheckElementsAreFound(const std::string& document) {
 }
 
 void ReadMapping(twr::Xml& xml, twr::Findings& heard) {
-    std::vector<twr::MappingVar> catalogue(1);
+    std::vector<twr::DeckmanVariable> catalogue(1);
     catalogue[0].dfwId = 1;
     catalogue[0].dfwName = u"BSP";
     const twr::Mapping mapping = twr::LoadMapping(xml, u"", catalogue, &heard);

@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <optional>
-#include <ranges>
 
 #include "platform/linux/crash_reports.h"
 
@@ -149,7 +148,7 @@ SignalQueue::SignalQueue(std::initializer_list<int> others) : canary_(open("/dev
     sigaddset(&take, kLook);
     sigprocmask(SIG_BLOCK, &block, &before_);
     whileWaiting_ = before_;
-    for (const int number : std::views::iota(1, NSIG)) {
+    for (int number = 1; number < NSIG; ++number) {
         if (sigismember(&take, number) == 1 || sigismember(&block, number) == 1) sigdelset(&whileWaiting_, number);
     }
     const struct sigaction own = Action(OnSignal);
