@@ -127,6 +127,8 @@ public:
     // kNoChannel if there is none. If `recurse` is set, a result that is alternating itself is resolved once more; that result can
     // still be alternating.
     ChannelId ResolveAlternate(ChannelId channel, bool recurse) const;
+    // The channel whose value is read for it: an alternating one that stands for others is followed as far as reading does.
+    ChannelId SourceOf(ChannelId channel) const { return ResolveAlternate(ResolveAlternate(channel, true), true); }
 
     // --- Data folders (config/data_folders.cc) ---
 

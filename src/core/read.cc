@@ -1,6 +1,5 @@
 // Reading: a channel's value out of the record, as the user should see it.
 #include <algorithm>
-#include <cmath>
 
 #include "base/angles.h"
 #include "core/core.h"
@@ -46,11 +45,8 @@ bool CCore::GetFreshChannel(ChannelId channel, double& value, BoatSlot boat, boo
     const std::int16_t limit = StaleSeconds(channel, boat);
     if (limit > 0) {
         const double now = UtcNowDays(services_.clock);
-        if (maxAge == kNoValue) maxAge = static_cast<double>(limit) / 60 / 60 / 24;
         const Entry entry = InUse(*view_, boat) ? EntryOf(*view_, channel, boat) : Entry{};
-        if (!entry) return false;
-        const double time = Load(*entry.time);
-        if (time == 0.0 || std::fabs(now - time) > maxAge) return false;
+        if (!entry || IsStale(Load(*entry.time), now, limit, maxAge)) return false;
     }
     return GetChannel(channel, value, boat, damped, angleFlag, true);
 }

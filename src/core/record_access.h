@@ -2,6 +2,7 @@
 #pragma once
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -85,6 +86,14 @@ inline Entry EntryOf(CoreRecord& record, ChannelId channel, BoatSlot boat) {
     if (index >= kShortChannelCount) return {};
     ShortBoatBlock& block = record.shortBlocks[boat - kFullBoatCount];
     return {&block.time[index], &block.value[index], &block.damped[index]};
+}
+
+// Whether a value published at `time`, which is 0 if none was, is stale at `now`. `limit` in seconds, 0 or less for never; `maxAge`
+// in days takes its place, but a value that never becomes stale stays so.
+inline bool IsStale(double time, double now, std::int16_t limit, double maxAge = kNoValue) {
+    if (limit <= 0) return false;
+    if (maxAge == kNoValue) maxAge = static_cast<double>(limit) / 60 / 60 / 24;
+    return time == 0.0 || std::fabs(now - time) > maxAge;
 }
 
 // The own boat's variation in degrees, east positive; kNoValue if unknown.

@@ -1,6 +1,7 @@
 #include "core/units.h"
 
 #include <cstddef>
+#include <iterator>
 #include <span>
 
 #include "base/angles.h"
@@ -27,6 +28,53 @@ bool IsLength(double boatLength) { return boatLength != kNoValue && boatLength !
 std::u16string_view LabelOf(std::span<const UnitRow> table, std::int32_t selector) {
     const UnitRow* row = RowOf(table, selector);
     return (row ? row : table.data())->shortLabel;
+}
+
+// The unit of a type: in the record, as programs read it, and on a display, where it is empty if the text contains it or the user
+// chooses it. Both are empty for a type without one.
+struct UnitWords {
+    std::int16_t type;
+    std::u16string_view internal, shown;
+};
+
+constexpr UnitWords kUnitWords[] = {
+    {kTypeNumber, u"", u""},
+    {kTypeDateTime, u"days", u""},
+    {kTypeDuration, u"days", u""},
+    {kTypeDepth, u"m", u""},
+    {kTypeDistance, u"nm", u""},
+    {kTypeShortDistance, u"nm", u""},
+    {kTypeBearing, u"deg", u""},
+    {kTypeAngle, u"deg", u"°"},
+    {kTypeLatitude, u"deg", u""},
+    {kTypeLongitude, u"deg", u""},
+    {kTypePercent, u"%", u"%"},
+    {kTypeSail, u"", u""},
+    {kTypeBoatSpeed, u"kn", u""},
+    {kTypeWindAngle, u"deg", u"°"},
+    {kTypeTemperature, u"C", u""},
+    {kTypeBarometer, u"", u""},
+    {kTypeVolts, u"", u""},
+    {kTypeMetres, u"m", u"m"},
+    {kTypeLength, u"", u""},
+    {kTypeTurnRate, u"deg/s", u"°/s"},
+    {20, u"", u""},
+    {kTypeWindSpeed, u"kn", u""},
+    {kTypeCurrent, u"", u""},
+    {kTypePressure, u"Pa", u""},
+};
+
+constexpr bool AreInOrder() {
+    for (std::size_t i = 0; i < std::size(kUnitWords); ++i) {
+        if (kUnitWords[i].type != static_cast<std::int16_t>(i)) return false;
+    }
+    return true;
+}
+static_assert(AreInOrder(), "by the number of the type");
+
+// Another program's number of a type counts as a plain number.
+const UnitWords& WordsOf(std::int16_t type) {
+    return kUnitWords[type >= 0 && static_cast<std::size_t>(type) < std::size(kUnitWords) ? static_cast<std::size_t>(type) : 0];
 }
 
 std::u16string_view DistanceLabel(std::int32_t selector, double boatLength) {
@@ -92,6 +140,8 @@ UnitSettings UnitSettingsOf(const CoreRecord& record) {
     return settings;
 }
 
+std::u16string_view InternalUnit(std::int16_t type) { return WordsOf(type).internal; }
+
 std::u16string_view UnitLabel(std::int16_t type, const UnitSettings& settings) {
     switch (type) {
         case kTypeDepth: {
@@ -104,24 +154,15 @@ std::u16string_view UnitLabel(std::int16_t type, const UnitSettings& settings) {
             return DistanceLabel(settings.shortDistance, settings.boatLength);
         case kTypeBearing:
             return settings.magnetic ? u"°M" : u"°T";
-        case kTypeAngle:
-        case kTypeWindAngle:
-            return u"°";
-        case kTypePercent:
-            return u"%";
         case kTypeBoatSpeed:
         case kTypeWindSpeed:
             return LabelOf(kSpeedUnits, settings.speed);
         case kTypeTemperature:
             return settings.fahrenheit ? u"°F" : u"°C";
-        case kTypeMetres:
-            return u"m";
-        case kTypeTurnRate:
-            return u"°/s";
         case kTypePressure:
             return LabelOf(kPressureUnits, settings.pressure);
         default:
-            return {};
+            return WordsOf(type).shown;
     }
 }
 

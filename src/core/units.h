@@ -76,6 +76,9 @@ struct UnitSettings {
 
 UnitSettings UnitSettingsOf(const CoreRecord& record);
 
+// The unit in which the record keeps a value of this type, as a plain word: "kn"; empty if the type has none.
+std::u16string_view InternalUnit(std::int16_t type);
+
 // The short label of the unit in which a value of this type is shown; empty if the type has none, or shows no value.
 std::u16string_view UnitLabel(std::int16_t type, const UnitSettings& settings);
 

@@ -58,16 +58,14 @@ void Follower::LookAt(ChannelId channel, BoatSlot boat, double now) {
 }
 
 Follower::Seen Follower::Read(ChannelId channel, BoatSlot boat, double now) const {
-    if (IsAlternating(channel)) channel = core_.ResolveAlternate(core_.ResolveAlternate(channel, true), true);
+    if (IsAlternating(channel)) channel = core_.SourceOf(channel);
     const Entry entry = IsAlternating(channel) ? Entry{} : EntryOf(*core_.View(), channel, boat);
     if (!entry) return {};
     // The stamp first: should a publication fall between the two, its value is told at once, and its stamp at the next look.
     const double time = StampOf(entry);
     const double value = Load(*entry.value);
     if (value == kNoValue || !std::isfinite(value)) return {};
-    const std::int16_t limit = core_.StaleSeconds(channel, boat);
-    const bool stale = limit > 0 && (time == 0.0 || std::fabs(now - time) > static_cast<double>(limit) / 60 / 60 / 24);
-    return stale ? Seen{} : Seen{time, value};
+    return IsStale(time, now, core_.StaleSeconds(channel, boat)) ? Seen{} : Seen{time, value};
 }
 
 std::span<const Change> Follower::Present() {

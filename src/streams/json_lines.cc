@@ -5,6 +5,7 @@
 
 #include "base/version.h"
 #include "core/record_access.h"
+#include "core/units.h"
 #include "streams/iso_time.h"
 #include "streams/stream_format.h"
 
@@ -16,40 +17,6 @@ using Json = nlohmann::json;
 constexpr const char* kRecordingFormat = "halyrig-record";
 constexpr int kRecordingVersion = 1;       // of what is written; it and all earlier ones are read
 constexpr std::size_t kLongestText = 128;  // decimals are another program's choice, up to 65535
-
-// A plain word for the unit in which a type is published; nullptr if it has none.
-const char* UnitWord(std::int16_t type) {
-    switch (type) {
-        case kTypeDateTime:
-        case kTypeDuration:
-            return "days";
-        case kTypeDepth:
-        case kTypeMetres:
-            return "m";
-        case kTypeDistance:
-        case kTypeShortDistance:
-            return "nm";
-        case kTypeBearing:
-        case kTypeAngle:
-        case kTypeWindAngle:
-        case kTypeLatitude:
-        case kTypeLongitude:
-            return "deg";
-        case kTypePercent:
-            return "%";
-        case kTypeBoatSpeed:
-        case kTypeWindSpeed:
-            return "kn";
-        case kTypeTemperature:
-            return "C";
-        case kTypeTurnRate:
-            return "deg/s";
-        case kTypePressure:
-            return "Pa";
-        default:
-            return nullptr;
-    }
-}
 
 template <class Number>
 void AppendNumber(std::string& out, Number number) {
@@ -92,14 +59,6 @@ void AppendText(std::string& out, std::u16string_view text) {
         out += "null";
     } else {
         AppendQuoted(out, text);
-    }
-}
-
-void AppendUnit(std::string& out, const char* unit) {
-    if (!unit) {
-        out += "null";
-    } else {
-        ((out += '"') += unit) += '"';
     }
 }
 
@@ -153,7 +112,7 @@ ReadLine ReadHeader(const Json& object) {
 std::unique_ptr<StreamFormat> MakeJsonLines() { return std::make_unique<JsonLines>(); }
 
 void AppendJsonLine(std::string& out, const Change& change, const CCore& core) {
-    const ChannelId source = core.ResolveAlternate(core.ResolveAlternate(change.channel, true), true);
+    const ChannelId source = core.SourceOf(change.channel);
     out += '{';
     AppendMoment(out, "time", change.time);
     out += R"(,"id":)";
@@ -170,7 +129,7 @@ void AppendJsonLine(std::string& out, const Change& change, const CCore& core) {
         AppendNumber(out, change.value);
     }
     out += R"(,"unit":)";
-    AppendUnit(out, source < kChannelCount ? UnitWord(core.ChannelTypeOf(source)) : nullptr);
+    AppendText(out, source < kChannelCount ? InternalUnit(core.ChannelTypeOf(source)) : std::u16string_view());
     out += R"(,"text":)";
     AppendText(out, missing || source >= kChannelCount ? std::u16string() : TextOf(core, source, change.boat, change.value));
     out += "}\n";

@@ -96,17 +96,17 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
                                                       {kTmOnS, 0.5}, {kSail, 1.0},      {kHdg, 90.0}};
     for (const auto& [channel, value] : published) Publish(channel, value);
     Record().SetFlag(3, false);
-    ExpectSaid(0, {{"get 1", {"channel  1 BSP\nboat     0\nvalue    10 kt\ntext     18.52 km/hr\nage      0."}},
-                   {"get 117", {"value    10 kt\ntext     18.52 km/hr\n"}},
-                   {"get 161", {"value    45.2057 \u00B0\ntext     45 12.3420n\n", "limit    none\n"}},
-                   {"get magvar", {"value    -3 \u00B0\ntext     3.00\u00B0w\n"}},
+    ExpectSaid(0, {{"get 1", {"channel  1 BSP\nboat     0\nvalue    10 kn\ntext     18.52 km/hr\nage      0."}},
+                   {"get 117", {"value    10 kn\ntext     18.52 km/hr\n"}},
+                   {"get 161", {"value    45.2057 deg\ntext     45 12.3420n\n", "limit    none\n"}},
+                   {"get magvar", {"value    -3 deg\ntext     3.00\u00B0w\n"}},
                    {"get 34", {"value    0.5 days\ntext     12h 00m\n"}},
-                   {"get hdg", {"value    90 \u00B0M\ntext     087 \u00B0T\n"}},
+                   {"get hdg", {"value    90 deg\ntext     087 \u00B0T\n"}},
                    {"get time", {"channel  0 Time\n"}},
                    {"get bsp --json",
-                    {R"({"id":1,"name":"BSP","boat":0,"value":10.0,"valueUnit":"kt","text":"18.52","textUnit":"km/hr","age":)",
+                    {R"({"id":1,"name":"BSP","boat":0,"value":10.0,"valueUnit":"kn","text":"18.52","textUnit":"km/hr","age":)",
                      R"(,"limit":10,"missing":null})"}},
-                   {"get 161 --json", {R"("valueUnit":"\u00b0","text":"45 12.3420n","textUnit":null)", R"("limit":null)"}},
+                   {"get 161 --json", {R"("valueUnit":"deg","text":"45 12.3420n","textUnit":null)", R"("limit":null)"}},
                    {"get sail --json", {R"("valueUnit":null,"text":null,)"}}});
     EXPECT_TRUE(Said("get 1").starts_with("channel"));
     ExpectIn(Said("get 1 161"), {"limit    10 s\n\nchannel  161 Mk Lat\n"});
@@ -159,7 +159,7 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
                    {"get depth", {"unit chosen"}},
                    {"get 120", {"stands for no channel"}},
                    {"get awa --json",
-                    {R"("value":null,"valueUnit":"\u00b0","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
+                    {R"("value":null,"valueUnit":"deg","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
                    {"get bsp --json", {R"("age":null,"limit":10,"missing":"the bridge)"}},
                    {"get 120 --json", {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}}});
 }

@@ -106,17 +106,15 @@ Status Explain(System& system, const ExplainOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;
     Console& console = system.GetConsole();
+    const NamedChannels named = FindChannels(guest.Core(), options.channels);
+    if (named.unknown) {
+        guest.Leave();
+        return ComplainOfChannel(console, *named.unknown);
+    }
     Circumstances circumstances(system, guest.Record());
     circumstances.standsStill = StandsStill(system, circumstances.bridge);
     std::vector<std::pair<ChannelId, BoatSlot>> wanted;
-    for (const std::string& typed : options.channels) {
-        const auto channel = FindChannel(guest.Core(), typed);
-        if (!channel) {
-            guest.Leave();
-            return ComplainOfChannel(console, typed);
-        }
-        wanted.emplace_back(*channel, options.boat);
-    }
+    for (const ChannelId channel : named.found) wanted.emplace_back(channel, options.boat);
     if (wanted.empty()) wanted = MappedChannels(guest.Record(), circumstances.TheMapping());
     std::vector<Explained> all;
     for (const auto& [channel, boat] : wanted) {

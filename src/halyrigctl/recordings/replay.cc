@@ -118,15 +118,10 @@ bool Replay::Attach() {
 }
 
 bool Replay::ChooseChannels() {
-    for (const std::string& typed : options_.channels) {
-        const auto channel = FindChannel(*core_, typed);
-        if (!channel) {
-            status_ = ComplainOfChannel(system_.GetConsole(), typed);
-            return false;
-        }
-        channels_.insert(*channel);
-    }
-    return true;
+    const NamedChannels named = FindChannels(*core_, options_.channels);
+    channels_.insert(named.found.begin(), named.found.end());
+    if (named.unknown) status_ = ComplainOfChannel(system_.GetConsole(), *named.unknown);
+    return !named.unknown;
 }
 
 // False if that is to be the last time.

@@ -11,26 +11,10 @@
 namespace twr {
 namespace {
 
-// The unit in which the record keeps a type; empty if the type has none.
-std::u16string_view InternalUnit(std::int16_t type) {
-    UnitSettings internal{};
-    internal.magnetic = true;
-    switch (type) {
-        case kTypeDateTime:
-        case kTypeDuration:
-            return u"days";
-        case kTypeLatitude:
-        case kTypeLongitude:
-            return u"°";
-        default:
-            return UnitLabel(type, internal);
-    }
-}
-
 ChannelState StateWithoutValue(const Subject& subject, std::string_view brokenLink) {
     if (!subject.entry) return ChannelState::kMissing;
     if (brokenLink == "suite" || brokenLink == "range") return ChannelState::kRefused;
-    return subject.stored != kNoValue && subject.IsStale() ? ChannelState::kStale : ChannelState::kMissing;
+    return subject.stored != kNoValue && subject.stale ? ChannelState::kStale : ChannelState::kMissing;
 }
 
 // The unit behind a value's text; empty if there is none, or the text contains it.
@@ -50,7 +34,7 @@ double ShownValue(const CCore& core, ChannelId channel, BoatSlot boat, bool damp
 
 std::u16string LiveText(CCore& core, ChannelId channel, BoatSlot boat, bool damped) {
     const ChannelId resolved = core.ResolveAlternate(channel, true);
-    const ChannelId source = core.ResolveAlternate(resolved, true);
+    const ChannelId source = core.SourceOf(channel);
     if (source >= kChannelCount) return u"- -";
     const double shown = ShownValue(core, resolved, boat, damped);
     const std::u16string text = core.ChannelText(resolved, shown);
@@ -67,7 +51,7 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     CoreRecord& record = *core.View();
     ChannelReading reading;
     const ChannelId resolved = core.ResolveAlternate(channel, true);
-    const ChannelId source = core.ResolveAlternate(resolved, true);  // a longer chain is followed when its value is read
+    const ChannelId source = core.SourceOf(channel);
     if (source >= kChannelCount) {
         reading.text = u"- -";
         reading.missing = ValueChain(core, channel, boat, circumstances).Fault();

@@ -24,7 +24,7 @@ std::string_view StateWord(ChannelState state);
 struct ChannelReading {
     ChannelState state = ChannelState::kMissing;
     std::optional<double> value;    // as stored, in the internal unit; nullopt without a fresh value
-    std::u16string_view valueUnit;  // its label; empty if there is none
+    std::u16string_view valueUnit;  // a plain word, as in the streams; empty if there is none
     std::u16string text;            // in the user's units; "- -" without a fresh value
     std::u16string_view textUnit;   // empty if there is none, or the text contains it
     std::optional<double> age;      // seconds since the last publication; nullopt if it was never published

@@ -1,7 +1,6 @@
 #include "halyrigctl/setup/names.h"
 
 #include <algorithm>
-#include <vector>
 
 #include "base/numbers.h"
 #include "base/wide_text.h"
@@ -58,6 +57,16 @@ std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text)
         if (EqualsIgnoringCase(FieldText(row.userName), wide) || EqualsIgnoringCase(FieldText(row.userShortName), wide)) return id;
     }
     return std::nullopt;
+}
+
+NamedChannels FindChannels(const CCore& core, const std::vector<std::string>& typed) {
+    NamedChannels named;
+    for (const std::string& text : typed) {
+        const auto channel = FindChannel(core, text);
+        if (channel) named.found.push_back(*channel);
+        if (!channel && !named.unknown) named.unknown = text;
+    }
+    return named;
 }
 
 std::optional<std::u16string> Nearest(std::u16string_view typed, std::span<const std::u16string> names) {

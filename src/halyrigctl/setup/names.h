@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/core.h"
 
@@ -18,6 +19,13 @@ std::u16string NameForPeople(CCore& core, ChannelId channel);
 // The channel with this number, with this short name, or with this name in the user's own words (letter case is ignored); nullopt
 // if there is none. A core that is not attached knows no names of the user's.
 std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text);
+
+// The channels that a user has typed, in their order, and the first text that names none.
+struct NamedChannels {
+    std::vector<ChannelId> found;
+    std::optional<std::string> unknown = {};
+};
+NamedChannels FindChannels(const CCore& core, const std::vector<std::string>& typed);
 
 // The name that equals `typed` but for letter case, else the first of those that are fewest slips away: a character too many, too
 // few or wrong, or two neighbours exchanged. A short name may have one slip, one of five characters or more two. nullopt if no name

@@ -249,7 +249,9 @@ Subject::Subject(CCore& ofRecord, ChannelId itsChannel, BoatSlot itsBoat, double
     if (!entry) return;
     stored = Load(*entry.value);
     const double time = Load(*entry.time);
-    if (time != 0.0) age = std::fabs(now - time) * kSecondsPerDay;
+    if (time == 0.0) return;
+    age = std::fabs(now - time) * kSecondsPerDay;
+    stale = IsStale(time, now, limit);
 }
 
 void AddSourceLinks(Links& links, const Subject& subject, Circumstances& circumstances) {

@@ -21,9 +21,8 @@ struct Subject {
     Entry entry;
     double stored = kNoValue;   // fresh or not
     std::optional<double> age;  // seconds since the last publication; nullopt if it was never published
-    std::int32_t limit;         // seconds after which a value is stale; 0 or less for never
-
-    bool IsStale() const { return age && limit > 0 && *age > limit; }
+    std::int16_t limit;         // seconds after which a value is stale; 0 or less for never
+    bool stale = false;         // published, but too long ago
 };
 
 void AddSourceLinks(Links& links, const Subject& subject, Circumstances& circumstances);

@@ -49,7 +49,7 @@ void AddRecord(Links& links, const Subject& subject) {
     links.Judge("record", fault, Printed("%.10g", subject.stored) + Printed(", published %.1f s ago", subject.age.value_or(0.0)));
     fault = {};
     const std::string limit = std::to_string(subject.limit) + " s";
-    if (subject.IsStale()) {
+    if (subject.stale) {
         const bool notDeckman = FollowsPositionSource(subject.channel) && !PositionFromDeckman(subject.record);
         fault = {Printed("it is stale: last published %.1f s ago, and the limit is ", *subject.age) + limit,
                  std::string("see whether the program that gives it still runs") +
@@ -90,7 +90,7 @@ Advice DisplayFault(const MappingRemote& row, const std::string& remote, double 
 Links ValueChain(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
     Links links;
     const ChannelId shown = core.ResolveAlternate(channel, true);
-    const ChannelId source = core.ResolveAlternate(shown, true);  // a longer chain is followed when its value is read
+    const ChannelId source = core.SourceOf(channel);
     if (source >= kChannelCount) {
         links.Break("alternates",
                     SameAlternates(*core.View(), circumstances.Renewed(), channel)

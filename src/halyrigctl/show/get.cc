@@ -86,16 +86,16 @@ Status GetChannelValues(System& system, const GetOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;
     Console& console = system.GetConsole();
+    const NamedChannels named = FindChannels(guest.Core(), options.channels);
+    if (named.unknown) {
+        guest.Leave();
+        return ComplainOfChannel(console, *named.unknown);
+    }
     Circumstances circumstances(system, guest.Record());
     std::vector<Found> all;
-    for (const std::string& typed : options.channels) {
-        const auto channel = FindChannel(guest.Core(), typed);
-        if (!channel) {
-            guest.Leave();
-            return ComplainOfChannel(console, typed);
-        }
-        all.push_back({*channel, NameForPeople(guest.Core(), *channel), options.boat,
-                       ReadChannel(guest.Core(), *channel, options.boat, circumstances)});
+    for (const ChannelId channel : named.found) {
+        all.push_back({channel, NameForPeople(guest.Core(), channel), options.boat,
+                       ReadChannel(guest.Core(), channel, options.boat, circumstances)});
     }
     guest.Leave();
     return options.json ? SayAsJson(console, all) : SayAsText(console, all);

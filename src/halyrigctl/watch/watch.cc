@@ -55,17 +55,6 @@ private:
     BridgePulse pulse_;
 };
 
-// The first that does not exist is given as `unknown`.
-std::vector<ChannelId> FindChannels(const CCore& core, const std::vector<std::string>& typed, std::optional<std::string>& unknown) {
-    std::vector<ChannelId> channels;
-    for (const std::string& text : typed) {
-        const auto channel = FindChannel(core, text);
-        if (channel) channels.push_back(*channel);
-        if (!channel && !unknown) unknown = text;
-    }
-    return channels;
-}
-
 // Until the user or the suite asks to stop. A key is answered by a look of its own.
 void WatchLive(ConsoleScreen& screen, const CCore& core, Watcher& watcher, const WatchOptions& options) {
     WatchView view(options.order);
@@ -117,15 +106,14 @@ Status Watch(System& system, const WatchOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;
     Console& console = system.GetConsole();
-    std::optional<std::string> unknown;
-    auto named = FindChannels(guest.Core(), options.channels, unknown);
-    if (unknown) {
+    NamedChannels named = FindChannels(guest.Core(), options.channels);
+    if (named.unknown) {
         guest.Leave();
-        return ComplainOfChannel(console, *unknown);
+        return ComplainOfChannel(console, *named.unknown);
     }
     Output output = Output::kWritten;
     {
-        Watcher watcher(system, guest, options, std::move(named));
+        Watcher watcher(system, guest, options, std::move(named.found));
         // A screen that vanishes with the last snapshot would show nothing.
         auto screen = options.snapshots ? nullptr : console.TakeScreen();
         if (screen) {
