@@ -13,17 +13,17 @@ void Bind(Function& function, const Library& library, const char* name) {
 }  // namespace
 
 std::u16string DeckmanLibrary::PathIn(std::u16string_view folder) {
-    return JoinPath(folder, std::u16string(u"ShDfW2").append(kLibrarySuffix));
+    return JoinPath(folder, std::u16string(kDeckmanLibrary).append(kLibrarySuffix));
 }
 
 void DeckmanLibrary::Load(std::u16string_view folder) {
     Unload();
     library_ = libraries_.Load(PathIn(folder));
     if (!library_) return;
-    Bind(fnSetISName, *library_, "Usr_SetISName");
-    Bind(fnSetISData, *library_, "Usr_SetISData");
-    Bind(fnRead, *library_, "Usr_Read");
-    Bind(fnGetPosition, *library_, "Usr_GetPosition");
+    Bind(fnSetISName, *library_, kUsrSetName);
+    Bind(fnSetISData, *library_, kUsrSetData);
+    Bind(fnRead, *library_, kUsrRead);
+    Bind(fnGetPosition, *library_, kUsrGetPosition);
 }
 
 void DeckmanLibrary::Unload() {

@@ -9,6 +9,10 @@
 
 namespace twr {
 
+inline constexpr std::u16string_view kDeckmanLibrary = u"ShDfW2";  // its file, without the system's suffix
+inline constexpr const char *kUsrRead = "Usr_Read", *kUsrGetPosition = "Usr_GetPosition", *kUsrSetData = "Usr_SetISData",
+                            *kUsrSetName = "Usr_SetISName";
+
 // Writes the variable's current value.
 using UsrRead = void(TWR_EXPORT_CALL*)(std::int32_t variable, float* value);
 // Writes the position in degrees, north and east positive.

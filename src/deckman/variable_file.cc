@@ -86,7 +86,7 @@ DeckmanCatalogue FindVariableFile(Files& files, std::u16string_view dfwFolder, s
         if (!catalogue.rows.empty()) catalogue.path = path;
         return !catalogue.rows.empty();
     };
-    if (!hasRows(JoinPath(folder, u"J_vars06.d"))) std::ranges::any_of(files.List(folder, u"J_vars*.d"), hasRows);
+    if (!hasRows(JoinPath(folder, kUsualVariableFile))) std::ranges::any_of(files.List(folder, u"J_vars*.d"), hasRows);
     return catalogue;
 }
 

@@ -11,6 +11,9 @@
 
 namespace twr {
 
+// In the folder Data of Deckman's.
+inline constexpr std::u16string_view kUsualVariableFile = u"J_vars06.d";
+
 struct DeckmanVariable {
     std::int32_t dfwId = kNoInt;  // its number
     std::u16string dfwName;       // at most 15 characters

@@ -25,7 +25,7 @@ inline constexpr const char* kRecordLostToDo =
 
 struct LibraryState {
     bool loaded = false;
-    bool reads = false;  // it has Usr_Read
+    bool reads = false;  // it has the function that reads a variable
 };
 
 // What came of the last load of Deckman's variables and the mapping.

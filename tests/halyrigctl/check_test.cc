@@ -99,14 +99,14 @@ TEST_F(CheckTest, NamesTheCauseFirst) {
         {"a wrong folder", choose(test.folder.File("nowhere")), {"nowhere does not exist; choose Deckman's own folder"}},
         {"a shell's folder", choose(u" ~/Deckman"), {"~/Deckman begins with ~"}},
         {"a file in its place", choose(test.folder.File(kList)), {"is a file, not a folder"}},
-        {"no list", [&] { Remove("Deckman/Data"); }, {"Data: there is no J_vars06.d", "; choose Deckman's own folder"}},
+        {"no list", [&] { Remove("Deckman/Data"); }, {"Data: there is no file of variables (Data/J_vars06.d)", "; choose Deckman's own folder"}},
         {"an empty list", [&] { test.folder.Write(kList, "1 BSP u 0 0 0\n"); }, {"J_vars06.d: it has no line [variables]"}},
         {"a list of none",
          [&] { test.folder.Write(kList, "[variables]\n"); },
          {"J_vars06.d: Deckman's list can't be read, or names no"}},
         {"a broken list", [&] { test.folder.Write(kList, "[variables]\nx\n"); }, {"J_vars06.d:2: ", "is read only up to here"}},
         {"a text as library", [&] { test.folder.Write(kLibrary, "Read me"); }, {"is no library but another kind of file"}},
-        {"another library", [&] { test.folder.Write(kLibrary, BytesOf(LOADABLE)); }, {"the library has no function Usr_Read; "}},
+        {"another library", [&] { test.folder.Write(kLibrary, BytesOf(LOADABLE)); }, {" has no function Usr_Read; "}},
         {"no mapping", [&] { Remove(kMapping); }, {"halyrig.xml: there is no mapping"}},
         {"no data folder", [&] { Remove("ProgramData/Tidewright"); }, {"halyrig.xml: there is no mapping"}},
         {"an empty mapping", [&] { Map(""); }, {"halyrig.xml: it can't be read or maps nothing"}},
@@ -292,7 +292,7 @@ TEST_F(CheckTest, KnowsWhatFeedsWhatIsShown) {
     const auto lines = Found(1);
     ASSERT_EQ(2u, lines.size()) << console.written;
     ExpectIn(lines[0], {"the list has no variable TIMER"});
-    ExpectIn(lines[1], {"nothing feeds MagVar (93)"});
+    ExpectIn(lines[1], {"no variation (MagVar, channel 93) to make them magnetic"});
 }
 
 TEST_F(CheckTest, NamesWhatIsNewerThanWhatIsInForce) {

@@ -105,7 +105,7 @@ TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
                    {"get time", {"channel  0 Time\n"}},
                    {"get bsp --json",
                     {R"({"id":1,"name":"BSP","boat":0,"value":10.0,"valueUnit":"kn","text":"18.52","textUnit":"km/hr","age":)",
-                     R"(,"limit":10,"missing":null})"}},
+                     R"(,"limit":10,"state":"fresh","reason":null,"missing":null})"}},
                    {"get 161 --json", {R"("valueUnit":"deg","text":"45 12.3420n","textUnit":null)", R"("limit":null)"}},
                    {"get sail --json", {R"("valueUnit":null,"text":null,)"}}});
     EXPECT_TRUE(Said("get 1").starts_with("channel"));
@@ -160,7 +160,7 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
                    {"get 120", {"stands for no channel"}},
                    {"get awa --json",
                     {R"("value":null,"valueUnit":"deg","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
-                   {"get bsp --json", {R"("age":null,"limit":10,"missing":"the bridge)"}},
+                   {"get bsp --json", {R"("age":null,"limit":10,"state":"missing","reason":"bridge-not-running","missing":"the bridge)"}},
                    {"get 120 --json", {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}}});
 }
 

@@ -42,9 +42,11 @@ protected:
         Lacks("");
         deckman.variables[variable] = value;
     }
-    std::string Explained(const std::string& typed) {
-        std::istringstream words("explain " + typed);
+    std::string Explained(const std::string& typed) { return Answered("explain " + typed); }
+    std::string Answered(const std::string& typed) {
+        std::istringstream words(typed);
         console.written.clear();
+        console.forgets = false;
         RunCommandLine(machine, {std::istream_iterator<std::string>(words), {}});
         return console.written;
     }
@@ -143,6 +145,50 @@ TEST_F(ExplainTest, NamesTheFirstBrokenLinkAndNoOther) {
         EXPECT_EQ(said.find("\nx "), said.rfind("\nx ")) << said;
     }
     ExpectIn(Explained("BSP"), {"BSP (1): the bridge is not running\n  to do       start"});
+}
+
+// Of one value at one moment every command gives the same unit, state and reason.
+TEST_F(ExplainTest, SaysTheSameInEveryVoice) {
+    struct Row {
+        const char *channel, *unit, *state, *reason, *words;
+        std::function<void()> during = [] {};
+        bool ticks = true;
+        const char* recording = "$IIVHW,,T,,M,6.5,N,,K\n$IIHDT,90,T\n";
+    };
+    const std::vector<Row> rows = {
+        {"BSP", "kn", "fresh", nullptr, ""},
+        {"HDG", "deg", "fresh", nullptr, ""},
+        {"HDG", "deg", "missing", "no-variation-shown", "bearings are shown true", [&] { record.SetFlag(3, false); }},
+        {"TWA", "deg", "stale", "stale", "it is stale: last published 20.", [&] { Publish(kTwa, 30.0, 0, 20.0); }},
+        {"BSP", "kn", "stale", "stands-still", "the bridge stands still", [&] { Publish(kBsp, 6.5, 0, 20.0); }, false},
+        {"TWS", "kn", "refused", "blocked", "the channel is blocked", [&] { Mark(kTws, 1); }},
+        {"AWS", "kn", "refused", "outside-range", "Deckman gives 200, outside", [] {}, true, "$IIMWV,30,R,200,N,A\n"},
+        {"Depth", "m", "missing", "no-reading", "Deckman gives no value now"},
+        {"Sog", "kn", "missing", "position-source", "(Sys_i6) is 3, and it is 6"},
+        {"Rudder", "deg", "missing", "not-mapped", "no line of the mapping"},
+        {"118", nullptr, "missing", "stands-for-none", "it stands for no channel now"}};
+    int number = 100;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.channel) + " " + row.words);
+        SetUpAll(++number);
+        Recording(row.recording);
+        const auto word = [](const char* key, const char* value) {
+            return std::string("\"") + key + "\":" + (value ? std::string("\"") + value + "\"" : "null");
+        };
+        Run([&, name = std::string(row.channel)] {
+            host.Tick(2);
+            row.during();
+            if (!row.ticks) console.goOn = [] { return true; };
+            ExpectIn(Answered("get " + name + " --json"), {word("valueUnit", row.unit).c_str(), word("state", row.state).c_str(),
+                                                           word("reason", row.reason).c_str(), row.words});
+            ExpectIn(Answered("get " + name), {row.words, row.reason ? "has no value: " : row.unit});
+            ExpectIn(Answered("explain " + name + " --json"), {word("reason", row.reason).c_str(), row.words});
+            ExpectIn(Answered("explain " + name), {row.reason ? row.words : "all is well"});
+            ExpectIn(Answered("watch --snapshots 1 " + name), {row.state, row.words});
+            const std::string streamed = Answered("stream --seconds 1 --channels " + name);
+            EXPECT_EQ(row.reason == nullptr, streamed.find(word("unit", row.unit)) != streamed.npos) << streamed;
+        });
+    }
 }
 
 TEST_F(ExplainTest, TellsALibraryThatDoesNotReturnFromOneThatIsSlow) {

@@ -127,7 +127,7 @@ TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
   {"kind":"remote","line":7,"channel":117,)",
               R"("remote":1,"damped":false},)", R"({"kind":"fault","line":6,"fault":"there is no attribute x;)"});
     WriteSettings(Core().registry, {.dfwFolder = u"/none"});
-    ExpectIn(Said("map"), {"no list of Deckman's variables in the Dfw folder, /none;"});
+    ExpectIn(Said("map"), {"there is no file of variables (Data/J_vars06.d) with a variable in the Dfw folder /none; choose"});
     for (const char* command : {"map suggest", "map add HDG 13"}) ExpectIn(Said(command, 1), {"in the Dfw folder, /none;"});
 }
 
@@ -169,7 +169,7 @@ TEST_F(MapTest, ChangesOneLineAndSaysHowItIsRead) {
     test.folder.Write(kPath, kMapping);
     ExpectSaid(0, {{"map add BSP bsp", {"BSP feeds channel 1 BSP now.\n", "press ... beside the Dfw folder"}},
                    {"map add HDG 13 --boat 1", {"line 4 feeds the same channel of the own boat"}},
-                   {"map add LAT lat", {"Sys_i6 must be 3"}},
+                   {"map add LAT lat", {"only while the position source (Sys_i6) is 3"}},
                    {"map remove 9", {"Nothing feeds channel 9 Course now"}},
                    {"map remove 2 13", {"2 no longer feeds channel 13 HDG"}},
                    {"map remove BSP 1", {}},

@@ -5,7 +5,7 @@
 #include "deckman/instrument_value.h"
 #include "halyrigctl/check/check_setup.h"
 #include "halyrigctl/setup/dry_run.h"
-#include "halyrigctl/setup/source_links.h"
+#include "halyrigctl/setup/value_chain.h"
 #include "mapping/mapping_rows.h"
 
 namespace twr {
@@ -98,24 +98,15 @@ void CheckFeeding(const CheckedSetup& setup) {
     for (const MappingRemote& row : look.mapping.remoteRows) {
         const auto channel = static_cast<ChannelId>(row.channel);
         if (fed.Feeds(channel, static_cast<BoatSlot>(row.boat))) continue;
-        setup.Add({.weight = weight,
-                   .path = look.path,
-                   .line = row.line,
-                   .flaw = "not-fed",
-                   .says = {"remote " + std::to_string(row.remote) + " is to show " + ChannelInWords(setup.core, channel) +
-                                ", and nothing feeds that" + (setup.live ? "" : " yet"),
-                            FollowsPositionSource(channel) && !position
-                                ? "Deckman does while the position source (Sys_i6) is 3"
-                                : "feed it by a line of the mapping, unless another program of the suite does"}});
+        const std::string todo =
+            FollowsPositionSource(channel) && !position ? std::string("Deckman does ") + kWhilePositionSource : "";
+        setup.Add(weight, look.path, row.line,
+                  Fault(Reason::kNotFed,
+                        {std::to_string(row.remote), ChannelInWords(setup.core, channel), setup.live ? "" : " yet"}, todo));
     }
     const auto isBearing = [](const MappingVar& row) { return IsInstrumentBearing(static_cast<ChannelId>(row.channel)); };
-    if (setup.now.settings.degreesTrue && std::ranges::any_of(look.mapping.varRows, isBearing) && !fed.Feeds(kMagVar, 0)) {
-        setup.Add({.weight = weight,
-                   .path = look.path,
-                   .flaw = "no-variation",
-                   .says = {"the box for degrees true is ticked, and nothing feeds MagVar (93), so the bearings have no value",
-                            "map Deckman's variation to channel 93, or untick the box"}});
-    }
+    if (setup.now.settings.degreesTrue && std::ranges::any_of(look.mapping.varRows, isBearing) && !fed.Feeds(kMagVar, 0))
+        setup.Add(weight, look.path, 0, Fault(Reason::kNoVariationForBox, {"them"}));
 }
 
 }  // namespace twr

@@ -5,7 +5,7 @@
 #include "core/record_access.h"
 #include "deckman/instrument_value.h"
 #include "halyrigctl/check/check_setup.h"
-#include "halyrigctl/setup/source_links.h"
+#include "halyrigctl/setup/value_chain.h"
 
 namespace twr {
 namespace {
@@ -30,7 +30,7 @@ void CheckFile(const CheckedSetup& setup) {
     const auto add = [&](const char* flaw, Advice says) {
         setup.Add({.weight = Weight::kMapping, .path = look.path, .flaw = flaw, .says = std::move(says)});
     };
-    if (!look.exists) return add("no-mapping", {"there is no mapping", "'halyrigctl map suggest' shows what to map"});
+    if (!look.exists) return setup.Add(Weight::kMapping, look.path, 0, Fault(Reason::kNoMapping, {Harmless(look.path)}));
     // Without Deckman's list no line can name a variable of it, and that is no fault of the line.
     const bool listed = !setup.now.Variables().rows.empty();
     const Weight weight = listed && vars.empty() ? Weight::kMapping : Weight::kLine;
@@ -82,13 +82,10 @@ private:
             Add(row.line, "alternating-channel",
                 {Name(row.channel) + " stands for other channels, so the line has no effect", "feed those"});
         } else if (!EntryOf(record_, channel, static_cast<BoatSlot>(row.boat))) {
-            Add(row.line, "no-place",
-                {"boat " + Digits(row.boat) + " has no place for " + Name(row.channel), "only boats 0 and 1 have one for all"});
+            setup_.Add(Weight::kLine, look_.path, row.line, Fault(Reason::kNoPlace, {Digits(row.boat), Name(row.channel)}));
         } else if (FollowsPositionSource(channel) && !PositionFromDeckman(record_)) {
-            Add(row.line, "position-source",
-                {Name(row.channel) + " is taken from Deckman only while the position source (Sys_i6) is 3, and it is " +
-                     Digits(Load(record_.sysInt[kIntPositionSource])),
-                 "set it in the registry, then end all programs of the suite and start them again"});
+            setup_.Add(Weight::kLine, look_.path, row.line,
+                       PositionFault(Name(row.channel) + " is", Load(record_.sysInt[kIntPositionSource])));
         }
     }
 

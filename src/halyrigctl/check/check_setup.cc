@@ -4,11 +4,12 @@
 
 #include "base/wide_text.h"
 #include "core/record_access.h"
+#include "deckman/deckman_library.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/output/cells.h"
 #include "halyrigctl/setup/dry_run.h"
-#include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/setup/names.h"
+#include "halyrigctl/setup/reasons.h"
 #include "mapping/legacy_import.h"
 #include "platform/files.h"
 
@@ -39,10 +40,10 @@ Weight WeightOf(const Finding& finding) {
 // A bridge that runs and can't be seen, or has a record that can't be found.
 void CheckBridge(const CheckedSetup& setup, System& system) {
     if (!setup.live && RecordIsLost(system)) {
-        setup.Add({.weight = Weight::kBridge, .flaw = "record-lost", .says = {kRecordLost, kRecordLostToDo}});
+        setup.Add(Weight::kBridge, {}, 0, Fault(Reason::kRecordGone));
     } else if (!setup.now.bridge && setup.now.name.state != NameLook::kFree) {
         const bool runs = setup.now.name.state == NameLook::kTaken;  // it needs no status to do its work
-        setup.Add({.weight = runs ? Weight::kNote : Weight::kBridge, .flaw = "bridge-not-seen", .says = setup.now.WithoutBridge()});
+        setup.Add(runs ? Weight::kNote : Weight::kBridge, {}, 0, setup.now.WithoutBridge());
     }
 }
 
@@ -51,40 +52,25 @@ void CheckLibrary(const CheckedSetup& setup) {
     const LibraryLook& look = setup.now.Library();
     setup.report.library = {look.fault, look.missing};
     if (look.fault) {
-        setup.Add({.weight = Weight::kLibrary, .path = folder, .flaw = "library", .says = look.fault});
+        setup.Add(Weight::kLibrary, folder, 0, look.fault);
     } else if (!setup.report.given && setup.now.bridge && !setup.now.bridge->library.loaded) {
-        setup.Add({.weight = Weight::kLibrary,
-                   .path = folder,
-                   .flaw = "library-not-loaded",
-                   .says = {"the bridge could not load the library when it looked, and could now", kReadAgain}});
+        setup.Add(Weight::kLibrary, folder, 0, Fault(Reason::kLoadsNow));
     }
     for (const std::string& function : look.missing) {
-        setup.Add({.weight = function == "Usr_Read" ? Weight::kLibrary : Weight::kLine,
-                   .path = folder,
-                   .flaw = "function-missing",
-                   .says = {"the library has no function " + function, "install Deckman's own there"}});
+        setup.Add(function == kUsrRead ? Weight::kLibrary : Weight::kLine, folder, 0,
+                  Fault(Reason::kFunctionMissing, {Harmless(folder), function, ""}));
     }
 }
 
 // What is wrong with Deckman's usual list, none of whose siblings has a variable either.
 void CheckMissingVariables(const CheckedSetup& setup) {
-    const std::u16string folder = JoinPath(setup.now.settings.dfwFolder, u"Data"), path = JoinPath(folder, u"J_vars06.d");
+    const std::u16string folder = JoinPath(setup.now.settings.dfwFolder, u"Data"), path = JoinPath(folder, kUsualVariableFile);
     CollectedFindings heard;
     ParseVariableFile(setup.services.files, path, {}, &heard);
     for (const Finding& finding : heard.found) setup.Add(Weight::kVariables, finding);
     if (!heard.found.empty()) return;
-    if (setup.services.files.Exists(path)) {
-        setup.Add({.weight = Weight::kVariables,
-                   .path = path,
-                   .flaw = "variables-not-read",
-                   .says = {"Deckman's list can't be read, or names no variable", "look at it while Deckman is closed"}});
-    } else {
-        setup.Add({.weight = Weight::kVariables,
-                   .path = folder,
-                   .flaw = "no-variable-file",
-                   .says = {"there is no J_vars06.d with Deckman's variables, nor another J_vars*.d",
-                            "choose Deckman's own folder in the dialog"}});
-    }
+    const bool exists = setup.services.files.Exists(path);
+    setup.Add(Weight::kVariables, exists ? path : folder, 0, exists ? Fault(Reason::kVariablesNotRead) : setup.now.NoVariables());
 }
 
 // Without the folder or the library the list is missing for the same reason.
@@ -147,14 +133,13 @@ CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& fol
     CCore guest(machine, Attachment::kOpenOnly);
     const bool live = guest.View() != nullptr;
     CCore& core = live ? guest : dryRun.Core();
-    Circumstances now(system, *core.View());
-    if (folder) now.settings.dfwFolder = Trimmed(std::u16string_view(*folder));
+    Circumstances now(system, core, folder);
     const CheckedSetup setup{dryRun.Services(), now, core, live, dryRun.Core(), report};
-    report.running = now.bridge || now.name.state == NameLook::kTaken;
+    report.running = now.BridgeRuns();
     report.inForce = now.bridge.has_value();
     report.given = folder.has_value();
     report.settings = now.settings;
-    report.dataFolder = FieldText(core.View()->dataFolder);
+    report.dataFolder = now.DataFolder();
     report.dataFolderExists = machine.files.Exists(report.dataFolder);
     for (const Finding& finding : heard.found) setup.Add(WeightOf(finding), finding);
     if (!now.bridge || !live) CheckBridge(setup, system);

@@ -20,6 +20,9 @@ struct CheckedSetup {
 
     void Add(CheckFinding finding) const { report.findings.push_back(std::move(finding)); }
     void Add(Weight weight, const Finding& finding) const;
+    void Add(Weight weight, const std::u16string& path, std::size_t line, const Fault& fault) const {
+        Add({.weight = weight, .path = path, .line = line, .flaw = WordFor(fault.reason), .says = fault});
+    }
 };
 
 // `folder`: the Dfw folder to be looked at, in place of the one in force or saved.

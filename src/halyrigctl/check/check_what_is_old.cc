@@ -78,7 +78,7 @@ void AddOld(const CheckedSetup& setup, const std::u16string& path, const std::st
                .flaw = "not-in-force",
                .says = {"it says other than what is in force (" + first +
                             "): it has changed since the record was made, or a program of the suite has changed that",
-                        "to have it read, end all programs of the suite and start them again"}});
+                        std::string("to have it read, ") + kRestartAll}});
 }
 
 void CheckRecord(const CheckedSetup& setup) {

@@ -8,9 +8,8 @@
 #include "halyrigctl/output/cells.h"
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/output/json.h"
-#include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/setup/names.h"
-#include "halyrigctl/setup/source_links.h"
+#include "halyrigctl/setup/reasons.h"
 #include "halyrigctl/setup/value_chain.h"
 
 namespace twr {
@@ -40,23 +39,15 @@ std::vector<std::pair<ChannelId, BoatSlot>> MappedChannels(const CoreRecord& rec
     return mapped;
 }
 
-// Whether a bridge that runs does not tick, seen over the time of three ticks.
-bool StandsStill(System& system, const std::optional<BridgeStatus>& first) {
-    if (!first) return false;
-    for (int tick = 0; tick < 3; ++tick) system.GetConsole().Wait(100);
-    const auto later = ReadBridgeStatus(system);
-    return later && later->ticks == first->ticks;
-}
-
 // What is wrong and what to do, then each link.
 std::string AsText(const Explained& one) {
     constexpr std::size_t kNameWidth = 12;
-    const Advice& fault = one.links.Fault();
+    const Fault& fault = one.links.Broken();
     std::string text = one.title + ": " + (fault ? fault.what : "all is well") + "\n";
     if (!fault.todo.empty()) text += "  " + Padded("to do", kNameWidth) + fault.todo + "\n";
     for (const Link& link : one.links.All()) {
         const char* mark = link.state == LinkState::kHolds ? "  " : link.state == LinkState::kBroken ? "x " : "- ";
-        text += mark + Padded(link.name, kNameWidth) + link.says.what + "\n";
+        text += mark + Padded(std::string(WordFor(link.name)), kNameWidth) + link.says.what + "\n";
     }
     return text;
 }
@@ -65,14 +56,14 @@ std::string AsText(const Explained& one) {
 std::string AsOverview(std::vector<Explained> left) {
     std::string well, text;
     for (const Explained& one : left) {
-        if (!one.links.Fault()) well += (well.empty() ? "" : ", ") + one.title;
+        if (!one.links.Broken()) well += (well.empty() ? "" : ", ") + one.title;
     }
-    std::erase_if(left, [](const Explained& one) { return !one.links.Fault(); });
+    std::erase_if(left, [](const Explained& one) { return !one.links.Broken(); });
     while (!left.empty()) {
-        const std::string todo = left.front().links.Fault().todo;
+        const std::string todo = left.front().links.Broken().todo;
         std::erase_if(left, [&](const Explained& one) {
-            if (one.links.Fault().todo != todo) return false;
-            text += one.title + ": " + one.links.Fault().what + "\n";
+            if (one.links.Broken().todo != todo) return false;
+            text += one.title + ": " + one.links.Broken().what + "\n";
             return true;
         });
         text += (todo.empty() ? "" : "  to do: " + todo + "\n") + std::string("\n");
@@ -84,18 +75,21 @@ std::string AsJson(const Explained& one) {
     const auto textOrNull = [](const std::string& text) { return Told(!text.empty(), text); };
     Json links = Json::array();
     for (const Link& link : one.links.All()) {
-        links.push_back({{"link", link.name},
+        links.push_back({{"link", WordFor(link.name)},
                          {"state", link.state == LinkState::kHolds    ? "holds"
                                    : link.state == LinkState::kBroken ? "broken"
                                                                       : "behind"},
+                         {"reason", textOrNull(std::string(WordFor(link.says.reason)))},
                          {"says", link.says.what},
                          {"toDo", textOrNull(link.says.todo)}});
     }
     return JsonLine({{"id", one.channel},
                      {"name", TextOrNull(one.name)},
                      {"boat", one.boat},
-                     {"fault", textOrNull(one.links.Fault().what)},
-                     {"toDo", textOrNull(one.links.Fault().todo)},
+                     {"link", Told(bool(one.links.Broken()), WordFor(LinkOf(one.links.Broken().reason)))},
+                     {"reason", textOrNull(std::string(WordFor(one.links.Broken().reason)))},
+                     {"fault", textOrNull(one.links.Broken().what)},
+                     {"toDo", textOrNull(one.links.Broken().todo)},
                      {"links", links}}) +
            "\n";
 }
@@ -111,8 +105,7 @@ Status Explain(System& system, const ExplainOptions& options) {
         guest.Leave();
         return ComplainOfChannel(console, *named.unknown);
     }
-    Circumstances circumstances(system, guest.Record());
-    circumstances.standsStill = StandsStill(system, circumstances.bridge);
+    Circumstances circumstances(system, guest.Core());
     std::vector<std::pair<ChannelId, BoatSlot>> wanted;
     for (const ChannelId channel : named.found) wanted.emplace_back(channel, options.boat);
     if (wanted.empty()) wanted = MappedChannels(guest.Record(), circumstances.TheMapping());
@@ -140,7 +133,7 @@ Status Explain(System& system, const ExplainOptions& options) {
         for (const Explained& one : all) text += (text.empty() ? "" : "\n") + AsText(one);
     }
     const Status printed = Print(console, text);
-    return unread || std::ranges::any_of(all, [](const Explained& one) { return bool(one.links.Fault()); }) ? kFailed : printed;
+    return unread || std::ranges::any_of(all, [](const Explained& one) { return bool(one.links.Broken()); }) ? kFailed : printed;
 }
 
 }  // namespace twr

@@ -8,9 +8,9 @@
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/output/json.h"
 #include "halyrigctl/setup/channel_reading.h"
-#include "halyrigctl/setup/finding_words.h"
-#include "halyrigctl/setup/mapping_in_force.h"
+#include "halyrigctl/setup/circumstances.h"
 #include "halyrigctl/setup/names.h"
+#include "halyrigctl/setup/reasons.h"
 #include "mapping/mapping_file.h"
 
 namespace twr {
@@ -26,10 +26,10 @@ struct MappedChannel {
 };
 
 struct ListedMap {
-    MappingInForce inForce;
+    std::u16string path;
     Mapping rows;
     std::vector<MappedChannel> vars, remotes;  // as the rows
-    CollectedFindings faults;
+    std::vector<Finding> faults;
 };
 
 MappedChannel Mapped(CCore& core, std::size_t line, std::int32_t channelOfRow, std::int32_t boatOfRow, bool damped) {
@@ -42,13 +42,12 @@ MappedChannel Mapped(CCore& core, std::size_t line, std::int32_t channelOfRow, s
             .text = core.View() ? LiveText(core, channel, boat, damped) : std::u16string()};
 }
 
-void ReadMap(System& system, CCore& core, ListedMap& map) {
-    const CoreServices services = system.Core();
-    map.inForce = FindMappingInForce(system, core);
-    map.rows = LoadMapping(services.xml, map.inForce.path, map.inForce.variables.rows, &map.faults);
+ListedMap ReadMap(CCore& core, const MappingLook& look) {
+    ListedMap map{.path = look.path, .rows = look.mapping, .vars = {}, .remotes = {}, .faults = look.faults};
     for (const MappingVar& row : map.rows.varRows) map.vars.push_back(Mapped(core, row.line, row.channel, row.boat, false));
     for (const MappingRemote& row : map.rows.remoteRows)
         map.remotes.push_back(Mapped(core, row.line, row.channel, row.boat, row.damp != 0));
+    return map;
 }
 
 constexpr const char* kTextRow = "%5s  %-20s %-16s %4s  %-6s  %s\n";
@@ -60,7 +59,7 @@ std::string TextRow(const MappedChannel& mapped, const std::string& other, const
 }
 
 std::string AsText(const ListedMap& map) {
-    std::string text = Harmless(map.inForce.path) + "\n";
+    std::string text = Harmless(map.path) + "\n";
     if (!map.vars.empty()) text += Printed(kTextRow, "line", "Deckman's variable", "feeds channel", "boat", "", "now");
     for (std::size_t i = 0; i < map.vars.size(); ++i) {
         const MappingVar& row = map.rows.varRows[i];
@@ -71,9 +70,8 @@ std::string AsText(const ListedMap& map) {
         const MappingRemote& row = map.rows.remoteRows[i];
         text += TextRow(map.remotes[i], std::to_string(row.remote), row.damp ? "yes" : "-");
     }
-    if (!map.faults.found.empty()) text += "Passed over:\n";
-    for (const Finding& fault : map.faults.found)
-        text += Printed("%5s  %s\n", std::to_string(fault.line).c_str(), Words(fault).c_str());
+    if (!map.faults.empty()) text += "Passed over:\n";
+    for (const Finding& fault : map.faults) text += Printed("%5s  %s\n", std::to_string(fault.line).c_str(), Words(fault).c_str());
     return text;
 }
 
@@ -98,25 +96,23 @@ std::string AsJson(const ListedMap& map) {
         row["remote"] = map.rows.remoteRows[i].remote;
         row["damped"] = map.rows.remoteRows[i].damp != 0;
     }
-    for (const Finding& fault : map.faults.found)
-        rows.push_back({{"kind", "fault"}, {"line", fault.line}, {"fault", Words(fault)}});
+    for (const Finding& fault : map.faults) rows.push_back({{"kind", "fault"}, {"line", fault.line}, {"fault", Words(fault)}});
     return JsonTable(rows);
 }
 
 }  // namespace
 
 Status ListMap(System& system, bool json) {
-    ListedMap map;
     Guest guest(system, WithoutRecord::kGoOn);
-    ReadMap(system, guest.Core(), map);
+    Circumstances now(system, guest.Core());
+    const ListedMap map = ReadMap(guest.Core(), now.TheMapping());
+    const std::vector<Finding> passedOver = now.PassedOver();
     guest.Leave();
     Console& console = system.GetConsole();
     if (const Status status = Print(console, json ? AsJson(map) : AsText(map)); status != kDone) return status;
-    const bool listUnread = ComplainOfUnread(console, map.inForce.ofList.found);
-    if (ComplainOfUnread(console, map.faults.found) || listUnread) return kFailed;
-    if (map.inForce.variables.rows.empty()) Complain(console, NoVariables(map.inForce));
-    if (!system.Core().files.Exists(map.inForce.path))
-        Complain(console, "there is no mapping yet; 'halyrigctl map suggest' proposes one");
+    if (ComplainOfUnread(console, passedOver)) return kFailed;
+    if (now.Variables().rows.empty()) Complain(console, now.NoVariables().Line());
+    if (!now.TheMapping().exists) Complain(console, "there is no mapping yet; 'halyrigctl map suggest' proposes one");
     return kDone;
 }
 

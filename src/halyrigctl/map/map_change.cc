@@ -3,8 +3,8 @@
 #include "base/wide_text.h"
 #include "core/channel_catalogue.h"
 #include "halyrigctl/output/guest.h"
-#include "halyrigctl/setup/finding_words.h"
 #include "halyrigctl/setup/names.h"
+#include "halyrigctl/setup/reasons.h"
 #include "mapping/mapping_text.h"
 #include "platform/files.h"
 
@@ -31,7 +31,7 @@ std::vector<std::u16string> CatalogueNames() {
 
 Status MapChange::Open() {
     Guest guest(system_, WithoutRecord::kGoOn);
-    inForce_ = FindMappingInForce(system_, guest.Core());
+    now_.emplace(system_, guest.Core());
     guest.Leave();
     return ReadFile();
 }
@@ -48,27 +48,28 @@ Status MapChange::OpenFor(const std::string& channel) {
     }
     channel_ = *found;
     shown_ = std::to_string(*found) + " " + Harmless(NameForPeople(guest.Core(), *found));
-    inForce_ = FindMappingInForce(system_, guest.Core());
+    now_.emplace(system_, guest.Core());
     guest.Leave();
     return ReadFile();
 }
 
 Status MapChange::ReadFile() {
-    if (inForce_.path.empty()) return Refuse("the data folder is unknown; start " HALYRIG_PROGRAM " once, which makes it");
-    if (ComplainOfUnread(system_.GetConsole(), inForce_.ofList.found)) return kFailed;
-    services_.files.MakeFolder(inForce_.dataFolder);
-    services_.files.MakeFolder(InstrumentsFolder(inForce_));
+    if (now_->MappingPath().empty()) return Refuse("the data folder is unknown; start " HALYRIG_PROGRAM " once, which makes it");
+    if (ComplainOfUnread(system_.GetConsole(), now_->PassedOverInVariables())) return kFailed;
+    services_.files.MakeFolder(now_->DataFolder());
+    services_.files.MakeFolder(now_->MappingFolder());
     if (!TakeLock())
-        return Refuse("another halyrigctl is changing " + Harmless(inForce_.path) + "; try again when it has ended, or end it");
-    ReadMapFile(services_, inForce_, file_);
-    return file_.fault.empty() ? kDone : Refuse(Harmless(inForce_.path) + " can't be changed by command: " + file_.fault);
+        return Refuse("another halyrigctl is changing " + Harmless(now_->MappingPath()) +
+                      "; try again when it has ended, or end it");
+    ReadMapFile(services_, *now_, file_);
+    return file_.fault.empty() ? kDone : Refuse(Harmless(now_->MappingPath()) + " can't be changed by command: " + file_.fault);
 }
 
 // False if another process keeps it, or the user has asked to stop.
 bool MapChange::TakeLock() {
     constexpr int kStepMs = 50, kLongestWaitMs = 5000;
     for (int waited = 0; waited <= kLongestWaitMs; waited += kStepMs) {
-        lock_ = services_.files.Lock(inForce_.path);
+        lock_ = services_.files.Lock(now_->MappingPath());
         if (lock_ || !system_.GetConsole().Wait(kStepMs)) break;
     }
     return lock_ != nullptr;
@@ -81,7 +82,7 @@ bool MapChange::HasPlace(BoatSlot boat) const {
 std::string MapChange::ChannelOf(BoatSlot boat) const { return "channel " + shown_ + OfBoat(static_cast<std::int32_t>(boat)); }
 
 Status MapChange::AddVar(const Mapping& intended, const std::string& done) {
-    return Add(intended, "var", VarText(intended.varRows.back(), inForce_.variables.rows), done);
+    return Add(intended, "var", VarText(intended.varRows.back(), now_->Variables().rows), done);
 }
 
 Status MapChange::AddRemote(const Mapping& intended, const std::string& done) {
@@ -90,7 +91,7 @@ Status MapChange::AddRemote(const Mapping& intended, const std::string& done) {
 
 Status MapChange::Add(const Mapping& intended, std::string_view kind, const std::string& element, const std::string& done) {
     const bool isNew = file_.text.empty();
-    return Write(isNew ? NewMapText(services_, inForce_, intended) : WithElement(file_.text, file_.spans, kind, element), intended,
+    return Write(isNew ? NewMapText(services_, *now_, intended) : WithElement(file_.text, file_.spans, kind, element), intended,
                  done);
 }
 
@@ -100,7 +101,7 @@ Status MapChange::Remove(const std::function<bool(const XmlElement&)>& goes, con
     for (std::size_t i = 0; i < file_.elements.size(); ++i) {
         if (!goes(file_.elements[i])) continue;
         if (!IsRemovable(file_.text, file_.spans, i)) {
-            return Refuse("line " + std::to_string(file_.elements[i].line) + " of " + Harmless(inForce_.path) +
+            return Refuse("line " + std::to_string(file_.elements[i].line) + " of " + Harmless(now_->MappingPath()) +
                           " holds more than the mapping; change it in an editor");
         }
         indices.push_back(i);
@@ -110,9 +111,9 @@ Status MapChange::Remove(const std::function<bool(const XmlElement&)>& goes, con
 }
 
 Status MapChange::Write(const std::string& text, const Mapping& intended, const std::string& done) {
-    if (const std::string failure = ReplaceMapFile(services_, inForce_, file_, text, intended); !failure.empty())
+    if (const std::string failure = ReplaceMapFile(services_, *now_, file_, text, intended); !failure.empty())
         return Refuse(failure);
-    return Print(system_.GetConsole(), done + ".\n" + HowItIsRead(inForce_.bridgeRuns));
+    return Print(system_.GetConsole(), done + ".\n" + HowItIsRead(now_->BridgeRuns()));
 }
 
 Status MapChange::Refuse(const std::string& why, Status status) {

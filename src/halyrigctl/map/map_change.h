@@ -2,6 +2,7 @@
 #pragma once
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "halyrigctl/map/map_file.h"
@@ -18,7 +19,7 @@ public:
     Status Open();
     Status OpenFor(const std::string& channel);
 
-    const MappingInForce& InForce() const { return inForce_; }
+    Circumstances& Now() { return *now_; }
     const Mapping& Rows() const { return file_.rows; }
 
     ChannelId Channel() const { return channel_; }
@@ -46,8 +47,8 @@ private:
 
     System& system_;
     const CoreServices services_;
-    MappingInForce inForce_;
-    std::unique_ptr<FileLock> lock_;  // from before the file is read until it is replaced
+    std::optional<Circumstances> now_;  // since it is open
+    std::unique_ptr<FileLock> lock_;    // from before the file is read until it is replaced
     MapFile file_;
     ChannelId channel_ = kNoChannel;
     std::string shown_;  // number and name of the channel

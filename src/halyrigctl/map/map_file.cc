@@ -5,7 +5,7 @@
 
 #include "base/wide_text.h"
 #include "halyrigctl/output/say.h"
-#include "halyrigctl/setup/finding_words.h"
+#include "halyrigctl/setup/reasons.h"
 #include "mapping/mapping_text.h"
 #include "platform/files.h"
 
@@ -85,14 +85,14 @@ bool IsSame(const Mapping& left, const Mapping& right) {
 
 }  // namespace
 
-void ReadMapFile(const CoreServices& services, const MappingInForce& inForce, MapFile& file) {
-    file.fault = FaultOf(services, inForce.path, file);
-    file.rows = LoadMapping(services.xml, inForce.path, inForce.variables.rows);
+void ReadMapFile(const CoreServices& services, Circumstances& now, MapFile& file) {
+    file.fault = FaultOf(services, now.MappingPath(), file);
+    file.rows = LoadMapping(services.xml, now.MappingPath(), now.Variables().rows);
 }
 
-std::string NewMapText(const CoreServices& services, const MappingInForce& inForce, const Mapping& only) {
+std::string NewMapText(const CoreServices& services, Circumstances& now, const Mapping& only) {
     Files& files = services.files;
-    const std::u16string draft = files.WriteBeside(files.Target(inForce.path), {}, inForce.path);
+    const std::u16string draft = files.WriteBeside(files.Target(now.MappingPath()), {}, now.MappingPath());
     const bool saved = !draft.empty() && SaveMapping(files, services.xml, draft, only);
     std::string text = saved ? ReadWhole(files, draft).value_or("") : "";
     if (!draft.empty()) files.Remove(draft);
@@ -100,13 +100,13 @@ std::string NewMapText(const CoreServices& services, const MappingInForce& inFor
     const auto spans = FindElements(text);
     if (only.varRows.empty() || !spans || spans->size() != 2) return text;
     const ElementSpan& var = spans->back();
-    return text.replace(var.begin, var.end - var.begin, VarText(only.varRows.front(), inForce.variables.rows));
+    return text.replace(var.begin, var.end - var.begin, VarText(only.varRows.front(), now.Variables().rows));
 }
 
-std::string ReplaceMapFile(const CoreServices& services, const MappingInForce& inForce, const MapFile& former,
-                           const std::string& text, const Mapping& intended) {
+std::string ReplaceMapFile(const CoreServices& services, Circumstances& now, const MapFile& former, const std::string& text,
+                           const Mapping& intended) {
     Files& files = services.files;
-    const std::u16string &path = inForce.path, kept = path + u".bak", target = files.Target(path);
+    const std::u16string path = now.MappingPath(), kept = path + u".bak", target = files.Target(path);
     for (const std::u16string& file : {target, kept}) RemoveLeftOvers(files, file);
     std::u16string fresh, keeping;
     const auto failed = [&](const std::string& what) {
@@ -119,7 +119,7 @@ std::string ReplaceMapFile(const CoreServices& services, const MappingInForce& i
     if (fresh.empty())
         return failed("can't write a new file beside " + Harmless(target) +
                       ": the disk may be full, or this user may not write there, or not what is there");
-    if (!IsSame(LoadMapping(services.xml, fresh, inForce.variables.rows), intended))
+    if (!IsSame(LoadMapping(services.xml, fresh, now.Variables().rows), intended))
         return failed("the changed file would not be read as intended; change it in an editor");
     // Written and renamed, so that the former file stays in its place until the new one takes it.
     if (!former.text.empty()) keeping = files.WriteBeside(kept, former.text, target);

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "halyrigctl/setup/mapping_in_force.h"
+#include "halyrigctl/setup/circumstances.h"
 #include "mapping/mapping_file.h"
 #include "mapping/mapping_text.h"
 
@@ -21,15 +21,15 @@ struct MapFile {
 };
 
 // Fills `file`. Only sound XML in UTF-8, or in ASCII alone, whose every element is where its text says, can be changed.
-void ReadMapFile(const CoreServices& services, const MappingInForce& inForce, MapFile& file);
+void ReadMapFile(const CoreServices& services, Circumstances& now, MapFile& file);
 
 // The text of a new file with the only row that `only` has; empty if its folder can't be written.
-std::string NewMapText(const CoreServices& services, const MappingInForce& inForce, const Mapping& only);
+std::string NewMapText(const CoreServices& services, Circumstances& now, const Mapping& only);
 
 // Puts `text` in the place of the mapping file, whose former version is kept as ".bak"; at every moment one of both is whole. The
 // bridge must read `intended` from it, and the file must still be as it was read, or nothing is changed. What failed; empty if it
 // is done.
-std::string ReplaceMapFile(const CoreServices& services, const MappingInForce& inForce, const MapFile& former,
-                           const std::string& text, const Mapping& intended);
+std::string ReplaceMapFile(const CoreServices& services, Circumstances& now, const MapFile& former, const std::string& text,
+                           const Mapping& intended);
 
 }  // namespace twr

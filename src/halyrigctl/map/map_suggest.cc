@@ -9,9 +9,9 @@
 #include "halyrigctl/commands.h"
 #include "halyrigctl/map/map_match.h"
 #include "halyrigctl/output/guest.h"
-#include "halyrigctl/setup/finding_words.h"
-#include "halyrigctl/setup/mapping_in_force.h"
+#include "halyrigctl/setup/circumstances.h"
 #include "halyrigctl/setup/names.h"
+#include "halyrigctl/setup/reasons.h"
 #include "mapping/mapping_file.h"
 
 namespace twr {
@@ -50,7 +50,8 @@ void Suggest(const DeckmanVariable& variable, Mapping& mapping, Suggestions& sug
     const auto leaveOpen = [&](const std::string& why) { suggestions.open.push_back(Harmless(variable.dfwName) + ": " + why); };
     if (!match.sure) return leaveOpen(Candidates(match));
     const ChannelId channel = match.channels.front();
-    if (channel == kLat || channel == kLon) return leaveOpen("comes with the position, without a line, while Sys_i6 is 3");
+    if (channel == kLat || channel == kLon)
+        return leaveOpen(std::string("comes with the position, without a line, ") + kWhilePositionSource);
     if (const MappingVar* fed = Feeding(mapping, channel))
         return leaveOpen(Shown(channel) + " is fed by " + Harmless(fed->dfwName));
     MappingVar& row = mapping.varRows.emplace_back(MappingVar{variable});  // for the variables that follow
@@ -75,23 +76,23 @@ std::string AsText(const Suggestions& suggestions) {
 Status SuggestMap(System& system) {
     const CoreServices services = system.Core();
     Guest guest(system, WithoutRecord::kGoOn);
-    const MappingInForce inForce = FindMappingInForce(system, guest.Core());
+    Circumstances now(system, guest.Core());
     guest.Leave();
-    const std::vector<DeckmanVariable>& variables = inForce.variables.rows;
-    if (ComplainOfUnread(system.GetConsole(), inForce.ofList.found)) return kFailed;
+    const std::vector<DeckmanVariable>& variables = now.Variables().rows;
+    if (ComplainOfUnread(system.GetConsole(), now.PassedOverInVariables())) return kFailed;
     if (variables.empty()) {
-        Complain(system.GetConsole(), NoVariables(inForce));
+        Complain(system.GetConsole(), now.NoVariables().Line());
         return kFailed;
     }
     CollectedFindings faults;
-    Mapping mapping = LoadMapping(services.xml, inForce.path, variables, &faults);
+    Mapping mapping = LoadMapping(services.xml, now.MappingPath(), variables, &faults);
     if (ComplainOfUnread(system.GetConsole(), faults.found)) return kFailed;
     const std::vector<MappingVar> mapped = mapping.varRows;
     Suggestions suggestions;
     for (const DeckmanVariable& variable : variables) {
         if (std::ranges::find(mapped, variable.dfwId, &MappingVar::dfwId) == mapped.end()) Suggest(variable, mapping, suggestions);
     }
-    if (inForce.variables.timerVariableId >= 0) suggestions.open.push_back("TIMER: needs no line; the box in the dialog uses it");
+    if (now.Variables().timerVariableId >= 0) suggestions.open.push_back("TIMER: needs no line; the box in the dialog uses it");
     return Print(system.GetConsole(), AsText(suggestions));
 }
 

@@ -26,12 +26,12 @@ const DeckmanVariable* Listed(const std::vector<DeckmanVariable>& variables, con
 }
 
 Status RefuseVariable(MapChange& change, const std::u16string& typed) {
-    const MappingInForce& inForce = change.InForce();
-    if (inForce.variables.rows.empty()) return change.Refuse(NoVariables(inForce));
-    if (typed == u"TIMER" && inForce.variables.timerVariableId >= 0)
+    Circumstances& now = change.Now();
+    if (now.Variables().rows.empty()) return change.Refuse(now.NoVariables().Line());
+    if (typed == u"TIMER" && now.Variables().timerVariableId >= 0)
         return change.Refuse("TIMER needs no mapping; tick the box for it in the dialog of " HALYRIG_PROGRAM);
     std::vector<std::u16string> names;
-    for (const DeckmanVariable& variable : inForce.variables.rows) names.push_back(variable.dfwName);
+    for (const DeckmanVariable& variable : now.Variables().rows) names.push_back(variable.dfwName);
     return change.Refuse("Deckman's list has no variable " + Harmless(typed) + "; " +
                              Guess(typed, names, "capitals count, and 'halyrigctl map suggest' shows those that are not mapped"),
                          kMisunderstood);
@@ -65,7 +65,7 @@ void RemarkOnChannel(MapChange& change, BoatSlot boat) {
                       ", so some values will be skipped; give each channel one line");
     }
     if (FollowsPositionSource(change.Channel()))
-        change.Remark(change.ChannelOf(0) + " is taken from Deckman only while positions are: Sys_i6 must be 3");
+        change.Remark(change.ChannelOf(0) + " is taken from Deckman only " + kWhilePositionSource);
 }
 
 }  // namespace
@@ -74,7 +74,7 @@ Status AddToMap(System& system, const MapOptions& options) {
     MapChange change(system);
     if (const Status status = change.OpenFor(options.channel); status != kDone) return status;
     const std::u16string typed = FromUtf8(options.variable);
-    const DeckmanVariable* variable = Listed(change.InForce().variables.rows, typed);
+    const DeckmanVariable* variable = Listed(change.Now().Variables().rows, typed);
     if (!variable) return RefuseVariable(change, typed);
     if (const Status status = CheckMayBeFed(change, options.boat); status != kDone) return status;
     Mapping intended = change.Rows();
@@ -91,7 +91,7 @@ Status RemoveFromMap(System& system, const MapOptions& options) {
     MapChange change(system);
     if (const Status status = change.OpenFor(options.channel); status != kDone) return status;
     const std::u16string typed = FromUtf8(options.variable);
-    const DeckmanVariable* listed = Listed(change.InForce().variables.rows, typed);
+    const DeckmanVariable* listed = Listed(change.Now().Variables().rows, typed);
     const auto isNamed = [&](const MappingVar& row) {
         if (typed.empty() || row.dfwName == typed) return true;
         if (listed) return row.dfwId == listed->dfwId || row.dfwName == listed->dfwName;

@@ -5,15 +5,15 @@
 #include "core/days.h"
 #include "core/record_access.h"
 #include "core/units.h"
-#include "halyrigctl/setup/source_links.h"
 #include "halyrigctl/setup/value_chain.h"
 
 namespace twr {
 namespace {
 
-ChannelState StateWithoutValue(const Subject& subject, std::string_view brokenLink) {
+ChannelState StateWithoutValue(const Subject& subject, Reason reason) {
     if (!subject.entry) return ChannelState::kMissing;
-    if (brokenLink == "suite" || brokenLink == "range") return ChannelState::kRefused;
+    if (reason != Reason::kNone && (LinkOf(reason) == LinkName::kSuite || LinkOf(reason) == LinkName::kRange))
+        return ChannelState::kRefused;
     return subject.stored != kNoValue && subject.stale ? ChannelState::kStale : ChannelState::kMissing;
 }
 
@@ -54,7 +54,7 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     const ChannelId source = core.SourceOf(channel);
     if (source >= kChannelCount) {
         reading.text = u"- -";
-        reading.missing = ValueChain(core, channel, boat, circumstances).Fault();
+        reading.missing = ValueChain(core, channel, boat, circumstances).Broken();
         return reading;
     }
     const Entry entry = EntryOf(record, source, boat);
@@ -65,9 +65,8 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     const double shown = ShownValue(core, resolved, boat, false);
     reading.text = core.ChannelText(resolved, shown);
     if (shown == kNoValue || !std::isfinite(shown) || !entry) {
-        const Links links = ValueChain(core, channel, boat, circumstances);
-        reading.missing = links.Fault();
-        reading.state = StateWithoutValue({core, source, boat, circumstances.now}, links.Broken());
+        reading.missing = ValueChain(core, channel, boat, circumstances).Broken();
+        reading.state = StateWithoutValue({core, source, boat, circumstances.now}, reading.missing.reason);
         return reading;
     }
     reading.state = ChannelState::kFresh;

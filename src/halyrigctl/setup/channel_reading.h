@@ -29,7 +29,7 @@ struct ChannelReading {
     std::u16string_view textUnit;   // empty if there is none, or the text contains it
     std::optional<double> age;      // seconds since the last publication; nullopt if it was never published
     std::int32_t limit = 0;         // seconds after which a value is stale; 0 for never
-    Advice missing;                 // why there is no fresh value; nothing if there is one
+    Fault missing;                  // why there is no fresh value; nothing if there is one
 };
 
 // The text of a channel in the user's units, with the unit, and "- -" without a fresh value. `damped`: of the damped value.

@@ -8,7 +8,6 @@
 #include "config/bridge_settings.h"
 #include "core/days.h"
 #include "core/record_access.h"
-#include "halyrigctl/setup/finding_words.h"
 #include "mapping/mapping_file.h"
 #include "platform/files.h"
 
@@ -52,8 +51,10 @@ bool MappingLook::Means(ChannelId channel, BoatSlot boat) const {
     return std::ranges::any_of(meant, [&](const MappingVar& row) { return Feeds(row, channel, boat); });
 }
 
-Circumstances::Circumstances(System& system, const CoreRecord& record)
-    : system_(system), services_(system.Core()), dataFolder_(FieldText(record.dataFolder)) {
+Circumstances::Circumstances(System& system, const CCore& core, const std::optional<std::u16string>& folder)
+    : system_(system), services_(system.Core()), folder_(folder) {
+    if (core.View()) dataFolder_ = FieldText(core.View()->dataFolder);
+    if (dataFolder_.empty()) dataFolder_ = FieldText(Renewed().dataFolder);
     LookAgain();
 }
 
@@ -64,7 +65,9 @@ void Circumstances::LookAgain() {
     name = LookForBridge(system_);
     bridge = ReadBridgeStatus(system_);
     settings = bridge ? bridge->settings : ReadSettings(services_.registry);
-    settings.dfwFolder = Trimmed(std::u16string_view(settings.dfwFolder));
+    settings.dfwFolder = Trimmed(std::u16string_view(folder_ ? *folder_ : settings.dfwFolder));
+    pulse_.Look(bridge, now * kSecondsPerDay);
+    standsStill_.reset();
     const bool anew = before != std::pair(bridge ? std::optional(bridge->mapping.readAt) : std::nullopt, settings.dfwFolder);
     if (anew) library_.reset();
     if (!anew && std::fabs(now - filesSince_) < kFilesLast) return;
@@ -91,7 +94,7 @@ const DeckmanCatalogue& Circumstances::Variables() {
 const MappingLook& Circumstances::TheMapping() {
     if (!mapping_) {
         mapping_.emplace();
-        mapping_->path = JoinPath(JoinPath(dataFolder_, u"instruments"), u"halyrig.xml");
+        mapping_->path = MappingPath();
         mapping_->exists = services_.files.Exists(mapping_->path);
         CollectedFindings faults;
         mapping_->mapping = LoadMapping(services_.xml, mapping_->path, Variables().rows, &faults);
@@ -101,21 +104,55 @@ const MappingLook& Circumstances::TheMapping() {
     return *mapping_;
 }
 
+const std::vector<Finding>& Circumstances::PassedOverInVariables() {
+    Variables();
+    return ofList_.found;
+}
+
 std::vector<Finding> Circumstances::PassedOver() {
-    std::vector<Finding> found = TheMapping().faults;
-    found.insert(found.begin(), ofList_.found.begin(), ofList_.found.end());
+    std::vector<Finding> found = PassedOverInVariables();
+    const std::vector<Finding>& ofMapping = TheMapping().faults;
+    found.insert(found.end(), ofMapping.begin(), ofMapping.end());
     return found;
 }
 
-Advice Circumstances::WithoutBridge() const {
+std::u16string Circumstances::MappingPath() const {
+    return dataFolder_.empty() ? std::u16string() : JoinPath(MappingFolder(), u"halyrig.xml");
+}
+
+std::u16string Circumstances::MappingFolder() const { return JoinPath(dataFolder_, u"instruments"); }
+
+bool Circumstances::StandsStill() {
+    constexpr int kStepMs = 20;
+    if (!bridge) return false;
+    if (const auto known = pulse_.StandsStill()) return *known;
+    if (standsStill_) return *standsStill_;
+    for (int waited = 0; waited < BridgePulse::kStandstillMs; waited += kStepMs) {
+        if (!system_.GetConsole().Wait(kStepMs)) return false;  // the user has not the patience
+        const auto later = ReadBridgeStatus(system_);
+        if (!later || later->ticks != bridge->ticks) return *(standsStill_ = false);
+    }
+    return *(standsStill_ = true);
+}
+
+std::string Circumstances::BridgeWords() {
+    if (!bridge) return WithoutBridge().what;
+    return StandsStill() ? "the bridge stands still" : pulse_.Words();
+}
+
+Fault Circumstances::WithoutBridge() const {
     switch (name.state) {
         case NameLook::kTaken:
-            return {"the bridge is running, but its status can't be seen", "restart it"};
+            return Fault(Reason::kStatusNotSeen);
         case NameLook::kUnknown:
-            return {"whether the bridge is running can't be seen: " + name.why};
+            return Fault(Reason::kBridgeUnknown, {name.why});
         default:
-            return {"the bridge is not running", "start " HALYRIG_PROGRAM};
+            return Fault(Reason::kNotRunning);
     }
+}
+
+Fault Circumstances::NoVariables() const {
+    return Fault(Reason::kNoVariableFile, {Harmless(settings.dfwFolder), ToUtf8(kUsualVariableFile)});
 }
 
 const CoreRecord& Circumstances::Renewed() {

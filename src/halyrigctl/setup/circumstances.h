@@ -7,20 +7,17 @@
 #include <vector>
 
 #include "base/findings.h"
-#include "core/core_record.h"
+#include "core/core.h"
 #include "deckman/variable_file.h"
-#include "halyrigctl/output/say.h"
+#include "halyrigctl/setup/bridge_pulse.h"
 #include "halyrigctl/setup/dry_run.h"
 #include "halyrigctl/setup/library_look.h"
+#include "halyrigctl/setup/reasons.h"
 #include "mapping/mapping_rows.h"
 #include "platform/system.h"
 #include "status/bridge_status.h"
 
 namespace twr {
-
-// What makes the bridge look at the library, Deckman's list and the mapping again.
-inline constexpr const char* kRestartAll = "end all programs of the suite and start them again";
-inline constexpr const char* kReadAgain = "choose the Dfw folder once more in the dialog, even the same one, or restart the bridge";
 
 // The mapping file as the bridge would read it now.
 struct MappingLook {
@@ -43,7 +40,9 @@ struct MappingLook {
 // One moment. The files are read when they are first asked for, and nothing is written.
 class Circumstances {
 public:
-    Circumstances(System& system, const CoreRecord& record);
+    // The data folder is that of the record; without one, or one that names none, that of the record that a start would make. A
+    // `folder` takes the place of the Dfw folder that is in force or saved.
+    Circumstances(System& system, const CCore& core, const std::optional<std::u16string>& folder = std::nullopt);
 
     // The next moment. The user's files are read anew if asked for again after five seconds, or after the bridge has read them; the
     // library only if the bridge has chosen anew.
@@ -52,10 +51,24 @@ public:
     const LibraryLook& Library();
     const DeckmanCatalogue& Variables();
     const MappingLook& TheMapping();
-    // What was passed over in both, a file that could not be read to its end among it.
+    // What was passed over on the way to the variables, and there and in the mapping; a file that could not be read to its end is
+    // among it.
+    const std::vector<Finding>& PassedOverInVariables();
     std::vector<Finding> PassedOver();
+
+    std::u16string MappingPath() const;  // empty if the data folder is unknown
+    std::u16string MappingFolder() const;
+    const std::u16string& DataFolder() const { return dataFolder_; }  // it may not exist yet
+
+    bool BridgeRuns() const { return bridge || name.state == NameLook::kTaken; }
+    // The bridge can be seen, but has not ticked for a second. Without looks over a second it waits for a tick that long.
+    bool StandsStill();
+    // Of the bridge, for people.
+    std::string BridgeWords();
     // Why the bridge can't be seen, for when it can't.
-    Advice WithoutBridge() const;
+    Fault WithoutBridge() const;
+    // What is wrong if Variables() has no rows.
+    Fault NoVariables() const;
 
     // The record that a start of the whole suite would make.
     const CoreRecord& Renewed();
@@ -63,14 +76,16 @@ public:
     double now = 0.0;                    // days
     NameLook name;                       // whether the bridge runs
     std::optional<BridgeStatus> bridge;  // nullopt if it is not running, or can't be seen
-    bool standsStill = false;            // the bridge runs, but does not tick
     Settings settings;                   // the bridge's; the saved ones while it can't be seen
 
 private:
     System& system_;
     CoreServices services_;
+    const std::optional<std::u16string> folder_;
     std::u16string dataFolder_;
-    double filesSince_ = 0.0;  // days: none was read before
+    BridgePulse pulse_;
+    std::optional<bool> standsStill_;  // found by waiting
+    double filesSince_ = 0.0;          // days: none was read before
     std::optional<LibraryLook> library_;
     std::optional<DeckmanCatalogue> variables_;
     CollectedFindings ofList_;

@@ -4,15 +4,13 @@
 #include <array>
 #include <cstdint>
 
-#include "halyrigctl/output/say.h"
+#include "deckman/deckman_library.h"
 #include "platform/files.h"
 
 namespace twr {
 namespace {
 
-constexpr std::u16string_view kName = u"ShDfW2";
-constexpr const char* kFunctions[] = {"Usr_Read", "Usr_GetPosition", "Usr_SetISData", "Usr_SetISName"};
-constexpr const char* kChoose = "choose Deckman's own folder in the dialog";
+constexpr const char* kFunctions[] = {kUsrRead, kUsrGetPosition, kUsrSetData, kUsrSetName};
 
 // The first bytes of a file; those behind its end are zero.
 class Header {
@@ -73,57 +71,52 @@ bool IsAbsolute(std::u16string_view path) {
     return path.starts_with(u'/') || path.starts_with(u'\\') || path.substr(1).starts_with(u':');
 }
 
-Advice FolderFault(Files& files, std::u16string_view folder) {
-    const std::string name = "the Dfw folder " + Harmless(folder);
-    if (folder.empty()) return {"no Dfw folder is chosen", kChoose};
-    if (folder.starts_with(u'~')) return {name + " begins with ~, which only a shell understands", "write the whole path"};
-    if (!IsAbsolute(folder)) return {name + " is not a whole path", "write it from the root on"};
-    if (!files.Exists(folder)) return {name + " does not exist", kChoose};
-    if (files.Open(folder)) return {name + " is a file, not a folder", kChoose};
-    return {};
+Fault FolderFault(Files& files, std::u16string_view folder) {
+    const auto fault = [&](Reason reason) { return Fault(reason, {Harmless(folder)}); };
+    if (folder.empty()) return fault(Reason::kNoFolderChosen);
+    if (folder.starts_with(u'~')) return fault(Reason::kFolderOfAShell);
+    if (!IsAbsolute(folder)) return fault(Reason::kFolderNotWhole);
+    if (!files.Exists(folder)) return fault(Reason::kFolderMissing);
+    return files.Open(folder) ? fault(Reason::kFolderIsFile) : Fault();
 }
 
-Advice AbsentFault(Files& files, std::u16string_view folder, const std::u16string& library) {
-    const std::string none = "the Dfw folder " + Harmless(folder) + " holds no " + Harmless(library);
+Fault AbsentFault(Files& files, std::u16string_view folder, const std::u16string& library) {
+    const auto fault = [&](Reason reason, const std::u16string& other = {}) {
+        return Fault(reason, {Harmless(folder), Harmless(library), Harmless(other)});
+    };
     const auto parent = folder.substr(0, std::min(folder.size(), folder.find_last_of(u"/\\")));
-    if (files.Exists(JoinPath(parent, library))) return {none + ", but the folder above it does", "choose that one"};
-    const auto others = files.List(folder, std::u16string(kName).append(u".*"));
-    if (others.empty()) return {none, kChoose};
-    const std::u16string other = others.front().substr(others.front().find_last_of(u"/\\") + 1);
-    return {none + ", only " + Harmless(other), "choose a folder with a library for this system"};
+    if (files.Exists(JoinPath(parent, library))) return fault(Reason::kLibraryAbove);
+    const auto others = files.List(folder, std::u16string(kDeckmanLibrary).append(u".*"));
+    if (others.empty()) return fault(Reason::kLibraryMissing);
+    return fault(Reason::kOtherLibrary, others.front().substr(others.front().find_last_of(u"/\\") + 1));
 }
 
-Advice KindFault(const Kind& kind, const std::string& path) {
-    const std::string remedy = std::string("put Deckman's own there, or ") + kChoose;
-    if (kind.bits == 0) return {path + " is no library but another kind of file", remedy};
+Fault KindFault(const Kind& kind, const std::string& path) {
+    if (kind.bits == 0) return Fault(Reason::kNotALibrary, {path});
     const Kind own{.windows = OnWindows(), .bits = kBits};
     if (kind.windows != own.windows || kind.bits != own.bits)
-        return {path + " is for another kind of program (" + SystemOf(kind) + "), and the bridge is for " + SystemOf(own),
-                "put the library for that there"};
-    if (!kind.library) return {path + " is a program, not a library", remedy};
-    return {};
+        return Fault(Reason::kOtherProgram, {path, SystemOf(kind), SystemOf(own)});
+    return kind.library ? Fault() : Fault(Reason::kProgram, {path});
 }
 
 // The library itself, where it could be loaded.
-std::unique_ptr<Library> Loaded(Files& files, Libraries& libraries, std::u16string_view folder, Advice& fault) {
+std::unique_ptr<Library> Loaded(Files& files, Libraries& libraries, std::u16string_view folder, Fault& fault) {
     fault = FolderFault(files, folder);
     if (fault) return nullptr;
-    const std::u16string name = std::u16string(kName).append(kLibrarySuffix);
+    const std::u16string name = std::u16string(kDeckmanLibrary).append(kLibrarySuffix);
     const std::u16string path = JoinPath(folder, name);
     const std::string shown = Harmless(path);
     const auto file = files.Open(path);
     if (!file) {
-        fault = files.Exists(path) ? Advice{shown + " can't be read", "let this user read it"} : AbsentFault(files, folder, name);
+        fault = files.Exists(path) ? Fault(Reason::kLibraryUnreadable, {shown}) : AbsentFault(files, folder, name);
         return nullptr;
     }
     const Header header(*file);
     const std::string failure = file->Failure();
-    fault = failure.empty() ? KindFault(KindOf(header), shown)
-                            : Advice{shown + " can't be read: " + failure, "see whether the disk is sound"};
+    fault = failure.empty() ? KindFault(KindOf(header), shown) : Fault(Reason::kLibraryReadFails, {shown, failure});
     if (fault) return nullptr;
     auto library = libraries.Load(path);
-    if (!library)
-        fault = {shown + " can't be loaded: it is damaged, or a library that it needs is missing", "install Deckman again"};
+    if (!library) fault = Fault(Reason::kLibraryDamaged, {shown});
     return library;
 }
 

@@ -1,17 +1,17 @@
-// What is to be said of the library in a Dfw folder.
+// Whether the library in a Dfw folder can be used.
 #pragma once
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "halyrigctl/output/say.h"
+#include "halyrigctl/setup/reasons.h"
 #include "platform/files.h"
 #include "platform/library.h"
 
 namespace twr {
 
 struct LibraryLook {
-    Advice fault = {};                      // why the bridge can't load it; none if it can
+    Fault fault = {};                       // why the bridge can't load it; none if it can
     std::vector<std::string> missing = {};  // the functions for the bridge that it lacks, while there is no fault
 
     bool Lacks(std::string_view name) const;

@@ -2,15 +2,235 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "base/numbers.h"
+#include "base/wide_text.h"
+#include "core/days.h"
 #include "core/units.h"
+#include "deckman/deckman_library.h"
 #include "deckman/instrument_value.h"
 #include "deckman/remote_text.h"
-#include "halyrigctl/setup/source_links.h"
+#include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {
+
+constexpr double kTickSeconds = 0.1, kSurelyWaits = 1.0;
+
+template <class Number>
+std::string Digits(Number number) {
+    return std::to_string(number);
+}
+
+// "file:line: "
+std::string PlaceInWords(std::u16string_view path, std::size_t line) { return Harmless(path) + ":" + Digits(line) + ": "; }
+
+// What NaN or an infinity does. The suite refuses an infinity if the channel has a range, but never NaN.
+std::string Unusable(double value, const std::string& forWhat, bool ranged) {
+    const bool isNumber = !std::isnan(value);
+    const char* shown = !isNumber ? "NAN" : ranged ? "-0" : "INF";
+    return (isNumber ? "an infinite value" : "what is not a number (NaN)") + forWhat + ": a display shows " + shown +
+           ", and streams leave it out";
+}
+
+// A channel that the core computes from another one, while a flag asks for it.
+struct DerivedChannel {
+    ChannelId channel, from;
+    std::size_t flag;
+};
+constexpr DerivedChannel kDerived[] = {
+    {kRot, kHdg, kFlagDeriveRot}, {kHeelRate, kHeel, kFlagDeriveHeelTrimRate}, {kTrimRate, kTrim, kFlagDeriveHeelTrimRate}};
+
+class Source {
+public:
+    Source(Links& links, const Subject& subject, Circumstances& circumstances)
+        : links_(links),
+          subject_(subject),
+          now_(circumstances),
+          channel_(subject.channel),
+          line_(now_.TheMapping().LineOf(channel_, subject.boat)),
+          reading_(now_.bridge ? now_.bridge->readings[channel_] : kNoReading) {}
+
+    void AddAll() {
+        const bool mapped = line_ || reading_ != kNoReading;
+        const bool byFunction = !mapped && (channel_ == kLat || channel_ == kLon) && subject_.boat == 0;
+        if (FollowsPositionSource(channel_) && !AddPosition()) return;
+        if (!mapped && !byFunction && subject_.age) {
+            links_.Hold(LinkName::kMapping, "no line feeds it; another program of the suite does, or did");
+            return;
+        }
+        AddBridge();
+        AddLibrary(byFunction);
+        if (byFunction) return;
+        AddVariables();
+        AddMapping();
+        if (reading_ != kNoReading) AddReading();
+    }
+
+private:
+    // False if Deckman is not the source.
+    bool AddPosition() {
+        const std::string source = "(Sys_i6) is " + Digits(Load(subject_.record.sysInt[kIntPositionSource]));
+        if (PositionFromDeckman(subject_.record)) {
+            links_.Hold(LinkName::kPosition, "comes from Deckman, since the position source " + source);
+            return true;
+        }
+        if (subject_.age) {
+            links_.Hold(LinkName::kPosition,
+                        "comes from another program, since the position source " + source + ", and Deckman's is 3");
+            return false;
+        }
+        links_.Judge(LinkName::kPosition,
+                     PositionFromDeckman(now_.Renewed())
+                         ? Fault(Reason::kPositionOld)
+                         : PositionFault("position, COG and SOG are", Load(subject_.record.sysInt[kIntPositionSource])),
+                     {});
+        return true;
+    }
+
+    void AddBridge() {
+        const double waited =
+            now_.bridge && now_.bridge->waitsSince ? std::fabs(now_.now - *now_.bridge->waitsSince) * kSecondsPerDay : 0.0;
+        Fault fault;
+        if (!now_.bridge && now_.name.state == NameLook::kTaken) {
+            return links_.Hold(LinkName::kBridge, now_.WithoutBridge().Line());
+        } else if (!now_.bridge) {
+            fault = now_.WithoutBridge();
+        } else if (waited > kSurelyWaits || (now_.StandsStill() && now_.bridge->waitsSince)) {
+            fault = Fault(Reason::kLibraryWaits, {Printed("%.1f s", waited)});
+        } else if (now_.StandsStill()) {
+            fault = Fault(Reason::kStandsStill);
+        }
+        const bool slow = now_.bridge && now_.bridge->passSeconds > kTickSeconds;
+        links_.Judge(LinkName::kBridge, fault,
+                     slow ? "it runs, held up by Deckman's library, which takes " + Printed("%.1f s", now_.bridge->passSeconds) +
+                                " for each tick"
+                          : "it runs");
+    }
+
+    void AddLibrary(bool byFunction) {
+        const std::string folder = Harmless(now_.settings.dfwFolder);
+        Fault fault;
+        if (!now_.bridge) {
+            fault = now_.Library().fault;
+        } else if (!now_.bridge->library.loaded) {
+            fault = now_.Library().fault;
+            if (fault) {
+                fault.what = "the bridge could not load Deckman's library: " + fault.what;
+            } else {
+                fault = Fault(Reason::kLoadsNow);
+            }
+        } else if (byFunction && now_.Library().Lacks(kUsrGetPosition)) {
+            fault = Fault(Reason::kFunctionMissing, {folder, kUsrGetPosition, ", which gives the position"});
+        } else if (!byFunction && !now_.bridge->library.reads) {
+            fault = Fault(Reason::kFunctionMissing, {folder, kUsrRead, ", so it is not Deckman's"});
+        }
+        links_.Judge(LinkName::kLibrary, fault, "the library in " + folder);
+    }
+
+    void AddVariables() {
+        const std::size_t count =
+            now_.bridge ? static_cast<std::size_t>(std::max(0, now_.bridge->mapping.variables)) : now_.Variables().rows.size();
+        links_.Judge(LinkName::kVariables, count == 0 ? now_.NoVariables() : Fault(), Digits(count) + " in Deckman's list");
+    }
+
+    void AddMapping() {
+        const MappingLook& look = now_.TheMapping();
+        if (!line_) {
+            links_.Judge(LinkName::kMapping, reading_ == kNoReading ? Unmapped(look) : Fault(),
+                         "a line that is no longer in the file, until the bridge reads that again");
+            return;
+        }
+        const std::string says = PlaceInWords(look.path, line_->line) + "Deckman's variable " + Harmless(line_->dfwName) + " (" +
+                                 Digits(line_->dfwId) + ")";
+        const bool unread = now_.bridge && now_.bridge->library.reads && reading_ == kNoReading;
+        links_.Judge(LinkName::kMapping, unread ? Fault(Reason::kNotYetRead, {says}) : Fault(), says);
+    }
+
+    Fault Unmapped(const MappingLook& look) {
+        if (const Finding* own = look.FaultOf(channel_, subject_.boat)) {
+            const Advice advice = AdviceFor(*own);
+            return Fault(Reason::kLineFlawed, {PlaceInWords(look.path, own->line) + advice.what},
+                         advice.todo + "; then " + kReadAgain);
+        }
+        const std::string path = Harmless(look.path);
+        const std::u16string renewed = FieldText(now_.Renewed().dataFolder);
+        if (!FieldTextIs(subject_.record.dataFolder, renewed)) return Fault(Reason::kDataFolderOld, {Harmless(renewed), path});
+        if (!look.exists) return Fault(Reason::kNoMapping, {path}, ToMap());
+        std::string but;
+        if (!look.faults.empty()) {
+            const std::size_t more = look.faults.size() - 1;
+            but = ", but line " + Digits(look.faults.front().line) + ": " + AdviceFor(look.faults.front()).what;
+            if (more > 0) but += ", and " + Digits(more) + (more == 1 ? " more fault" : " more faults");
+        }
+        return Fault(Reason::kNotMapped, {path, but}, ToMap());
+    }
+
+    // What to do for a channel that nothing feeds.
+    std::string ToMap() {
+        const auto derived = std::ranges::find(kDerived, channel_, &DerivedChannel::channel);
+        if (derived != std::end(kDerived)) {
+            const std::string from = ChannelInWords(subject_.core, derived->from);
+            return Load(subject_.record.sysFlag[derived->flag]) != 0
+                       ? "it is computed from " + from + ": see there"
+                       : "map it, or set Sys_b" + Digits(derived->flag) + " to 1 in the registry to have it computed from " + from;
+        }
+        const auto& variables = now_.Variables().rows;
+        const auto same = std::ranges::find_if(variables, [&](const DeckmanVariable& variable) {
+            return EqualsIgnoringCase(variable.dfwName, CatalogueName(channel_));
+        });
+        return same == variables.end() ? "'halyrigctl map suggest' shows what Deckman has"
+                                       : "'halyrigctl map add " + Harmless(same->dfwName) + " " + Digits(channel_) + "' adds one";
+    }
+
+    void AddReading() {
+        const std::string reading = Printed("%.7g", static_cast<double>(reading_));  // as precise as it is
+        const std::string forIt = line_ ? " for its variable " + Harmless(line_->dfwName) : std::string();
+        Fault fault;
+        if (!std::isfinite(reading_)) {
+            const ChannelInfo& info = ChannelCatalogue()[channel_];
+            fault = Fault(Reason::kReadingUnusable, {Unusable(reading_, forIt, info.min != info.max)});
+        } else if (static_cast<double>(reading_) == kNoValue) {
+            const bool ever = Load(subject_.record.channels[channel_].published) != 0;
+            const bool inFeet = channel_ == kDepth && now_.settings.depthInFeet;
+            fault =
+                Fault(ever ? Reason::kReadingNone : Reason::kReadingNever, {forIt},
+                      inFeet ? "a depth of 9987 m on the displays is Deckman's mark for none, turned from feet into metres" : "");
+        }
+        links_.Judge(LinkName::kDeckman, fault, "Deckman gives " + reading);
+        if (!fault) AddBoxAndRange(reading);
+    }
+
+    void AddBoxAndRange(const std::string& reading) {
+        const ReadingUnits units{now_.settings.degreesTrue, now_.settings.depthInFeet, OwnVariation(subject_.record)};
+        double value = InstrumentValue(channel_, reading_, units);
+        const bool noVariation = IsInstrumentBearing(channel_) && units.degreesTrue && units.variation == kNoValue;
+        links_.Judge(LinkName::kBox, noVariation ? Fault(Reason::kNoVariationForBox, {"this one"}) : Fault(), Conversion());
+        if (noVariation) return;
+        subject_.core.NormaliseValue(channel_, value);
+        const ChannelInfo& info = ChannelCatalogue()[channel_];
+        const std::string range = Digits(info.min) + " to " + Digits(info.max);
+        links_.Judge(LinkName::kRange, value == kNoValue ? Fault(Reason::kOutsideRange, {reading, range}) : Fault(),
+                     info.min == info.max ? "any number" : range);
+    }
+
+    // What the bridge does to a reading, by the boxes.
+    std::string Conversion() const {
+        if (channel_ == kDepth && now_.settings.depthInFeet) return "from feet into metres, by the box for feet";
+        if (channel_ == kHeel || channel_ == kLeeway) return "with the other sign";
+        if (IsInstrumentBearing(channel_))
+            return now_.settings.degreesTrue ? "from true to magnetic, by the box for degrees true" : "taken as magnetic";
+        return "as it comes";
+    }
+
+    Links& links_;
+    const Subject& subject_;
+    Circumstances& now_;
+    const ChannelId channel_;
+    const MappingVar* const line_;  // of the file as it is now
+    const float reading_;           // the bridge's last one
+};
 
 bool ShowsMagnetic(const CoreRecord& record) { return Load(record.sysFlag[kFlagMagnetic]) != 0; }
 
@@ -20,42 +240,30 @@ bool SameAlternates(const CoreRecord& left, const CoreRecord& right, ChannelId a
 }
 
 // What the suite refuses gets nowhere, whatever its source.
-Advice Refusal(const Subject& subject) {
+Fault Refusal(const Subject& subject) {
     const CoreRecord& record = subject.record;
     const ChannelRow& row = record.channels[subject.channel];
-    if (!subject.entry) {
-        return {"boat " + std::to_string(subject.boat) + " has no place for this channel",
-                "only boats 0 and 1 have one for every channel"};
-    }
-    if (Load(row.blocked) != 0) {
-        return {"the channel is blocked: another program of the suite refuses its values", "release it there"};
-    }
-    if (Load(record.sysFlag[kFlagHoldActive]) != 0 && Load(row.held) != 0) {
-        return {"the channel is held: another program of the suite has stopped new values for it (system flag 52)",
-                "let them go on there"};
-    }
+    if (!subject.entry) return Fault(Reason::kNoPlace, {Digits(subject.boat), "this channel"});
+    if (Load(row.blocked) != 0) return Fault(Reason::kBlocked);
+    if (Load(record.sysFlag[kFlagHoldActive]) != 0 && Load(row.held) != 0) return Fault(Reason::kHeld);
     return {};
 }
 
 void AddRecord(Links& links, const Subject& subject) {
-    Advice fault;
+    Fault fault;
     if (!subject.age) {
-        fault = {"nothing has come yet", "look again in a moment"};
+        fault = Fault(Reason::kNothingCame);
     } else if (subject.stored == kNoValue) {
-        fault = {"its source gives no value, or one outside the channel's range", "see to the program that gives it"};
+        fault = Fault(Reason::kSourceNone);
     } else if (!std::isfinite(subject.stored)) {
-        fault = Unusable("its source gives ", subject.stored, "", false, "see to the program that gives it");
+        fault = Fault(Reason::kSourceUnusable, {Unusable(subject.stored, "", false)});
     }
-    links.Judge("record", fault, Printed("%.10g", subject.stored) + Printed(", published %.1f s ago", subject.age.value_or(0.0)));
-    fault = {};
-    const std::string limit = std::to_string(subject.limit) + " s";
-    if (subject.stale) {
-        const bool notDeckman = FollowsPositionSource(subject.channel) && !PositionFromDeckman(subject.record);
-        fault = {Printed("it is stale: last published %.1f s ago, and the limit is ", *subject.age) + limit,
-                 std::string("see whether the program that gives it still runs") +
-                     (notDeckman ? "; Deckman gives it only while the position source (Sys_i6) is 3" : "")};
-    }
-    links.Judge("limit", fault, subject.limit > 0 ? limit : "never stale");
+    const std::string age = Printed("%.1f s", subject.age.value_or(0.0)), limit = Digits(subject.limit) + " s";
+    links.Judge(LinkName::kRecord, fault, Printed("%.10g", subject.stored) + ", published " + age + " ago");
+    const bool notDeckman = FollowsPositionSource(subject.channel) && !PositionFromDeckman(subject.record);
+    const std::string hint = notDeckman ? std::string("; Deckman gives it only ") + kWhilePositionSource : "";
+    links.Judge(LinkName::kLimit, subject.stale ? Fault(Reason::kStale, {age, limit, hint}) : Fault(),
+                subject.limit > 0 ? limit : "never stale");
 }
 
 // `shown`: the channel by which it is read, alternating if a chain is longer.
@@ -66,42 +274,48 @@ void AddUnit(Links& links, const Subject& subject, ChannelId shown) {
     const std::u16string unit(UnitLabel(type, UnitSettingsOf(subject.record)));
     double value = kNoValue;
     core.GetChannel(shown, value, subject.boat, false, magnetic, true);
-    Advice fault;
-    if (subject.stored != kNoValue && value == kNoValue) {
-        fault = type == kTypeBearing && !magnetic
-                    ? Advice{"bearings are shown true, and there is no variation (MagVar, channel 93)",
-                             "map Deckman's variation to channel 93, or set Sys_b3 to 1"}
-                    : Advice{"the unit chosen for it does not exist", "choose another one in the registry"};
-    }
-    links.Judge("shown", fault, Harmless(core.ChannelText(shown, value) + (unit.empty() ? u"" : u" ") + unit));
+    Fault fault;
+    if (subject.stored != kNoValue && value == kNoValue)
+        fault = Fault(type == kTypeBearing && !magnetic ? Reason::kNoVariationForTrue : Reason::kNoSuchUnit);
+    links.Judge(LinkName::kShown, fault, Harmless(core.ChannelText(shown, value) + (unit.empty() ? u"" : u" ") + unit));
 }
 
-Advice DisplayFault(const MappingRemote& row, const std::string& remote, double value, Circumstances& now) {
-    if (now.Library().Lacks("Usr_SetISData") || now.Library().Lacks("Usr_SetISName"))
-        return {"the library has no functions Usr_SetISData and Usr_SetISName, which show texts", "install Deckman's own there"};
-    if (row.damp != 0 && value == kNoValue)
-        return {remote + " is to show the damped value, and no program of the suite damps it",
-                "leave out damp in its line of the mapping, or write damp=\"false\""};
-    return {};
+Fault DisplayFault(const MappingRemote& row, const std::string& remote, double value, Circumstances& now) {
+    const LibraryLook& library = now.Library();
+    if (library.Lacks(kUsrSetData) || library.Lacks(kUsrSetName)) return Fault(Reason::kNoTexts, {kUsrSetData, kUsrSetName});
+    return row.damp != 0 && value == kNoValue ? Fault(Reason::kNotDamped, {remote}) : Fault();
 }
 
 }  // namespace
+
+Subject::Subject(CCore& ofRecord, ChannelId itsChannel, BoatSlot itsBoat, double now)
+    : core(ofRecord),
+      record(*ofRecord.View()),
+      channel(itsChannel),
+      boat(itsBoat),
+      entry(EntryOf(record, channel, boat)),
+      limit(core.StaleSeconds(channel, boat)) {
+    if (!entry) return;
+    stored = Load(*entry.value);
+    const double time = Load(*entry.time);
+    if (time == 0.0) return;
+    age = std::fabs(now - time) * kSecondsPerDay;
+    stale = IsStale(time, now, limit);
+}
 
 Links ValueChain(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
     Links links;
     const ChannelId shown = core.ResolveAlternate(channel, true);
     const ChannelId source = core.SourceOf(channel);
     if (source >= kChannelCount) {
-        links.Break("alternates",
-                    SameAlternates(*core.View(), circumstances.Renewed(), channel)
-                        ? Advice{"it stands for no channel now", "name one for this state in alternate.csv"}
-                        : Advice{"it stands for no channel: the record was made before alternate.csv was changed", kRestartAll});
+        const bool asAtStart = SameAlternates(*core.View(), circumstances.Renewed(), channel);
+        links.Judge(LinkName::kAlternates, Fault(asAtStart ? Reason::kStandsForNone : Reason::kAlternatesOld), {});
         return links;
     }
-    if (source != channel) links.Hold("alternates", "it stands for " + ChannelInWords(core, source) + " now");
+    if (source != channel) links.Hold(LinkName::kAlternates, "it stands for " + ChannelInWords(core, source) + " now");
     const Subject subject(core, source, boat, circumstances.now);
-    links.Judge("suite", Refusal(subject), "it takes new values");
-    AddSourceLinks(links, subject, circumstances);
+    links.Judge(LinkName::kSuite, Refusal(subject), "it takes new values");
+    Source(links, subject, circumstances).AddAll();
     AddRecord(links, subject);
     AddUnit(links, subject, shown);
     return links;
@@ -115,10 +329,14 @@ void AddRemoteLinks(Links& links, CCore& core, ChannelId channel, BoatSlot boat,
         if (row.boat != static_cast<std::int32_t>(boat) || (mapped != channel && resolved != channel)) continue;
         double value = kNoValue;
         core.GetFreshChannel(resolved, value, boat, row.damp != 0, ShowsMagnetic(*core.View()), kNoValue);
-        const std::string remote = PlaceInWords(look.path, row.line) + "remote " + std::to_string(row.remote);
-        links.Judge("remote", DisplayFault(row, remote, value, circumstances),
+        const std::string remote = PlaceInWords(look.path, row.line) + "remote " + Digits(row.remote);
+        links.Judge(LinkName::kRemote, DisplayFault(row, remote, value, circumstances),
                     remote + " shows " + Harmless(RemoteValueText(core, resolved, value)) + (row.damp != 0 ? ", damped" : ""));
     }
+}
+
+std::string ChannelInWords(CCore& core, ChannelId channel) {
+    return Harmless(NameForPeople(core, channel)) + " (" + Digits(channel) + ")";
 }
 
 }  // namespace twr

@@ -54,6 +54,8 @@ std::string AsJson(const Found& found) {
                      {"textUnit", TextOrNull(reading.textUnit)},
                      {"age", Told(reading.age.has_value(), ToMilliseconds(reading.age.value_or(0.0)))},
                      {"limit", Told(reading.limit > 0, reading.limit)},
+                     {"state", StateWord(reading.state)},
+                     {"reason", Told(!there, WordFor(reading.missing.reason))},
                      {"missing", Told(!there, reading.missing.Line())}}) +
            "\n";
 }
@@ -91,7 +93,7 @@ Status GetChannelValues(System& system, const GetOptions& options) {
         guest.Leave();
         return ComplainOfChannel(console, *named.unknown);
     }
-    Circumstances circumstances(system, guest.Record());
+    Circumstances circumstances(system, guest.Core());
     std::vector<Found> all;
     for (const ChannelId channel : named.found) {
         all.push_back({channel, NameForPeople(guest.Core(), channel), options.boat,

@@ -12,7 +12,6 @@
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/setup/circumstances.h"
 #include "halyrigctl/setup/names.h"
-#include "halyrigctl/watch/bridge_pulse.h"
 #include "halyrigctl/watch/displays_picture.h"
 #include "halyrigctl/watch/watch_table.h"
 #include "halyrigctl/watch/watch_view.h"
@@ -33,18 +32,16 @@ public:
     Watcher(System& system, Guest& guest, const WatchOptions& options, std::vector<ChannelId> named)
         : memory_(system.Core().memory),
           core_(guest.Core()),
-          circumstances_(system, guest.Record()),
+          circumstances_(system, guest.Core()),
           channels_(core_, options, std::move(named)) {}
 
     // Times of day as "12:34:56", or with the date.
     WatchedLook Look(bool dated) {
         circumstances_.LookAgain();
-        pulse_.Look(circumstances_.bridge, circumstances_.now * kSecondsPerDay);
-        circumstances_.standsStill = pulse_.StandsStill();
         const double time = core_.ToDisplayTime(circumstances_.now);
-        return {ToUtf8(DateTimeFormat(time, dated ? u"%d-%b-%Y %H:%M:%S" : u"%H:%M:%S")),
-                circumstances_.bridge ? pulse_.Words() : circumstances_.WithoutBridge().what, pulse_.Works(),
-                channels_.Look(circumstances_), ReadRemotes(memory_, circumstances_.settings.dfwFolder)};
+        return {ToUtf8(DateTimeFormat(time, dated ? u"%d-%b-%Y %H:%M:%S" : u"%H:%M:%S")), circumstances_.BridgeWords(),
+                circumstances_.bridge && !circumstances_.StandsStill(), channels_.Look(circumstances_),
+                ReadRemotes(memory_, circumstances_.settings.dfwFolder)};
     }
 
 private:
@@ -52,7 +49,6 @@ private:
     CCore& core_;
     Circumstances circumstances_;
     WatchedChannels channels_;
-    BridgePulse pulse_;
 };
 
 // Until the user or the suite asks to stop. A key is answered by a look of its own.

@@ -13,8 +13,9 @@ public:
     // Takes a look; `bridge` is nullopt if it can't be seen, `seconds` count from any moment.
     void Look(const std::optional<BridgeStatus>& bridge, double seconds);
 
-    bool StandsStill() const { return rate_ == 0.0; }
-    bool Works() const { return from_ && !StandsStill(); }
+    // It has not ticked for so long, or it has; nullopt while the looks tell neither.
+    static constexpr int kStandstillMs = 1000;
+    std::optional<bool> StandsStill() const { return rate_ ? std::optional(*rate_ == 0.0) : std::nullopt; }
     std::string Words() const;  // none while there is no bridge to be seen
 
 private:

@@ -1,4 +1,4 @@
-#include "halyrigctl/watch/bridge_pulse.h"
+#include "halyrigctl/setup/bridge_pulse.h"
 
 #include <cmath>
 
@@ -6,7 +6,7 @@ namespace twr {
 namespace {
 
 // Over a shorter time a single tick more or less would change the rate, and a long one would pass for a standstill.
-constexpr double kShortest = 1.0;
+constexpr double kShortest = BridgePulse::kStandstillMs / 1000.0;
 
 }  // namespace
 
@@ -26,7 +26,7 @@ void BridgePulse::Look(const std::optional<BridgeStatus>& bridge, double seconds
 std::string BridgePulse::Words() const {
     if (!from_) return {};
     if (!rate_) return "the bridge is running";
-    if (StandsStill()) return "the bridge stands still";
+    if (*rate_ == 0.0) return "the bridge stands still";
     return "bridge " + std::to_string(std::lround(*rate_)) + " ticks/s";
 }
 
