@@ -163,7 +163,7 @@ TEST_F(ExplainTest, SaysTheSameInEveryVoice) {
         {"BSP", "kn", "stale", "stands-still", "the bridge stands still", [&] { Publish(kBsp, 6.5, 0, 20.0); }, false},
         {"TWS", "kn", "refused", "blocked", "the channel is blocked", [&] { Mark(kTws, 1); }},
         {"AWS", "kn", "refused", "outside-range", "Deckman gives 200, outside", [] {}, true, "$IIMWV,30,R,200,N,A\n"},
-        {"Depth", "m", "missing", "no-reading", "Deckman gives no value now"},
+        {"AWS", "kn", "missing", "never-a-reading", "Deckman has never given a value"},
         {"Sog", "kn", "missing", "position-source", "(Sys_i6) is 3, and it is 6"},
         {"Rudder", "deg", "missing", "not-mapped", "no line of the mapping"},
         {"118", nullptr, "missing", "stands-for-none", "it stands for no channel now"}};

@@ -112,7 +112,7 @@ Status ListMap(System& system, bool json) {
     if (const Status status = Print(console, json ? AsJson(map) : AsText(map)); status != kDone) return status;
     if (ComplainOfUnread(console, passedOver)) return kFailed;
     if (now.Variables().rows.empty()) Complain(console, now.NoVariables().Line());
-    if (!now.TheMapping().exists) Complain(console, "there is no mapping yet; 'halyrigctl map suggest' proposes one");
+    if (!now.TheMapping().exists) Notice(console, "there is no mapping yet; 'halyrigctl map suggest' proposes one");
     return kDone;
 }
 

@@ -35,7 +35,7 @@ public:
     Status Remove(const std::function<bool(const XmlElement&)>& goes, const Mapping& intended, const std::string& done,
                   const std::string& ifNone);
 
-    void Remark(const std::string& text) { Complain(system_.GetConsole(), text); }
+    void Remark(const std::string& text) { Notice(system_.GetConsole(), text); }
     Status Refuse(const std::string& why, Status status = kFailed);
     Status RefusePlace(BoatSlot boat);
 

@@ -24,8 +24,8 @@ void Guest::Release() {
 void Guest::Leave() {
     Release();
     if (!closing_) return;
-    Complain(console_,
-             "the suite has been asked to close; " HALYRIG_PROGRAM " stays open again only when all its programs have ended.");
+    Notice(console_,
+           "the suite has been asked to close; " HALYRIG_PROGRAM " stays open again only when all its programs have ended.");
 }
 
 }  // namespace twr

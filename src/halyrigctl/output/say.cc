@@ -18,6 +18,8 @@ bool TurnsDirection(char16_t c) {
 
 void Complain(Console& console, const std::string& message) { console.WriteError("halyrigctl: " + message + "\n"); }
 
+void Notice(Console& console, const std::string& message) { Complain(console, message); }
+
 Status ComplainOfChannel(Console& console, const std::string& typed) {
     Complain(console, "there is no channel " + Harmless(FromUtf8(typed)) +
                           "; 'halyrigctl channels' lists them, 'halyrigctl get --help' explains how to name one");

@@ -26,6 +26,9 @@ struct Advice {
 // Writes to standard error what is wrong and what to do: one line of UTF-8, without its end.
 void Complain(Console& console, const std::string& message);
 
+// The same for what is no fault, but not a part of the output either.
+void Notice(Console& console, const std::string& message);
+
 // Complains of a channel that the user has typed and that does not exist.
 Status ComplainOfChannel(Console& console, const std::string& typed);
 

@@ -35,7 +35,7 @@ Status Quit(System& system, const QuitOptions& options) {
     Console& console = system.GetConsole();
     const Status printed = Print(console, "Asked the programs of the suite to close.\n");
     if (!options.wait || WaitUntilAllHaveLeft(system)) return printed;
-    Complain(console, "programs of the suite still hold the record; until all have ended, one that starts ends at once. End them.");
+    Notice(console, "programs of the suite still hold the record; until all have ended, one that starts ends at once. End them.");
     return kFailed;
 }
 
