@@ -99,7 +99,7 @@ TEST_F(CheckTest, NamesTheCauseFirst) {
         {"a wrong folder", choose(test.folder.File("nowhere")), {"nowhere does not exist; choose Deckman's own folder"}},
         {"a shell's folder", choose(u" ~/Deckman"), {"~/Deckman begins with ~"}},
         {"a file in its place", choose(test.folder.File(kList)), {"is a file, not a folder"}},
-        {"no list", [&] { Remove("Deckman/Data"); }, {"Data: there is no file of variables (Data/J_vars06.d)", "; choose Deckman's own folder"}},
+        {"no list", [&] { Remove("Deckman/Data"); }, {"Data: there is no file of variables", "; choose Deckman's own folder"}},
         {"an empty list", [&] { test.folder.Write(kList, "1 BSP u 0 0 0\n"); }, {"J_vars06.d: it has no line [variables]"}},
         {"a list of none",
          [&] { test.folder.Write(kList, "[variables]\n"); },

@@ -146,22 +146,23 @@ TEST_F(CtlTest, TellsWhyThereIsNoValue) {
     Record().Set<std::uint32_t>(RecordBytes::Boat(2) + 72, 211234560);
     Record().Set<std::int32_t>(RecordBytes::Boat(2), 60);
     Record().SetEntry(0, kTwd, NAN, UtcNowDays(Core().clock), 0.0);
-    ExpectSaid(1, {{"get twd --json", {R"("value":null)", R"("text":null)", R"("missing":"its source gives what is not a number)"}},
-                   {"get bsp", {"the bridge is not running; start " HALYRIG_PROGRAM}},
-                   {"get sog", {"(Sys_i6) is 3, and it is 6"}},
-                   {"get rot --boat 5", {"no place"}},
-                   {"get tws", {"gives no value"}},
-                   {"get awa", {"stale: last published 20.", " s ago, and the limit is 10 s"}},
-                   {"get hdg --boat 2", {"last published 70.", "and the limit is 60 s"}},
-                   {"get heel", {"blocked"}},
-                   {"get aws", {"held: another program of the suite has stopped new values for it (system flag 52)"}},
-                   {"get hdg", {"no variation"}},
-                   {"get depth", {"unit chosen"}},
-                   {"get 120", {"stands for no channel"}},
-                   {"get awa --json",
-                    {R"("value":null,"valueUnit":"deg","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
-                   {"get bsp --json", {R"("age":null,"limit":10,"state":"missing","reason":"bridge-not-running","missing":"the bridge)"}},
-                   {"get 120 --json", {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}}});
+    ExpectSaid(
+        1, {{"get twd --json", {R"("value":null)", R"("text":null)", R"("missing":"its source gives what is not a number)"}},
+            {"get bsp", {"the bridge is not running; start " HALYRIG_PROGRAM}},
+            {"get sog", {"(Sys_i6) is 3, and it is 6"}},
+            {"get rot --boat 5", {"no place"}},
+            {"get tws", {"gives no value"}},
+            {"get awa", {"stale: last published 20.", " s ago, and the limit is 10 s"}},
+            {"get hdg --boat 2", {"last published 70.", "and the limit is 60 s"}},
+            {"get heel", {"blocked"}},
+            {"get aws", {"held: another program of the suite has stopped new values for it (system flag 52)"}},
+            {"get hdg", {"no variation"}},
+            {"get depth", {"unit chosen"}},
+            {"get 120", {"stands for no channel"}},
+            {"get awa --json",
+             {R"("value":null,"valueUnit":"deg","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
+            {"get bsp --json", {R"("age":null,"limit":10,"state":"missing","reason":"bridge-not-running","missing":"the bridge)"}},
+            {"get 120 --json", {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}}});
 }
 
 TEST_F(CtlTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
