@@ -324,7 +324,7 @@ TEST_F(CheckTest, NamesWhatIsNewerThanWhatIsInForce) {
     ASSERT_EQ(3u, lines.size()) << "the files of the other folder are not those in force\n" << console.written;
     ExpectIn(lines[0], {"(DataFolder)"});
     bridge->LibraryLoaded(settings.dfwFolder, {false, false});
-    ExpectIn(Found(1).at(0), {"the bridge could not load the library when it looked, and could now"});
+    ExpectIn(Found(1).at(0), {"the bridge could not load Deckman's library when it looked, and could now"});
 }
 
 }  // namespace

@@ -128,7 +128,7 @@ TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
               R"("remote":1,"damped":false},)", R"({"kind":"fault","line":6,"fault":"there is no attribute x;)"});
     WriteSettings(Core().registry, {.dfwFolder = u"/none"});
     ExpectIn(Said("map"), {"there is no file of variables (Data/J_vars06.d) with a variable in the Dfw folder /none; choose"});
-    for (const char* command : {"map suggest", "map add HDG 13"}) ExpectIn(Said(command, 1), {"in the Dfw folder, /none;"});
+    for (const char* command : {"map suggest", "map add HDG 13"}) ExpectIn(Said(command, 1), {"in the Dfw folder /none;"});
 }
 
 TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
