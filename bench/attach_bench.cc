@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the first program of the suite pays at its start, beside the least that the system asks for a record: a block of shared
 // memory that is made, filled and removed.
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A process without a line of this project: it tells by one byte on standard output that its main has begun.
 #include <unistd.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The passes of a tick over a Deckman that answers at once, in a record of their own.
 #pragma once
 #include <vector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a tick and its two passes cost, with a Deckman that answers at once; and how the cost grows with the rows and the boats.
 #include <benchmark/benchmark.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a publication costs, beside the least that it could cost: one reading of the clock and two 8-byte stores.
 #include <benchmark/benchmark.h>
 #include <time.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Times starts of the bridge up to its first tick, and of a bare process up to its main, in turn. The bridge's 100 ms between the
 // start of its timer and the first tick are not counted. Prints a line in CSV for each, as the benchmarks do. No bridge may be
 // running.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a look at the record costs, and what the formats make of it, with every channel changed and with none.
 #include <benchmark/benchmark.h>
 

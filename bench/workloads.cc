@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fixed pieces of work for a count of their instructions: the machine is one of fakes, and its clock moves on by 100 ns a reading,
 // so every run does exactly the same. Callgrind counts within Counted() alone.
 //   halyrig_workloads           prints the names

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bridge's two passes under a clock that a tick advances by 100 ms, as fast as they run: a year takes minutes.
 //   year_of_ticks [DAYS [YYYY-MM-DD]]    366 days from 2027-07-01: both changes of daylight time, a new year, a leap day
 // On each tick every stamp is compared with the clock by the formula, and the steady value's repetition with a second; every hour

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "kept_core.h"
 #include "mapping/legacy_import.h"
 

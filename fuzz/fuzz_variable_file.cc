@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "deckman/variable_file.h"
 #include "support/fakes.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One core on a machine of fakes for all inputs of a target. To make a record for each input takes most of the time otherwise.
 #pragma once
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "reading_model.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What reading gives, stated a second time: by literal offsets and numbers over a record's bytes, and with nothing of the product
 // but the catalogue. 32767.0 stands for no value, and 32767 for no channel.
 #pragma once

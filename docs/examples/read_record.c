@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* A guest of the suite in plain C: joins the record that other programs hold, and prints the own boat's speed with its age.
  *   cc -std=c11 -o read_record read_record.c
  *   read_record [NAME]     another object's name than the suite's, for trials

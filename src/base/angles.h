@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Angles in degrees, and vectors in the plane of the sea.
 #pragma once
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "base/bounded_lines.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lines of a file of any length, and with lines of any length, in a bounded amount of memory.
 #pragma once
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bytes that are read from start to end.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Day numbers as calendar text.
 #pragma once
 #include <optional>

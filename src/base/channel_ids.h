@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The ChannelIds: each channel's index in the channel catalogue, by which the mapping file and every program of the suite know it.
 #pragma once
 #include <cstdint>

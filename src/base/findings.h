@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the readers of the user's files pass over, for whoever wants to know. A reader works the same with and without.
 #pragma once
 #include <cstddef>

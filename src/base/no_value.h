@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sentinel for no value. It is also a legal value to publish: it clears an entry.
 #pragma once
 #include <cstdint>

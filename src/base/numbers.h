@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers: at the start of a text, printed into a text, and whole ones from doubles.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small operations on wide text, and its conversion to and from narrow text.
 #pragma once
 #include <string>

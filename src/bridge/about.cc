@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "base/wide_text.h"
 #include "bridge/controls.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The process: one instance, one dialog.
 #pragma once
 #include "platform/system.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialogs of the bridge: their controls, captions and places, which must match the resources of the Windows program, and the
 // text of the About box.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Import button: takes over the mapping of an older installation and writes it to the mapping file.
 #include "bridge/controls.h"
 #include "bridge/main_dialog.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bridge/instrument_pass.h"
 
 #include <cmath>

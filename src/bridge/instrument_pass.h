@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The first half of a tick: from Deckman into the record.
 #pragma once
 #include <array>

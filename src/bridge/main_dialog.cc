@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bridge/main_dialog.h"
 
 #include <algorithm>
@@ -162,7 +163,7 @@ void CHalyrig32Dlg::PrepareCrashReports() {
     if (!core_.View()) return;
     crashes_.Prepare(JoinPath(JoinPath(core_.GetDataFolder(u""), u"log_system"), u"halyrig_crash.log"),
                      u"while it called Deckman's library " + DeckmanLibrary::PathIn(settings_.dfwFolder) +
-                         u"; see whether Deckman itself runs, and if this comes again, install it anew");
+                         u"; see whether Deckman itself runs, and if this comes again, install it again");
 }
 
 void CHalyrig32Dlg::LoadDfwLibrary() {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main dialog: the settings in view, the library and the mapping behind them, and the tick that carries values both ways.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bridge/remote_pass.h"
 
 #include "core/record_access.h"

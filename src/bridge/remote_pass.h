@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The second half of a tick: from the record to Deckman's remotes.
 #pragma once
 #include <span>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "calibration/curve.h"
 
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One curve of a calibration: corrections over the first axis, joined by a natural cubic spline or straight lines.
 //
 // Any number is accepted: NaN, infinities and points that share an x give some result, never a fault. An x of kNoValue, a missing

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The calibration objects: which there are, and a correction by one.
 #pragma once
 #include <cstddef>

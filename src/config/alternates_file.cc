@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // alternate.csv: the channels that each alternating channel may stand for.
 #include <algorithm>
 #include <array>

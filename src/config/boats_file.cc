@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // boats.xml: names, MMSIs and display colours of the boats.
 #include "base/numbers.h"
 #include "base/wide_text.h"

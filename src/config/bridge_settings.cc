@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "config/bridge_settings.h"
 
 #include "config/saved_settings.h"

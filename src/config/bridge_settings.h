@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the bridge remembers from run to run, in the user's registry.
 #pragma once
 #include <string>

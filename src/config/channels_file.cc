@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // channels.xml: log mark, damping and decimals of single channels, and the types and names of the user channels.
 #include "base/numbers.h"
 #include "base/wide_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The data folder, the root of the suite's files, and the paths that the suite's programs share.
 #include "core/core.h"
 #include "core/record_access.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "config/saved_settings.h"
 
 #include <cstdio>

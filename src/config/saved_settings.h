@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings of the suite in the registry, from which a new record is filled, and how the programs of the suite read a key:
 // what has another form counts as missing.
 #pragma once

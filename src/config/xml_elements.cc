@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "config/xml_elements.h"
 
 #include <algorithm>

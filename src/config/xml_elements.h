@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The walk over a configuration file in XML: a root of a known name and, at any depth, elements whose attributes hold the settings.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The choice of the channel that an alternating channel stands for: one before the start, another upwind, a third downwind.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Calibration: the correction of a raw value on its way into the record.
 #include <algorithm>
 #include <cmath>

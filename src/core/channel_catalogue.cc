@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/channel_catalogue.h"
 
 #include <array>

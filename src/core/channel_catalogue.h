@@ -1,4 +1,5 @@
-// The 414 channels that every program of the suite knows, and what is fixed about each.
+// SPDX-License-Identifier: MIT
+// The channels that every program of the suite knows, and what is fixed about each.
 #pragma once
 #include <cstdint>
 #include <span>

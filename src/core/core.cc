@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/core.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CCore: the core that every program of the suite carries. It attaches to the CoreRecord, creating and filling it when it is the
 // first, and holds all operations on channels, system values and the suite's configuration.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The CoreRecord: the block of named shared memory through which the programs of the suite exchange all live data. A wire format:
 // every program that maps it must agree with every offset, so each gap is a member and each offset is asserted below.
 //

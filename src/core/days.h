@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Times as doubles counting days since 1899-12-30 00:00 UTC. Durations are days too, and can be negative.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The first content of a newly created record.
 #pragma once
 #include <array>

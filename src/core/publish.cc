@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Publication: the steps by which a value enters the record, and the channels derived from it.
 #include <algorithm>
 

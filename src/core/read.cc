@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading: a channel's value out of the record, as the user should see it.
 #include <algorithm>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The record, which other processes read and write at the same time: its fields, its texts, its entries.
 #pragma once
 #include <algorithm>
@@ -34,7 +35,7 @@ void PutInOrder(T& field, T value) {
 }
 
 // --- Texts: fixed fields of UTF-16, ended by a zero ---
-// Each unit is one access, so who reads while another process writes may find a mixture, but always a text.
+// Each unit is one access: a reader may see a mixture of an old text and a new one, but always a text.
 
 // Stores as much of the text as fits before the field's zero.
 template <std::size_t Units>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The numbered settings of the suite, with their bounds.
 #include <algorithm>
 #include <optional>

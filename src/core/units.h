@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's units: what each selector of the record stands for, and the conversion from a channel's internal unit.
 //
 // Selectors come from the record and can be any number. A selector without a row gives no depth rather than a wrong one, and leaves

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "deckman/deckman_library.h"
 
 #include "platform/files.h"

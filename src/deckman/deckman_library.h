@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Access to Deckman: its library ShDfW2 and the four functions taken from it.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "deckman/instrument_value.h"
 
 #include "base/angles.h"

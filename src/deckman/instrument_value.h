@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What Deckman's readings mean: their units, their signs, and which channels it gives in forms of its own.
 #pragma once
 #include "core/record_access.h"

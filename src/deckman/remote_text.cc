@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "deckman/remote_text.h"
 
 #include <algorithm>

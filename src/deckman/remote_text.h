@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts in the form in which Deckman's remote displays take them.
 #pragma once
 #include <array>

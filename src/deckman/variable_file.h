@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Deckman's variable file: which variables exist now, and under which number.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "displays/displays.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the mast displays show: the texts that were last sent to each remote, kept in shared memory so that another process can read
 // them.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bridge/application.h"
 #include "platform/system.h"
 

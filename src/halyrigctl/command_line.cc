@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <sstream>
@@ -115,7 +116,7 @@ void AddWatch(Commands& all) {
 }
 
 void AddChannelList(CLI::App* command, std::vector<std::string>& channels) {
-    command->add_option("--channels", channels, "Only these, parted by commas, as 'halyrigctl get' takes them")
+    command->add_option("--channels", channels, "Only these, separated by commas, as 'halyrigctl get' takes them")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("CHANNEL");

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The commands of halyrigctl, one file each.
 #pragma once
 #include <cstdint>

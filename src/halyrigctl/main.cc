@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // halyrigctl: a look at the suite's record from the command line.
 #include "halyrigctl/commands.h"
 #include "platform/console.h"

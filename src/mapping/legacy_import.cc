@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "mapping/legacy_import.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mapping of older installations, in two comma-separated files. They are read and never written.
 #pragma once
 #include <optional>

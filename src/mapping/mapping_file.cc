@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "mapping/mapping_file.h"
 
 #include <algorithm>

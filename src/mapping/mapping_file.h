@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mapping file: the lasting form of the mapping, in XML.
 #pragma once
 #include <string_view>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mapping: which Deckman variable feeds which channel, and which channel feeds which of Deckman's remotes.
 #pragma once
 #include <cstddef>

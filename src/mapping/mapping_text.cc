@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "mapping/mapping_text.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Changes of the mapping file's text. All that is not changed stays as it is: comments, unknown elements, order, indentation and
 // line ends.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "nmea/log_clock.h"
 
 #include <algorithm>

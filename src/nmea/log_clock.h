@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The time that passes in a log, derived from its sentences as they come.
 #pragma once
 #include <array>

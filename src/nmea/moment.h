@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instruments' values at one moment.
 #pragma once
 #include <array>

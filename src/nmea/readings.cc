@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "nmea/readings.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The readings of the sentences of a log: those of one sentence, and the latest of all.
 #pragma once
 #include <array>

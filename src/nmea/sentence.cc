@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "nmea/sentence.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One line of a log of NMEA 0183, taken apart.
 #pragma once
 #include <array>

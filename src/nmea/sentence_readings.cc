@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which readings a sentence holds.
 #include <algorithm>
 #include <initializer_list>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The time of day and the time zone of the machine.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Narrow text as the older programs of the machine take it.
 #pragma once
 #include <string>

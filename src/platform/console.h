@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The arguments and the output of a command-line program, and the user's request to stop it.
 #pragma once
 #include <functional>

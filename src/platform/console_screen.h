@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A terminal as a whole: pictures on it, and the keys typed at it.
 #pragma once
 #include <optional>

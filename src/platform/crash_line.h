@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The line that tells of a crash. It is put together when nothing may be relied on any more, so it takes no memory and no lock.
 #pragma once
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is left to read when the process crashes, or when other code in it ends it. After a crash it ends as it would without: with
 // the same status, core file and debugger; else with a status other than 0.
 #pragma once

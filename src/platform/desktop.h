@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's desktop: message boxes, the running of a dialog, and the one instance of a program.
 #pragma once
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A dialog and its host: a window of the desktop, a terminal, no screen at all, or the script of a test.
 #pragma once
 #include <cstdint>

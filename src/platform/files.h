@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files and folders. Paths are absolute and use the system's own separator.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writing to an output that may be held up without limit: by Ctrl-S at a terminal, or by a full pipe.
 //
 // How much a terminal or a pipe accepts without blocking can't be predicted, since other processes write there too, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Libraries that are loaded while the program runs. Their functions have the linkage TWR_EXPORT_CALL, which the build defines for
 // each system.
 #pragma once

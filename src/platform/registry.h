@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Typed values under the keys of the user's registry.
 #pragma once
 #include <cstdint>

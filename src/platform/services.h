@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The makers of a system's services: one for each, defined in its folder.
 #pragma once
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Named blocks of memory that several processes hold at once.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All services of the machine.
 #pragma once
 #include <memory>

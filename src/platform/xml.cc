@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/xml.h"
 
 #include "platform/files.h"

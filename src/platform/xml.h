@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading and writing XML files.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The library's four functions. All calls of a process come from one thread.
 #include <cstdint>
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the stand-in has its values from: a simulation, or a log.
 #pragma once
 #include "nmea/moment.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds the course to steer towards a point: straight, or in boards against and before the wind.
 #pragma once
 #include "stand_in/racing_yacht.h"

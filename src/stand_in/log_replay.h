@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Replays a log of NMEA 0183, over and over. The instruments' source if there is one.
 #pragma once
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // log_report: prints what the stand-in can use of a log of NMEA 0183. The exit status is 1 if that is nothing.
 #include "base/wide_text.h"
 #include "platform/console.h"

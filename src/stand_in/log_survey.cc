@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stand_in/log_survey.h"
 
 #include "base/numbers.h"

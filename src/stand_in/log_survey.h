@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the stand-in can use of a log, for a look at it before it is played.
 #pragma once
 #include <cstddef>

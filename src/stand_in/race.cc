@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stand_in/race.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The races of a day: the five minutes before the start, laps between a windward and a leeward mark, the finish, and the next
 // start.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stand_in/racing_yacht.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the simulated yacht moves: steering, speed, heel, leeway and track, step by step.
 #pragma once
 #include "stand_in/wind_model.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A day's racing of a 16 m yacht in the Celtic Sea, the same for the same seed and time. The instruments' source if there is no
 // recording.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stand_in/stand_in.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stand-in for Deckman as its library's four functions show it: instruments of a simulated or recorded yacht, and displays that
 // take texts.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The variables that the stand-in offers, each under a number of its own, and the file that lists them.
 #pragma once
 #include <cstdint>

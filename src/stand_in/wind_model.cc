@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stand_in/wind_model.h"
 
 #include <algorithm>

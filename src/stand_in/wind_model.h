@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The wind over the ground: a slow trend through the day, oscillating shifts of some minutes, and gusts.
 #pragma once
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The speed that the simulated yacht, 16 m long and light, can reach.
 #pragma once
 #include <array>

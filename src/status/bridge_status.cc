@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "status/bridge_status.h"
 
 #include <algorithm>

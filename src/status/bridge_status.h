@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What another process can see of the bridge: whether it runs, and what it says of its own run, by which can be said why a value is
 // missing. The bridge reads nothing back, and nothing that it does depends on whether it can say it.
 #pragma once

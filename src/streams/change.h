@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What has changed in the record, from which all formats of a stream are made, and what had changed when it was recorded.
 #pragma once
 #include <optional>

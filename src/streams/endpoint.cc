@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/endpoint.h"
 
 #include <asio/ip/address.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where in the network a stream is served or sent to, as a user types it.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/follower.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Follows the record: tells what has changed in it from one look to the next.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/gzip.h"
 
 #include <zlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bytes packed by gzip, and unpacked.
 #pragma once
 #include <cstddef>

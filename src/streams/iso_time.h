@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Moments as text of ISO 8601 in UTC: 2026-11-25T01:02:03.4Z.
 #pragma once
 #include <cstdint>

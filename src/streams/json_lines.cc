@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/json_lines.h"
 
 #include <charconv>
@@ -167,7 +168,7 @@ ReadLine ParseJsonLine(std::string_view line) {
     const auto time = MomentIn(object);
     if (!time) return {{}, "\"time\" must be a moment such as \"2026-11-25T01:02:03.4Z\""};
     const auto channel = Below(kChannelCount, object, "id");
-    if (!channel) return {{}, "\"id\" must be a channel's number, 0 to 413"};
+    if (!channel) return {{}, "\"id\" must be a channel's number, 0 to " + std::to_string(kChannelCount - 1)};
     const auto boat = object.contains("boat") ? Below(kBoatCount, object, "boat") : 0;
     if (!boat) return {{}, "\"boat\" must be 0 to 99"};
     const auto value = ValueIn(object);

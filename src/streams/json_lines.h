@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Changes as lines of JSON, for recordings and for programs of the crew's own, and back:
 //   {"time":"2026-11-25T01:02:03.4Z","id":1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"6.50"}
 #pragma once

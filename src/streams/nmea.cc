@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A boat's values as sentences of NMEA 0183, for plotters and displays.
 #include <charconv>
 #include <chrono>

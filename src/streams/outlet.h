@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where a stream goes: standard output, those who listen at a port, or a file.
 #pragma once
 #include <string_view>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A recording: lines of JSON behind a header. docs/streams.md describes it.
 #pragma once
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/recording_name.h"
 
 #include "base/calendar.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names of the files of a recording.
 #pragma once
 #include <optional>

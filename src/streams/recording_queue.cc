@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/recording_queue.h"
 
 #include <chrono>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes a recording in a thread of its own, so that whoever looks at the record never waits for the disk.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Changes as delta messages of Signal K 1.7, one JSON object a line.
 #include <algorithm>
 #include <array>

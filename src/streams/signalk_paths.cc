@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/signalk_paths.h"
 
 #include <numbers>

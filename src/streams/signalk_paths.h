@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which channel is published under which path of Signal K 1.7, and in which of its units.
 #pragma once
 #include <span>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/stream_format.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The open formats in which a stream tells what has changed.
 #pragma once
 #include <cstddef>

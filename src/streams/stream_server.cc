@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/stream_server.h"
 
 #include <algorithm>

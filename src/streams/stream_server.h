@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Serves a stream over TCP to every client that connects.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/udp_sender.h"
 
 #include <asio/io_context.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sends a stream as UDP datagrams.
 #pragma once
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text of a channel's value.
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names of channels, in full and as a remote shows them.
 #include <cstddef>
 

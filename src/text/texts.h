@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts of plain values, without a record: positions, durations and labels. The texts of channels and moments are operations of
 // CCore.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers, lines and characters as every file of the suite has them.
 #include <gtest/gtest.h>
 

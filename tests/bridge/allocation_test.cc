@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A tick on which nothing changes takes no memory from the heap.
 #include "bridge_fixture.h"
 #include "support/allocations.h"
@@ -9,7 +10,7 @@ class AllocationTest : public BridgeTest {};
 
 TEST_F(AllocationTest, AQuietTickTakesNoMemory) {
     std::string variables, elements;
-    for (int i = 1; i < 414; ++i) {
+    for (int i = 1; i < static_cast<int>(kChannelCount); ++i) {
         const std::string number = std::to_string(i);
         variables += number + " V" + number + "\n";
         elements += "<var twr='" + number + "' dfw='" + number + "'/><remote remote='" + number + "' twr='" + number + "'/>";

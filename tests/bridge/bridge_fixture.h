@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole bridge over a scripted host and a Deckman of the test's own; the rest of the machine is real, under the test's own
 // roots.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What every host of the dialog can rely on. The tests of a host show that it passes on what its user does.
 #include <cmath>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two passes of a tick alone: rows as data, over a core of fakes and a Deckman of the test's own.
 #include "base/wide_text.h"
 #include "bridge/instrument_pass.h"
@@ -162,12 +163,10 @@ TEST_F(InstrumentPassTest, ReadsOnlyWhatItCan) {
     record.SetInt(6, 3);
     timer = 9;
     settings.useTimer = true;
-    const std::tuple<std::string, MappingVar, Reads, bool> rows[] = {{"Usr_Read", Mapped(kBsp, 1), {}, true},
-                                                                     {"Usr_GetPosition", Mapped(kBsp, 1), {1, 9}, false},
-                                                                     {"Usr_SetISData", Mapped(kBsp, 1), {1, 9}, true},
-                                                                     {"", Mapped(kTime, 1), {9}, true},
-                                                                     {"", Mapped(414, 1), {9}, true},
-                                                                     {"", Mapped(kBsp, kNoInt), {9}, true}};
+    const std::tuple<std::string, MappingVar, Reads, bool> rows[] = {
+        {"Usr_Read", Mapped(kBsp, 1), {}, true},          {"Usr_GetPosition", Mapped(kBsp, 1), {1, 9}, false},
+        {"Usr_SetISData", Mapped(kBsp, 1), {1, 9}, true}, {"", Mapped(kTime, 1), {9}, true},
+        {"", Mapped(kChannelCount, 1), {9}, true},        {"", Mapped(kBsp, kNoInt), {9}, true}};
     for (const auto& [missing, mapped, reads, position] : rows) {
         LoadLibrary(missing);
         variables = {mapped};

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Programs of the suite that start at the same moment. One of them makes the record and fills it from the registry, and the others
 // read in it meanwhile. Nobody waits, and yet all must come to the data folder that the registry names.
 #include <iostream>

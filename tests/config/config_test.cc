@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The suite's configuration files, its folders and the paths it shares. Files and XML are the system's own, all else is fake.
 
 #include "base/wide_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The record's life: created, filled by what the machine has saved, joined, and left alone where there is none.
 
 #include "base/wide_text.h"

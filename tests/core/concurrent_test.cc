@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two programs at the same record, here as two threads: under the sanitizer of threads any access that is not one atomic access of
 // the field's width is a fault. Values are also never seen that were not published.
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What publication and the settings of the suite write into the record.
 #include <set>
 #include <thread>
@@ -53,8 +54,8 @@ TEST_F(PublishTest, RefusesAndStoresNothing) {
     record.Set<std::uint8_t>(R::Channel(kBsp) + 1, 1);  // blocked
     record.Set<std::uint8_t>(R::Channel(kAws) + 4, 1);  // held
     SetFlag(kFlagHoldActive);
-    const std::pair<ChannelId, BoatSlot> rows[] = {{kTime, 0},  {414, 0},    {32767, 0}, {~0u, 0},
-                                                   {kTws, 100}, {kTws, ~0u}, {kBsp, 0},  {kAws, 0}};
+    const std::pair<ChannelId, BoatSlot> rows[] = {{kTime, 0},  {kChannelCount, 0}, {32767, 0}, {~0u, 0},
+                                                   {kTws, 100}, {kTws, ~0u},        {kBsp, 0},  {kAws, 0}};
     for (const auto& [channel, boat] : rows) {
         SCOPED_TRACE(::testing::Message() << "channel " << channel << " boat " << boat);
         machine.clock.AdvanceMs(100);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What comes out of the record: a channel's value, the channel that an alternating one stands for, and the user's units.
 
 #include "base/wide_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers and texts are the same in every build: each of these sums was taken from one build and holds for all.
 #include <cmath>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Set-ups with one fault each: what is said of it first, and that nothing is changed by looking.
 #include <algorithm>
 #include <filesystem>
@@ -176,14 +177,14 @@ TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
         {"alternate.csv:3", '!' + longer + "\n3,13,14,0,0,0,0,0,0,0\n!" + std::string(kLargestFile, 'x'),
          "the file is larger than 64 MiB, and nothing behind this line", 1},
         {"alternate.csv:1", "10,13,14,0,0,0,0,0,0,0\n", "there is no row 10", 1},
-        {"alternate.csv:1", "3,13,414,0,0,0,0,0,0,0\n", "there is no channel 414", 1},
+        {"alternate.csv:1", "3,13,500,0,0,0,0,0,0,0\n", "there is no channel 500", 1},
         {"alternate.csv:1", "3,13,65549,-1,0,0,0,0,0,32767\n", "there is no channel 65549", 1},
         {"alternate.csv:1", "3,13,14,0,0,0,0,0,0,x\n", "x is not a number", 1},
         {"alternate.csv:1", "3,13,14,0,0,0,0,0,0,\n4 13 14 0 0 0 0 0 0\n", nullptr, 0},
         {"channels.xml:1", "<chanels/>", "begin it with <channels>", 1},
         {"channels.xml:2", "<channels>\n<chanel id='1'/></channels>", "there is no element chanel", 1},
         {"channels.xml:1", "<channels><channel id='1' colour='1'/></channels>", "there is no attribute colour", 1},
-        {"channels.xml:1", "<channels><channel id='414' prec='1'/></channels>", "there is no channel 414", 1},
+        {"channels.xml:1", "<channels><channel id='500' prec='1'/></channels>", "there is no channel 500", 1},
         {"channels.xml:1", "<channels><channel prec='1' id='1'/></channels>", "prec stands before id", 1},
         {"channels.xml:1", "<channels><channel prec='1' log='1'/></channels>", "it has no id", 1},
         {"channels.xml:1", "<channels><channel id='1' prec='255'/></channels>", R"(prec="255" is out of range)", 1},

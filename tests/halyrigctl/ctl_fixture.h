@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // halyrigctl over the real machine under a test's own roots, with a console that the test reads.
 #pragma once
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <cmath>
 
@@ -78,12 +79,13 @@ TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
     StartSuite();
     Record().SetText(RecordBytes::Channel(172) + 12, u"Jib lead position");
     Record().SetText(RecordBytes::Channel(172) + 76, u"Jib lead positi");
-    const std::pair<std::optional<ChannelId>, std::vector<const char*>> rows[] = {
-        {0, {"0", "Time"}}, {13, {"13", "hdg"}},
-        {34, {"Tm on S"}},  {172, {"jib lead position", "Jib lead positi"}},
-        {413, {"413"}},     {{}, {"414", "", "User0", "-1", "xyz", "13x", "99999999999"}}};
+    const std::string last = std::to_string(kChannelCount - 1), beyond = std::to_string(kChannelCount);
+    const std::pair<std::optional<ChannelId>, std::vector<std::string>> rows[] = {
+        {0, {"0", "Time"}},          {13, {"13", "hdg"}},
+        {34, {"Tm on S"}},           {172, {"jib lead position", "Jib lead positi"}},
+        {kChannelCount - 1, {last}}, {{}, {beyond, "", "User0", "-1", "xyz", "13x", "99999999999"}}};
     for (const auto& [channel, names] : rows) {
-        for (const char* name : names) EXPECT_EQ(channel, FindChannel(*suite, name)) << name;
+        for (const std::string& name : names) EXPECT_EQ(channel, FindChannel(*suite, name)) << name;
     }
 }
 

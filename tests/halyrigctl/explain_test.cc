@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // For each reason the real bridge over the stand-in is brought to it, and the reason is seen first, and no other.
 #include <cmath>
 #include <filesystem>

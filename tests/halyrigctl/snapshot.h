@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All that a test's system keeps in files and registry.
 #pragma once
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // halyrigctl stream into the network: the test is the client, while the command waits for the next look.
 #include <asio/io_context.hpp>
 #include <asio/ip/tcp.hpp>

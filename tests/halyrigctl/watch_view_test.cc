@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The view's pictures, and the parts of which they are made.
 #include "halyrigctl/watch/watch_view.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files that map Deckman's variables and remotes: its own list of variables, the mapping, and the two files of old.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A library crashes in a process of its own: what is left to read names it, and the process ends as by the crash alone.
 #include <gtest/gtest.h>
 

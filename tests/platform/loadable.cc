@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A library for the tests of this folder to load.
 #include <atomic>
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The small services of a system: its clock, arguments, console, instance, libraries and registry.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Watches the bridge's ticks from outside, by the stamps of a channel that it publishes on each of them:
 //   tick_jitter RECORD OFFSET SECONDS    OFFSET: of the stamp in the record, a double of days
 // Looks every millisecond and prints, in milliseconds, by how much the time from tick to tick differed from 100: the median, the 99th

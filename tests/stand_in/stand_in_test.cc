@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stand-in as a program that loads it meets it: its clock, its settings, its displays, and at last the built library itself.
 #include "stand_in/stand_in.h"
 

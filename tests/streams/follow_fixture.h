@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A follower over a machine of fakes.
 #pragma once
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/json_lines.h"
 
 #include <cstring>
@@ -55,8 +56,8 @@ TEST_F(JsonLinesTest, ComesBackAsPublished) {
     std::mt19937_64 random(1);
     for (int i = 0; i < 2000; ++i) {
         const std::uint64_t bits = random();
-        Change change{46351.0 + static_cast<double>(random() % 86400000000) / 86400e6, static_cast<ChannelId>(1 + random() % 413),
-                      static_cast<BoatSlot>(random() % 100), 0.0};
+        Change change{46351.0 + static_cast<double>(random() % 86400000000) / 86400e6,
+                      static_cast<ChannelId>(1 + random() % (kChannelCount - 1)), static_cast<BoatSlot>(random() % 100), 0.0};
         std::memcpy(&change.value, &bits, sizeof bits);
         if (!std::isfinite(change.value) || i % 10 == 0) change.value = kNoValue;
         const ReadLine read = ParseJsonLine(Line(change));
@@ -89,7 +90,7 @@ TEST(JsonLineReaderTest, RefusesWithLineNumberAndReason) {
     const std::pair<std::string, const char*> rows[] = {
         {"{", "line 201: it is no JSON object"},
         {R"({"time":"today","id":1,"value":1})", "\"time\""},
-        {R"({"time":"2026-11-25T01:02:03Z","id":414,"value":1})", "\"id\""},
+        {R"({"time":"2026-11-25T01:02:03Z","value":1,"id":)" + std::to_string(kChannelCount) + "}", "\"id\" must be"},
         {R"({"time":"2026-11-25T01:02:03Z","id":1.5,"value":1})", "\"id\""},
         {R"({"time":"2026-11-25T01:02:03Z","id":1,"boat":100,"value":1})", "\"boat\""},
         {R"({"time":"2026-11-25T01:02:03Z","id":1})", "\"value\""},

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "streams/recording.h"
 
 #include <gtest/gtest.h>

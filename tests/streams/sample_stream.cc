@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a boat streams that has a value in every channel, for the scripts that compare it with schemas, decoders and documents. The
 // argument says what is printed:
 // - signalk: deltas of boats 0 and 1, of which channel N has the value 1 + N / 128 and its end, and boat 2 has no MMSI

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Streams in the network: real sockets of 127.0.0.1, both ends of which are served by the one thread of the test.
 #include "streams/stream_server.h"
 

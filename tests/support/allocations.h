@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program that is linked with allocations.cc counts every request for memory.
 #pragma once
 

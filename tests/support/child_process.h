@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second process of the running test program, for what only two processes can show.
 #pragma once
 #include <functional>

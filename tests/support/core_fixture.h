@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A core over a machine of fakes, with its record in view by literal offsets.
 #pragma once
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Stand-ins for the services of a machine, each controlled by the test. Tests that need real files and XML use the real services in
 // a temporary folder.
 #pragma once

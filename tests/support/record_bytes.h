@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The record as another program of the suite sees it: by literal offsets, never through the product's own structs.
 #pragma once
 #include <cstddef>

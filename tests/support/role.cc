@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The roles of a test program, and the main of every one.
 #include <gtest/gtest.h>
 

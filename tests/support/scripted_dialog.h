@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A dialog that records the events from its host, and acts on them as a test asks.
 #pragma once
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host of the dialog that a test's script plays: it presses, ticks and answers as a user would.
 #pragma once
 #include <functional>

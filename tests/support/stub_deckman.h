@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A Deckman library controlled by a test: its variables can be set, its calls are recorded.
 #pragma once
 #include <cstdint>

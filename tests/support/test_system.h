@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The real services of this system, under roots that no running suite and no other test uses.
 #pragma once
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dates, durations, positions and labels, the texts of the record's channels, and the system log.
 #include <gtest/gtest.h>
 

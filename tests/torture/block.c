@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A named block of shared memory, or on Linux a file by its path, as another program finds it. Status 3 if there is none.
 //   block NAME                                   prints its bytes
 //   block NAME OFFSET BYTE                       writes one of them

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Preloaded into a program: its clock, not the machine's, differs by as many seconds as the file TORTURE_CLOCK says now.
 #define _GNU_SOURCE
 #include <fcntl.h>

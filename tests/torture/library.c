@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A library in Deckman's place that misbehaves as the environment variable TORTURE says: "hold" waits in Usr_Read while the file
 // TORTURE_HOLD exists, the names in Crash end the process sooner or later, "anything" gives random numbers, "signals" has timers
 // TORTURE_HOLD exists, the names in Crash end the process sooner or later, "anything" gives random numbers, "signals" has timers

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Preloaded into a program: the disk takes TORTURE_FLUSH milliseconds to write down what it was given.
 #include <stdlib.h>
 #include <sys/syscall.h>

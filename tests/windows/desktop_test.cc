@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window host, showing the dialogs among the product's resources. What a user of the product sees is in product_test.cc.
 
 #include <gtest/gtest.h>

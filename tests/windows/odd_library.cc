@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A library in Deckman's place that runs a loop of messages in each reading, and crashes in it if the environment says so.
 #include <cstdint>
 

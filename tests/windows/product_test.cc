@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The product itself: Halyrig32.exe in a process of its own, used through its window as a navigator would, while this process
 // watches the record as another program of the suite. It uses the user's own registry and record, so it runs only where those are
 // the tests' own: under Wine, in the prefix that run_wine makes.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether what is shown, and what the boxes ask for, is fed by anything.
 #include <algorithm>
 

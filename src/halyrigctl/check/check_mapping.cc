@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mapping line by line: what is passed over, and what has no effect.
 #include <algorithm>
 

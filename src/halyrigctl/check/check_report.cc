@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/check/check_report.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What comes of a set-up, and its forms for people and programs.
 #pragma once
 #include <cstddef>

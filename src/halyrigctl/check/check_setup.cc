@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/check/check_setup.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The set-up as the bridge finds it, looked at part by part. Nothing is written and no record made.
 #pragma once
 #include <optional>

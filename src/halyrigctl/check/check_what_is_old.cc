@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files and settings that are newer than what is in force.
 #include <cstring>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // map: the mapping as it stands, with names on both sides and the values of now.
 #include <string>
 #include <vector>

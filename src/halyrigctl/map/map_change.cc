@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/map/map_change.h"
 
 #include "base/wide_text.h"

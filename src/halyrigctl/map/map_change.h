@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One change of the user's mapping file by command: what it needs to know, and how it ends.
 #pragma once
 #include <functional>

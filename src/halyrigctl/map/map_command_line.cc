@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/map/map_command_line.h"
 
 #include <CLI/CLI.hpp>

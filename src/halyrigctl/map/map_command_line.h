@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How 'halyrigctl map' and its own commands are typed.
 #pragma once
 #include "halyrigctl/commands.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/map/map_file.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mapping file as it is read before it is changed, and how a changed one takes its place.
 #pragma once
 #include <string>

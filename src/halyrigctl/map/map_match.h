@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which channel a variable of Deckman's belongs to, by its name and unit.
 #pragma once
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // map add-remote and map remove-remote: which channel a remote of Deckman's shows.
 #include <algorithm>
 

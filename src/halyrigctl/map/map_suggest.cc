@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // map suggest: commands that map Deckman's variables which are not mapped yet.
 #include <algorithm>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // map add and map remove: which of Deckman's variables feeds a channel.
 #include <algorithm>
 #include <optional>

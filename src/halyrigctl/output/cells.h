@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts in columns. A width is a number of characters; texts are UTF-8.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How halyrigctl attaches to the record: as a guest of the programs that hold it.
 #pragma once
 #include <optional>

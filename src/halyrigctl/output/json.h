@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // JSON in the order in which it is written, for the .cc files of the commands that give it.
 #pragma once
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The messages and the output of halyrigctl.
 #pragma once
 #include <string>

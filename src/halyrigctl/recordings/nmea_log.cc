@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/recordings/nmea_log.h"
 
 #include "core/days.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads a log of NMEA 0183 sentences, as the stand-in for Deckman does, and maps it to channels.
 #pragma once
 #include <deque>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Publishes what was recorded.
 #pragma once
 #include <map>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/setup/bridge_pulse.h"
 
 #include <cmath>

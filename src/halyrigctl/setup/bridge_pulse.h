@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether the bridge works, from looks at its count of ticks.
 #pragma once
 #include <cstdint>

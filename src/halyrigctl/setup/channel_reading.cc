@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/setup/channel_reading.h"
 
 #include <cmath>

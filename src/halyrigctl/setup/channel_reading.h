@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One channel of one boat as its user would see it, and why it has no value.
 #pragma once
 #include <optional>

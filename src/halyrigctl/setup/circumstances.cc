@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/setup/circumstances.h"
 
 #include <algorithm>
@@ -68,9 +69,9 @@ void Circumstances::LookAgain() {
     settings.dfwFolder = Trimmed(std::u16string_view(folder_ ? *folder_ : settings.dfwFolder));
     pulse_.Look(bridge, now * kSecondsPerDay);
     standsStill_.reset();
-    const bool anew = before != std::pair(bridge ? std::optional(bridge->mapping.readAt) : std::nullopt, settings.dfwFolder);
-    if (anew) library_.reset();
-    if (!anew && std::fabs(now - filesSince_) < kFilesLast) return;
+    const bool chosenAgain = before != std::pair(bridge ? std::optional(bridge->mapping.readAt) : std::nullopt, settings.dfwFolder);
+    if (chosenAgain) library_.reset();
+    if (!chosenAgain && std::fabs(now - filesSince_) < kFilesLast) return;
     variables_.reset();
     mapping_.reset();
     dryRun_.reset();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What decides besides the record whether a channel has a value: the bridge's state, and the user's files as they are now.
 #pragma once
 #include <cstddef>
@@ -44,8 +45,8 @@ public:
     // `folder` takes the place of the Dfw folder that is in force or saved.
     Circumstances(System& system, const CCore& core, const std::optional<std::u16string>& folder = std::nullopt);
 
-    // The next moment. The user's files are read anew if asked for again after five seconds, or after the bridge has read them; the
-    // library only if the bridge has chosen anew.
+    // The next moment. The user's files are read again if asked for after five seconds, or after the bridge has read them; the
+    // library only if another has been chosen.
     void LookAgain();
 
     const LibraryLook& Library();

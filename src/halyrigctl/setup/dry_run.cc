@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/setup/dry_run.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a start of the bridge would make of the user's files and registry, found out by the suite's own code without any effect.
 #pragma once
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether the library in a Dfw folder can be used.
 #pragma once
 #include <string>

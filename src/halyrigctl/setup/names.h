@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names as users type them: channels, and what a mistyped one was meant to be.
 #pragma once
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Why a value is missing and what the readers of the user's files pass over, in words that say what to do: for all commands.
 #pragma once
 #include <cstddef>

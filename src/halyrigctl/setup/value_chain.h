@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way of a value, link by link: from Deckman through the bridge into the record, and on to its user.
 #pragma once
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/record_access.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/output/guest.h"

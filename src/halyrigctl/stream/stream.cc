@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "base/wide_text.h"
 #include "halyrigctl/stream/streamer.h"
 #include "streams/stream_server.h"

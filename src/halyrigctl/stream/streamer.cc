@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/stream/streamer.h"
 
 #include <algorithm>

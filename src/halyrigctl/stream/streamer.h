@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Carries the record's channels to an outlet, from one record to the next.
 #pragma once
 #include <cstdint>

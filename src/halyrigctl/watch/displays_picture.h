@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The remotes drawn as the displays on the mast.
 #pragma once
 #include <string>

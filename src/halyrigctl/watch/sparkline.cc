@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/watch/sparkline.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The course of a value over the last minute as a row of small bars.
 #pragma once
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/watch/watch_table.h"
 
 #include <algorithm>

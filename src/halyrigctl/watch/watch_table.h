@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The watched channels as lines: of a table on a screen, and of plain text.
 #pragma once
 #include <span>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The live view of watch: what its user has chosen to see by keys, and its pictures.
 #pragma once
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/watch/watched_channels.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The channels that watch shows, look by look.
 #pragma once
 #include <map>

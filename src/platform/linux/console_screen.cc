@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/console_screen.h"
 
 #include <utility>

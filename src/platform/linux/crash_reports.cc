@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/crash_reports.h"
 
 #include <fcntl.h>

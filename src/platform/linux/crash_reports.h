@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the process ends at once, and what is done then.
 #pragma once
 

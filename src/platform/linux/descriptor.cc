@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/descriptor.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Open file descriptors and common operations on them.
 #pragma once
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Calls by which a library may end the process unseen. Those of exit and quick_exit are noticed by marks; the others are defined
 // here as well, and the loader binds what a library calls to the program's own functions before those of the C library.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host of a dialog without a screen: it ticks, and treats the signals that end a program as the closing of its window.
 
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/library.h"
 
 #include <dlfcn.h>

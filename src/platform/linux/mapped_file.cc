@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/mapped_file.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The file whose code or data is mapped at an address, found without memory or locks, so in a signal's handler too.
 #pragma once
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What this system's services share, and the makers of its further ones.
 #pragma once
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A block is a POSIX object on which every holder keeps a read lock, which the kernel drops with the process. The write lock,
 // available only while no process holds the block, is the right to create it and the right to unlink its name.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/shared_object.h"
 
 #include <fcntl.h>

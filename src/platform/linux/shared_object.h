@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The POSIX object behind a block of shared memory, and the locks that show whether it is held.
 #pragma once
 #include <sys/types.h>

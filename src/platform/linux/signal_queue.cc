@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/signal_queue.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Signals as events, in place of what they would do to the process.
 #pragma once
 #include <poll.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/standard_error.h"
 
 #include <errno.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Messages to a user who has no window.
 #pragma once
 #include <string>

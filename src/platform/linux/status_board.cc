@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program's status is a file that it maps and keeps locked: a lock shows that what is there is not left by a program that was
 // killed. Each run makes a file of its own, so that nothing else that has an earlier one, a forked child with its lock included,
 // has anything to do with it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What every host of this system keeps of an open dialog: what its controls show, its timers, and whether it is to close or end.
 #pragma once
 #include <chrono>

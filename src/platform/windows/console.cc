@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/console.h"
 
 #include "platform/held_output.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/console_screen.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The console window as a screen, beside the buffer that the command prompt uses.
 #pragma once
 #include <memory>

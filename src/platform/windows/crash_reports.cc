@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/crash_reports.h"
 
 #include <signal.h>

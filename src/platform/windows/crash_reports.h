@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the reports of crashes must know before.
 #pragma once
 #include "platform/windows/win32.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "base/wide_text.h"
 #include "platform/services.h"
 #include "platform/windows/unique_handle.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers of resources that the executable and its window host agree on.
 #pragma once
 

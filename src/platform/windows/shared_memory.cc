@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/shared_memory.h"
 
 #include <cstring>

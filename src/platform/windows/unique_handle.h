@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Owners of Windows handles.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The headers of Windows, in the order that they need, and its texts, times and paths as the suite has them.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole program as its user sees it at a terminal, in a process of its own.
 #include <gtest/gtest.h>
 #include <signal.h>

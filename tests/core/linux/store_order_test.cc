@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two stores of a publication come in their order. A page that can't be written stops the process at one of them, and what the
 // other entry holds at that moment tells which came first.
 #include <gtest/gtest.h>

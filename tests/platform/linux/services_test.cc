@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the small services of Linux do with its environment, signals, zones and terminals.
 #include "platform/linux/services.h"
 

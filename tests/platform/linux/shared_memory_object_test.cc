@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What other programs see of a block from outside. "hold block" is a role of shared_memory_test.cc.
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal host, in a process at a pseudo-terminal. Its dialog shows in the folder field what it is told.
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/linux/pseudo_terminal.h"
 
 #include <fcntl.h>

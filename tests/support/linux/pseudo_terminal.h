@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A user at a terminal: starts a role of this test program there, reads the screen, types, and waits for the result.
 #pragma once
 #include <sys/types.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Signals as another process sends them.
 #pragma once
 #include <signal.h>

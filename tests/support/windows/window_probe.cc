@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/windows/window_probe.h"
 
 #include "platform/windows/win32.h"

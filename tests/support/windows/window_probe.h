@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A dialog on the desktop, of this process or another, as its user and a screen reader see it.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/registry/registry_syntax.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The single entries of a registry file's text: how they are read and written.
 #pragma once
 #include <string>

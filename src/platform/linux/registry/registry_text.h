@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A registry file's text, in the form that the Windows registry editor exports.
 #pragma once
 #include <optional>

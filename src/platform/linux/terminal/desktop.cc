@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The desktop of a user at a terminal. Before the dialog is open there is no screen: a box then is a plain line.
 
 #include <array>

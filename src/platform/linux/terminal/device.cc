@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/terminal/device.h"
 
 #include <fcntl.h>

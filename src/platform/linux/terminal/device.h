@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal of standard input and output, taken over for the life of the object. Nothing here waits for a terminal that accepts
 // no output, and the terminal is restored on every exit, a crash included.
 #pragma once

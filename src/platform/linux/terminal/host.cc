@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/terminal/host.h"
 
 #include "platform/linux/terminal/text.h"

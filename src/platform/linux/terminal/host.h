@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An open dialog in the terminal: its loop, and the layers on top of it.
 #pragma once
 #include <string_view>

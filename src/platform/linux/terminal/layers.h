@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The layers of the screen: the dialog below, and on it a box or the folder list. The topmost takes all keys.
 #pragma once
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/terminal/screen.h"
 
 #include <curses.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The screen of a terminal as curses draws it, and the keys that it distinguishes.
 #pragma once
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/terminal/session.h"
 
 #include <poll.h>

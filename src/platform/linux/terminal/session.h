@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The terminal as a job of a shell has it: taken for the first picture, given back while the job is stopped or in the background.
 #pragma once
 #include <chrono>
@@ -40,7 +41,7 @@ private:
 
     SignalQueue signals_{{SIGTSTP, SIGCONT, SIGWINCH}};
     std::unique_ptr<TerminalScreen> screen_;
-    bool stale_ = false;    // the job was stopped meanwhile: the screen must be taken anew
+    bool stale_ = false;    // the job was stopped meanwhile: the screen must be taken again
     bool gone_ = false;     // there is no terminal any more
     bool closing_ = false;  // and Take hasn't told yet
 };

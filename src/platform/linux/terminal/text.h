@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text in the cells of a terminal. Which characters can be shown and how wide they are depends on the TerminalLocale in force.
 #pragma once
 #include <locale.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The desktop of Windows: message boxes, and dialogs from the executable's resources.
 #include "platform/services.h"
 #include "platform/windows/dialog/dialog_host.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/dialog/dialog_host.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A dialog as a window of the desktop, laid out by a template among the executable's resources.
 #pragma once
 

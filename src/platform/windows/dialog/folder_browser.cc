@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/dialog/folder_browser.h"
 
 #include "platform/windows/unique_handle.h"

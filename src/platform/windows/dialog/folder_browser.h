@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shell's box for picking a folder.
 #pragma once
 

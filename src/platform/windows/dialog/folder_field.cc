@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/windows/dialog/folder_field.h"
 
 #include "platform/windows/win32.h"

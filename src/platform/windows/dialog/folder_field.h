@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An edit control that shows a folder and holds, at its right end, the button for picking another. F4, the space bar and Alt with
 // the down arrow press the button from the keyboard.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pieces of the XML service.
 #pragma once
 #include <memory>

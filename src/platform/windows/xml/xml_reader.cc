@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <xmllite.h>
 
 #include <algorithm>
