@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     if (settings.speed < 0.1 || settings.speed > 100.0 || settings.startLead < 10 || settings.startLead > 3600) __builtin_trap();
 
     twr::LogReplay replay(files, u"/file");
-    // Long steps would play a short recording, which begins anew a second after its end, again and again; so it is taken away.
+    // Long steps would play a short recording, which begins again a second after its end, for ever; so it is taken away.
     for (const double step : {0.1, 1.5, 100.0}) {
         if (step > 2.0) files.files.clear();
         replay.Advance(step);

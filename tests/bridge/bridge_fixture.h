@@ -36,7 +36,7 @@ public:
     NameLook Look(std::u16string_view) const override { return {host.timerRuns ? NameLook::kTaken : NameLook::kFree}; }
     void RaiseOther(std::u16string_view caption) override { raised = caption; }
     std::optional<std::array<std::uint16_t, 4>> FileVersion() const override { return version; }
-    void Prepare(std::u16string_view file, std::u16string_view) override { crashFile = file; }
+    void Prepare(std::u16string_view file, std::u16string_view calls) override { crashFile = file, crashCalls = calls; }
     void Calling(bool calls) override { calling = calls; }
 
     FakeClock clock;
@@ -45,7 +45,7 @@ public:
     Libraries* libraries = &deckman;
     Console* console;
     bool otherRuns = false;
-    std::u16string claimed, raised, crashFile;
+    std::u16string claimed, raised, crashFile, crashCalls;
     bool calling = false;
     std::optional<std::array<std::uint16_t, 4>> version = {{2, 5, 1, 0}};
 

@@ -146,6 +146,7 @@ TEST_F(DialogTest, AnImportReplacesTheMappingOrLeavesIt) {
         Run([&, &read = reads] {
             Variables("12 BSP\n13 TWS\n14 TWD\n");  // the import goes by Deckman's files of its moment
             host.Press(kImportButton);
+            EXPECT_EQ(static_cast<int>(read.size()), Status()->mapping.varRows);
             EXPECT_EQ(read, TickReads());
         });
         const std::string file = test.folder.Read(kMappingFile);
@@ -205,6 +206,10 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
     MappingXml("<var twr='1' dfw='BSP'/><remote remote='3' twr='1'/>");
     stored->useTimer = true;
     deckman.variables = {{12, 6.0f}, {20, 6.0f}, {50, 300.0f}};
+    deckman.onLoad = [&](std::u16string_view path) {
+        EXPECT_TRUE(machine.calling && machine.crashCalls.find(path) != machine.crashCalls.npos)
+            << "a crash of its start is its own";
+    };
     Run([&] {
         EXPECT_EQ((Reads{12, 50}), TickReads());
         deckman.variables[50] = 100.0f;
@@ -321,6 +326,7 @@ TEST_F(DialogTest, ItFollowsTheDataFolderOnlyOfARecordThatItJoinedHalfFilled) {
             host.Tick();
             EXPECT_EQ(Reads({row.variable, 50}), TickReads());
             EXPECT_EQ(row.namedThen, record.Text(kFolder));
+            EXPECT_TRUE(machine.crashFile.starts_with(row.variable == 12 ? usual : ashore));
             host.Tick(12);
             EXPECT_NE(0.0, record.F64(kStamp));
             EXPECT_EQ(row.variable == 12 ? 1u : 2u, deckman.sent.size()) << "nothing is sent twice, but by another mapping";

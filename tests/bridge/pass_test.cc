@@ -82,6 +82,7 @@ TEST_F(InstrumentPassTest, ASteadyReadingGoesOutOnceASecond) {
         SCOPED_TRACE(what);
         variables = {Mapped(channel, 12)};
         deckman.variables[12] = reading;
+        SetFlag(38, false);
         Tick();
         const double first = machine.clock.Days();
         EXPECT_EQ(first, OwnTime(channel));
@@ -157,6 +158,9 @@ TEST_F(InstrumentPassTest, TrueBearingsNeedTheVariationOfTheRecord) {
     deckman.variables[13] = 10.0f;
     Tick();
     EXPECT_EQ(175.0, Own(kHdg)) << "the row before has just published it";
+    deckman.variables[13] = 12.0f;
+    Tick();
+    EXPECT_EQ(173.0, Own(kHdg)) << "and another one";
 }
 
 TEST_F(InstrumentPassTest, ReadsOnlyWhatItCan) {
@@ -176,6 +180,11 @@ TEST_F(InstrumentPassTest, ReadsOnlyWhatItCan) {
         EXPECT_EQ(position, deckman.positions == 1) << missing;
         EXPECT_EQ(1, record.U8(R::SysFlag(38)));
     }
+    record.SetInt(6, 0);
+    LoadLibrary("Usr_Read");
+    SetFlag(38, false);
+    Tick();
+    EXPECT_EQ(1, record.U8(R::SysFlag(38))) << "by a pass that reads nothing";
 }
 
 using Sent = std::vector<std::string>;

@@ -41,8 +41,8 @@ protected:
     void Attach() {
         core.reset();
         const CoreServices real = real_.system->Core();
-        core = std::make_unique<CCore>(
-            CoreServices{machine.clock, machine.zone, machine.memory, machine.registry, real.files, real.xml, machine.desktop});
+        core = std::make_unique<CCore>(CoreServices{machine.clock, machine.zone, machine.memory, machine.registry, real.files,
+                                                    real.xml, machine.desktop, &heard});
         record = RecordBytes(core->View());
     }
 
@@ -66,7 +66,7 @@ protected:
 
     using Row = std::pair<std::string, const char*>;  // the content of a file, and what is told then
 
-    // Attaches anew with each content of a file, for XML within its root.
+    // Attaches again with each content of a file, for XML within its root.
     void Check(const std::string& file, const std::string& root, std::span<const Row> rows) {
         for (const auto& [content, told] : rows) {
             Write(file, root.empty() ? content : "<" + root + ">" + content + "</" + root + ">");
@@ -74,6 +74,8 @@ protected:
             EXPECT_EQ(told, Told()) << content;
         }
     }
+
+    CollectedFindings heard;
 
 private:
     std::string usual_{reinterpret_cast<const char*>(core->View()), RecordBytes::kSize};
@@ -137,7 +139,12 @@ TEST_F(ConfigTest, ChannelsTakeWhatCounts) {
         {"<channel id='172' user='A' type='6' log='' USER='' TYPE='' damp='' prec=''/>", "172:,,,6,'A','A' "},
         {noDecimals, ""}};
     Check("channels.xml", "channels", rows);
+    heard.found.clear();
+    const std::string fits(31, 'x');
+    Write("channels.xml", "<channels><channel id='172' user='" + fits + "'/><channel id='173' user='" + fits + "x'/></channels>");
     EXPECT_TRUE(core->LoadChannelsFile());
+    ASSERT_EQ(1u, heard.found.size());
+    EXPECT_EQ(std::pair(Flaw::kCut, FromUtf8(fits)), std::pair(heard.found[0].flaw, heard.found[0].text));
     Write("channels.xml", "<settings><channels><channel id='1' prec='3'/></channels></settings>");
     EXPECT_FALSE(core->LoadChannelsFile());
 }

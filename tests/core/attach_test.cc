@@ -37,7 +37,7 @@ TEST_F(AttachTest, ALaterProcessTakesTheRecordAsItFindsItAndTheLastHolderEndsIt)
     EXPECT_EQ(7.5, second->View()->fullBlocks[0].value[kBsp]);
     second.reset();
     Restart();
-    EXPECT_EQ(kNoValue, Own(kBsp)) << "created anew";
+    EXPECT_EQ(kNoValue, Own(kBsp)) << "created again";
 }
 
 TEST_F(AttachTest, AGuestWaitsForTheEndOfTheFilling) {

@@ -68,6 +68,8 @@ TEST_F(PublishTest, RefusesAndStoresNothing) {
     EXPECT_TRUE(core->SetOwnChannel(kBsp, 7.5, 0.0)) << "an own channel passes blocks";
     EXPECT_TRUE(Own(kBsp) == 7.5 && record.U8(R::Channel(kBsp) + 2) == 1);
     EXPECT_EQ(0, record.U8(R::SysFlag(38))) << "and is no published data";
+    EXPECT_TRUE(core->SetOwnChannel(kTws, kNoValue, 0.0));
+    EXPECT_EQ(0, record.U8(R::Channel(kTws) + 2)) << "without a value nothing has been published";
     SetFlag(kFlagHoldActive, false);
     EXPECT_TRUE(Publish(kAws, 5.0)) << "held only counts while the hold is active";
 }

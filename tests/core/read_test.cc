@@ -139,13 +139,12 @@ TEST_F(ReadTest, AChainOfAlternatesIsFollowedForOneStepWhereverItLeads) {
 }
 
 TEST_F(ReadTest, AnAlternatingChannelGoesByTheOwnBoatWhicheverIsRead) {
-    record.SetSlot(0, 2, kBsp), record.SetSlot(0, 4, kSog), record.SetSlot(0, 5, kBurn);  // upwind, downwind, before the start
+    record.SetSlot(0, 2, kBsp), record.SetSlot(0, 3, kHeel), record.SetSlot(0, 4, kSog);  // upwind, reaching, downwind
+    record.SetSlot(0, 5, kBurn);                                                          // before the start
     record.SetValue(7, 20.0);                                                             // degrees round the target
-    const std::tuple<ChannelId, double, BoatSlot, ChannelId> steps[] = {{kTwa, -40.0, 0, kBsp},
-                                                                        {kTwa, 150.0, 1, kBsp},
-                                                                        {kTargTwa, 30.0, 0, kBsp},
-                                                                        {kTwa, 170.0, 0, kSog},
-                                                                        {kTmToGun, 0.0, 0, kBurn}};
+    const std::tuple<ChannelId, double, BoatSlot, ChannelId> steps[] = {{kTwa, -40.0, 0, kBsp},    {kTwa, 150.0, 1, kBsp},
+                                                                        {kTargTwa, 30.0, 0, kBsp}, {kTargTwa, 10.0, 0, kHeel},
+                                                                        {kTwa, 170.0, 0, kSog},    {kTmToGun, 0.0, 0, kBurn}};
     for (const auto& [published, value, boat, chosen] : steps) {
         Publish(published, value, boat);
         EXPECT_EQ(chosen, core->ResolveAlternate(kAlt0, true)) << published << " of " << value;

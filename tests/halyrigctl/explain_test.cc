@@ -17,7 +17,7 @@ protected:
         machine.console = &console;
     }
 
-    // A set-up that is right, in folders of its own: a library at the same place would not be loaded anew.
+    // A set-up that is right, in folders of its own: a library at the same place would not be loaded again.
     void SetUpAll(int row) {
         folder = "Deckman" + std::to_string(row);
         stored = Settings{.dfwFolder = test.folder.File(folder), .depthInFeet = true};

@@ -241,6 +241,13 @@ TEST_F(MappingTest, LinesOfTheOldFilesBecomeRows) {
         fakes.files = {{u"/old.csv", bytes}};
         EXPECT_EQ(told, Told({{}, ImportLegacyRemotes(fakes, u"/old.csv")})) << bytes;
     }
+    fakes.files = {{u"/old.csv",
+                    "\xEF\xBB\xBF"
+                    "12,5\njunk\n"}};
+    CollectedFindings heard;
+    ImportLegacyVars(fakes, u"/old.csv", catalogue, &heard);
+    ASSERT_EQ(2u, heard.found.size());
+    EXPECT_TRUE(heard.found[0].flaw == Flaw::kByteOrderMark && heard.found[1].flaw == Flaw::kLineNotRead);
 }
 
 TEST_F(MappingTest, TheSectionOfTheVariableFileIsReadUpToItsEnd) {
@@ -266,6 +273,14 @@ TEST_F(MappingTest, TheSectionOfTheVariableFileIsReadUpToItsEnd) {
         EXPECT_EQ(one, FoundIn(before + row1)) << before.substr(0, 40);
     for (const std::string before : {"", "[Variables]\n", "[variables] \x01\n", "\uFEFF[variables]\n"})
         EXPECT_EQ("", FoundIn(before + row1)) << before;
+    for (const auto& [end, faults] : {std::pair("[other]\n9", 0u), std::pair("# a comment\n9", 1u)}) {
+        fakes.files.clear();
+        Put(u"J_vars06.d", "[variables]\n" + row1 + end);
+        CollectedFindings heard;
+        FindVariableFile(fakes, u"/dfw", copy, &heard);
+        ASSERT_EQ(faults, heard.found.size()) << end;
+        EXPECT_TRUE(faults == 0 || heard.found[0].flaw == Flaw::kListEnds);
+    }
 }
 
 TEST_F(MappingTest, TheFirstVariableFileWithRowsCountsIfNeedBeFromACopy) {

@@ -71,6 +71,10 @@ TEST(Crash, NamesTheLibraryInALineAndEndsAsItWouldButNeverAsIfAllWereWell) {
         EXPECT_TRUE(line.starts_with("20") && std::ranges::count(line, '\n') == 1) << line;
         EXPECT_TRUE(line.find(told) != line.npos && line.find(", while it called it") != line.npos) << line;
         EXPECT_EQ(placed, line.find(module) != line.npos) << line;
+        if (placed) {
+            const long long offset = std::stoll(line.substr(line.find(module) + module.size()), nullptr, 16);
+            EXPECT_GT(1 << 20, offset) << line << "no address";
+        }
         before = all;
     }
 }

@@ -66,7 +66,11 @@ TEST_F(XmlTest, GivesTheElementsInTheirOrderUpToTheFirstFault) {
         rows.emplace_back("<a><b " + fault + "/><c/></a>", "a()");
     for (const std::string type : {"", " [<!ENTITY e 'x'>]", " [<!ATTLIST a b CDATA 'default'>]", " SYSTEM 'a.dtd'"})
         rows.emplace_back("<!DOCTYPE a" + type + "><a/>", "");
-    if (!testing::UnderWine()) rows.emplace_back("<a b='\n&#9;&#10;'/>", "a(b= \t\n)");  // Wine's XmlLite makes blanks of it
+    if (testing::UnderWine()) {
+        testing::LeaveOut("tab and line feed as references", "Wine's XmlLite makes blanks of them");
+    } else {
+        rows.emplace_back("<a b='\n&#9;&#10;'/>", "a(b= \t\n)");
+    }
     for (const auto& [bytes, outline] : rows) EXPECT_EQ(outline, Read(bytes)) << bytes;
 }
 

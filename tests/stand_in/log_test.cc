@@ -11,7 +11,7 @@
 namespace twr::testing {
 namespace {
 
-// What lines, parted by bars, say together.
+// What lines, separated by bars, say together.
 Moment Told(const std::string& lines) {
     Readings readings;
     std::istringstream in(lines);

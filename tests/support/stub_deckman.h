@@ -24,12 +24,14 @@ public:
         installed_.insert(JoinPath(folder, std::u16string(u"ShDfW2").append(kLibrarySuffix)));
     }
     std::unique_ptr<Library> Load(std::u16string_view path) override {
+        onLoad(path);
         return installed_.contains(std::u16string(path)) ? std::make_unique<StubLibrary>() : nullptr;
     }
 
     std::set<std::string> missing;  // exports that it lacks
     std::map<int, float> variables;
     float latitude = 0.0f, longitude = 0.0f;
+    std::function<void(std::u16string_view path)> onLoad = [](auto) {};
     std::function<void()> onRead = [] {};  // inside of each reading, as a library that runs a loop of messages
 
     std::vector<int> reads;         // variable numbers, in order

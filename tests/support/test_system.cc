@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "support/test_system.h"
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -35,6 +37,8 @@ std::u16string TempFolder::Write(std::string_view name, std::string_view bytes) 
 std::string TempFolder::Read(std::string_view name) const { return BytesOf(fs::path(File(name))); }
 
 // Whole blocks at once: byte by byte a library takes seconds under the sanitizers.
+void LeaveOut(const std::string& row, const std::string& why) { ::testing::Test::RecordProperty("left out " + row, why); }
+
 std::string BytesOf(const fs::path& path) {
     std::ostringstream bytes;
     bytes << std::ifstream(path, std::ios::binary).rdbuf();
@@ -51,7 +55,7 @@ std::string UniqueName() {
 Roots TestRoots(const std::string& name, const std::u16string& folder) {
     Roots roots;
     roots.namePrefix = u"HalyrigTest_" + FromBytes(name) + u"_";
-    // Where paths are parted by slashes the registry is a file, elsewhere a key.
+    // Where paths are separated by slashes the registry is a file, elsewhere a key.
     roots.registry =
         kPathSeparator == u'/' ? JoinPath(folder, u"config/registry.reg") : u"Software\\HalyrigTest\\" + FromBytes(name);
     roots.programData = JoinPath(folder, u"ProgramData");

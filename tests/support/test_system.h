@@ -24,7 +24,7 @@ public:
     const std::filesystem::path& Path() const { return path_; }
     std::u16string Text() const;
 
-    // The full path of something in it, levels parted by slashes.
+    // The full path of something in it, levels separated by slashes.
     std::u16string File(std::string_view name) const;
 
     // Writes a file in it and gives its full path; folders on the way are made.
@@ -36,6 +36,9 @@ public:
 private:
     const std::filesystem::path path_;
 };
+
+// Names, for the summary of all tests, a row of a table that this machine or this build can't try.
+void LeaveOut(const std::string& row, const std::string& why);
 
 // The bytes of a file; empty when there is none.
 std::string BytesOf(const std::filesystem::path& path);
@@ -57,7 +60,7 @@ struct TestSystem {
 
 std::unique_ptr<System> SystemOf(const std::vector<std::string>& arguments);
 
-// What an XML reader gives, in one line: elements as "name(attribute=value,...)", parted by blanks, in UTF-8.
+// What an XML reader gives, in one line: elements as "name(attribute=value,...)", separated by blanks, in UTF-8.
 std::string Outline(XmlReader& reader);
 
 // The bytes of a text in UTF-16, without a mark.

@@ -78,7 +78,7 @@ protected:
         ExpectEnd();
     }
 
-    // The channel is published anew.
+    // The channel is published again.
     bool Lives(ChannelId channel) {
         const double before = OwnTime(channel);
         return Until([&] { return OwnTime(channel) > before; });

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// watch at a pseudo-terminal, over a record of the test's own. It looks anew with each key alone, so that it is silent in between.
+// watch at a pseudo-terminal, over a record of the test's own. It looks again with each key alone, so that it is silent in between.
 #include <gtest/gtest.h>
 #include <signal.h>
 

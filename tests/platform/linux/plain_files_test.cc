@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -76,6 +78,13 @@ TEST_F(PlainFilesTest, AReplacementKeepsOwnerAndRights) {
     EXPECT_EQ(geteuid() != 0, files_.WriteBeside(path, "y", path).empty()) << "write-protected, which does not bind root";
 }
 
+TEST_F(PlainFilesTest, AChangeIsKnownToTheHundredNanoseconds) {
+    const auto path = test_.folder.Write("a", "x");
+    const timespec times[] = {{1, 0}, {1'800'000'000, 123'456'789}};
+    ASSERT_EQ(0, utimensat(AT_FDCWD, ToUtf8(path).c_str(), times, 0));
+    EXPECT_EQ(18'000'000'001'234'567, files_.ChangedAt(path));
+}
+
 TEST_F(PlainFilesTest, LinksCountForWhatTheyLeadTo) {
     const std::string folder = ToUtf8(test_.folder.Text());
     test_.folder.Write("elsewhere/real", "x");
@@ -86,6 +95,18 @@ TEST_F(PlainFilesTest, LinksCountForWhatTheyLeadTo) {
     auto list = files_.List(test_.folder.File("list"), u"*");
     std::ranges::sort(list);
     EXPECT_EQ((std::vector<std::u16string>{test_.folder.File("list/link"), test_.folder.File("list/plain")}), list);
+}
+
+TEST_F(PlainFilesTest, WhatAFullDiskHasNotTakenStaysAFailure) {
+    rlimit all{};
+    ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &all));
+    const rlimit full{4096, all.rlim_max};
+    const auto writer = test_.system->Core().xml.OpenWriter(test_.folder.File("a.xml"));
+    setrlimit(RLIMIT_FSIZE, &full);
+    bool taken = writer->StartElement(u"a");
+    for (int i = 0; i < 10000; ++i) taken = writer->StartElement(u"b") && writer->EndElement() && taken;
+    setrlimit(RLIMIT_FSIZE, &all);
+    EXPECT_FALSE(taken || writer->Finish());
 }
 
 // The signals wait while the program starts, and its dialog, which takes them, comes after all files.

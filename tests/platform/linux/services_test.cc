@@ -45,7 +45,8 @@ private:
     std::optional<std::string> old_;
 };
 
-const Role kSize("console size", [](const std::vector<std::string>&) {
+const Role kSize("console size", [](const std::vector<std::string>& arguments) {
+    if (!arguments.empty()) dup2(open(arguments[0].c_str(), O_RDONLY), STDIN_FILENO);
     const auto screen = MakeConsole()->TakeScreen();
     const ConsoleSize size = screen ? screen->Size() : ConsoleSize{};
     const std::string told = screen ? std::to_string(size.columns) + "x" + std::to_string(size.rows) : "no pictures";
@@ -75,6 +76,19 @@ TEST(PosixConsole, DrawsOnlyOnATerminalThatTakesPictures) {
     const std::pair<const char*, const char*> rows[] = {
         {"TERM=xterm", "80x24"}, {"TERM=dumb", "no pictures"}, {"TERM=", "no pictures"}};
     for (const auto& [term, shown] : rows) EXPECT_TRUE(PseudoTerminal("console size", {}, {term}).Shows(shown)) << term;
+    EXPECT_TRUE(PseudoTerminal("console size", {"/dev/null"}).Shows("no pictures")) << "none that nobody can answer";
+}
+
+// Another program may have left it so.
+const Role kPours("console pours", [](const std::vector<std::string>&) {
+    fcntl(STDOUT_FILENO, F_SETFL, O_NONBLOCK);
+    return MakeConsole()->Write(std::string(1 << 20, 'x') + '\n', [] { return true; }) == Output::kWritten ? 0 : 1;
+});
+
+TEST(PosixConsole, WaitsForAPipeThatIsFull) {
+    const auto child = StartRole("console pours", {});
+    EXPECT_EQ(1u << 20, child->ReadLine().size());
+    EXPECT_EQ(0, child->Wait());
 }
 
 // The part of a zone's rule that puts daylight time into force on the day that lies this many days from today, and ends it on
@@ -157,6 +171,7 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
          geteuid() == 0 ? "it belongs to another user" : "", geteuid() == 0}};
     for (const auto& [what, plant, told, second] : rows) {
         SCOPED_TRACE(what);
+        if (geteuid() != 0 && std::string_view(what) == "a file of another user's") LeaveOut(what, "only root can plant it");
         const TempFolder folder;
         for (const char* name : {"a", "b", "common"}) fs::create_directory(folder.Path() / name);
         const auto system = [&](const char* own) {
@@ -307,6 +322,17 @@ TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEndsAndKeepsWhatItsControlsShow) 
         SendFromOutside(SIGTERM);
     };
     EXPECT_EQ("init cancel no cancel yes destroy 1", Run(three, stopped)) << "nobody answers a closing without a signal";
+    int asked = 0;
+    const auto stays = [&] {
+        SendFromOutside(SIGTERM);
+        dialog_.onCancel = [&] {
+            const bool yes = desktop_->ShowBox(u"Exit?", u"Test", BoxButtons::kYesNo, BoxIcon::kQuestion) == BoxAnswer::kYes;
+            EXPECT_EQ(asked == 0, yes) << "a signal answers one question";
+            ++asked == 1 ? dialog_.window->PostClose() : End();
+        };
+    };
+    Run(stays);
+    EXPECT_EQ(2, asked);
 
     EXPECT_EQ("init text 1000 text 1000 destroy 0", Run([this] {
                   DialogWindow& window = *dialog_.window;

@@ -209,7 +209,7 @@ TEST_F(TerminalHostTest, BelievesNoAbsurdSize) {
     for (const auto& [rows, columns] : {std::pair(65535, 80), {65535, 65535}, {0, 0}, {1, 1}, {5, 30}, {24, 10}}) {
         SCOPED_TRACE(::testing::Message() << rows << " by " << columns);
         terminal->Resize(rows, columns);
-        terminal->Signal(SIGCONT);  // which makes it take the screen anew
+        terminal->Signal(SIGCONT);  // which makes it take the screen again
         ASSERT_TRUE(Ticks(50));
         terminal->Resize(24, 80);
         EXPECT_SHOWS("[ ] Tick & tock");

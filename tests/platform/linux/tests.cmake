@@ -1,4 +1,5 @@
 list(APPEND sources
+    linux/durability_test.cc
     linux/plain_files_test.cc
     linux/registry_file_test.cc
     linux/services_test.cc

@@ -77,13 +77,16 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
 
 std::string OwnProgram() { return std::filesystem::read_symlink("/proc/self/exe"); }
 
+// The real user too, by whom access() goes; the saved one leads back.
 CommonUser::CommonUser() {
     constexpr uid_t kNobody = 65534;
-    if (getuid() == 0 && seteuid(kNobody) != 0) std::abort();
+    if (getuid() == 0 && setresuid(kNobody, kNobody, 0) != 0) std::abort();
 }
 
 CommonUser::~CommonUser() {
-    if (seteuid(getuid()) != 0) std::abort();
+    uid_t real = 0, effective = 0, saved = 0;
+    getresuid(&real, &effective, &saved);
+    if (seteuid(saved) != 0 || setresuid(saved, saved, saved) != 0) std::abort();
 }
 
 bool UnderWine() { return false; }
