@@ -41,10 +41,11 @@ std::string Printed(const char* format, ...) {
     std::va_list arguments, again;
     va_start(arguments, format);
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    char usual[128];
+    const int length = std::vsnprintf(usual, sizeof usual, format, arguments);
     va_end(arguments);
-    std::string text;
-    if (length > 0) {
+    std::string text(usual, static_cast<std::size_t>(std::clamp(length, 0, static_cast<int>(sizeof usual) - 1)));
+    if (length >= static_cast<int>(sizeof usual)) {
         text.resize(static_cast<std::size_t>(length));
         std::vsnprintf(text.data(), text.size() + 1, format, again);  // the string has room for the zero at its end
     }

@@ -59,8 +59,11 @@ void Follower::LookAt(ChannelId channel, BoatSlot boat, double now) {
 }
 
 Follower::Seen Follower::Read(ChannelId channel, BoatSlot boat, double now) const {
-    if (IsAlternating(channel)) channel = core_.SourceOf(channel);
-    const Entry entry = IsAlternating(channel) ? Entry{} : EntryOf(*core_.View(), channel, boat);
+    if (IsAlternating(channel)) [[unlikely]] {
+        channel = core_.SourceOf(channel);
+        if (IsAlternating(channel)) return {};
+    }
+    const Entry entry = EntryOf(*core_.View(), channel, boat);
     if (!entry) return {};
     // The stamp first: should a publication fall between the two, its value is told at once, and its stamp at the next look.
     const double time = StampOf(entry);
