@@ -148,6 +148,18 @@ void AddStream(Commands& all) {
     command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
     command->add_option("--rate", options.rate, formats.rates)->check(CLI::Range(0.1, 10.0));
     command->add_flag("--all", options.all, "Unchanged values once a second too");
+    command
+        ->add_option("--talker", options.talkers,
+                     "Of sentences: who they say they come from, II unless given; 'gps=GP' for those of the GPS alone")
+        ->check(CLI::Validator(
+            [](const std::string& typed) {
+                Talkers talkers;
+                return TakeTalker(talkers, typed) ? std::string()
+                                                  : "'" + typed + "' is no talker; give two capitals, such as II, or gps=GP";
+            },
+            ""))
+        ->allow_extra_args(false)
+        ->type_name("XX");
     command->add_option("--seconds", options.seconds, "End after this time")->check(CLI::Range(1, 1000000));
     command->add_option("--listen", options.listen, "Serve clients that connect by TCP, in place of standard output")
         ->type_name("[HOST:]PORT");

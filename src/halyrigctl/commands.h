@@ -102,6 +102,7 @@ struct StreamOptions {
     std::optional<BoatSlot> boat;       // below kBoatCount; nullopt for all in use, of sentences the own one
     std::optional<double> rate;         // looks a second, 10 at most; nullopt for the format's own
     bool all = false;                   // unchanged values once a second too
+    std::vector<std::string> talkers;   // as TakeTalker takes them; of sentences
     std::optional<int> seconds;         // end after so many
     std::optional<std::string> listen;  // as ParseEndpoint takes it: serve clients there
     std::optional<std::string> udp;     // and send datagrams there
