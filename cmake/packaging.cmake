@@ -8,6 +8,7 @@ install(TARGETS halyrig32 halyrigctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
 install(TARGETS ShDfW2 LIBRARY DESTINATION lib/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/src/stand_in/Data/J_vars06.d DESTINATION lib/halyrig/Data)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig.service ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig-stream.service
+    ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig-record.service
     DESTINATION lib/systemd/user)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/completions/halyrigctl DESTINATION share/bash-completion/completions)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/packaging/THIRD-PARTY.txt DESTINATION share/doc/halyrig)

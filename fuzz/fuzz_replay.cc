@@ -4,15 +4,34 @@
 #include <memory>
 #include <string>
 
-#include "halyrigctl/recordings/nmea_log.h"
+#include "halyrigctl/recordings/recorded_files.h"
 #include "halyrigctl/recordings/replayer.h"
+#include "halyrigctl/recordings/survey.h"
+#include "halyrigctl/recordings/table_rows.h"
 #include "kept_core.h"
-#include "streams/recording.h"
 
 namespace {
 
-std::unique_ptr<twr::UnpackingSource> Open(twr::Files& files) {
-    return std::make_unique<twr::UnpackingSource>(files.Open(u"/file"));
+// What is told of the file and made a table of: no more rows than its time has seconds, each in its form.
+void LookThrough(twr::testing::KeptCore& kept) {
+    twr::RecordedFiles files(kept.machine.files, {"/file"}, [] { return true; });
+    twr::Survey survey(kept.core);
+    std::size_t changes = 0, rows = 0;
+    twr::TableRows table(kept.core, {1000, {twr::kBsp, twr::kHdg, twr::kMkLat}, {0, 7}}, [&](const twr::TableRow& row) {
+        if (row.values.size() != 3 || !std::isfinite(row.time)) __builtin_trap();
+        ++rows;
+    });
+    for (auto next = files.Next(); next; next = files.Next(), ++changes) {
+        survey.Take(*next);
+        table.Take(*next);
+    }
+    table.Finish();
+    if (rows > 122 * (changes + 1)) __builtin_trap();  // two boats, and a gap begins after a minute
+    for (const twr::ChannelId channel : survey.Channels()) {
+        const twr::ChannelSurvey* const found = survey.Of(channel, survey.Boats().front());
+        if (found && (found->least > found->greatest || found->last < found->least)) __builtin_trap();
+    }
+    files.Fault();
 }
 
 }  // namespace
@@ -23,17 +42,14 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     kept.Reset();
     twr::testing::FakeMachine& machine = kept.machine;
     machine.files.files.push_back({u"/file", std::string(reinterpret_cast<const char*>(data), size)});
-    const twr::RecordedForm form = twr::FormOf(*Open(machine.files));
-    std::unique_ptr<twr::RecordedSource> source;
-    if (form == twr::RecordedForm::kRecording) {
-        source = std::make_unique<twr::RecordingReader>(Open(machine.files));
-    } else {
-        source = std::make_unique<twr::NmeaLog>(Open(machine.files), form == twr::RecordedForm::kLogWithClock);
-    }
+    LookThrough(kept);
+    twr::RecordedFile file{u"/file"};
+    const auto source = twr::OpenRecorded(machine.files, file, [] { return true; });
+    if (!source) return 0;
     twr::Put(kept.core.View()->sysFlag[twr::kFlagMastAngle], std::uint8_t{1});
-    // The last byte says whether it is played from a time of day on.
+    // The last byte says whether it is played from a later time on.
     const bool later = size > 0 && data[size - 1] % 2 == 1;
-    twr::Replayer replayer(kept.core, *source, {}, later ? *twr::ParseReplayStart("12:00") : twr::ReplayStart{});
+    twr::Replayer replayer(kept.core, *source, {}, later ? [](double first) { return first + 0.01; } : twr::ReplayStart{});
     double due = 0.0;
     for (int step = 0; step < 100 && replayer.PlayTo(due) != twr::Replayer::Result::kEnded; ++step) {
         // What is published at once is at most behind.

@@ -2,11 +2,21 @@
 #include "base/bounded_lines.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "base/wide_text.h"
 
 namespace twr {
+namespace {
+
+const char* EndOfLine(const char* from, const char* end, bool endsAtCr) {
+    if (endsAtCr) return std::find_if(from, end, [](char c) { return c == '\n' || c == '\r'; });
+    const void* const found = std::memchr(from, '\n', static_cast<std::size_t>(end - from));  // several times as fast
+    return found ? static_cast<const char*>(found) : end;
+}
+
+}  // namespace
 
 bool BoundedLines::Refill() {
     const std::size_t room = over_ ? 0 : std::min(buffer_.size(), form_.largest - read_);
@@ -30,7 +40,7 @@ bool BoundedLines::Next() {
         any = true;
         const char* const from = buffer_.data() + used_;
         const char* const end = buffer_.data() + filled_;
-        const char* const to = std::find_if(from, end, [&](char c) { return c == '\n' || (c == '\r' && form_.endsAtCr); });
+        const char* const to = EndOfLine(from, end, form_.endsAtCr);
         const auto count = static_cast<std::size_t>(to - from);
         line_.append(from, std::min(count, form_.longest + 1 - line_.size()));  // one byte more, for the CR
         size += count;

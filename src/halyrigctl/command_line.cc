@@ -32,6 +32,8 @@ struct Commands {
     StreamOptions stream;
     RecordOptions record;
     ReplayOptions replay;
+    InfoOptions info;
+    ExportOptions exported;
     QuitOptions quit;
     Status status = kDone;
 };
@@ -147,6 +149,18 @@ void AddStream(Commands& all) {
     command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
     command->add_option("--rate", options.rate, formats.rates)->check(CLI::Range(0.1, 10.0));
     command->add_flag("--all", options.all, "Unchanged values once a second too");
+    command
+        ->add_option("--talker", options.talkers,
+                     "Of sentences: who they say they come from, II unless given; 'gps=GP' for those of the GPS alone")
+        ->check(CLI::Validator(
+            [](const std::string& typed) {
+                Talkers talkers;
+                return TakeTalker(talkers, typed) ? std::string()
+                                                  : "'" + typed + "' is no talker; give two capitals, such as II, or gps=GP";
+            },
+            ""))
+        ->allow_extra_args(false)
+        ->type_name("XX");
     command->add_option("--seconds", options.seconds, "End after this time")->check(CLI::Range(1, 1000000));
     command->add_option("--listen", options.listen, "Serve clients that connect by TCP, in place of standard output")
         ->type_name("[HOST:]PORT");
@@ -159,18 +173,20 @@ void AddStream(Commands& all) {
 void AddRecord(Commands& all) {
     CLI::App* command = all.app.add_subcommand("record", "Record what is published to a file, until Ctrl-C");
     RecordOptions& options = all.record;
-    command
-        ->add_option(
-            "FILE", options.file,
-            "Where to; never over a file that exists. With %Y %m %d %H %M %S for date and time, a new one whenever they give "
-            "another name")
-        ->required();
+    command->add_option(
+        "FILE", options.file,
+        "Where to; never over a file that exists. With %Y %m %d %H %M %S for date and time, a new one whenever they give "
+        "another name. Without FILE, one a day in the folder 'recordings' of the data folder, packed");
     AddChannelList(command, options.channels);
     command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
     command->add_flag("--gzip", options.gzip, "Packed, to about a tenth");
     command->add_option("--max-size", options.maxSize, "A new file once one has this size, such as 500M or 2G")
         ->transform(CLI::AsSizeValue(false))
         ->type_name("SIZE");
+    command
+        ->add_option("--keep", options.keep,
+                     "Without FILE: remove the oldest beyond so many days, such as 30, or so much, such as 4G")
+        ->type_name("DAYS|SIZE");
     command->callback([&all] { all.status = Record(all.system, all.record); });
     SetExample(command, "record race-%Y%m%d.jsonl.gz --gzip");
 }
@@ -183,13 +199,57 @@ void AddReplay(Commands& all) {
     command->add_option("--speed", options.speed, "So many times as fast, 0.1 to 1000")
         ->check(CLI::Range(0.1, 1000.0))
         ->type_name("N");
-    command->add_option("--from", options.from, "Start at this moment in UTC: 2026-11-25T12:30:00Z, or 12:30 if it is the first")
+    command
+        ->add_option("--from", options.from,
+                     "Start at this time on board: 2026-11-25T12:30, or 12:30 if it is the first; with Z if it is in UTC; +2h from "
+                     "the start")
         ->type_name("TIME");
     command->add_flag("--loop", options.loop, "Start again at the end");
     AddChannelList(command, options.channels);
     command->add_flag("--into", options.into, "Even beside a running bridge, whose values are then mixed with those recorded");
     command->callback([&all] { all.status = ReplayRecording(all.system, all.replay); });
     SetExample(command, "replay race-20261125.jsonl.gz --from 12:30 --speed 10");
+}
+
+void AddInfo(Commands& all) {
+    CLI::App* command =
+        all.app.add_subcommand("info", "Show what is in recordings or logs of NMEA 0183, and what is wrong with them");
+    command->add_option("FILE", all.info.files, "A recording or a log; packed by gzip or not")->required();
+    command->add_flag("--json", all.info.json, "As one JSON object, with null for a missing value");
+    command->callback([&all] { all.status = ShowRecording(all.system, all.info); });
+    SetExample(command, "info race-20261125.jsonl.gz");
+}
+
+void AddExport(Commands& all) {
+    CLI::App* command =
+        all.app.add_subcommand("export", "Write recordings or logs of NMEA 0183 as a table or a track for other programs");
+    ExportOptions& options = all.exported;
+    command->add_option("FILE", options.files, "A recording or a log; packed by gzip or not")->required();
+    command->add_option("--format", options.format, "csv, gpx (the track and the marks) or jsonl (an object for each row)")
+        ->check(CLI::IsMember({"csv", "gpx", "jsonl"}))
+        ->type_name("FORMAT");
+    command->add_option("--every", options.every, "A row for each step of time, such as 100ms or 5min; 1s unless given")
+        ->type_name("STEP");
+    AddChannelList(command, options.channels);
+    command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
+    command->add_option("--from", options.from, "From this time on board: 2026-11-25T12:30, 12:30, with Z if it is in UTC, or +2h")
+        ->type_name("TIME");
+    command->add_option("--to", options.to, "To this time, likewise")->type_name("TIME");
+    command->add_option("--units", options.units, "Those of the user, internal or si; the user's unless given")
+        ->check(CLI::IsMember({"user", "internal", "si"}))
+        ->type_name("UNITS");
+    command->add_option("--header", options.header, "'units': names with their units, such as BSP (kn)")
+        ->check(CLI::IsMember({"names", "units"}))
+        ->type_name("FORM");
+    command->add_option("--zone", options.zone, "The times' zone, utc or board; utc unless given")
+        ->check(CLI::IsMember({"utc", "board"}))
+        ->type_name("ZONE");
+    command->add_option("--decimal", options.decimal, "'comma' in place of the point, and semicolons between cells")
+        ->check(CLI::IsMember({"point", "comma"}))
+        ->type_name("SIGN");
+    command->add_option("-o,--output", options.output, "To this file, which must not be there yet")->type_name("FILE");
+    command->callback([&all] { all.status = ExportRecording(all.system, all.exported); });
+    SetExample(command, "export race-20261125.jsonl.gz --channels TWS,TWD,BSP -o race.csv");
 }
 
 void AddQuit(Commands& all) {
@@ -240,6 +300,8 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddStream(all);
     AddRecord(all);
     AddReplay(all);
+    AddInfo(all);
+    AddExport(all);
     AddQuit(all);
     CollectExamples(all.app);
     try {

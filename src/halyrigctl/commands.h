@@ -103,6 +103,7 @@ struct StreamOptions {
     std::optional<BoatSlot> boat;       // below kBoatCount; nullopt for all in use, of sentences the own one
     std::optional<double> rate;         // looks a second, 10 at most; nullopt for the format's own
     bool all = false;                   // unchanged values once a second too
+    std::vector<std::string> talkers;   // as TakeTalker takes them; of sentences
     std::optional<int> seconds;         // end after so many
     std::optional<std::string> listen;  // as ParseEndpoint takes it: serve clients there
     std::optional<std::string> udp;     // and send datagrams there
@@ -113,11 +114,12 @@ struct StreamOptions {
 Status Stream(System& system, const StreamOptions& options);
 
 struct RecordOptions {
-    std::string file;                   // with the fields of strftime for date and time of day
+    std::string file;  // with the fields of strftime for date and time of day; empty for one a day in the data folder
     std::vector<std::string> channels;  // as of StreamOptions
     std::optional<BoatSlot> boat;       // below kBoatCount; nullopt for all in use
     bool gzip = false;
     std::uint64_t maxSize = 0;  // bytes, after which a new file begins; 0 for no bound
+    std::string keep;           // of those in the data folder, as ParseKeep takes it; empty for all
 };
 
 // Writes what is published to a file, until the user asks to stop or the file can't be written.
@@ -126,7 +128,7 @@ Status Record(System& system, const RecordOptions& options);
 struct ReplayOptions {
     std::string file;                   // a recording, or an NMEA 0183 log
     double speed = 1.0;                 // times as fast as it was
-    std::string from;                   // where to start, as ParseReplayStart takes it; empty for the beginning
+    std::string from;                   // where to start, as ParseTypedTime takes it; empty for the beginning
     bool loop = false;                  // again and again
     std::vector<std::string> channels;  // as FindChannel takes them; none for all
     bool into = false;                  // even while the bridge runs
@@ -135,6 +137,29 @@ struct ReplayOptions {
 // Publishes a recording as a program of the suite, which makes the record if there is none, until its end, or until the user or the
 // suite asks to stop.
 Status ReplayRecording(System& system, const ReplayOptions& options);
+
+struct InfoOptions {
+    std::vector<std::string> files;  // recordings, or NMEA 0183 logs
+    bool json = false;
+};
+
+// Prints what is in recordings: when, which gaps, and the values of each channel. Fails if one can't be read to its end, or nothing
+// is in them.
+Status ShowRecording(System& system, const InfoOptions& options);
+
+struct ExportOptions {
+    std::vector<std::string> files;                           // as of InfoOptions
+    std::string format = "csv";                               // or "gpx" or "jsonl"
+    std::string every = "1s";                                 // the step, as ParseDuration takes it
+    std::vector<std::string> channels;                        // as FindChannel takes them; none for all that have a value
+    std::optional<BoatSlot> boat;                             // below kBoatCount; nullopt for all
+    std::string from, to;                                     // as ParseTypedTime takes them; empty for the whole
+    std::optional<std::string> units, header, zone, decimal;  // "user", "internal" or "si"; "units"; "board" or "utc"; "comma"
+    std::string output;                                       // a file that is not there yet; empty for standard output
+};
+
+// Writes recordings as a table over time or as a track.
+Status ExportRecording(System& system, const ExportOptions& options);
 
 struct QuitOptions {
     bool wait = true;  // until all have closed, 10 s at most

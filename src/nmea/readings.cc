@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "nmea/readings.h"
 
+#include <chrono>
 #include <cmath>
+#include <utility>
 
 #include "base/angles.h"
 
@@ -11,6 +13,7 @@ namespace {
 using Known = std::optional<double>;
 
 constexpr double kFeetPerMetre = 3.2808;
+constexpr double kFirstShortYear = 80.0;  // of two digits: the satellites' time begins in 1980
 
 struct Limits {
     Reading reading;
@@ -49,6 +52,17 @@ constexpr Limits kLimits[] = {
     {Reading::kHeel, -180, 180},
     {Reading::kTrim, -180, 180},
     {Reading::kVolts, 0, 500},
+    {Reading::kLog, 0, 1e6},
+    {Reading::kTrip, 0, 1e6},
+    {Reading::kHdop, 0, 100},
+    {Reading::kPdop, 0, 100},
+    {Reading::kVdop, 0, 100},
+    {Reading::kSatellites, 0, 50},
+    {Reading::kFixQuality, 0, 8},
+    {Reading::kAltitude, -500, 9000},
+    {Reading::kGeoidSeparation, -200, 200},
+    {Reading::kDifferentialAge, 0, 3600},
+    {Reading::kDifferentialStation, 0, 1023},
 };
 
 constexpr bool InOrder() {
@@ -59,6 +73,16 @@ constexpr bool InOrder() {
     return index == static_cast<std::size_t>(Reading::kCount);
 }
 static_assert(InOrder());
+
+// What follows from nothing else.
+constexpr std::pair<Quantity, Reading> kAsRead[] = {
+    {Quantity::kHeel, Reading::kHeel},       {Quantity::kTrim, Reading::kTrim},
+    {Quantity::kRudder, Reading::kRudder},   {Quantity::kRateOfTurn, Reading::kRateOfTurn},
+    {Quantity::kSog, Reading::kSog},         {Quantity::kDrift, Reading::kDrift},
+    {Quantity::kSeaTemp, Reading::kSeaTemp}, {Quantity::kAirTemp, Reading::kAirTemp},
+    {Quantity::kBaro, Reading::kBaro},       {Quantity::kLat, Reading::kLat},
+    {Quantity::kLon, Reading::kLon},         {Quantity::kVolts, Reading::kVolts},
+};
 
 struct WindTriangle {
     Known angle, speed;
@@ -99,17 +123,47 @@ std::optional<double> Readings::Get(Reading reading, double time) const {
     return heard.value;
 }
 
+Known Readings::Variation(double time) const {
+    const Known variation = Get(Reading::kVariation, time);
+    return variation ? variation : Get(Reading::kCourseVariation, time);
+}
+
+Known Readings::MagneticBearing(Quantity quantity, const Moment& moment, double time) const {
+    using enum Reading;
+    const Known variation = Variation(time);
+    const auto magnetic = [&](Reading trueBearing, Reading itself) {
+        const Known given = Get(trueBearing, time);
+        return given && variation ? Known(WrappedBearing(*given - *variation)) : Get(itself, time);
+    };
+    switch (quantity) {
+        case Quantity::kHdg:
+            return magnetic(kHeadingTrue, kHeadingMagnetic);
+        case Quantity::kCog:
+            return magnetic(kCogTrue, kCogMagnetic);
+        case Quantity::kSet:
+            return magnetic(kSetTrue, kSetMagnetic);
+        case Quantity::kTwd: {
+            const Known given = magnetic(kTwdTrue, kTwdMagnetic), heading = magnetic(kHeadingTrue, kHeadingMagnetic);
+            const float angle = moment[Quantity::kTwa];
+            return given || !heading || angle == kAbsent ? given : Known(WrappedBearing(*heading + angle));
+        }
+        default:
+            return std::nullopt;
+    }
+}
+
 Moment Readings::At(double time) const {
     using enum Reading;
     const auto get = [&](Reading reading) { return Get(reading, time); };
-    Known variation = get(kVariation);
-    if (!variation) variation = get(kCourseVariation);
+    const Known variation = Variation(time);
     const Known heading = TrueBearing(get(kHeadingTrue), get(kHeadingMagnetic), variation);
     const Known bsp = get(kBsp);
     Known twd = TrueBearing(get(kTwdTrue), get(kTwdMagnetic), variation);
     WindTriangle trueWind{get(kTwa), get(kTws)};
     WindTriangle apparent{get(kAwa), get(kAws)};
     if (!trueWind.angle && twd && heading) trueWind.angle = WrappedAngle(*twd - *heading);
+    if (!trueWind.angle && get(kTwdMagnetic) && get(kHeadingMagnetic))
+        trueWind.angle = WrappedAngle(*get(kTwdMagnetic) - *get(kHeadingMagnetic));
     if (!trueWind.angle && bsp) {
         const WindTriangle other = OtherWind(apparent.angle, apparent.speed, -*bsp);
         trueWind.angle = other.angle;
@@ -126,6 +180,7 @@ Moment Readings::At(double time) const {
     const auto set = [&](Quantity quantity, Known value) {
         if (value) moment.Set(quantity, *value);
     };
+    for (const auto& [quantity, reading] : kAsRead) set(quantity, get(reading));
     set(Quantity::kBsp, bsp);
     set(Quantity::kAwa, apparent.angle);
     set(Quantity::kAws, apparent.speed);
@@ -133,23 +188,11 @@ Moment Readings::At(double time) const {
     set(Quantity::kTws, trueWind.speed);
     set(Quantity::kTwd, twd);
     set(Quantity::kHdg, heading);
-    set(Quantity::kHeel, get(kHeel));
-    set(Quantity::kTrim, get(kTrim));
-    set(Quantity::kRudder, get(kRudder));
-    set(Quantity::kRateOfTurn, get(kRateOfTurn));
     set(Quantity::kCog, TrueBearing(get(kCogTrue), get(kCogMagnetic), variation));
-    set(Quantity::kSog, get(kSog));
     set(Quantity::kSet, TrueBearing(get(kSetTrue), get(kSetMagnetic), variation));
-    set(Quantity::kDrift, get(kDrift));
     set(Quantity::kVmg, vmg);
     if (depth) moment.Set(Quantity::kDepth, *depth * kFeetPerMetre);
-    set(Quantity::kSeaTemp, get(kSeaTemp));
-    set(Quantity::kAirTemp, get(kAirTemp));
-    set(Quantity::kBaro, get(kBaro));
     set(Quantity::kVariation, variation);
-    set(Quantity::kLat, get(kLat));
-    set(Quantity::kLon, get(kLon));
-    set(Quantity::kVolts, get(kVolts));
     return moment;
 }
 
@@ -157,6 +200,26 @@ std::optional<double> TimeOfDayOf(const NmeaSentence& sentence) {
     const bool first = sentence.type == "RMC" || sentence.type == "GGA" || sentence.type == "ZDA";
     if (!first && sentence.type != "GLL") return std::nullopt;
     return ParseTimeOfDay(sentence.Field(first ? 1 : 5));
+}
+
+std::optional<double> DateOf(const NmeaSentence& sentence) {
+    std::array<Known, 3> parts;  // day, month, year
+    if (sentence.type == "ZDA") {
+        parts = {sentence.Number(2), sentence.Number(3), sentence.Number(4)};
+    } else if (const std::string_view date = sentence.Field(9); sentence.type == "RMC" && date.size() == 6) {
+        parts = {ParseDecimal(date.substr(0, 2)), ParseDecimal(date.substr(2, 2)), ParseDecimal(date.substr(4))};
+        if (parts[2]) *parts[2] += *parts[2] < kFirstShortYear ? 2000 : 1900;
+    }
+    constexpr std::pair<double, double> kBounds[] = {{1, 31}, {1, 12}, {1980, 9998}};
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (!parts[i] || *parts[i] < kBounds[i].first || *parts[i] > kBounds[i].second) return std::nullopt;
+    }
+    const std::chrono::year_month_day day{std::chrono::year(static_cast<int>(*parts[2])),
+                                          std::chrono::month(static_cast<unsigned>(*parts[1])),
+                                          std::chrono::day(static_cast<unsigned>(*parts[0]))};
+    if (!day.ok()) return std::nullopt;
+    constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
+    return static_cast<double>((std::chrono::sys_days(day) - kDayZero).count());
 }
 
 }  // namespace twr

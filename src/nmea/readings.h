@@ -44,6 +44,17 @@ enum class Reading : std::uint8_t {
     kHeel,
     kTrim,
     kVolts,
+    kLog,
+    kTrip,
+    kHdop,
+    kPdop,
+    kVdop,
+    kSatellites,
+    kFixQuality,  // as GGA counts: 0 none, 1 GPS, 2 differential...
+    kAltitude,
+    kGeoidSeparation,
+    kDifferentialAge,
+    kDifferentialStation,
     kCount
 };
 
@@ -83,18 +94,28 @@ public:
     // What is known at `time`: the readings that are still valid, and what follows from them.
     Moment At(double time) const;
 
+    // The reading itself, if it is still valid.
+    std::optional<double> Get(Reading reading, double time) const;
+
+    // kHdg, kCog, kTwd or kSet as the record keeps it: it needs no variation if a sentence has given the magnetic one. `moment` is
+    // that of `time`.
+    std::optional<double> MagneticBearing(Quantity quantity, const Moment& moment, double time) const;
+
 private:
     struct Heard {
         double value = 0.0;
         double time = -2.0 * kLife;
     };
 
-    std::optional<double> Get(Reading reading, double time) const;
+    std::optional<double> Variation(double time) const;
 
     std::array<Heard, static_cast<std::size_t>(Reading::kCount)> heard_;
 };
 
 // The sentence's time in seconds since midnight; nullopt if its type has no time or the field is empty.
 std::optional<double> TimeOfDayOf(const NmeaSentence& sentence);
+
+// The date of a sentence that has one, RMC or ZDA, as the number of its day since 1899-12-30.
+std::optional<double> DateOf(const NmeaSentence& sentence);
 
 }  // namespace twr

@@ -76,7 +76,23 @@ void ReadRmc(const NmeaSentence& s, SentenceReadings& held) {
 }
 
 void ReadGga(const NmeaSentence& s, SentenceReadings& held) {
-    if (s.Number(6).value_or(0.0) > 0.0) PutPosition(s, 2, held);
+    held.Put(kFixQuality, s.Number(6));
+    if (s.Number(6).value_or(0.0) <= 0.0) return;
+    PutPosition(s, 2, held);
+    held.Put(kSatellites, s.Number(7));
+    held.Put(kHdop, s.Number(8));
+    held.Put(kAltitude, With(s, 9, "M"));
+    held.Put(kGeoidSeparation, With(s, 11, "M"));
+    held.Put(kDifferentialAge, s.Number(13));
+    held.Put(kDifferentialStation, s.Number(14));
+}
+
+// Without a fix the dilutions are made up.
+void ReadGsa(const NmeaSentence& s, SentenceReadings& held) {
+    if (s.Number(2).value_or(0.0) < 2.0) return;
+    held.Put(kPdop, s.Number(15));
+    held.Put(kHdop, s.Number(16));
+    held.Put(kVdop, s.Number(17));
 }
 
 // The oldest form ends before the status.
@@ -157,6 +173,12 @@ void ReadVdr(const NmeaSentence& s, SentenceReadings& held) {
     held.Put(kDrift, With(s, 5, "N"));
 }
 
+// The distances through the water; those over ground that newer devices add are another's.
+void ReadVlw(const NmeaSentence& s, SentenceReadings& held) {
+    held.Put(kLog, With(s, 1, "N"));
+    held.Put(kTrip, With(s, 3, "N"));
+}
+
 void ReadVpw(const NmeaSentence& s, SentenceReadings& held) { held.Put(kVmg, Speed(s, {1, 3})); }
 
 void ReadRot(const NmeaSentence& s, SentenceReadings& held) {
@@ -168,24 +190,23 @@ void ReadRsa(const NmeaSentence& s, SentenceReadings& held) {
     if (s.Field(2) == "A") held.Put(kRudder, s.Number(1));
 }
 
-bool Holds(std::string_view name, std::initializer_list<std::string_view> words) {
-    for (const std::string_view word : words) {
-        if (name.find(word) != std::string_view::npos) return true;
-    }
-    return false;
+// Whatever the case of its letters, which each maker chooses.
+bool Holds(std::string_view name, std::initializer_list<std::string_view> capitals) {
+    const auto same = [](char c, char capital) { return (c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c) == capital; };
+    return std::ranges::any_of(capitals, [&](std::string_view word) { return !std::ranges::search(name, word, same).empty(); });
 }
 
 void ReadTransducer(char kind, std::optional<double> value, std::string_view unit, std::string_view name, SentenceReadings& held) {
     if (kind == 'A' && unit == "D") {
         // Transducers count a heel to starboard as positive.
-        if (Holds(name, {"HEEL", "Heel", "ROLL", "Roll"})) held.Put(kHeel, Times(value, -1.0));
-        if (Holds(name, {"PITCH", "Pitch", "PTCH", "TRIM", "Trim"})) held.Put(kTrim, value);
-        if (Holds(name, {"RUDDER", "Rudder"})) held.Put(kRudder, value);
-    } else if (kind == 'C' && unit == "C" && Holds(name, {"AIR", "Air", "OUTSIDE"})) {
+        if (Holds(name, {"HEEL", "ROLL"})) held.Put(kHeel, Times(value, -1.0));
+        if (Holds(name, {"PITCH", "PTCH", "TRIM"})) held.Put(kTrim, value);
+        if (Holds(name, {"RUDDER"})) held.Put(kRudder, value);
+    } else if (kind == 'C' && unit == "C" && Holds(name, {"AIR", "OUTSIDE"})) {
         held.Put(kAirTemp, value);
-    } else if (kind == 'P' && (unit == "B" || unit == "P") && Holds(name, {"BARO", "Baro"})) {
+    } else if (kind == 'P' && (unit == "B" || unit == "P") && Holds(name, {"BARO"})) {
         held.Put(kBaro, Times(value, unit == "B" ? kHectopascalsPerBar : kHectopascalsPerPascal));
-    } else if (kind == 'U' && unit == "V" && Holds(name, {"BATT", "Batt", "VOLT", "Volt"})) {
+    } else if (kind == 'U' && unit == "V" && Holds(name, {"BATT", "VOLT"})) {
         held.Put(kVolts, value);
     }
 }
@@ -203,9 +224,10 @@ struct Reader {
 };
 
 constexpr Reader kReaders[] = {
-    {"RMC", ReadRmc}, {"GGA", ReadGga}, {"GLL", ReadGll}, {"VTG", ReadVtg}, {"HDG", ReadHdg}, {"HDT", ReadHdt}, {"HDM", ReadHdm},
-    {"VHW", ReadVhw}, {"MWV", ReadMwv}, {"VWR", ReadVwr}, {"VWT", ReadVwt}, {"MWD", ReadMwd}, {"DPT", ReadDpt}, {"DBT", ReadDbt},
-    {"MTW", ReadMtw}, {"VDR", ReadVdr}, {"VPW", ReadVpw}, {"ROT", ReadRot}, {"RSA", ReadRsa}, {"XDR", ReadXdr},
+    {"RMC", ReadRmc}, {"GGA", ReadGga}, {"GLL", ReadGll}, {"GSA", ReadGsa}, {"VTG", ReadVtg}, {"VLW", ReadVlw},
+    {"HDG", ReadHdg}, {"HDT", ReadHdt}, {"HDM", ReadHdm}, {"VHW", ReadVhw}, {"MWV", ReadMwv}, {"VWR", ReadVwr},
+    {"VWT", ReadVwt}, {"MWD", ReadMwd}, {"DPT", ReadDpt}, {"DBT", ReadDbt}, {"MTW", ReadMtw}, {"VDR", ReadVdr},
+    {"VPW", ReadVpw}, {"ROT", ReadRot}, {"RSA", ReadRsa}, {"XDR", ReadXdr},
 };
 
 }  // namespace

@@ -27,6 +27,10 @@ public:
 
     // nullopt if the zone is unknown.
     virtual std::optional<ZoneState> Now() const = 0;
+
+    // Minutes to add to the local time of a moment, in ticks as a Clock gives them, to get UTC: daylight time is counted in, if it
+    // was in force then. nullopt if the zone is unknown.
+    virtual std::optional<std::int32_t> BiasAt(std::int64_t ticks) const = 0;
 };
 
 }  // namespace twr

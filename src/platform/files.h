@@ -85,6 +85,12 @@ public:
 
     // The folder for data that all users of the machine share; empty if it is unknown.
     virtual std::u16string ProgramDataFolder() const = 0;
+
+    // The bytes of a file; nullopt if there is none.
+    virtual std::optional<std::uint64_t> SizeOf(std::u16string_view path) const = 0;
+
+    // The bytes that this user can still write to the disk of a folder; nullopt if it is not there.
+    virtual std::optional<std::uint64_t> RoomIn(std::u16string_view folder) const = 0;
 };
 
 // The bytes of a whole file, empty if there is none; nullopt if it can't be opened, or not be read to its end or to kLargestFile.

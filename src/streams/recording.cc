@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/numbers.h"
 #include "core/days.h"
 #include "streams/recording_name.h"
 
@@ -33,6 +34,10 @@ bool RecordingWriter::Keep() {
     // A clock that was set back must not stop the writing.
     if (!file_ || std::fabs(now_.utc - flushed_) < kFlushAfter) return true;
     if (!FindAgain() || !Flush()) return false;
+    if (const std::string why = options_.tend ? options_.tend(path_, WholeNumber<std::int64_t>(now_.shown)) : ""; !why.empty()) {
+        Close();
+        return Fail(why);
+    }
     return options_.maxSize == 0 || size_ < options_.maxSize || Close();
 }
 
@@ -111,7 +116,7 @@ std::optional<Recorded> RecordingReader::Next() {
             continue;
         }
         if (!marked_) Reach(change->time);
-        return Recorded{seconds_, *reached_, *change};
+        return Recorded{seconds_, *reached_, *change, lines_.TakeSeam()};
     }
     return std::nullopt;
 }

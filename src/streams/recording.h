@@ -3,6 +3,7 @@
 #pragma once
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,6 +19,9 @@ struct RecordingOptions {
     std::u16string name = {};  // of the file; with the fields of recording_name.h
     bool gzip = false;
     std::uint64_t maxSize = 0;  // bytes, after which a new file begins; 0 for no bound
+    // Called by whoever writes, about once a second, with the file that is written and the day that is shown. What it returns ends
+    // the recording, as its fault.
+    std::function<std::string(std::u16string_view path, std::int64_t day)> tend = {};
 };
 
 // A moment, in days.
@@ -85,6 +89,7 @@ public:
 
     std::optional<Recorded> Next() override;
     std::string Fault() const override;
+    bool IsTorn() const override { return lines_.IsTorn(); }
 
 private:
     void Reach(double time);

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "streams/recording_name.h"
 
+#include <cmath>
+
 #include "base/calendar.h"
 #include "base/wide_text.h"
+#include "core/days.h"
+#include "streams/iso_time.h"
 
 namespace twr {
 namespace {
@@ -27,15 +31,17 @@ bool ChangesWithTime(std::u16string_view name) {
     return false;
 }
 
-// Field by field, since a path may be longer than what is formatted at once.
+// Field by field, since a path may be longer than what is formatted at once. The second that has begun, as the lines of the file
+// tell it: the nearest one would begin the file of a day half a second before midnight.
 std::u16string NameAt(std::u16string_view name, double shown) {
+    const double second = std::floor(static_cast<double>(ToMillisecond(shown)) / 1000) / kSecondsPerDay;
     std::u16string text;
     while (!name.empty()) {
         const std::size_t plain = std::min(name.find(u'%'), name.size());
         text += name.substr(0, plain);
         name.remove_prefix(plain);
         if (name.empty()) break;
-        text += DateTimeFormat(shown, name.substr(0, 2));
+        text += DateTimeFormat(second, name.substr(0, 2));
         name.remove_prefix(std::min<std::size_t>(2, name.size()));
     }
     return text;

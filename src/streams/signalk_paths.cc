@@ -3,6 +3,7 @@
 
 #include <numbers>
 
+#include "core/channel_catalogue.h"
 #include "core/units.h"
 
 namespace twr {
@@ -135,5 +136,44 @@ constexpr SignalKPath kPaths[] = {
 }  // namespace
 
 std::span<const SignalKPath> SignalKPaths() { return kPaths; }
+
+const SiUnit& SiUnitOf(std::int16_t type) {
+    switch (type) {
+        case kTypeDuration:
+            return kDays;
+        case kTypeDepth:
+        case kTypeMetres:
+            return kMetres;
+        case kTypeDistance:
+        case kTypeShortDistance:
+            return kMiles;
+        case kTypeBearing:
+        case kTypeAngle:
+        case kTypeWindAngle:
+            return kAngle;
+        case kTypeLatitude:
+        case kTypeLongitude:
+            return kDegrees;
+        case kTypePercent:
+            return kRatio;
+        case kTypeBoatSpeed:
+        case kTypeWindSpeed:
+            return kKnots;
+        case kTypeTemperature:
+            return kCelsius;
+        case kTypeBarometer:
+            return kHectopascals;
+        case kTypePressure:
+            return kPascals;
+        case kTypeVolts:
+            return kVolt;
+        case kTypeCurrent:
+            return kAmpere;
+        case kTypeTurnRate:
+            return kTurnRate;
+        default:
+            return kPlain;
+    }
+}
 
 }  // namespace twr

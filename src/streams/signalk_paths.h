@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Which channel is published under which path of Signal K 1.7, and in which of its units.
 #pragma once
+#include <cstdint>
 #include <span>
 
 #include "base/channel_ids.h"
@@ -28,6 +29,9 @@ struct SignalKPath {
 };
 
 std::span<const SignalKPath> SignalKPaths();
+
+// The unit of SI for the values of a type that have one, by the same rules; of positions, degrees.
+const SiUnit& SiUnitOf(std::int16_t type);
 
 // The unit of the one value that is a text: a moment by ISO 8601.
 inline constexpr SiUnit kSignalKMoment{"RFC 3339 (UTC)", 1.0};

@@ -23,6 +23,16 @@ constexpr StreamFormatRow kFormats[] = {
 
 }  // namespace
 
+bool TakeTalker(Talkers& talkers, std::string_view typed) {
+    constexpr std::string_view kGps = "gps=";
+    const bool ofGps = typed.starts_with(kGps);
+    if (ofGps) typed.remove_prefix(kGps.size());
+    const auto isFit = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); };
+    if (typed.size() != 2 || typed[0] == 'P' || !std::ranges::all_of(typed, isFit)) return false;  // P is a maker's own
+    (ofGps ? talkers.gps : talkers.all) = typed;
+    return true;
+}
+
 std::span<const StreamFormatRow> StreamFormats() { return kFormats; }
 
 const StreamFormatRow& StreamFormatOf(std::string_view name) { return *std::ranges::find(kFormats, name, &StreamFormatRow::name); }

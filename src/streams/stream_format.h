@@ -11,6 +11,17 @@
 
 namespace twr {
 
+// Who sentences say that they come from, two letters each.
+struct Talkers {
+    std::string all = "II";
+    std::string gps = {};  // of time, position, and course and speed over ground; empty for the same
+
+    const std::string& Gps() const { return gps.empty() ? all : gps; }
+};
+
+// "XX" for all, or "gps=XX". False if it is neither.
+bool TakeTalker(Talkers& talkers, std::string_view typed);
+
 // Tells one reader, or several that have heard the same from the start. Each format is a class in a .cc file of its own.
 class StreamFormat {
 public:
@@ -18,6 +29,9 @@ public:
 
     // Appends what a reader who connects is told ahead of all values. `now` in days.
     virtual void Greet(std::string&, double /*now*/) const {}
+
+    // Only sentences have them.
+    virtual void SetTalkers(const Talkers&) {}
 
     // Appends what tells these changes, as the follower has just given them.
     virtual void Append(std::string& out, std::span<const Change> changes, const Follower& follower) = 0;

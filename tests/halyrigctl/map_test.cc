@@ -32,6 +32,8 @@ public:
     explicit FailingFiles(Files& real) : real_(real) {}
     bool Exists(std::u16string_view path) const override { return real_.Exists(path); }
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return real_.ChangedAt(path); }
+    std::optional<std::uint64_t> SizeOf(std::u16string_view path) const override { return real_.SizeOf(path); }
+    std::optional<std::uint64_t> RoomIn(std::u16string_view folder) const override { return real_.RoomIn(folder); }
     void MakeFolder(std::u16string_view path) override { real_.MakeFolder(path); }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override {
         auto source = real_.Open(path);

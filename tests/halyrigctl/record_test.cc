@@ -3,6 +3,7 @@
 #include <future>
 #include <thread>
 
+#include "base/numbers.h"
 #include "ctl_fixture.h"
 #include "halyrigctl/recordings/replayer.h"
 #include "status/bridge_status.h"
@@ -149,6 +150,50 @@ TEST_F(RecordTest, LooksOnABeatThatSeesEachTickOfTheBridge) {
     EXPECT_NEAR(ticks, static_cast<int>(Read("beat").size()), 1) << "the last may come after the last look";
 }
 
+// A file a day, of which the oldest are removed, and nothing else; not into the last of the disk's room.
+TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
+    const std::string at = "ProgramData/Tidewright/recordings/";
+    const char* const old[] = {"halyrig-20261114.jsonl.gz",    "halyrig-20261116.jsonl.gz", "halyrig-20261116-2.jsonl.gz",
+                               "halyrig-20261116-10.jsonl.gz", "halyrig-2026111.jsonl.gz",  "halyrig-20261001-x.jsonl.gz",
+                               "halyrig-20261399.jsonl.gz",    "race-20260101.jsonl.gz"};
+    StartSuite();
+    clock.AdvanceMs(12 * 3'600'000);  // the 19th in every zone
+    const auto left = [&](const std::string& keep) {
+        for (const char* name : old) test.folder.Write(at + name, std::string(1 << 20, 'x'));
+        Record(keep, 3, [&](int look) { Publish(kBsp, look); });
+        std::string found;
+        for (const char* name : old) found += Core().files.Exists(test.folder.File(at + name)) ? '1' : '0';
+        return found;
+    };
+    EXPECT_EQ("11111111", left(""));
+    EXPECT_EQ("01111111", left("--keep 4")) << "the 16th to the 19th";
+    EXPECT_EQ("00001111", left("--keep 3d"));
+    EXPECT_EQ("00111111", left("--keep 3M")) << "two of the 16th, and this run's";
+    std::size_t count = 0;
+    for (const std::u16string& path :
+         Core().files.List(test.folder.File("ProgramData/Tidewright/recordings"), u"halyrig-20261119*")) {
+        EXPECT_LE(1u, Read(path).size()) << ToUtf8(path);
+        ++count;
+    }
+    EXPECT_EQ(4u, count);
+    ExpectSaid(2, {{"record --keep 0", {"--keep must be"}},
+                   {"record --keep 4x", {"--keep must be"}},
+                   {"record f --keep 4", {"does not go with FILE"}}});
+    FakeFiles full;
+    disk = &full;
+    full.diskRoom = (1ULL << 30) - 1;
+    ExpectIn(Said("record", 1), {"less than 1 GiB of room"});
+    full.diskRoom = 1ULL << 30;
+    full.onFlush = [&] { return --full.diskRoom > 0; };
+    each = [&] {
+        Publish(kBsp, console.waited % 20);
+        std::this_thread::yield();
+        return true;
+    };
+    ExpectIn(Said("record", 1), {"halyrig-20261119.jsonl.gz ended, since its disk has less than 1 GiB of room"});
+    EXPECT_EQ(1u, full.files.size());
+}
+
 struct HangingDisk : FakeFiles {
     HangingDisk() {
         onFlush = [this, works = works.get_future().share()] {
@@ -242,13 +287,15 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
     EXPECT_FALSE(Held());
     const std::pair<const char*, Found> rows[] = {{"--speed 10", {4, {6, 7, kNoValue}}},
                                                   {"--speed 0.5", {80, {6, 7, kNoValue}}},
-                                                  {"--from 01:00:20", {20, {7, kNoValue}}},
+                                                  {"--from 01:00:20Z", {20, {7, kNoValue}}},
+                                                  {"--from 2026-11-25T03:00:20+02:00", {20, {7, kNoValue}}},
+                                                  {"--from +20s", {20, {7, kNoValue}}},
                                                   {"--from 2026-11-25T01:00:19Z", {20, {7, kNoValue}}},
-                                                  {"--from 01:00:21 --channels MagVar", {0, {kNoValue}}}};
+                                                  {"--from 01:00:21Z --channels MagVar", {0, {kNoValue}}}};
     for (const auto& [options, found] : rows) EXPECT_EQ(found, replay(options)) << options;
     EXPECT_EQ(100, replay("--loop --speed 2").first);
-    replay("--from 01:01", 1);
-    ExpectIn(console.written, {"ends before 01:01"});
+    replay("--from 01:01Z", 1);
+    ExpectIn(console.written, {"ends before 01:01Z"});
     ExpectSaid(2, {{"replay f --from noon", {"--from must be"}}, {"replay f --speed 0", {"--speed"}}});
     each = [&] {
         StartSuite();
@@ -259,6 +306,48 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
     EXPECT_EQ(9, Value(kMagVar));
     EXPECT_EQ(6, Value(kBsp)) << "it has ended at once";
     ExpectIn(Said("replay " + File("two.jsonl"), 1), {"asked to close"});
+}
+
+// Keys at a terminal, typed when so many seconds have passed: what the boat's speed is then, a line for each second of the
+// recording.
+TEST_F(RecordTest, ReplayIsLedByKeys) {
+    std::string lines;
+    for (int second = 0; second < 300; ++second)
+        lines += At(Printed("01:%02d:%02d", second / 60, second % 60), 1, std::to_string(second));
+    test.folder.Write("race", lines);
+    console.size = ConsoleSize{100, 10};
+    const auto played = [&](std::map<int, std::u32string> keys, double seconds) {
+        const double start = clock.Days();
+        double last = kNoValue;
+        each = [&] {
+            if (!suite) StartSuite();
+            const double passed = (clock.Days() - start) * 86400;
+            for (auto& [at, typed] : keys) {
+                if (passed >= at) console.keys += std::exchange(typed, U"");
+            }
+            last = Value(kBsp);
+            return passed < seconds;
+        };
+        Said("replay " + File("race"));
+        suite.reset();
+        return last;
+    };
+    const std::u32string left{Key::kLeft}, right{Key::kRight}, up{Key::kUp}, down{Key::kDown};
+    EXPECT_NEAR(10, played({}, 10), 1);
+    ExpectIn(console.pictures.back(), {"REPLAY of ", "recorded at  2026-11-25T", "% of the file", "as it was"});
+    EXPECT_NEAR(5, played({{5, U" "}}, 15), 1);
+    ExpectIn(console.pictures.back(), {"paused"});
+    EXPECT_NEAR(10, played({{5, U" "}, {10, U" "}}, 15), 1);
+    EXPECT_NEAR(30, played({{0, U"]]"}}, 7.5), 3);
+    EXPECT_NEAR(5, played({{0, U"["}}, 10), 1);
+    EXPECT_NEAR(90, played({{5, right + up}}, 20), 5);
+    EXPECT_NEAR(40, played({{5, up}, {10, left + left + left}}, 10.5), 6);
+    EXPECT_NEAR(20, played({{5, up}, {10, down}}, 20), 5);
+    const double start = clock.Days();
+    played({{3, U"q"}}, 100);
+    EXPECT_NEAR(3, (clock.Days() - start) * 86400, 1);
+    EXPECT_FALSE(console.screenTaken);
+    console.size.reset();
 }
 
 TEST_F(RecordTest, ReplayKeepsOutOfTheBridgesWay) {
@@ -295,10 +384,10 @@ TEST_F(RecordTest, ReplayTakesNmeaLogsAndRefusesWhatIsNone) {
     test.folder.Write("log.nmea",
                       "garbage\n$IIVHW,,T,,M,5.00,N,,K\n$GPRMC,120000,A,5000.00,N,00100.00,W,6.0,90.0,251126,10.0,E\n"
                       "$IIHDT,100.0,T\n$IIDBT,32.808,f,,M,,F\n$IIXDR,A,-12.0,D,HEEL\n$IIVHW,,T,,M,9.99,N*00\n"
-                      "$GPRMC,120030,A,5000.00,N,00100.00,W,7.0,90.0,251126,10.0,E\n");
+                      "$GPRMC,120008,A,5000.00,N,00100.00,W,7.0,90.0,251126,10.0,E\n");
     const double start = clock.Days();
     EXPECT_EQ(std::string::npos, Said("replay " + File("log.nmea")).find("line"));
-    EXPECT_NEAR(30, (clock.Days() - start) * 86400, 0.2);
+    EXPECT_NEAR(8, (clock.Days() - start) * 86400, 0.2);
     const std::pair<ChannelId, double> rows[] = {{kBsp, 5},  {kHdg, 90}, {kMagVar, 10}, {kLat, 50},  {kSog, 7},
                                                  {kCog, 80}, {kLon, -1}, {kDepth, 10},  {kHeel, -12}};
     for (const auto& [channel, value] : rows) EXPECT_NEAR(value, Value(channel), 1e-3) << channel;

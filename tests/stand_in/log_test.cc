@@ -70,7 +70,9 @@ TEST(Readings, TakesEachSentence) {
         {"$IIXDR,A,12.0,D,HEEL,A,-1.5,D,PITCH,P,1.0132,B,BARO,C,17.5,C,AIRTEMP", "HEEL=-12 TRIM=-1.5 AIRTEMP=17.5 BARO=1013.2 "},
         {"$IIXDR,P,101320,P,Barometer,U,12.6,V,BATT1", "BARO=1013.2 VOLTS=12.6 "},
         {"$IIXDR,A,,D,HEEL,A,1.0,D,WING,P,1.0,B,OIL", ""},
+        {"$IIXDR,A,-3.5,D,Rudder,A,12.0,D,Heel Angle,C,9.0,C,TempAir", "HEEL=-12 RUDDER=-3.5 AIRTEMP=9 "},
         // What follows from the rest.
+        {"$IIMWD,,T,20.0,M,10.0,N,,|$IIHDM,350.0,M", "TWA=30 TWS=10 "},
         {"$IIHDT,350.0,T|$IIMWV,30,T,10.0,N,A", "TWA=30 TWS=10 TWD=20 HDG=350 "},
         {"$IIMWD,20.0,T,,M,10.0,N,,|$IIHDT,350.0,T", "TWA=30 TWS=10 TWD=20 HDG=350 "},
         {"$IIMWV,90,R,6.0,N,A|$IIVHW,,T,,M,6.0,N,,K", "BSP=6 AWA=90 AWS=6 TWA=135 TWS=8.48528 VMG=-4.24264 "},
@@ -85,6 +87,34 @@ TEST(Readings, TakesEachSentence) {
         {"$IIHDT,-,T|$IIHDT,+,T|$IIHDT,.,T|$IIHDT,+-1,T|$IIHDT,1e1,T|$IIHDT,nan,T|$IIHDT,0x10,T|$IIHDT,1.2.3,T", ""},
         {"$IIHDT,inf,T|$IIHDT,000000000000000000001,T", ""}};
     for (const auto& [lines, heard] : rows) EXPECT_EQ(heard, Heard(lines)) << lines;
+}
+
+// The readings that only a record has.
+TEST(Readings, TakesWhatSatellitesAndLogsTell) {
+    using enum Reading;
+    const std::tuple<const char*, Reading, std::optional<double>> rows[] = {
+        {"$IIVLW,123.4,N,0.51,N", kLog, 123.4},
+        {"$IIVLW,123.4,N,0.51,N", kTrip, 0.51},
+        {"$IIVLW,,N,,N", kTrip, {}},
+        {"$GPGSA,A,3,1,2,3,,,,,,,,,,2.5,1.3,2.1", kPdop, 2.5},
+        {"$GPGSA,A,3,1,2,3,,,,,,,,,,2.5,1.3,2.1", kVdop, 2.1},
+        {"$GPGSA,A,1,,,,,,,,,,,,,99,99,99", kHdop, {}},
+        {"$GPGGA,1,6005.0,N,02332.0,E,2,09,0.9,12.5,M,19.6,M,3.0,0120", kFixQuality, 2},
+        {"$GPGGA,1,6005.0,N,02332.0,E,2,09,0.9,12.5,M,19.6,M,3.0,0120", kAltitude, 12.5},
+        {"$GPGGA,1,6005.0,N,02332.0,E,2,09,0.9,12.5,M,19.6,M,3.0,0120", kDifferentialStation, 120},
+        {"$GPGGA,1,,,,,0,00,99,,M,,M,,", kFixQuality, 0},
+        {"$GPGGA,1,,,,,0,00,99,,M,,M,,", kSatellites, {}}};
+    for (const auto& [line, reading, value] : rows) {
+        Readings readings;
+        readings.Take(*ParseSentence(line), 0.0);
+        EXPECT_EQ(value, readings.Get(reading, 0.0)) << line;
+    }
+    const std::pair<const char*, std::optional<double>> dates[] = {{"$GPRMC,1,A,,,,,,,251126,,", 46351},
+                                                                   {"$GPRMC,1,A,,,,,,,310299,,", {}},
+                                                                   {"$GPZDA,1,25,11,2026,00,00", 46351},
+                                                                   {"$GPZDA,1,257,1,2026,00,00", {}},
+                                                                   {"$GPZDA,1,,,,00,00", {}}};
+    for (const auto& [line, date] : dates) EXPECT_EQ(date, DateOf(*ParseSentence(line))) << line;
 }
 
 constexpr const char16_t* kPath = u"/deckman/recording.nmea";
@@ -153,9 +183,9 @@ TEST(LogSurvey, SaysWhatIsOfUse) {
     const std::string longest = "$IIHDT,5,T" + std::string(kLogLines.longest - 10, ' ');
     const std::pair<std::string, const char*> rows[] = {
         {Speed(1) + "\n" + At("120000") + Speed(2) + "$IIVHW,,T,,M,,N,,K\n$GPGSV,1\n# a remark\n$IIVHW,,T,,M,5,N,,K*00",
-         "7 lines, of which 2 (28.6 %) are broken\n  used: VHW 2, ZDA 1\n  empty, or of no use to the stand-in: GSV 1, VHW 1\n"},
+         "7 lines, of which 2 (28.6 %) are broken\n  used: VHW 2, ZDA 1\n  empty, or of no use: GSV 1, VHW 1\n"},
         {"$IIHDT,1,T\r\n$IIHDT,2,T\r$IIHDT,3,T\n" + longest + "\n" + longest + " \n$IIHDT,4,T",
-         "6 lines, of which 1 (16.7 %) are broken\n  used: HDT 5\n  empty, or of no use to the stand-in: none\n"},
+         "6 lines, of which 1 (16.7 %) are broken\n  used: HDT 5\n  empty, or of no use: none\n"},
         {"", "it is empty"},
         {"\r\n \r\n", "it is empty"},
         {"\x1F\x8B\x08" + Speed(1), "it is packed by gzip: unpack it first"},

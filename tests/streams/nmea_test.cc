@@ -36,13 +36,16 @@ TEST_F(NmeaTest, SaysWhatIsFresh) {
     EXPECT_EQ(
         "RMC,000000.00,A,5030.20736,N,00659.76000,W,7.04,,191126,,,A\n"
         "GLL,5030.20736,N,00659.76000,W,000000.00,A,A\n"
+        "GGA,000000.00,5030.20736,N,00659.76000,W,1,,,,,,,,\n"
         "VTG,,,1.0,M,7.04,N,13.04,K,A\n"
         "HDG,280.0,,,,\n"
+        "HDM,280.0,M\n"
         "VHW,,,280.0,M,6.39,N,11.83,K\n"
         "MWV,327.3,R,14.2,N,A\n"
         "MWV,58.9,T,10.0,N,A\n"
         "MWD,,,225.5,M,10.0,N,5.1,M\n"
         "DPT,91.5,\n"
+        "DBT,300.2,f,91.5,M,50.0,F\n"
         "MTW,-1.5,C\n"
         "VLW,123.40,N,0.51,N\n"
         "ROT,-30.0,A\n"
@@ -65,10 +68,20 @@ TEST_F(NmeaTest, LeavesMissingFieldsEmpty) {
         {{{kMagVar, 3.0}, {kLat, 50.0}, {kGpsNum, 9.0}}, ""},
         {{{kBsp, 0.0}}, "VHW,,,,,0.00,N,0.00,K\n"},
         {{{kAws, 5.0}}, "MWV,,R,5.0,N,A\n"},
+        {{{kLogBsp, 12.0}}, "VLW,12.00,N\n"},
+        {{{kVmg, -4.0}}, "VPW,-4.00,N,-2.06,M\n"},
+        {{{kSet, 90.0}, {kDrift, 1.5}}, "VDR,,,90.0,M,1.50,N\n"},
+        {{{kRudder, -3.5}}, "RSA,-3.5,A,,V\n"},
+        {{{kAirTemp, 17.5}, {kBaro, 1013.25}}, "XDR,C,17.5,C,TempAir,P,1.01325,B,Barometer\n"},
+        {{{kRpm1, 800.0}, {kRpm2, 900.5}}, "RPM,E,1,800.0,,A\nRPM,E,2,900.5,,A\n"},
+        {{{kMkRng, 1.5}}, ""},
+        {{{kMkRng, 1.5}, {kMkBrg, 90.0}}, "BWC,,,,,,,,90.0,M,1.50,N,MARK,N\nRMB,V,,,,MARK,,,,,1.50,,,V,N\n"},
+        {{{kMkRng, 20000.0}, {kMkBrg, 90.0}}, ""},
         {{{kTrim, 2.0}}, "XDR,A,2.0,D,PTCH\n"},
         {{{kBsp, 1e9}, {kTws, kNoValue}}, ""},
         {{{kLat, -0.0000001}, {kLon, 359.99999999}},
-         "RMC,000000.00,A,0000.00001,S,00000.00000,W,,,191126,,,A\nGLL,0000.00001,S,00000.00000,W,000000.00,A,A\n"},
+         "RMC,000000.00,A,0000.00001,S,00000.00000,W,,,191126,,,A\nGLL,0000.00001,S,00000.00000,W,000000.00,A,A\n"
+         "GGA,000000.00,0000.00001,S,00000.00000,W,1,,,,,,,,\n"},
         {{{kLat, 49.99999999}, {kLon, 180.0}, {kGpsMethod, 8.0}},
          "RMC,000000.00,V,5000.00000,N,18000.00000,E,,,191126,,,S\nGLL,5000.00000,N,18000.00000,E,000000.00,V,S\n"}};
     for (const auto& [values, sentences] : rows) {
@@ -82,7 +95,45 @@ TEST_F(NmeaTest, TellsTheChosenBoatAndChannels) {
     Publish(kBsp, 5.0), Publish(kBsp, 6.0, 7), Publish(kHdg, 90.0, 7), Publish(kMagVar, 3.0);
     EXPECT_EQ("VHW,,,,,5.00,N,9.26,K\n", Sentences());
     Follow({.channels = {kHdg}, .boat = 7});
-    EXPECT_EQ("HDG,90.0,,,3.0,E\nHDT,93.0,T\nVHW,93.0,T,90.0,M,,,,\n", Sentences());
+    EXPECT_EQ("HDG,90.0,,,3.0,E\nHDM,90.0,M\nHDT,93.0,T\nVHW,93.0,T,90.0,M,,,,\n", Sentences());
+}
+
+// To the mark, by satellites, as long as a sentence gets; a position by dead reckoning is never sent as a fix.
+TEST_F(NmeaTest, TellsOfSatellitesAndTheMark) {
+    const std::pair<ChannelId, double> published[] = {
+        {kLat, 50.503456}, {kLon, -146.996},  {kMagVar, -3.0},   {kGpsMethod, 4.0}, {kGpsNum, 9.0}, {kHdop, 0.9},
+        {kPdop, 1.5},      {kVdop, 1.2},      {kAltitude, 12.5}, {kGeoSep, 19.6},   {kGpsAge, 3.0}, {kDiffStn, 12.0},
+        {kMkLat, -50.5},   {kMkLon, -151.25}, {kMkRng, 9999.99}, {kMkBrg, 190.0},   {kVmc, -12.3}};
+    for (const auto& [channel, value] : published) Publish(channel, value);
+    const std::string all = Sentences();
+    for (const char* part :
+         {"GGA,000000.00,5030.20736,N,14659.76000,W,4,09,0.9,12.5,M,19.6,M,3.0,0012\n", "GSA,A,3,,,,,,,,,,,,,1.5,0.9,1.2\n",
+          "BWC,000000.00,5030.00000,S,15115.00000,W,187.0,T,190.0,M,9999.99,N,MARK,R\n",
+          "RMB,A,,,,MARK,5030.00000,S,15115.00000,W,9999.99,187.0,-12.3,V,R\n"})
+        EXPECT_NE(all.npos, all.find(part)) << part << "is not in\n" << all;
+    Publish(kGpsMethod, 6.0);
+    const std::string reckoned = Sentences();
+    for (const char* part : {"RMC,000000.00,V,", ",V,E\n", "RMB,V,"}) EXPECT_NE(all.npos, reckoned.find(part)) << part << reckoned;
+    for (const char* part : {"GGA", "GSA"}) EXPECT_EQ(all.npos, reckoned.find(part)) << part << reckoned;
+}
+
+TEST_F(NmeaTest, ComesFromTheTalkersThatAreWanted) {
+    Publish(kCog, 90.0), Publish(kBsp, 5.0);
+    const std::pair<std::vector<const char*>, const char*> rows[] = {
+        {{}, "$IIVTG $IIVHW "}, {{"SD"}, "$SDVTG $SDVHW "}, {{"gps=GP"}, "$GPVTG $IIVHW "}, {{"gps=GN", "VW"}, "$GNVTG $VWVHW "}};
+    for (const auto& [typed, begins] : rows) {
+        Talkers talkers;
+        for (const char* one : typed) EXPECT_TRUE(TakeTalker(talkers, one)) << one;
+        const auto format = StreamFormatOf("nmea").make();
+        format->SetTalkers(talkers);
+        std::string out, found;
+        format->Append(out, follower->Look(), *follower);
+        for (std::size_t at = out.find('$'); at != out.npos; at = out.find('$', at + 1)) found += out.substr(at, 6) + " ";
+        EXPECT_EQ(begins, found);
+    }
+    Talkers talkers;
+    for (const char* typed : {"", "G", "GPS", "gp", "PX", "gps=", "wind=WI", "G,"})
+        EXPECT_FALSE(TakeTalker(talkers, typed)) << typed;
 }
 
 }  // namespace

@@ -30,6 +30,8 @@ TEST(RecordingNameTest, HasFieldsAndNumbers) {
         EXPECT_EQ(std::nullopt, UnknownFieldIn(name));
     }
     EXPECT_EQ(u"%y", UnknownFieldIn(u"%%%y"));
+    EXPECT_EQ(u"25 235959", NameAt(u"%d %H%M%S", 46352 - 0.002 / 86400)) << "the day has not ended yet";
+    EXPECT_EQ(u"26 000000", NameAt(u"%d %H%M%S", 46352 - 0.0004 / 86400)) << "as a line tells this moment";
     EXPECT_EQ(u"%", UnknownFieldIn(u"%d%"));
     EXPECT_TRUE(ChangesWithTime(u"%%%d") && !ChangesWithTime(u"%%d"));
 }

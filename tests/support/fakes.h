@@ -32,7 +32,12 @@ public:
 class FakeZone : public Zone {
 public:
     std::optional<ZoneState> Now() const override { return state; }
+    std::optional<std::int32_t> BiasAt(std::int64_t ticks) const override {
+        if (!state) return std::nullopt;
+        return state->bias + (ticks >= daylightFrom && ticks < daylightUntil ? -60 : 0);
+    }
     std::optional<ZoneState> state = ZoneState{0, 0, false};
+    std::int64_t daylightFrom = 0, daylightUntil = 0;
 };
 
 // Blocks shared by all holders of this object, as other processes share them.
@@ -111,6 +116,11 @@ public:
         return Find(path) || std::ranges::find(folders, path) != folders.end();
     }
     std::optional<std::int64_t> ChangedAt(std::u16string_view) const override { return std::nullopt; }
+    std::optional<std::uint64_t> SizeOf(std::u16string_view path) const override {
+        const File* const file = Find(path);
+        return file ? std::optional<std::uint64_t>(file->bytes.size()) : std::nullopt;
+    }
+    std::optional<std::uint64_t> RoomIn(std::u16string_view) const override { return diskRoom; }
     void MakeFolder(std::u16string_view path) override {
         if (!foldersFail) folders.emplace_back(path);
     }
@@ -141,6 +151,7 @@ public:
     bool foldersFail = false;
     bool copiesFail = false;
     std::size_t room = std::string::npos;  // bytes that a created file can hold
+    std::uint64_t diskRoom = 1ULL << 40;   // bytes
     int flushes = 0;                       // of created files
     std::function<bool()> onFlush;         // whether one succeeds; may be called by another thread
     std::vector<std::u16string> removed;

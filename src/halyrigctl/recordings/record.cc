@@ -5,6 +5,8 @@
 
 #include "base/wide_text.h"
 #include "core/days.h"
+#include "halyrigctl/recordings/day_files.h"
+#include "halyrigctl/setup/dry_run.h"
 #include "halyrigctl/stream/streamer.h"
 #include "streams/iso_time.h"
 #include "streams/recording_name.h"
@@ -14,7 +16,8 @@ namespace twr {
 namespace {
 
 constexpr int kSliceMs = 100;
-constexpr int kMostDrainMs = 30'000;  // what waits is 30 s of every channel, and a service is killed after 90 s
+constexpr int kCallsBetweenTending = 10;  // of one a second
+constexpr int kMostDrainMs = 30'000;      // what waits is 30 s of every channel, and a service is killed after 90 s
 
 std::string MomentText(double days) {
     std::string text;
@@ -24,13 +27,13 @@ std::string MomentText(double days) {
 
 class RecordingOutlet : public Outlet {
 public:
-    RecordingOutlet(System& system, const RecordOptions& options, Streamer& streamer)
+    RecordingOutlet(System& system, const RecordingOptions& options, Streamer& streamer)
         : services_(system.Core()),
           console_(system.GetConsole()),
           streamer_(streamer),
-          name_(FromUtf8(options.file)),
+          name_(options.name),
           changes_(ChangesWithTime(name_)),
-          queue_(services_.files, {name_, options.gzip, options.maxSize}) {}
+          queue_(services_.files, options) {}
 
     bool HasRoom() override {
         hasRoom_ = queue_.HasRoom();
@@ -116,10 +119,44 @@ private:
     std::optional<double> gapFrom_;  // the last look before the queue was full
 };
 
+// A file a day in the data folder; nullopt, and the reason is said, if there can be none now.
+std::optional<RecordingOptions> ByItself(System& system, const RecordOptions& options) {
+    Files& files = system.Core().files;
+    const auto keep = options.keep.empty() ? KeptDays{} : ParseKeep(options.keep).value_or(KeptDays{});
+    const DryRun dryRun(system.Core());  // there may be no record yet
+    const std::u16string data = dryRun.Core().GetDataFolder(u""), folder = JoinPath(data, u"recordings");
+    for (const std::u16string& path : {data, folder}) {
+        if (!files.Exists(path)) files.MakeFolder(path);
+    }
+    auto days = std::make_shared<DayFiles>(files, folder, keep);
+    const double now = UtcNowDays(system.Core().clock);
+    const std::string why = days->Tend({}, static_cast<std::int64_t>(dryRun.Core().ToDisplayTime(now)));
+    if (data.empty() || !why.empty()) {
+        Complain(system.GetConsole(),
+                 data.empty() ? "the data folder is not known; give a FILE." : Harmless(folder) + ": the recording " + why);
+        return std::nullopt;
+    }
+    RecordingOptions recording{days->Name(), true, options.maxSize};
+    recording.tend = [days, calls = 0](std::u16string_view path, std::int64_t today) mutable {
+        return calls++ % kCallsBetweenTending == 0 ? days->Tend(path, today) : std::string();
+    };
+    return recording;
+}
+
+bool Understands(Console& console, const RecordOptions& options) {
+    const char* const wrong = options.keep.empty()    ? nullptr
+                              : !options.file.empty() ? "--keep is for the recordings in the data folder: it does not go with FILE"
+                              : !ParseKeep(options.keep) ? "--keep must be days, such as 30, or a size, such as 4G"
+                                                         : nullptr;
+    if (wrong) Complain(console, wrong);
+    return !wrong;
+}
+
 }  // namespace
 
 Status Record(System& system, const RecordOptions& options) {
     Console& console = system.GetConsole();
+    if (!Understands(console, options)) return kMisunderstood;
     if (const auto unknown = UnknownFieldIn(FromUtf8(options.file))) {
         Complain(console, "FILE has " + Harmless(*unknown) + "; its fields are %Y %m %d %H %M %S, and %% for the sign itself");
         return kMisunderstood;
@@ -127,9 +164,12 @@ Status Record(System& system, const RecordOptions& options) {
     StreamOptions lines;
     lines.channels = options.channels;
     lines.boat = options.boat;
+    std::optional<RecordingOptions> recording = RecordingOptions{FromUtf8(options.file), options.gzip, options.maxSize};
+    if (options.file.empty()) recording = ByItself(system, options);
+    if (!recording) return kFailed;
     Streamer streamer(system, lines);
     console.Wait(0);  // a request to end is for this thread: from here on those that it begins don't get one
-    RecordingOutlet outlet(system, options, streamer);
+    RecordingOutlet outlet(system, *recording, streamer);
     const Status status = streamer.Run(outlet);
     return outlet.Finish() ? status : kFailed;
 }

@@ -5,11 +5,12 @@
 
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/recordings/nmea_log.h"
+#include "halyrigctl/recordings/board_time.h"
+#include "halyrigctl/recordings/recorded_files.h"
+#include "halyrigctl/recordings/replay_desk.h"
 #include "halyrigctl/recordings/replayer.h"
 #include "halyrigctl/setup/names.h"
 #include "status/bridge_status.h"
-#include "streams/recording.h"
 
 namespace twr {
 namespace {
@@ -21,18 +22,20 @@ constexpr double kLongestStep = 1.0;  // seconds; a machine that slept, or whose
 // The replay of one file, from its start to its end.
 class Replay {
 public:
-    Replay(System& system, const ReplayOptions& options) : system_(system), options_(options), file_(FromUtf8(options.file)) {}
+    Replay(System& system, const ReplayOptions& options)
+        : system_(system), options_(options), file_{FromUtf8(options.file)}, desk_(system.GetConsole(), options.speed) {}
 
     Status Run();
 
 private:
-    std::unique_ptr<UnpackingSource> Open();
     std::unique_ptr<RecordedSource> OpenSource();
     bool Understands();
     bool Attach();
     bool ChooseChannels();
     bool PlayOnce();
     bool PlayUntilEnd(Replayer& replayer);
+    bool Steps(const Replayer& replayer, double& played);
+    void Show(const Replayer& replayer, double played);
     bool Pause(int milliseconds);
     bool GoesOn(int milliseconds = 0);
     bool Fail(const std::string& why);
@@ -40,11 +43,13 @@ private:
 
     System& system_;
     const ReplayOptions options_;
-    const std::u16string file_;
-    ReplayStart start_;
+    RecordedFile file_;
+    ReplayDesk desk_;
+    std::optional<TypedTime> from_;
     std::set<ChannelId> channels_;
     std::unique_ptr<CCore> core_;
-    int sinceCheck_ = 0;  // milliseconds
+    int sinceCheck_ = 0;          // milliseconds
+    std::optional<double> back_;  // to this moment, as the user wants; days
     Status status_ = kDone;
 };
 
@@ -53,50 +58,31 @@ Status Replay::Run() {
     Complain(system_.GetConsole(),
              "publishing what was recorded into the live record: every program of the suite takes it for what is measured now. "
              "Ctrl-C ends it.");
-    while (PlayOnce() && options_.loop) continue;
+    desk_.Open();
+    while (PlayOnce() && (back_ || options_.loop)) continue;
+    desk_.Close();
     return status_;
 }
 
 bool Replay::Fail(const std::string& why) {
+    desk_.Close();  // which would hide it
     Complain(system_.GetConsole(), why);
     status_ = kFailed;
     return false;
 }
 
 bool Replay::Understands() {
-    if (options_.from.empty()) return true;
-    const auto start = ParseReplayStart(options_.from);
-    if (start) {
-        start_ = *start;
-        return true;
-    }
-    Complain(system_.GetConsole(),
-             "--from must be a moment such as 2026-11-25T12:30:00Z, or a time of day such as 12:30, in UTC; not " +
-                 Harmless(FromUtf8(options_.from)));
+    from_ = ParseTypedTime(options_.from);
+    if (from_ || options_.from.empty()) return true;
+    Complain(system_.GetConsole(), std::string("--from must be ") + kTypedTimes + "; not " + Harmless(FromUtf8(options_.from)));
     status_ = kMisunderstood;
     return false;
 }
 
-std::unique_ptr<UnpackingSource> Replay::Open() {
-    auto file = system_.Core().files.Open(file_);
-    if (!file) return nullptr;
-    return std::make_unique<UnpackingSource>(std::move(file), [this] { return GoesOn(); });
-}
-
 std::unique_ptr<RecordedSource> Replay::OpenSource() {
-    auto lookedAt = Open(), played = Open();
-    if (!lookedAt || !played) {
-        Fail(Harmless(file_) + " can't be read; give the path of a recording.");
-        return nullptr;
-    }
-    const RecordedForm form = FormOf(*lookedAt);
-    if (form == RecordedForm::kRecording) return std::make_unique<RecordingReader>(std::move(played));
-    if (form != RecordedForm::kNeither) return std::make_unique<NmeaLog>(std::move(played), form == RecordedForm::kLogWithClock);
-    if (!GoesOn()) return nullptr;
-    const std::string fault = lookedAt->Fault();
-    Fail(Harmless(file_) +
-         " line 1: " + (fault.empty() ? "it is neither a recording, nor are there sentences of NMEA 0183 below it." : fault + "."));
-    return nullptr;
+    auto source = OpenRecorded(system_.Core().files, file_, [this] { return GoesOn(); });
+    if (!source && GoesOn()) Fail(Harmless(file_.path) + " " + Harmless(FromUtf8(file_.fault)));
+    return source;
 }
 
 // Beside the bridge, what is recorded would mix with what is measured. A bridge that can't be seen may run.
@@ -129,17 +115,21 @@ bool Replay::ChooseChannels() {
 bool Replay::PlayOnce() {
     const auto source = OpenSource();
     if (!source) return false;
-    Replayer replayer(*core_, *source, channels_, start_);
+    ReplayStart start;
+    if (from_) start = [&](double first) { return from_->MomentFrom(first, BoardZone(*core_, system_.Core().zone)); };
+    if (const auto back = std::exchange(back_, std::nullopt)) start = [back](double) { return *back; };
+    Replayer replayer(*core_, *source, channels_, start);
     if (!PlayUntilEnd(replayer)) return false;
-    if (!source->Fault().empty()) return Fail(Harmless(file_) + " " + Harmless(FromUtf8(source->Fault())) + "; ended there.");
+    if (back_) return true;
+    if (!source->Fault().empty()) return Fail(Harmless(file_.path) + " " + Harmless(FromUtf8(source->Fault())) + "; ended there.");
     if (!replayer.Started()) {
-        return Fail(Harmless(file_) +
+        return Fail(Harmless(file_.path) +
                     (options_.from.empty() ? " holds no value." : " ends before " + Harmless(FromUtf8(options_.from))));
     }
     return !options_.loop || Pause(kSliceMs);
 }
 
-// False if the user or the suite asks to stop, or the bridge has started.
+// False if the user or the suite asks to stop, or the bridge has started. Where the user goes back it ends too.
 bool Replay::PlayUntilEnd(Replayer& replayer) {
     const Clock& clock = system_.Core().clock;
     double played = 0.0;  // seconds of the recording
@@ -147,15 +137,35 @@ bool Replay::PlayUntilEnd(Replayer& replayer) {
     for (;;) {
         const Replayer::Result result = replayer.PlayTo(played);
         if (result == Replayer::Result::kEnded) return Pause(0);
-        const double leftMs = std::ceil((replayer.Due() - played) / options_.speed * 1000);
+        if (Steps(replayer, played)) return true;
+        Show(replayer, played);
+        const double speed = desk_.Speed();
+        const double leftMs = speed > 0.0 ? std::ceil((replayer.Due() - played) / speed * 1000) : double{kSliceMs};
         const bool waits = result == Replayer::Result::kWaits;
         if (!Pause(waits ? static_cast<int>(std::clamp(leftMs, 1.0, double{kSliceMs})) : 0)) return false;
         const std::int64_t now = clock.Ticks();
         const double passed = std::clamp(static_cast<double>(now - before) / (kTicksPerDay / kSecondsPerDay), 0.0, kLongestStep);
         before = now;
         // What was due but not published yet is not overtaken.
-        if (waits) played += passed * options_.speed;
+        if (waits) played += passed * speed;
     }
+}
+
+// Ahead, what lies between is published at once; back, the file is read from its start. True if it is.
+bool Replay::Steps(const Replayer& replayer, double& played) {
+    const double step = replayer.Started() ? desk_.TakeStep() : 0.0;
+    if (step < 0.0) back_ = replayer.MomentAt(played) + step / kSecondsPerDay;
+    played += std::max(step, 0.0);
+    return back_.has_value();
+}
+
+void Replay::Show(const Replayer& replayer, double played) {
+    if (!desk_.IsOpen() || !replayer.Started()) return;
+    ReplayScene scene{Harmless(file_.path), {}, played, 0.0};
+    BoardZone(*core_, system_.Core().zone).Append(scene.time, replayer.MomentAt(played));
+    const auto size = system_.Core().files.SizeOf(file_.path).value_or(0);
+    if (size > 0) scene.percent = 100.0 * static_cast<double>(*file_.read) / static_cast<double>(size);
+    desk_.Show(scene);
 }
 
 bool Replay::Pause(int milliseconds) {
@@ -169,7 +179,7 @@ bool Replay::Pause(int milliseconds) {
 }
 
 // False once the user or the suite has asked to stop.
-bool Replay::GoesOn(int milliseconds) { return system_.GetConsole().Wait(milliseconds) && !(core_ && core_->QuitRequested()); }
+bool Replay::GoesOn(int milliseconds) { return desk_.Wait(milliseconds) && !(core_ && core_->QuitRequested()); }
 
 }  // namespace
 

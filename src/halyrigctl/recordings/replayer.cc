@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "halyrigctl/recordings/replayer.h"
 
-#include <cmath>
-#include <string>
-
 #include "core/record_access.h"
-#include "streams/iso_time.h"
 
 namespace twr {
 namespace {
@@ -13,13 +9,6 @@ namespace {
 constexpr int kAtOnce = 1000;  // changes, so that a request to end is soon seen
 
 }  // namespace
-
-std::optional<ReplayStart> ParseReplayStart(std::string_view text) {
-    if (const auto moment = ParseIsoTime(text)) return ReplayStart{.moment = moment, .ofDay = {}};
-    const std::string seconds = text.size() == 5 ? ":00" : "";
-    const auto ofDay = ParseIsoTime("1899-12-30T" + std::string(text) + seconds + "Z");
-    return ofDay ? std::optional(ReplayStart{.moment = {}, .ofDay = ofDay}) : std::nullopt;
-}
 
 Replayer::Result Replayer::PlayTo(double seconds) {
     for (int count = 0; count < kAtOnce; ++count) {
@@ -38,13 +27,10 @@ Replayer::Result Replayer::PlayTo(double seconds) {
     return Result::kBusy;
 }
 
-// A time of day is the first one in the recording.
 bool Replayer::Reaches(const Recorded& recorded) {
-    if (start_.ofDay && !start_.moment) {
-        const double moment = std::floor(recorded.time) + *start_.ofDay;
-        start_.moment = moment < recorded.time ? moment + 1 : moment;
-    }
-    return !start_.moment || recorded.time >= *start_.moment;
+    if (!start_) return true;
+    if (!startsAt_) startsAt_ = start_(recorded.time);
+    return recorded.time >= *startsAt_;
 }
 
 void Replayer::Start() {

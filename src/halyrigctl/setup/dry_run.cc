@@ -52,6 +52,8 @@ public:
 
     bool Exists(std::u16string_view path) const override { return made_.contains(path) || files_.Exists(path); }
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return files_.ChangedAt(path); }
+    std::optional<std::uint64_t> SizeOf(std::u16string_view path) const override { return files_.SizeOf(path); }
+    std::optional<std::uint64_t> RoomIn(std::u16string_view folder) const override { return files_.RoomIn(folder); }
     void MakeFolder(std::u16string_view path) override { made_.emplace(path); }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override { return files_.Open(path); }
     bool Append(std::u16string_view, std::string_view) override { return false; }

@@ -43,9 +43,17 @@ Status Streamer::Run(Outlet& outlet) {
     return status_;
 }
 
+std::unique_ptr<StreamFormat> Streamer::MakeFormat() const {
+    Talkers talkers;
+    for (const std::string& typed : options_.talkers) TakeTalker(talkers, typed);
+    auto format = row_.make();
+    format->SetTalkers(talkers);
+    return format;
+}
+
 std::string Streamer::Greeting() {
     std::string greeting;
-    const std::unique_ptr<StreamFormat> fromNow = row_.make();
+    const std::unique_ptr<StreamFormat> fromNow = MakeFormat();
     fromNow->Greet(greeting, UtcNowDays(system_.Core().clock));
     if (follower_) fromNow->Append(greeting, follower_->Present(), *follower_);
     return greeting;

@@ -17,7 +17,7 @@ namespace twr {
 class Streamer {
 public:
     Streamer(System& system, const StreamOptions& options)
-        : system_(system), options_(options), row_(StreamFormatOf(options.format)), format_(row_.make()) {}
+        : system_(system), options_(options), row_(StreamFormatOf(options.format)), format_(MakeFormat()) {}
 
     // Streams until the user asks to stop, the options' time is over, or the outlet has nobody left. It outlives records: one that
     // is asked to close, or in which nobody publishes, is let go, and the next one joined; both are said on standard error.
@@ -37,6 +37,7 @@ public:
     const CCore* Core() const { return core_.get(); }  // of the record; nullptr while there is none
 
 private:
+    std::unique_ptr<StreamFormat> MakeFormat() const;
     bool Join();
     std::optional<FollowOptions> Chosen(const CCore& core);
     void LeaveIfNeeded();

@@ -75,6 +75,14 @@ public:
         return ZoneState{standard, bias - standard, true};
     }
 
+    std::optional<std::int32_t> BiasAt(std::int64_t ticks) const override {
+        if (!NameIsKnown()) return std::nullopt;
+        tzset();
+        const std::time_t then = ticks / 10'000'000;
+        std::tm local{};
+        return localtime_r(&then, &local) ? std::optional(BiasOf(local)) : std::nullopt;
+    }
+
 private:
     bool NameIsKnown() const {
         const char* name = std::getenv("TZ");

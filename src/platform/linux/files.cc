@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -142,6 +143,18 @@ public:
         struct stat status {};
         if (stat(NativePath(path).c_str(), &status) != 0) return std::nullopt;
         return std::int64_t{status.st_mtim.tv_sec} * 10'000'000 + status.st_mtim.tv_nsec / 100;
+    }
+
+    std::optional<std::uint64_t> SizeOf(std::u16string_view path) const override {
+        struct stat status {};
+        if (stat(NativePath(path).c_str(), &status) != 0) return std::nullopt;
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+
+    std::optional<std::uint64_t> RoomIn(std::u16string_view folder) const override {
+        struct statvfs disk {};
+        if (statvfs(NativePath(folder).c_str(), &disk) != 0) return std::nullopt;
+        return std::uint64_t{disk.f_bavail} * disk.f_frsize;
     }
 
     // On Windows the system makes the folder for data that all share; here the program does, if it can, with the first one in it.

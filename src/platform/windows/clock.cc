@@ -10,6 +10,7 @@ namespace {
 class WindowsZone final : public Zone {
 public:
     std::optional<ZoneState> Now() const override;
+    std::optional<std::int32_t> BiasAt(std::int64_t ticks) const override;
 };
 
 class WindowsClock final : public Clock {
@@ -40,6 +41,19 @@ std::optional<ZoneState> WindowsZone::Now() const {
     const DWORD season = GetTimeZoneInformation(&zone);
     if (season == TIME_ZONE_ID_INVALID) return std::nullopt;
     return ZoneState{zone.Bias, zone.DaylightBias, season == TIME_ZONE_ID_DAYLIGHT};
+}
+
+// By the rules of that year, which may have been others.
+std::optional<std::int32_t> WindowsZone::BiasAt(std::int64_t ticks) const {
+    const FILETIME then = FileTimeOf(ticks);
+    SYSTEMTIME utc, local;
+    FILETIME shown;
+    TIME_ZONE_INFORMATION zone;
+    if (!FileTimeToSystemTime(&then, &utc) || !GetTimeZoneInformationForYear(utc.wYear, nullptr, &zone) ||
+        !SystemTimeToTzSpecificLocalTime(&zone, &utc, &local) || !SystemTimeToFileTime(&local, &shown))
+        return std::nullopt;
+    constexpr std::int64_t kTicksPerMs = 10'000, kMsPerMinute = 60'000;  // a SYSTEMTIME has whole milliseconds
+    return static_cast<std::int32_t>((ticks / kTicksPerMs - TicksOf(shown) / kTicksPerMs) / kMsPerMinute);
 }
 
 std::unique_ptr<Clock> MakeClock() { return std::make_unique<WindowsClock>(); }

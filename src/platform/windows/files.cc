@@ -19,6 +19,8 @@ public:
     explicit WindowsFiles(std::u16string programData) : programData_(std::move(programData)) {}
     bool Exists(std::u16string_view path) const override;
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override;
+    std::optional<std::uint64_t> SizeOf(std::u16string_view path) const override;
+    std::optional<std::uint64_t> RoomIn(std::u16string_view folder) const override;
     void MakeFolder(std::u16string_view path) override;
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override;
     bool Append(std::u16string_view path, std::string_view bytes) override;
@@ -103,6 +105,18 @@ std::optional<std::int64_t> WindowsFiles::ChangedAt(std::u16string_view path) co
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (!GetFileAttributesExW(ToWide(path).c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
     return TicksOf(data.ftLastWriteTime);
+}
+
+std::optional<std::uint64_t> WindowsFiles::SizeOf(std::u16string_view path) const {
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!GetFileAttributesExW(ToWide(path).c_str(), GetFileExInfoStandard, &data)) return std::nullopt;
+    return static_cast<std::uint64_t>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+}
+
+std::optional<std::uint64_t> WindowsFiles::RoomIn(std::u16string_view folder) const {
+    ULARGE_INTEGER room;
+    if (!GetDiskFreeSpaceExW(ToWide(folder).c_str(), &room, nullptr, nullptr)) return std::nullopt;
+    return room.QuadPart;
 }
 
 void WindowsFiles::MakeFolder(std::u16string_view path) { _wmkdir(ToWide(path).c_str()); }

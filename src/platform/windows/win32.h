@@ -20,9 +20,13 @@ inline std::wstring ToWide(std::u16string_view text) { return {text.begin(), tex
 inline std::u16string FromWide(std::wstring_view text) { return {text.begin(), text.end()}; }
 
 // As a Clock gives them; Windows counts from 1601.
+inline constexpr std::int64_t kTicksFrom1601To1970 = 116444736000000000;
 inline std::int64_t TicksOf(const FILETIME& time) {
-    constexpr std::int64_t kTicksFrom1601To1970 = 116444736000000000;
     return (static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) - kTicksFrom1601To1970;
+}
+inline FILETIME FileTimeOf(std::int64_t ticks) {
+    const std::int64_t since1601 = ticks + kTicksFrom1601To1970;
+    return {static_cast<DWORD>(since1601 & 0xFFFFFFFF), static_cast<DWORD>(since1601 >> 32)};
 }
 
 // The full path of a loaded program or library; null means the running program. Empty if it is unknown.

@@ -120,6 +120,10 @@ TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
                                                         {"EST5EDT,J1/0,J365/25", "300 -60 now"}};
     for (const auto& [zone, state] : rows) EXPECT_EQ(state, told(zone)) << zone;
     for (const char* name : {"Nowhere/Atlantis", "/dev/null", "x", "12", "<+03"}) EXPECT_EQ("none", told(name)) << name;
+    const EnvironmentVariable paris("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    const std::pair<std::int64_t, std::int32_t> moments[] = {
+        {1774745999, -60}, {1774746000, -120}, {1792889999, -120}, {1792890000, -60}};  // 2026-03-29 and 10-25, 01:00 UTC
+    for (const auto& [second, bias] : moments) EXPECT_EQ(bias, test.system->Core().zone.BiasAt(second * 10'000'000)) << second;
     if (!fs::exists("/usr/share/zoneinfo")) GTEST_SKIP() << "no zone data on this machine";
     for (const char* name : {"Europe/Dublin", "Australia/Lord_Howe", "America/St_Johns", "Africa/Casablanca", ":Europe/Paris"}) {
         const EnvironmentVariable zone("TZ", name);
