@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "nmea/log_tally.h"
 
 #include "base/numbers.h"

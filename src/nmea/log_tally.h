@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which lines of a log of NMEA 0183 are of use.
 #pragma once
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/recordings/board_time.h"
 
 #include <algorithm>

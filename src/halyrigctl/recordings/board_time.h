@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The time on board: moments as texts of the zone in which the suite shows times, and times as a user types them.
 #pragma once
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Recordings that are made by themselves: a file a day, on board, in the data folder.
 #pragma once
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The marks of the course and the ends of the start line, as they were recorded.
 #pragma once
 #include <optional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/recordings/recorded_files.h"
 
 #include <algorithm>

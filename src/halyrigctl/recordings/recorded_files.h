@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files that a user names, recordings or logs of NMEA 0183, packed or not: one after the other, the oldest first.
 #pragma once
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/recordings/replay_desk.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a replay shows at a terminal, and the keys that lead it.
 #pragma once
 #include <memory>

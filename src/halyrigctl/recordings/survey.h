@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is in recordings: the time, its gaps, and the values of each channel.
 #pragma once
 #include <cstdint>

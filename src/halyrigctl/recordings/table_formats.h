@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The forms of a table over time that other programs read: CSV, lines of JSON, and tracks by GPX.
 #pragma once
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/recordings/table_rows.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rows of a table over time, made from what was recorded.
 #pragma once
 #include <cstdint>

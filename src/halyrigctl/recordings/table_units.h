@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The units of a table's columns.
 #pragma once
 #include <string>
