@@ -7,6 +7,8 @@
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/map/map_command_line.h"
+#include "halyrigctl/setup/names.h"
+#include "platform/files.h"
 #include "streams/stream_format.h"
 
 namespace twr {
@@ -27,6 +29,7 @@ struct Commands {
     ExplainOptions explain;
     CheckOptions check;
     BoatsOptions boats;
+    std::string chosen;  // folder
     WatchOptions watch;
     StreamOptions stream;
     RecordOptions record;
@@ -85,6 +88,13 @@ void AddCheck(Commands& all) {
     SetExample(command, "check");
 }
 
+void AddChoose(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("choose", "Choose Deckman's folder for the next start of the bridge");
+    command->add_option("FOLDER", all.chosen, "The folder with Deckman's library")->required();
+    command->callback([&all] { all.status = ChooseFolder(all.system, all.chosen); });
+    SetExample(command, kPathSeparator == u'/' ? "choose /usr/lib/halyrig" : "choose C:\\Deckman");
+}
+
 void AddBoats(Commands& all) {
     CLI::App* command = all.app.add_subcommand("boats", "List the boats that are in use, named or known by an MMSI");
     command->add_flag("--all", all.boats.all, "All 100 boats");
@@ -115,10 +125,17 @@ void AddWatch(Commands& all) {
 }
 
 void AddChannelList(CLI::App* command, std::vector<std::string>& channels) {
-    command->add_option("--channels", channels, "Only these, parted by commas, as 'halyrigctl get' takes them")
-        ->delimiter(',')
-        ->allow_extra_args(false)
+    command->add_option("--channels", channels, "Only these, with commas or blanks between them, as 'halyrigctl get' takes them")
         ->type_name("CHANNEL");
+}
+
+// The parser takes a file that stands behind a list of channels for one of these.
+void RequireFile(std::string& file, std::vector<std::string>& channels) {
+    if (file.empty() && !channels.empty()) {
+        file = channels.back();
+        channels.pop_back();
+    }
+    if (file.empty()) throw CLI::RequiredError("FILE");
 }
 
 // What the help says of the formats of a stream.
@@ -163,14 +180,17 @@ void AddRecord(Commands& all) {
             "FILE", options.file,
             "Where to; never over a file that exists. With %Y %m %d %H %M %S for date and time, a new one whenever they give "
             "another name")
-        ->required();
+        ->option_text("TEXT REQUIRED");
     AddChannelList(command, options.channels);
     command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
     command->add_flag("--gzip", options.gzip, "Packed, to about a tenth");
     command->add_option("--max-size", options.maxSize, "A new file once one has this size, such as 500M or 2G")
         ->transform(CLI::AsSizeValue(false))
         ->type_name("SIZE");
-    command->callback([&all] { all.status = Record(all.system, all.record); });
+    command->callback([&all] {
+        RequireFile(all.record.file, all.record.channels);
+        all.status = Record(all.system, all.record);
+    });
     SetExample(command, "record race-%Y%m%d.jsonl.gz --gzip");
 }
 
@@ -178,7 +198,7 @@ void AddReplay(Commands& all) {
     CLI::App* command = all.app.add_subcommand(
         "replay", "Publish a recording, or a log of NMEA 0183, as if it were measured now: for rehearsing ashore");
     ReplayOptions& options = all.replay;
-    command->add_option("FILE", options.file, "The recording; packed by gzip or not")->required();
+    command->add_option("FILE", options.file, "The recording; packed by gzip or not")->option_text("TEXT REQUIRED");
     command->add_option("--speed", options.speed, "So many times as fast, 0.1 to 1000")
         ->check(CLI::Range(0.1, 1000.0))
         ->type_name("N");
@@ -187,7 +207,10 @@ void AddReplay(Commands& all) {
     command->add_flag("--loop", options.loop, "Start again at the end");
     AddChannelList(command, options.channels);
     command->add_flag("--into", options.into, "Even beside a running bridge, whose values are then mixed with those recorded");
-    command->callback([&all] { all.status = ReplayRecording(all.system, all.replay); });
+    command->callback([&all] {
+        RequireFile(all.replay.file, all.replay.channels);
+        all.status = ReplayRecording(all.system, all.replay);
+    });
     SetExample(command, "replay race-20261125.jsonl.gz --from 12:30 --speed 10");
 }
 
@@ -220,7 +243,11 @@ std::string Complaint(const CLI::App& app, const CLI::Error& error) {
     const std::string help = "; see 'halyrigctl " + command + "--help'";
     if (innermost != &app) return error.what() + help;
     const auto unknown = app.remaining();
-    return (unknown.empty() ? "a command is missing" : "there is no command or option " + unknown.front()) + help;
+    if (unknown.empty()) return "a command is missing" + help;
+    std::vector<std::u16string> names;
+    for (const CLI::App* each : app.get_subcommands({})) names.push_back(FromUtf8(each->get_name()));
+    const auto nearest = Nearest(FromUtf8(unknown.front()), names);
+    return "there is no command or option " + unknown.front() + (nearest ? "; did you mean " + ToUtf8(*nearest) + "?" : help);
 }
 
 }  // namespace
@@ -233,6 +260,7 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddGet(all);
     AddExplain(all);
     AddCheck(all);
+    AddChoose(all);
     AddBoats(all);
     AddMap(all.app, system, all.status);
     AddWatch(all);

@@ -50,6 +50,8 @@ public:
     explicit ReadOnlyFiles(Files& files) : files_(files) {}
 
     bool Exists(std::u16string_view path) const override { return made_.contains(path) || files_.Exists(path); }
+    std::optional<Denial> DeniedAt(std::u16string_view path) const override { return files_.DeniedAt(path); }
+    std::u16string InOtherCase(std::u16string_view path) const override { return files_.InOtherCase(path); }
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return files_.ChangedAt(path); }
     void MakeFolder(std::u16string_view path) override { made_.emplace(path); }
     std::unique_ptr<ByteSource> Open(std::u16string_view path) override { return files_.Open(path); }
