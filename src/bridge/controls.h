@@ -4,6 +4,7 @@
 #pragma once
 #include <string>
 
+#include "deckman/deckman_library.h"
 #include "platform/desktop.h"
 #include "platform/dialog.h"
 
@@ -27,7 +28,7 @@ inline constexpr ControlTemplate kMainControls[] = {
     {kTimerCheck, ControlKind::kCheckBox, u"Use Dfw 'TIMER' channel to set Twr timer", {18, 66, 147, 10}},
     {kTrueCheck, ControlKind::kCheckBox, u"Heading, twd and cog in degrees true", {18, 90, 137, 10}},
     {kFolderLabel, ControlKind::kLabel, u"Dfw folder:", {18, 114, 42, 8}},
-    {kFolderField, ControlKind::kFolderField, u"", {18, 126, 246, 14}},
+    {kFolderField, ControlKind::kFolderField, u"", {18, 126, 246, 14}, kDeckmanLibrary},
     {kImportButton, ControlKind::kPushButton, u"Import", {18, 162, 48, 18}},
 };
 

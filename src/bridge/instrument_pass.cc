@@ -13,7 +13,8 @@ constexpr double kRepeatAfter = 1.0 / kSecondsPerDay;
 
 }  // namespace
 
-InstrumentPass::InstrumentPass(CCore& core, const Clock& clock, float* readings) : core_(core), clock_(clock), readings_(readings) {
+InstrumentPass::InstrumentPass(CCore& core, const Clock& clock, BridgeStatusWriter* status)
+    : core_(core), clock_(clock), status_(status) {
     sentTime_.fill(0.0);
     sentValue_.fill(kNoValue);
 }
@@ -37,7 +38,7 @@ void InstrumentPass::ReadRows(UsrRead read, std::span<const MappingVar> rows, co
         if (!positionFromDeckman && FollowsPositionSource(channel)) continue;
         float reading = 0.0f;
         read(row.dfwId, &reading);
-        if (readings_) Put(readings_[channel], reading);
+        if (status_) status_->Noted(static_cast<std::size_t>(&row - rows.data()), reading);
         units.variation = OwnVariation(*core_.View());  // an earlier row may have published it
         const double value = InstrumentValue(channel, reading, units);
         if (value == sentValue_[channel] && std::fabs(now - sentTime_[channel]) <= kRepeatAfter) continue;

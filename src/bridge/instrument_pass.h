@@ -9,13 +9,14 @@
 #include "deckman/deckman_library.h"
 #include "deckman/instrument_value.h"
 #include "mapping/mapping_rows.h"
+#include "status/bridge_status.h"
 
 namespace twr {
 
 class InstrumentPass {
 public:
-    // `readings`, if given, has a place for each channel, in which the last reading of Deckman is noted for other processes.
-    InstrumentPass(CCore& core, const Clock& clock, float* readings = nullptr);
+    // Deckman's readings are noted in `status`, if given, for other processes.
+    InstrumentPass(CCore& core, const Clock& clock, BridgeStatusWriter* status = nullptr);
 
     // Publishes every mapped variable that has changed or was last published more than a second ago, the position where Deckman is
     // its source, and the moment of the gun while variable `timer` counts down (-1 if there is no such variable). The record must
@@ -34,7 +35,7 @@ private:
 
     CCore& core_;
     const Clock& clock_;
-    float* const readings_;
+    BridgeStatusWriter* const status_;
     std::array<double, kChannelCount> sentTime_;   // days, per channel: its last publication
     std::array<double, kChannelCount> sentValue_;  // per channel: the value last published
     double lastTimer_ = kNoTimer;                  // seconds to the gun

@@ -56,8 +56,8 @@ CHalyrig32Dlg::CHalyrig32Dlg(System& system)
       library_(system.GetLibraries()),
       core_(services_),
       followsDataFolder_(core_.IsBeingFilled()),
-      status_(system.GetStatusBoard()),
-      instruments_(core_, services_.clock, status_.Readings()),
+      status_(system.GetStatusBoard(), services_.clock),
+      instruments_(core_, services_.clock, &status_),
       remotes_(core_) {}
 
 void CHalyrig32Dlg::OnInit(DialogWindow& window) {
@@ -198,9 +198,12 @@ void CHalyrig32Dlg::LoadMapping() {
 }
 
 void CHalyrig32Dlg::NoteMapping() {
+    std::vector<MappedLine> lines;
+    for (const MappingVar& row : mapping_.varRows) lines.push_back({row.channel, row.boat, row.dfwId});
     status_.MappingLoaded({.variables = static_cast<std::int32_t>(catalogue_.rows.size()),
                            .varRows = static_cast<std::int32_t>(mapping_.varRows.size()),
-                           .readAt = UtcNowDays(services_.clock)});
+                           .readAt = UtcNowDays(services_.clock)},
+                          lines);
 }
 
 // A bridge that joins a record still being filled finds no data folder, or the default, and loads from there; its creator names the

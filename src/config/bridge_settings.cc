@@ -33,8 +33,12 @@ Settings ReadSettings(const Registry& registry, Findings* findings) {
     return settings;
 }
 
+bool WriteFolder(Registry& registry, std::u16string_view folder) {
+    return registry.Write(kBridgeSettingsKey, kFolder, StringValue(std::u16string(folder)));
+}
+
 void WriteSettings(Registry& registry, const Settings& settings) {
-    registry.Write(kBridgeSettingsKey, kFolder, StringValue(settings.dfwFolder));
+    WriteFolder(registry, settings.dfwFolder);
     for (const Flag& flag : kFlags) registry.Write(kBridgeSettingsKey, flag.name, DwordValue(settings.*flag.field ? 1 : 0));
 }
 

@@ -22,6 +22,9 @@ struct Settings {
 // A value that is missing or of another type keeps its default. What is passed over is reported to `findings`, if given.
 Settings ReadSettings(const Registry& registry, Findings* findings = nullptr);
 
+// Only the folder. False if it can't be saved.
+bool WriteFolder(Registry& registry, std::u16string_view folder);
+
 void WriteSettings(Registry& registry, const Settings& settings);
 
 }  // namespace twr

@@ -73,6 +73,8 @@ bool CCore::IsBeingFilled() {
 
 bool CCore::RecordHasName(const CoreServices& services) { return services.memory.HasName(RecordName()); }
 
+MemoryFault CCore::FaultOfRecord(const CoreServices& services) { return services.memory.FaultOf(RecordName(), sizeof(CoreRecord)); }
+
 bool CCore::QuitRequested() const { return view_ && Load(view_->sysFlag[kFlagQuitRequest]) != 0; }
 
 void CCore::WriteSystemLog(std::u16string_view message) {

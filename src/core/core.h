@@ -54,6 +54,9 @@ public:
     // Whether a record, if a program holds one, can be found.
     static bool RecordHasName(const CoreServices& services);
 
+    // Why a start would have no record; nothing if it would. Nothing is made.
+    static MemoryFault FaultOfRecord(const CoreServices& services);
+
     // --- Publication (publish.cc) ---
 
     // Publishes a value, in the channel's internal unit, for a boat: stamped, wrapped, brought into range, calibrated, with the

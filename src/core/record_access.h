@@ -97,6 +97,13 @@ inline bool IsStale(double time, double now, std::int16_t limit, double maxAge =
     return time == 0.0 || std::fabs(now - time) > maxAge;
 }
 
+// Deckman's mark for no value, kNoValue, is a number like any other to the bridge, which makes this of it if depths are in feet. It
+// stands in the record, and displays show it, as ever; who reads for people takes it for no value.
+inline constexpr float kDeckmanFeetPerMetre = 3.2808f;
+inline bool IsLostDepth(ChannelId channel, double stored) {
+    return channel == kDepth && stored == static_cast<double>(static_cast<float>(kNoValue) / kDeckmanFeetPerMetre);
+}
+
 // The own boat's variation in degrees, east positive; kNoValue if unknown.
 inline double OwnVariation(const CoreRecord& record) {
     return Load(record.boatCount) == 0 ? kNoValue : Load(record.fullBlocks[0].value[kMagVar]);

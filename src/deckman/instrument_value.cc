@@ -4,11 +4,6 @@
 #include "base/angles.h"
 
 namespace twr {
-namespace {
-
-constexpr float kFeetPerMetre = 3.2808f;
-
-}  // namespace
 
 float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& units) {
     if (IsInstrumentBearing(channel)) return units.degreesTrue ? MagneticBearing(reading, units.variation) : reading;
@@ -17,7 +12,7 @@ float InstrumentValue(ChannelId channel, float reading, const ReadingUnits& unit
         case kHeel:
             return reading * -1.0f;
         case kDepth:
-            return units.depthInFeet ? reading / kFeetPerMetre : reading;
+            return units.depthInFeet ? reading / kDeckmanFeetPerMetre : reading;
         default:
             return reading;
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cctype>
 #include <sstream>
 
 #include "base/numbers.h"
@@ -8,6 +9,8 @@
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/map/map_command_line.h"
+#include "halyrigctl/setup/names.h"
+#include "platform/files.h"
 #include "streams/stream_format.h"
 
 namespace twr {
@@ -28,6 +31,7 @@ struct Commands {
     ExplainOptions explain;
     CheckOptions check;
     BoatsOptions boats;
+    std::string chosen;  // folder
     WatchOptions watch;
     StreamOptions stream;
     RecordOptions record;
@@ -88,6 +92,13 @@ void AddCheck(Commands& all) {
     SetExample(command, "check");
 }
 
+void AddChoose(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("choose", "Choose Deckman's folder for the next start of the bridge");
+    command->add_option("FOLDER", all.chosen, "The folder with Deckman's library")->required();
+    command->callback([&all] { all.status = ChooseFolder(all.system, all.chosen); });
+    SetExample(command, kPathSeparator == u'/' ? "choose /usr/lib/halyrig" : "choose C:\\Deckman");
+}
+
 void AddBoats(Commands& all) {
     CLI::App* command = all.app.add_subcommand("boats", "List the boats that are in use, named or known by an MMSI");
     command->add_flag("--all", all.boats.all, "All 100 boats");
@@ -118,10 +129,25 @@ void AddWatch(Commands& all) {
 }
 
 void AddChannelList(CLI::App* command, std::vector<std::string>& channels) {
-    command->add_option("--channels", channels, "Only these, separated by commas, as 'halyrigctl get' takes them")
-        ->delimiter(',')
-        ->allow_extra_args(false)
+    command->add_option("--channels", channels, "Only these, with commas or blanks between them, as 'halyrigctl get' takes them")
         ->type_name("CHANNEL");
+}
+
+bool LooksLikeAFile(const std::string& text) {
+    const std::size_t field = text.find('%');
+    return text.find_first_of("./\\") != text.npos ||
+           (field + 1 < text.size() && field != text.npos && std::isalpha(text[field + 1]));
+}
+
+// The parser takes files that stand behind a list of channels for some of these. If one is needed, the last of them is it.
+std::vector<std::string> FilesBehind(std::vector<std::string>& channels, bool needed) {
+    std::vector<std::string> files;
+    while (!channels.empty() && (LooksLikeAFile(channels.back()) || (needed && files.empty()))) {
+        files.insert(files.begin(), channels.back());
+        channels.pop_back();
+    }
+    if (needed && files.empty()) throw CLI::RequiredError("FILE");
+    return files;
 }
 
 // What the help says of the formats of a stream.
@@ -187,7 +213,11 @@ void AddRecord(Commands& all) {
         ->add_option("--keep", options.keep,
                      "Without FILE: remove the oldest beyond so many days, such as 30, or so much, such as 4G")
         ->type_name("DAYS|SIZE");
-    command->callback([&all] { all.status = Record(all.system, all.record); });
+    command->callback([&all] {
+        const auto files = all.record.file.empty() ? FilesBehind(all.record.channels, false) : std::vector<std::string>();
+        if (!files.empty()) all.record.file = files.back();
+        all.status = Record(all.system, all.record);
+    });
     SetExample(command, "record race-%Y%m%d.jsonl.gz --gzip");
 }
 
@@ -195,7 +225,7 @@ void AddReplay(Commands& all) {
     CLI::App* command = all.app.add_subcommand(
         "replay", "Publish a recording, or a log of NMEA 0183, as if it were measured now: for rehearsing ashore");
     ReplayOptions& options = all.replay;
-    command->add_option("FILE", options.file, "The recording; packed by gzip or not")->required();
+    command->add_option("FILE", options.file, "The recording; packed by gzip or not")->option_text("TEXT REQUIRED");
     command->add_option("--speed", options.speed, "So many times as fast, 0.1 to 1000")
         ->check(CLI::Range(0.1, 1000.0))
         ->type_name("N");
@@ -207,7 +237,10 @@ void AddReplay(Commands& all) {
     command->add_flag("--loop", options.loop, "Start again at the end");
     AddChannelList(command, options.channels);
     command->add_flag("--into", options.into, "Even beside a running bridge, whose values are then mixed with those recorded");
-    command->callback([&all] { all.status = ReplayRecording(all.system, all.replay); });
+    command->callback([&all] {
+        if (all.replay.file.empty()) all.replay.file = FilesBehind(all.replay.channels, true).back();
+        all.status = ReplayRecording(all.system, all.replay);
+    });
     SetExample(command, "replay race-20261125.jsonl.gz --from 12:30 --speed 10");
 }
 
@@ -224,7 +257,7 @@ void AddExport(Commands& all) {
     CLI::App* command =
         all.app.add_subcommand("export", "Write recordings or logs of NMEA 0183 as a table or a track for other programs");
     ExportOptions& options = all.exported;
-    command->add_option("FILE", options.files, "A recording or a log; packed by gzip or not")->required();
+    command->add_option("FILE", options.files, "A recording or a log; packed by gzip or not")->option_text("TEXT ... REQUIRED");
     command->add_option("--format", options.format, "csv, gpx (the track and the marks) or jsonl (an object for each row)")
         ->check(CLI::IsMember({"csv", "gpx", "jsonl"}))
         ->type_name("FORMAT");
@@ -248,7 +281,10 @@ void AddExport(Commands& all) {
         ->check(CLI::IsMember({"point", "comma"}))
         ->type_name("SIGN");
     command->add_option("-o,--output", options.output, "To this file, which must not be there yet")->type_name("FILE");
-    command->callback([&all] { all.status = ExportRecording(all.system, all.exported); });
+    command->callback([&all] {
+        if (all.exported.files.empty()) all.exported.files = FilesBehind(all.exported.channels, true);
+        all.status = ExportRecording(all.system, all.exported);
+    });
     SetExample(command, "export race-20261125.jsonl.gz --channels TWS,TWD,BSP -o race.csv");
 }
 
@@ -281,7 +317,11 @@ std::string Complaint(const CLI::App& app, const CLI::Error& error) {
     const std::string help = "; see 'halyrigctl " + command + "--help'";
     if (innermost != &app) return error.what() + help;
     const auto unknown = app.remaining();
-    return (unknown.empty() ? "a command is missing" : "there is no command or option " + unknown.front()) + help;
+    if (unknown.empty()) return "a command is missing" + help;
+    std::vector<std::u16string> names;
+    for (const CLI::App* each : app.get_subcommands({})) names.push_back(FromUtf8(each->get_name()));
+    const auto nearest = Nearest(FromUtf8(unknown.front()), names);
+    return "there is no command or option " + unknown.front() + (nearest ? "; did you mean " + ToUtf8(*nearest) + "?" : help);
 }
 
 }  // namespace
@@ -294,6 +334,7 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddGet(all);
     AddExplain(all);
     AddCheck(all);
+    AddChoose(all);
     AddBoats(all);
     AddMap(all.app, system, all.status);
     AddWatch(all);

@@ -34,7 +34,7 @@ Status GetChannelValues(System& system, const GetOptions& options);
 
 struct ExplainOptions {
     std::vector<std::string> channels;  // as FindChannel takes them; none for all that the mapping names
-    BoatSlot boat = 0;                  // of the channels named; below kBoatCount
+    std::optional<BoatSlot> boat;       // below kBoatCount; nullopt for the own one, or for all if no channel is named
     bool links = false;                 // each link of all channels too, not only of those named
     bool json = false;
 };
@@ -78,20 +78,26 @@ Status Watch(System& system, const WatchOptions& options);
 
 struct MapOptions {
     bool json = false;
-    std::string variable;  // Deckman's name or number; empty for any
-    std::string channel;   // as FindChannel takes it
-    BoatSlot boat = 0;     // below kBoatCount
+    std::vector<std::string> pairs;  // to be added: Deckman's name or number of a variable, then a channel as FindChannel takes it
+    std::string variable;            // Deckman's name or number; empty for any
+    std::string channel;             // as FindChannel takes it
+    BoatSlot boat = 0;               // below kBoatCount
     std::int32_t remote = 0;
     bool damped = false;
+    bool apply = false;  // what is proposed
+    bool yes = false;    // without a question
 };
+
+// Keeps Deckman's folder for the next start of the bridge, if its library can be used.
+Status ChooseFolder(System& system, const std::string& folder);
 
 // Prints the mapping with the values of now, then the lines of its file that are passed over.
 Status ListMap(System& system, bool json);
 
-// Prints commands that map what is not mapped yet, as far as the names leave no doubt, and what is to be decided.
-Status SuggestMap(System& system);
+// Prints commands that map what is not mapped yet, as far as the names leave no doubt, or adds it; and what is to be decided.
+Status SuggestMap(System& system, const MapOptions& options);
 
-// Change one line of the mapping file, or say why not.
+// Change the mapping file, or say why not.
 Status AddToMap(System& system, const MapOptions& options);
 Status AddRemoteToMap(System& system, const MapOptions& options);
 Status RemoveFromMap(System& system, const MapOptions& options);

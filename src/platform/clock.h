@@ -12,6 +12,9 @@ public:
 
     // 100 ns ticks since 1970-01-01 00:00 UTC.
     virtual std::int64_t Ticks() const = 0;
+
+    // Milliseconds that go on whatever is done to the time of day, the same for all programs since the machine was started.
+    virtual std::int64_t SteadyMs() const { return Ticks() / 10'000; }
 };
 
 // Minutes to add to local time to get UTC, so that a zone east of Greenwich has a negative bias.

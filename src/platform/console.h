@@ -3,6 +3,7 @@
 #pragma once
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,8 +18,9 @@ std::vector<std::string> Arguments(int argc, char** argv);
 
 enum class Output {
     kWritten,
-    kRefused,  // it can't be written: the disk is full, the reader has gone, or there is no standard output
-    kGivenUp,  // it was held up, and the caller gave up
+    kRefused,     // it can't be written: the disk is full, or there is no standard output
+    kReaderGone,  // the other end of the pipe is closed: it has what it wanted
+    kGivenUp,     // it was held up, and the caller gave up
 };
 
 class Console {
@@ -34,6 +36,9 @@ public:
 
     // Writes UTF-8 to standard error. What can't be written within a second is lost.
     virtual void WriteError(std::string_view utf8) = 0;
+
+    // A line that the user types, in UTF-8 and without its end; nullopt at the end of the input, or if the user asks to stop.
+    virtual std::optional<std::string> ReadLine() { return std::nullopt; }
 
     // Waits; false as soon as the user has asked the program to stop (Ctrl-C, or its terminal is gone). 0 only checks.
     virtual bool Wait(int milliseconds) = 0;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/dialog.h"
 
@@ -61,11 +62,16 @@ public:
     virtual void RaiseOther(std::u16string_view caption) = 0;
 };
 
-// Reads the four numbers of the running program's file version; nullopt if it has none.
+// The running program's file.
 class Executable {
 public:
     virtual ~Executable() = default;
+
+    // The four numbers of its version; nullopt if it has none.
     virtual std::optional<std::array<std::uint16_t, 4>> FileVersion() const = 0;
+
+    // The folders where a stand-in for Deckman's library may be that came with it.
+    virtual std::vector<std::u16string> StandInFolders() const { return {}; }
 };
 
 }  // namespace twr

@@ -20,6 +20,7 @@ struct ControlTemplate {
     ControlKind kind;
     std::u16string_view caption;
     ControlRect rect;
+    std::u16string_view library = {};  // a folder field's: folders that hold this library are marked where they are chosen by keys
 };
 
 struct DialogTemplate {

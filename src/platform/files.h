@@ -37,11 +37,25 @@ public:
 // Why a file that is there can't be read, where no more is known.
 inline constexpr std::u16string_view kNotOpened = u"it is not a plain file, or this user may not read it";
 
+// What this user may not read, or not enter on the way to it.
+struct Denial {
+    std::u16string path;
+    bool isFolder = false, isOwn = false;
+    std::string owner, mode;  // as "root" and "0600"
+};
+
 class Files {
 public:
     virtual ~Files() = default;
 
     virtual bool Exists(std::u16string_view path) const = 0;
+
+    // The first denial on the way to what is there, itself included; nullopt if there is none, or the system can't say.
+    virtual std::optional<Denial> DeniedAt(std::u16string_view /*path*/) const { return std::nullopt; }
+
+    // What is in the same folder under a name that differs from the path's in letter case alone; empty if nothing is, and where
+    // letter case does not matter.
+    virtual std::u16string InOtherCase(std::u16string_view /*path*/) const { return {}; }
 
     // When a file or folder last changed, in ticks as a Clock gives them; nullopt if there is none.
     virtual std::optional<std::int64_t> ChangedAt(std::u16string_view path) const = 0;

@@ -20,9 +20,9 @@ std::vector<std::thread>& Abandoned() {
 
 }  // namespace
 
-Output RunWrite(std::function<bool()> write, const std::function<bool()>& goOn) {
-    std::packaged_task<bool()> task(std::move(write));
-    std::future<bool> taken = task.get_future();
+Output RunWrite(std::function<Output()> write, const std::function<bool()>& goOn) {
+    std::packaged_task<Output()> task(std::move(write));
+    std::future<Output> taken = task.get_future();
     std::thread writer(std::move(task));
     while (taken.wait_for(kBetweenQuestions) != std::future_status::ready) {
         if (!goOn()) {
@@ -31,10 +31,10 @@ Output RunWrite(std::function<bool()> write, const std::function<bool()>& goOn) 
         }
     }
     writer.join();
-    return taken.get() ? Output::kWritten : Output::kRefused;
+    return taken.get();
 }
 
-void RunShortWrite(std::function<bool()> write) {
+void RunShortWrite(std::function<Output()> write) {
     RunWrite(std::move(write), [left = kQuestionsInASecond]() mutable { return --left > 0; });
 }
 

@@ -11,11 +11,11 @@
 
 namespace twr {
 
-// Runs `write`, which returns whether everything was written. It must own what it uses, since it is abandoned once `goOn`, called
+// Runs `write`, which returns what became of it. It must own what it uses, since it is abandoned once `goOn`, called
 // ten times a second, returns false.
-Output RunWrite(std::function<bool()> write, const std::function<bool()>& goOn);
+Output RunWrite(std::function<Output()> write, const std::function<bool()>& goOn);
 
 // The same for a second at most.
-void RunShortWrite(std::function<bool()> write);
+void RunShortWrite(std::function<Output()> write);
 
 }  // namespace twr

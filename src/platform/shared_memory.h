@@ -3,6 +3,7 @@
 #pragma once
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace twr {
@@ -23,6 +24,11 @@ public:
     virtual bool IsLost() { return false; }
 };
 
+// What is wrong, and what the user can do, in UTF-8; nothing is wrong while the first is empty.
+struct MemoryFault {
+    std::string what = {}, todo = {};
+};
+
 class SharedMemory {
 public:
     virtual ~SharedMemory() = default;
@@ -31,8 +37,11 @@ public:
     // nullptr if neither can be done.
     virtual std::unique_ptr<SharedBlock> CreateOrOpen(std::u16string_view name, std::size_t size) = 0;
 
-    // Opens a block that another process holds; nullptr if no process does or its size differs.
+    // Opens a block that another process holds; nullptr if no process does or its size differs. Nobody is told why.
     virtual std::unique_ptr<SharedBlock> OpenExisting(std::u16string_view name, std::size_t size) = 0;
+
+    // Why CreateOrOpen would fail. A look: nothing of it stays. Nothing too if it can't be told.
+    virtual MemoryFault FaultOf(std::u16string_view /*name*/, std::size_t /*size*/) const { return {}; }
 
     // Whether a block can be found by this name, if it is held at all: false only where a name can be taken from a held block.
     virtual bool HasName(std::u16string_view /*name*/) const { return true; }

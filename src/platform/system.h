@@ -65,6 +65,10 @@ public:
     virtual int ExitStatus() const { return 0; }
 };
 
+// The bridge takes no arguments. Where a person types some at a terminal, those that ask what it is are answered, and then it is
+// not to be started; others are told on standard error. Elsewhere none has any effect.
+bool AnswerArguments(int argc, char** argv);
+
 std::unique_ptr<System> MakeSystem(const Roots& roots);
 
 }  // namespace twr

@@ -2,14 +2,14 @@
 // What another process can see of the bridge: whether it runs, and what it says of its own run, by which can be said why a value is
 // missing. The bridge reads nothing back, and nothing that it does depends on whether it can say it.
 #pragma once
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
+#include <vector>
 
 #include "config/bridge_settings.h"
-#include "core/channel_catalogue.h"
 #include "platform/system.h"
 
 namespace twr {
@@ -36,18 +36,29 @@ struct LoadedMapping {
     double readAt = 0.0;  // days
 };
 
-// No variable of an instrument gives it.
-inline constexpr float kNoReading = -3.4e38f;
+// A line of the mapping as the bridge has read it.
+struct MappedLine {
+    std::int32_t channel, boat;
+    std::int32_t variable;                        // Deckman's number
+    std::optional<float> reading = std::nullopt;  // what Deckman gave last; nullopt before the first
+};
 
 // One look at a running bridge.
 struct BridgeStatus {
     Settings settings;  // in force, saved or not; at most 1023 characters of the folder
     LibraryState library;
     LoadedMapping mapping;
-    std::uint32_t ticks = 0;                      // ten times a second
-    std::optional<double> waitsSince;             // days: since then it waits for a pass, that is for Deckman's library
-    double passSeconds = 0.0;                     // how long the last pass took
-    std::array<float, kChannelCount> readings{};  // per channel: what Deckman gave last; kNoReading before the first reading
+    std::uint32_t ticks = 0;           // ten times a second
+    std::int64_t sinceTickMs = 0;      // since the last one, or since it started
+    std::optional<double> waitsSince;  // days: since then it waits for a pass, that is for Deckman's library
+    double passSeconds = 0.0;          // how long the last pass took
+    std::vector<MappedLine> lines;     // in their order, the first 512
+
+    // The line that feeds the channel of a boat; of several the last, whose value stays. nullptr if none does.
+    const MappedLine* LineOf(std::int32_t channel, std::int32_t boat) const;
+
+    // It has not ticked for a second: it is stopped, or something holds it up.
+    bool StandsStill() const { return sinceTickMs > 1000; }
 };
 
 struct StatusBlock;
@@ -55,10 +66,10 @@ struct StatusBlock;
 // The bridge's side. Without a block every operation does nothing.
 class BridgeStatusWriter {
 public:
-    explicit BridgeStatusWriter(StatusBoard& board);
+    BridgeStatusWriter(StatusBoard& board, const Clock& clock);
 
     void LibraryLoaded(std::u16string_view dfwFolder, LibraryState library);
-    void MappingLoaded(LoadedMapping mapping);  // forgets the readings
+    void MappingLoaded(LoadedMapping mapping, std::span<const MappedLine> lines = {});
     void BoxesInForce(const Settings& settings);
     void Ticked();
 
@@ -66,10 +77,11 @@ public:
     void PassBegins(double now);
     void PassEnds(double now);
 
-    // Where each channel's last reading is noted; nullptr without a block.
-    float* Readings() const;
+    // What Deckman gave for one of the lines, by its place among them.
+    void Noted(std::size_t line, float reading);
 
 private:
+    const Clock& clock_;
     std::unique_ptr<SharedBlock> memory_;
     StatusBlock* block_ = nullptr;
 };

@@ -68,7 +68,7 @@ Follower::Seen Follower::Read(ChannelId channel, BoatSlot boat, double now) cons
     // The stamp first: should a publication fall between the two, its value is told at once, and its stamp at the next look.
     const double time = StampOf(entry);
     const double value = Load(*entry.value);
-    if (value == kNoValue || !std::isfinite(value)) return {};
+    if (value == kNoValue || !std::isfinite(value) || IsLostDepth(channel, value)) return {};
     return IsStale(time, now, core_.StaleSeconds(channel, boat)) ? Seen{} : Seen{time, value};
 }
 

@@ -223,7 +223,8 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
         EXPECT_EQ(second, status->settings.dfwFolder);
         EXPECT_TRUE(status->settings.useTimer && status->library.reads && status->mapping.variables == 1 &&
                     status->mapping.varRows == 1);
-        EXPECT_TRUE(status->readings[kBsp] == 6.0f && status->readings[kHdg] == kNoReading);
+        EXPECT_EQ(6.0f, status->LineOf(kBsp, 0)->reading);
+        EXPECT_FALSE(status->LineOf(kBsp, 1) || status->LineOf(kHdg, 0));
         EXPECT_EQ(1, std::round((UtcNowDays(machine.clock) - status->mapping.readAt) * 864000)) << "tick ago";
         host.PickFolder(test.folder.File("nowhere"));
         EXPECT_EQ(0, deckman.loaded);

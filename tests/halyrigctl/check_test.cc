@@ -83,67 +83,10 @@ TEST_F(CheckTest, ARightSetUpIsOneLine) {
               R"("count":3,"timer":true})", R"("depthInFeet":true)", R"("vars":2,"varsUsed":2,"remotes":1})", R"("findings":[]})"});
 }
 
-TEST_F(CheckTest, NamesTheCauseFirst) {
-    const auto choose = [&](const std::u16string& folder) {
-        return [this, folder] {
-            settings.dfwFolder = folder;
-            Save();
-        };
-    };
-    struct Row {
-        const char* stands;
-        std::function<void()> put;
-        std::vector<const char*> first;
-        const char* comes = "Nothing can come from Deckman; ";
-    };
-    std::vector<Row> rows = {
-        {"a wrong folder", choose(test.folder.File("nowhere")), {"nowhere does not exist; choose Deckman's own folder"}},
-        {"a shell's folder", choose(u" ~/Deckman"), {"~/Deckman begins with ~"}},
-        {"a file in its place", choose(test.folder.File(kList)), {"is a file, not a folder"}},
-        {"no list", [&] { Remove("Deckman/Data"); }, {"Data: there is no file of variables", "; choose Deckman's own folder"}},
-        {"an empty list", [&] { test.folder.Write(kList, "1 BSP u 0 0 0\n"); }, {"J_vars06.d: it has no line [variables]"}},
-        {"a list of none",
-         [&] { test.folder.Write(kList, "[variables]\n"); },
-         {"J_vars06.d: Deckman's list can't be read, or names no"}},
-        {"a broken list", [&] { test.folder.Write(kList, "[variables]\nx\n"); }, {"J_vars06.d:2: ", "is read only up to here"}},
-        {"a text as library", [&] { test.folder.Write(kLibrary, "Read me"); }, {"is no library but another kind of file"}},
-        {"another library", [&] { test.folder.Write(kLibrary, BytesOf(LOADABLE)); }, {" has no function Usr_Read; "}},
-        {"no mapping", [&] { Remove(kMapping); }, {"halyrig.xml: there is no mapping"}},
-        {"no data folder", [&] { Remove("ProgramData/Tidewright"); }, {"halyrig.xml: there is no mapping"}},
-        {"an empty mapping", [&] { Map(""); }, {"halyrig.xml: it can't be read or maps nothing"}},
-        {"case", [&] { Map("<var twr='1' dfw='bsp'/>"); }, {R"(halyrig.xml:2: var twr="1" dfw="bsp": )", "did you mean BSP?"}},
-        {"a number", [&] { Map("<var twr='1' dfw='7'/>"); }, {"no variable 7; its numbers may have changed"}},
-        {"twr", [&] { Map("<var twr='1300' dfw='BSP'/>"); }, {R"(halyrig.xml:2: var twr="1300")", "there is no channel 1300; "}},
-        {"XML", [&] { Map("<var>\n<remote remote='1' twr='1'/>"); }, {R"(halyrig.xml:2: var: it names no variable)"}},
-        {"one of two", [&] { Map("<var twr='1' dfw='BSP'/><var twr='13' dfw='hdg'/>"); }, {"hdg; did you mean HDG?"}, "1 fault; "},
-    };
-    if (kRegistryIsAFile) {
-        rows.push_back({"no file",
-                        [&] {
-                            Remove("config");
-                            test.folder.Write("config/registry.reg/x", "");
-                        },
-                        {"registry.reg: "}});
-        rows.push_back(
-            {"HKCU",
-             [&] {
-                 test.folder.Write("config/registry.reg",
-                                   "[HKCU\\" + ToUtf8(kBridgeSettingsKey) + "]\n\"DfwFolder\"=\"/opt/Deckman\"\n");
-             },
-             {R"(registry.reg:1: [HKCU\)", R"(write it as [HKEY_CURRENT_USER\Software\Tidewright\Halyrig32\settings])"}});
-    }
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.stands);
-        row.put();
-        const auto lines = Found(1);
-        EXPECT_TRUE(verdict.starts_with(row.comes)) << verdict;
-        ASSERT_FALSE(lines.empty());
-        ExpectIn(lines[0], row.first);
-        EXPECT_FALSE(Held());
-        SetUpWell();
-    }
+TEST_F(CheckTest, LooksAtAnotherFolder) {
     const std::string other = ToUtf8(test.folder.File("nowhere"));
     ExpectIn(Found(1, "check " + other).at(0), {"nowhere does not exist"});
+    EXPECT_TRUE(verdict.starts_with("Nothing can come from Deckman; ")) << verdict;
     EXPECT_TRUE(Found(0, "check " + ToUtf8(settings.dfwFolder)).empty()) << console.written;
     Said("check --json --summary", 2);
 }
@@ -158,7 +101,9 @@ TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
         {"halyrig.xml:4", "<var twr='51' dfw='BSP'/>",
          "is taken from Deckman only while the position source (Sys_i6) is 3, and it is 6", 1},
         {"halyrig.xml:4", "<var twr='93' dfw='VARIATION' x='1'/>", "there is no attribute x", 1},
-        {"halyrig.xml:4", "<remote remote='7' twr='1'/><remote remote='7' twr='13'/>", nullptr, 0},
+        {"halyrig.xml:4", "<remote remote='7' twr='1'/><remote remote='7' twr='13'/>", "line 4 shows on remote 7 too", 1},
+        {"halyrig.xml:4", "<remote remote='7' twr='1' damp='1'/>", "remote 7 is to show the damped value, which another program",
+         0},
         {"halyrig.xml:5", "<remote remote='7' twr='1'/>\n<remote remote='7' twr='13'/>", "line 4 shows on remote 7 too", 1},
         {"halyrig.xml:4", "<remote remote='0' twr='1'/>", "there is no remote 0", 1},
         {"halyrig.xml:4", "<vra twr='1' dfw='BSP'/>", "there is no element vra", 1},

@@ -7,6 +7,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/wide_text.h"
@@ -14,6 +15,7 @@
 #include "core/days.h"
 #include "halyrigctl/commands.h"
 #include "status/bridge_status.h"
+#include "support/fakes.h"
 #include "support/record_bytes.h"
 #include "support/test_system.h"
 
@@ -52,6 +54,7 @@ public:
         if (beforeError) beforeError();
         written += utf8;
     }
+    std::optional<std::string> ReadLine() override { return std::exchange(answer, std::nullopt); }
     bool Wait(int milliseconds) override {
         waited += milliseconds;
         EXPECT_LE(milliseconds, 100) << "the suite may ask to close at any time";
@@ -64,8 +67,9 @@ public:
     std::vector<std::string> pictures;  // drawn there
     bool screenTaken = false;
     std::string written;
-    bool closed = false;  // what is written is refused
-    bool held = false;    // it is taken by nobody
+    std::optional<std::string> answer;  // typed once
+    bool closed = false;                // what is written is refused
+    bool held = false;                  // it is taken by nobody
     int writes = 0;
     int waited = 0;  // milliseconds
     std::function<bool()> goOn = [] { return false; };
@@ -98,14 +102,15 @@ inline void ExpectIn(const std::string& text, const std::vector<const char*>& pa
     for (const char* part : parts) EXPECT_NE(std::string::npos, text.find(part)) << part << "\nis not in\n" << text;
 }
 
-// A bridge that runs: its name is taken, and it tells its status.
+// A bridge that runs: its name is taken, and it tells its status. However slow the test is, its last tick has only just been.
 struct ClaimedName {
     std::unique_ptr<System> system;
+    FakeClock clock = {};
 };
 class RunningBridge : ClaimedName, public BridgeStatusWriter {
 public:
     explicit RunningBridge(const TestSystem& test)
-        : ClaimedName{SystemOf(test.Arguments())}, BridgeStatusWriter(system->GetStatusBoard()) {
+        : ClaimedName{SystemOf(test.Arguments())}, BridgeStatusWriter(system->GetStatusBoard(), clock) {
         EXPECT_TRUE(system->GetInstance().Claim(kBridgeName));
     }
 };

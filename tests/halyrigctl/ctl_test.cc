@@ -133,38 +133,35 @@ TEST_F(CtlTest, NoTextOfTheRecordCommandsTheTerminal) {
                    {"bogus\x1b", {"halyrigctl: there is no command or option bogus\u00B7; see 'halyrigctl --help'\n"}}});
 }
 
-TEST_F(CtlTest, TellsWhyThereIsNoValue) {
+TEST_F(CtlTest, TakesListsInBothFormsAndOffersNearNames) {
     StartSuite();
-    Publish(kTws, 151.0);
-    Publish(kAwa, 30.0, 20.0);
-    Publish(kHdg, 90.0);
-    Publish(kDepth, 90.0);
-    Record().SetFlag(3, false);  // bearings are shown true
-    Record().SetInt(1, 7);       // the unit of depths
-    Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
-    Record().Set<std::uint8_t>(RecordBytes::Channel(kAws) + 4, 1);
-    Record().SetFlag(52, true);
-    suite->SetChannel(kHdg, 2, 90.0, UtcNowDays(Core().clock) - 70.0 / 86400);
-    Record().Set<std::uint32_t>(RecordBytes::Boat(2) + 72, 211234560);
-    Record().Set<std::int32_t>(RecordBytes::Boat(2), 60);
-    Record().SetEntry(0, kTwd, NAN, UtcNowDays(Core().clock), 0.0);
+    for (const ChannelId channel : {kBsp, kHdg}) Publish(channel, 6.0);
+    for (const char* list : {"get BSP,HDG", "get BSP HDG", "get --json 1,13"}) ExpectIn(Said(list), {"BSP", "HDG"});
+    console.goOn = [] { return true; };
     ExpectSaid(
-        1, {{"get twd --json", {R"("value":null)", R"("text":null)", R"("missing":"its source gives what is not a number)"}},
-            {"get bsp", {"the bridge is not running; start " HALYRIG_PROGRAM}},
-            {"get sog", {"(Sys_i6) is 3, and it is 6"}},
-            {"get rot --boat 5", {"no place"}},
-            {"get tws", {"gives no value"}},
-            {"get awa", {"stale: last published 20.", " s ago, and the limit is 10 s"}},
-            {"get hdg --boat 2", {"last published 70.", "and the limit is 60 s"}},
-            {"get heel", {"blocked"}},
-            {"get aws", {"held: another program of the suite has stopped new values for it (system flag 52)"}},
-            {"get hdg", {"no variation"}},
-            {"get depth", {"unit chosen"}},
-            {"get 120", {"stands for no channel"}},
-            {"get awa --json",
-             {R"("value":null,"valueUnit":"deg","text":null,"textUnit":null,"age":20)", R"("missing":"it is stale)"}},
-            {"get bsp --json", {R"("age":null,"limit":10,"state":"missing","reason":"bridge-not-running","missing":"the bridge)"}},
-            {"get 120 --json", {R"("value":null,"valueUnit":null,"text":null)", R"("missing":"it stands for no channel)"}}});
+        0, {{"stream --seconds 1 --channels BSP,HDG", {"BSP", "HDG"}}, {"stream --channels BSP HDG --seconds 1", {"BSP", "HDG"}}});
+    ExpectSaid(2, {{"get STW", {"there is no channel STW; did you mean BSP (1)?"}},
+                   {"get BSP,Latitude", {"no channel Latitude; did you mean Lat (48)?"}},
+                   {"explain COG-true", {"did you mean COG (50)?"}},
+                   {"watch hgd", {"did you mean HDG (13)?"}},
+                   {"stream --channels BPS", {"did you mean BSP (1)?"}},
+                   {"get xyzzy", {"'halyrigctl channels' lists them"}},
+                   {"wacth", {"there is no command or option wacth; did you mean watch?"}},
+                   {"replay", {"FILE is required"}},
+                   {"export --channels", {"--channels"}}});
+}
+
+TEST_F(CtlTest, ALostDepthIsNone) {
+    StartSuite();
+    Publish(kDepth, 32767.0f / 3.2808f);
+    Publish(kBsp, 6.0);
+    console.goOn = [] { return true; };
+    ExpectIn(Said("get depth", 1), {"Depth has no value: its source gives no value"});
+    ExpectIn(Said("watch --snapshots 1 depth"), {"- -", "missing: "});
+    for (const char* format : {"json", "nmea", "signalk"})
+        EXPECT_EQ(std::string::npos, Said(std::string("stream --seconds 1 --format ") + format).find("9987")) << console.written;
+    Publish(kDepth, 9987.5);
+    ExpectIn(Said("get depth"), {"9987.5 m"});
 }
 
 TEST_F(CtlTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {

@@ -8,7 +8,7 @@
 #include "config/bridge_settings.h"
 #include "deckman/variable_file.h"
 #include "halyrigctl/ctl_fixture.h"
-#include "halyrigctl/map/map_match.h"
+#include "halyrigctl/setup/channel_match.h"
 #include "mapping/mapping_file.h"
 #include "status/bridge_status.h"
 #include "support/fakes.h"
@@ -20,7 +20,8 @@ constexpr const char* kPath = "ProgramData/Tidewright/instruments/halyrig.xml";
 constexpr const char* kBak = "ProgramData/Tidewright/instruments/halyrig.xml.bak";
 constexpr const char* kVariables =
     "[variables]\n1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 TWD degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n"
-    "7 MKBRG degT 0 0 1\n8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING deg 0 0 1\n";
+    "7 MKBRG degT 0 0 1\n8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING deg 0 0 1\n"
+    "14 COG degT 0 0 1\n";
 constexpr const char* kMapping =
     "<?xml version=\"1.0\"?>\n<halyrig>\n  <!-- one -->\n  <var twr=\"13\" dfw=\"HDG\" />  <!-- two -->\n"
     "  <note>kept</note>\n  <var twr=\"9\" dfw=\"course\" x=\"1\"/>\n  <remote remote=\"1\" twr=\"117\"/>\n  <!-- three -->\n"
@@ -31,6 +32,8 @@ class FailingFiles : public Files {
 public:
     explicit FailingFiles(Files& real) : real_(real) {}
     bool Exists(std::u16string_view path) const override { return real_.Exists(path); }
+    std::optional<Denial> DeniedAt(std::u16string_view path) const override { return real_.DeniedAt(path); }
+    std::u16string InOtherCase(std::u16string_view path) const override { return real_.InOtherCase(path); }
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return real_.ChangedAt(path); }
     std::optional<std::uint64_t> SizeOf(std::u16string_view path) const override { return real_.SizeOf(path); }
     std::optional<std::uint64_t> RoomIn(std::u16string_view folder) const override { return real_.RoomIn(folder); }
@@ -111,7 +114,7 @@ protected:
 };
 
 TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
-    ExpectIn(Said("map"), {"instruments", "there is no mapping yet; 'halyrigctl map suggest'"});
+    ExpectIn(Said("map"), {"instruments", "there is no mapping yet; 'halyrigctl map suggest --apply'"});
     test.folder.Write(kPath, kMapping);
     ExpectIn(Said("map"), {"\n    4  HDG (2)              13 HDG              0          no record\n",
                            "\n    7  1                    117 Alt 0           0  -       no record\n",
@@ -130,15 +133,17 @@ TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
   {"kind":"remote","line":7,"channel":117,)",
               R"("remote":1,"damped":false},)", R"({"kind":"fault","line":6,"fault":"there is no attribute x;)"});
     WriteSettings(Core().registry, {.dfwFolder = u"/none"});
-    ExpectIn(Said("map"), {"there is no file of variables (Data/J_vars06.d) with a variable in the Dfw folder /none; choose"});
-    for (const char* command : {"map suggest", "map add HDG 13"}) ExpectIn(Said(command, 1), {"in the Dfw folder /none;"});
+    ExpectIn(Said("map"), {"the Dfw folder /none does not exist; choose"});
+    for (const char* command : {"map suggest", "map add HDG 13"})
+        ExpectIn(Said(command, 1), {"the Dfw folder /none does not exist;"});
 }
 
 TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
     std::string said = Said("map suggest");
     ExpectIn(said, {"LAT: comes with the position", "MKBRG: perhaps 106 MkBrg: Deckman gives it in degrees true",
                     "MKTIME: perhaps 88 Mark Tm: Deckman gives it in s", "LOG: perhaps 140 Log Bsp or 141 Log Sog",
-                    "X;Y: no channel has such a name", "HEADING: 13 HDG is fed by HDG", "TIMER: needs no line"});
+                    "X;Y: no channel has such a name", "HEADING: 13 HDG is fed by HDG", "TIMER: needs no line",
+                    "COG: 50 COG is taken from Deckman only while the position source (Sys_i6) is 3, and it is 6;"});
     const std::string commands = said.substr(0, said.find("\n\n") + 1);
     EXPECT_EQ(
         "halyrigctl map add VARIATION 93\nhalyrigctl map add BSP 1\nhalyrigctl map add HDG 13\nhalyrigctl map add TWD 6\n"
@@ -149,6 +154,19 @@ TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
         ExpectIn(Said(line.substr(11)), {HALYRIG_PROGRAM " reads it when it starts"});
     EXPECT_EQ(5u, Rows().varRows.size());
     ExpectIn(Said("map suggest"), {"Every variable whose name leaves no doubt is mapped.\n"});
+    test.folder.Write(kPath, "");
+    console.answer = "n";
+    ExpectIn(Said("map suggest --apply", 1),
+             {"  VARIATION feeds 93 MagVar\n", "Add these 5 to the mapping?", "nothing is changed; with --yes"});
+    ExpectIn(Said("map suggest --apply", 1), {"nothing is changed"});
+    EXPECT_TRUE(Rows().varRows.empty());
+    for (const char* yes : {"", " --yes"}) {
+        test.folder.Write(kPath, "");
+        console.answer = "y";
+        said = Said(std::string("map suggest --apply") + yes);
+        EXPECT_EQ(said.find(" reads it when"), said.rfind(" reads it when")) << "one reminder" << said;
+        EXPECT_EQ(5u, Rows().varRows.size());
+    }
     const std::pair<const char16_t*, ChannelId> names[] = {{u"SeaTemp", 15}, {u"Mast_Angle", 24}, {u"PolBsp%", 58},
                                                            {u"SET", 11},     {u"COURSE", 9},      {u"COG", 50}};
     for (const auto& [name, channel] : names) {
@@ -220,7 +238,10 @@ TEST_F(MapTest, RefusesWhatWouldNotWork) {
     ExpectSaid(2, {{"map add hdg 13", {"has no variable hdg; did you mean HDG?\n"}},
                    {"map add WIND 5", {"has no variable WIND; capitals count"}},
                    {"map add 13 13", {"has no variable 13;"}},
-                   {"map add HDG HGD", {"there is no channel HGD; did you mean HDG?\n"}},
+                   {"map add HDG HGD", {"there is no channel HGD; did you mean HDG (13)?\n"}},
+                   {"map add HDG 13 BSP", {"behind each variable name the channel"}},
+                   {"map add BSP 1 hdg 13", {"did you mean HDG?"}},
+                   {"map add STW 1", {"has no variable STW; did you mean BSP?"}},
                    {"map remove XYZXYZ", {"there is no channel XYZXYZ; 'halyrigctl channels'"}},
                    {"map add-remote 0 1", {"not in range 1 to 32766; see 'halyrigctl map add-remote --help'\n"}},
                    {"map add HDG 13 --boat 100", {"not in range 0 to 99"}},
@@ -237,7 +258,6 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
         {"<?xml version='1.0' encoding='ISO-8859-1'?><r a='\xE9'/>", "another encoding than UTF-8"},
         {"<r>\n<var></r>", "line 2, column "},
         {"<!DOCTYPE r><r/>", "line 1, column "},
-        {"", "it is empty"},
         {"<r a='\xE9'/>", "it is not XML"}};
     for (const auto& [text, why] : refused) {
         test.folder.Write(kPath, text);

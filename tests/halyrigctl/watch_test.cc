@@ -137,8 +137,8 @@ TEST_F(WatchTest, TellsTheStateOfEachChannel) {
     Record().SetFlag(52, true);
     RunningBridge bridge(test);
     bridge.LibraryLoaded(u"/dfw", {.loaded = true, .reads = true});
-    bridge.MappingLoaded({.variables = 3, .varRows = 1});
-    bridge.Readings()[kTws] = 151.0f;
+    bridge.MappingLoaded({.variables = 3, .varRows = 1}, std::vector<MappedLine>{{kTws, 0, 5}});
+    bridge.Noted(0, 151.0f);
     ExpectSaid(0, {{"watch --snapshots 1 bsp", {"  fresh\n", "  the bridge is running\n"}},
                    {"watch --snapshots 1 tws", {"  refused: Deckman gives 151, outside"}},
                    {"watch --snapshots 1 heel", {"  refused: the channel is blocked"}},
@@ -146,7 +146,7 @@ TEST_F(WatchTest, TellsTheStateOfEachChannel) {
                    {"watch --snapshots 1 awa", {"  stale: it is stale"}},
                    {"watch --snapshots 1 aws", {"  missing: "}},
                    {"watch --snapshots 1 120", {"  missing: it stands for no channel"}}});
-    bridge.Readings()[kTws] = 32767.0f;
+    bridge.Noted(0, 32767.0f);
     ExpectIn(Said("watch --snapshots 1 tws"), {"  missing: Deckman has never given a value"});
 }
 
@@ -158,10 +158,12 @@ TEST_F(WatchTest, ObeysItsKeys) {
     const std::u32string down{K::kDown}, page{K::kPageDown}, end{K::kEnd}, escape{K::kEscape}, enter{K::kEnter},
         back{K::kBackspace};
     const std::tuple<const char*, std::u32string, std::vector<const char*>, std::vector<const char*>> rows[] = {
-        {"at first", U"", {"1-10 of 22", " 1 BSP", "q End", "Sort (id)"}, {"20 Rudder"}},
-        {"a line down", down + down + std::u32string{K::kUp}, {"2-11 of 22"}, {"BSP"}},
-        {"a page down", page, {"11-20 of 22", "20 Rudder "}, {" 10 "}},
-        {"beyond the end and back", page + page + std::u32string{K::kPageUp}, {"3-12 of 22"}, {}},
+        {"at first", U"", {"1-10 of 22", " 1>BSP", "q End", "Sort (id)"}, {"20 Rudder"}},
+        {"a line down", down + down + std::u32string{K::kUp}, {"1-10 of 22", "2>AWA"}, {"1>BSP"}},
+        {"and explained", down + enter, {"AWA (2): all is well", "Enter Close"}, {"12 "}},
+        {"and no more", down + enter + enter, {"1-10 of 22", "Enter Explain"}, {"all is well"}},
+        {"a page down", page, {"2-11 of 22", "11>"}, {"BSP"}},
+        {"beyond the end and back", page + page + page + std::u32string{K::kPageUp}, {"12-21 of 22"}, {}},
         {"to the end", end, {"13-22 of 22"}, {}},
         {"to the start", end + std::u32string{K::kHome}, {"1-10 of 22"}, {}},
         {"by name", U"s", {"Sort (name)"}, {}},
@@ -181,7 +183,8 @@ TEST_F(WatchTest, ObeysItsKeys) {
         ExpectAbsent(picture, absent);
     }
     const int waited = console.waited;
-    for (const std::u32string& ending : {std::u32string(U"q"), escape, U"/tw" + enter + U"q", U"/tw" + escape + escape}) {
+    for (const std::u32string& ending :
+         {std::u32string(U"q"), escape, U"/tw" + enter + U"q", U"/tw" + escape + escape, enter + escape + escape}) {
         console.goOn = [] { return ADD_FAILURE() << "it goes on", false; };
         PictureAfter(ending);
         EXPECT_EQ(waited, console.waited);

@@ -168,7 +168,8 @@ TEST_F(RegistryTest, HasNothingBeforeItIsWrittenAndThenUnderNamesInAnyCase) {
 TEST(HeldOutput, EachWriteIsRun) {
     int written = 0;
     for (int i = 0; i < 1000; ++i) {
-        const Output result = RunWrite([&] { return ++written > 0; }, [questions = 0]() mutable { return ++questions < 300; });
+        const Output result = RunWrite([&] { return ++written > 0 ? Output::kWritten : Output::kRefused; },
+                                       [questions = 0]() mutable { return ++questions < 300; });
         ASSERT_EQ(Output::kWritten, result) << "of write " << i;
     }
     EXPECT_EQ(1000, written);

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "support/test_system.h"
+
 namespace twr::testing {
 
 class ChildProcess {
@@ -47,5 +49,18 @@ public:
 
 // Wine's stand-in for a part of Windows is known to fall short of it.
 bool UnderWine();
+
+// While it lives this process is a user whose rights count, and the folder with all in it is that user's. Not so on Windows.
+class OrdinaryUser {
+public:
+    explicit OrdinaryUser(const TempFolder& folder);
+    ~OrdinaryUser();
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+    explicit operator bool() const { return counts_; }
+
+private:
+    bool counts_;
+};
 
 }  // namespace twr::testing

@@ -5,6 +5,7 @@
 #include "core/record_access.h"
 #include "deckman/instrument_value.h"
 #include "halyrigctl/check/check_setup.h"
+#include "halyrigctl/setup/channel_reading.h"
 #include "halyrigctl/setup/dry_run.h"
 #include "halyrigctl/setup/value_chain.h"
 #include "mapping/mapping_rows.h"
@@ -87,24 +88,59 @@ bool FedChannels::Feeds(ChannelId channel, BoatSlot boat) const {
     return false;
 }
 
+// Remotes that show alternating channels which stand for nothing, since alternate.csv names nothing.
+void CheckAlternates(const CheckedSetup& setup, const std::vector<std::size_t>& remotes, Weight weight) {
+    if (remotes.empty()) return;
+    Fault fault = setup.now.AlternatesFault();
+    const std::u16string path = setup.now.ConfigPath(u"alternate.csv");
+    if (!fault && !setup.services.files.Exists(path)) {
+        const bool one = remotes.size() == 1;
+        std::string which = one ? "remote" : "remotes";
+        for (const std::size_t remote : remotes) which += (remote == remotes.front() ? " " : ", ") + std::to_string(remote);
+        fault = Fault(Reason::kAlternatesMissing, {which + (one ? " shows" : " show")});
+    }
+    if (fault.reason == Reason::kAlternatesMissing) setup.Add(weight, path, 0, fault);
+}
+
+// Without a program that damps a damped remote shows nothing.
+void CheckDamping(const CheckedSetup& setup, const MappingRemote& row) {
+    if (row.damp == 0) return;
+    const std::u16string& path = setup.now.TheMapping().path;
+    const auto channel = static_cast<ChannelId>(row.channel);
+    const auto boat = static_cast<BoatSlot>(row.boat);
+    if (!setup.live || !setup.now.bridge)
+        return setup.Add(Weight::kNote, path, row.line, Fault(Reason::kDampedElsewhere, {std::to_string(row.remote)}));
+    const auto isShown = [&](bool damped) { return LiveText(setup.core, channel, boat, damped) != u"- -"; };
+    if (isShown(false) && !isShown(true))
+        setup.Add(Weight::kLine, path, row.line, Fault(Reason::kNotDamped, {"remote " + std::to_string(row.remote)}));
+}
+
 }  // namespace
 
 // While the suite does not run, another program may still come to feed a channel.
 void CheckFeeding(const CheckedSetup& setup) {
-    if (setup.now.Variables().rows.empty()) return;
+    if (setup.now.Variables().rows.empty() || setup.now.ListCutShort()) return;
     const MappingLook& look = setup.now.TheMapping();
     const FedChannels fed(setup.services, look.mapping, *setup.core.View());
     const Weight weight = setup.live && setup.now.bridge ? Weight::kLine : Weight::kNote;
     const bool position = PositionFromDeckman(*setup.core.View());
+    const bool alternates = setup.now.AlternatesFault() || !setup.services.files.Exists(setup.now.ConfigPath(u"alternate.csv"));
+    std::vector<std::size_t> ofNothing;
     for (const MappingRemote& row : look.mapping.remoteRows) {
+        CheckDamping(setup, row);
         const auto channel = static_cast<ChannelId>(row.channel);
         if (fed.Feeds(channel, static_cast<BoatSlot>(row.boat))) continue;
+        if (IsAlternating(channel) && alternates) {
+            ofNothing.push_back(static_cast<std::size_t>(row.remote));
+            continue;
+        }
         const std::string todo =
             FollowsPositionSource(channel) && !position ? std::string("Deckman does ") + kWhilePositionSource : "";
         setup.Add(weight, look.path, row.line,
                   Fault(Reason::kNotFed,
                         {std::to_string(row.remote), ChannelInWords(setup.core, channel), setup.live ? "" : " yet"}, todo));
     }
+    CheckAlternates(setup, ofNothing, weight);
     const auto isBearing = [](const MappingVar& row) { return IsInstrumentBearing(static_cast<ChannelId>(row.channel)); };
     if (setup.now.settings.degreesTrue && std::ranges::any_of(look.mapping.varRows, isBearing) && !fed.Feeds(kMagVar, 0))
         setup.Add(weight, look.path, 0, Fault(Reason::kNoVariationForBox, {"them"}));

@@ -6,6 +6,7 @@
 #include "core/record_access.h"
 #include "deckman/instrument_value.h"
 #include "halyrigctl/check/check_setup.h"
+#include "halyrigctl/setup/channel_match.h"
 #include "halyrigctl/setup/value_chain.h"
 
 namespace twr {
@@ -28,21 +29,21 @@ void CheckFile(const CheckedSetup& setup) {
     const auto& [vars, remotes] = look.mapping;
     const auto dropped = static_cast<std::size_t>(std::ranges::count_if(look.faults, DropsVar));
     setup.report.mapping = {look.path, look.exists, vars.size() + dropped, vars.size(), remotes.size()};
-    const auto add = [&](const char* flaw, Advice says) {
-        setup.Add({.weight = Weight::kMapping, .path = look.path, .flaw = flaw, .says = std::move(says)});
-    };
-    if (!look.exists) return setup.Add(Weight::kMapping, look.path, 0, Fault(Reason::kNoMapping, {Harmless(look.path)}));
+    if (look.fault)
+        setup.Add(vars.empty() ? Weight::kMapping : Weight::kLine, look.fault.reason == Reason::kNoMapping ? look.path : u"", 0,
+                  look.fault);
+    if (!look.exists) return;
     // Without Deckman's list no line can name a variable of it, and that is no fault of the line.
-    const bool listed = !setup.now.Variables().rows.empty();
+    const bool listed = !setup.now.Variables().rows.empty() && !setup.now.ListCutShort();
     const Weight weight = listed && vars.empty() ? Weight::kMapping : Weight::kLine;
-    std::size_t told = 0;
+    std::size_t told = look.fault ? 1 : 0;
     for (const Finding& finding : look.faults) {
-        if (!listed && finding.flaw == Flaw::kNoSuchVariable) continue;
+        if ((!listed && finding.flaw == Flaw::kNoSuchVariable) || (look.fault && EndsReading(finding.flaw))) continue;
         setup.Add(weight, finding);
         ++told;
     }
     if (told == 0 && vars.empty() && dropped == 0 && remotes.empty())
-        add("nothing-mapped", {"it can't be read or maps nothing", "'halyrigctl map suggest' shows what to map"});
+        setup.Add(Weight::kMapping, look.path, 0, Fault(Reason::kNothingMapped));
 }
 
 class Lines {
@@ -53,24 +54,17 @@ public:
     void CheckVars() const {
         for (const MappingVar& row : mapping_.varRows) {
             CheckChannel(row);
+            CheckUnit(row);
             const auto before = std::ranges::find(mapping_.varRows, row.channel, &MappingVar::channel);
-            if (before->line < row.line) {
-                Add(row.line, "channel-twice",
-                    {"line " + Digits(before->line) + " feeds " + Name(row.channel) + " too, and values get lost",
-                     "give each channel one line"});
-            }
+            if (&*before != &row) Add(row.line, Fault(Reason::kChannelTwice, {Digits(before->line), Name(row.channel)}));
         }
     }
 
     void CheckRemotes() const {
         for (const MappingRemote& row : mapping_.remoteRows) {
-            if (row.remote == 0) Add(row.line, "no-such-remote", {"there is no remote 0", "they count from 1"});
+            if (row.remote == 0) Add(row.line, Fault(Reason::kNoRemoteZero));
             const auto before = std::ranges::find(mapping_.remoteRows, row.remote, &MappingRemote::remote);
-            if (before->line < row.line) {
-                Add(row.line, "remote-twice",
-                    {"line " + Digits(before->line) + " shows on remote " + Digits(row.remote) + " too",
-                     "give each remote one line"});
-            }
+            if (&*before != &row) Add(row.line, Fault(Reason::kRemoteTwice, {Digits(before->line), Digits(row.remote)}));
         }
     }
 
@@ -78,22 +72,36 @@ private:
     void CheckChannel(const MappingVar& row) const {
         const auto channel = static_cast<ChannelId>(row.channel);
         if (channel == kTime) {
-            Add(row.line, "time-channel", {"the Time channel follows the clock, so the line has no effect", "leave it out"});
+            Add(row.line, Fault(Reason::kTimeChannel));
         } else if (IsAlternating(channel)) {
-            Add(row.line, "alternating-channel",
-                {Name(row.channel) + " stands for other channels, so the line has no effect", "feed those"});
+            Add(row.line, Fault(Reason::kAlternatingChannel, {Name(row.channel)}));
         } else if (!EntryOf(record_, channel, static_cast<BoatSlot>(row.boat))) {
-            setup_.Add(Weight::kLine, look_.path, row.line, Fault(Reason::kNoPlace, {Digits(row.boat), Name(row.channel)}));
+            Add(row.line, Fault(Reason::kNoPlace, {Digits(row.boat), Name(row.channel)}));
         } else if (FollowsPositionSource(channel) && !PositionFromDeckman(record_)) {
-            setup_.Add(Weight::kLine, look_.path, row.line,
-                       PositionFault(Name(row.channel) + " is", Load(record_.sysInt[kIntPositionSource])));
+            Add(row.line, PositionFault(Name(row.channel) + " is", Load(record_.sysInt[kIntPositionSource])));
         }
     }
 
-    std::string Name(std::int32_t channel) const { return ChannelInWords(setup_.core, static_cast<ChannelId>(channel)); }
-    void Add(std::size_t line, const char* flaw, Advice says) const {
-        setup_.Add({.weight = Weight::kLine, .path = look_.path, .line = line, .flaw = flaw, .says = std::move(says)});
+    // What the unit in Deckman's list says against the channel or the boxes. It may be the list that is wrong.
+    void CheckUnit(const MappingVar& row) const {
+        const auto channel = static_cast<ChannelId>(row.channel);
+        const std::string unit = Harmless(row.dfwColumn3), variable = Harmless(row.dfwName);
+        if (channel == kTime || IsAlternating(channel)) return;
+        if (!UnitFits(row, channel)) {
+            Doubt(row.line, Fault(Reason::kUnitDiffers, {variable, Name(row.channel), unit}));
+        } else if (const auto box = UnitMeansBox(row, channel); box && *box != BoxFor(channel)) {
+            Doubt(row.line,
+                  Fault(Reason::kBoxAndUnitDiffer, {variable, unit, channel == kDepth ? "feet" : "degrees true",
+                                                    *box ? "off" : "on", channel == kDepth ? "the depth is" : "bearings are"}));
+        }
     }
+    bool BoxFor(ChannelId channel) const {
+        return channel == kDepth ? setup_.now.settings.depthInFeet : setup_.now.settings.degreesTrue;
+    }
+
+    std::string Name(std::int32_t channel) const { return ChannelInWords(setup_.core, static_cast<ChannelId>(channel)); }
+    void Add(std::size_t line, const Fault& fault) const { setup_.Add(Weight::kLine, look_.path, line, fault); }
+    void Doubt(std::size_t line, const Fault& fault) const { setup_.Add(Weight::kNote, look_.path, line, fault); }
 
     const CheckedSetup& setup_;
     CoreRecord& record_;

@@ -6,6 +6,7 @@
 #include "base/wide_text.h"
 #include "halyrigctl/output/cells.h"
 #include "halyrigctl/output/json.h"
+#include "halyrigctl/setup/reasons.h"
 
 namespace twr {
 namespace {
@@ -14,9 +15,16 @@ constexpr std::size_t kInSummary = 3;  // findings
 
 std::string Digits(std::size_t number) { return std::to_string(number); }
 
-std::string Counted(std::size_t number, const std::string& what) { return Digits(number) + " " + what + (number == 1 ? "" : "s"); }
+bool Stops(const CheckFinding& finding) {
+    return finding.weight == Weight::kBridge || (finding.weight >= Weight::kLibrary && finding.weight <= Weight::kMapping);
+}
 
-bool Stops(const CheckFinding& finding) { return finding.weight >= Weight::kLibrary && finding.weight <= Weight::kMapping; }
+// One cause for many lines of a file.
+bool IsSameCause(const CheckFinding& left, const CheckFinding& right) {
+    const bool isShared = left.flaw == WordFor(Flaw::kSemicolons) || left.flaw == WordFor(Reason::kBoxAndUnitDiffer) ||
+                          (left.flaw == WordFor(Flaw::kLineNotRead) && left.weight == Weight::kSettings);
+    return isShared && right.flaw == left.flaw && right.path == left.path && right.says.todo == left.says.todo;
+}
 
 bool IsNote(const CheckFinding& finding) { return finding.weight == Weight::kNote; }
 
@@ -85,7 +93,18 @@ Json FindingAsJson(const CheckFinding& finding) {
 
 }  // namespace
 
-void CheckReport::Sort() { std::ranges::stable_sort(findings, {}, &CheckFinding::weight); }
+std::string Counted(std::size_t number, const std::string& what) { return Digits(number) + " " + what + (number == 1 ? "" : "s"); }
+
+void CheckReport::Sort() {
+    for (auto first = findings.begin(); first != findings.end(); ++first) {
+        const auto others =
+            std::remove_if(first + 1, findings.end(), [&](const CheckFinding& other) { return IsSameCause(*first, other); });
+        const auto count = static_cast<std::size_t>(findings.end() - others);
+        if (count > 0) first->says.what += " (and " + Counted(count, "line") + " more)";
+        findings.erase(others, findings.end());
+    }
+    std::ranges::stable_sort(findings, {}, &CheckFinding::weight);
+}
 
 std::size_t CheckReport::Faults() const {
     return findings.size() - static_cast<std::size_t>(std::ranges::count_if(findings, IsNote));

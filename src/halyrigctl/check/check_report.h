@@ -60,11 +60,14 @@ struct CheckReport {
     MappingPart mapping;
     std::vector<CheckFinding> findings;
 
-    // By weight; those of the same weight stay in their order.
+    // By weight; those of the same weight stay in their order. Lines of a file that share their cause become one.
     void Sort();
 
     std::size_t Faults() const;  // notes not counted
 };
+
+// "1 line", "2 lines"
+std::string Counted(std::size_t number, const std::string& what);
 
 std::string CheckAsText(const CheckReport& report);
 std::string CheckAsSummary(const CheckReport& report);  // a few lines

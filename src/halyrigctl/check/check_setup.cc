@@ -38,22 +38,26 @@ Weight WeightOf(const Finding& finding) {
     }
 }
 
-// A bridge that runs and can't be seen, or has a record that can't be found.
+// A bridge that can't start, can't be seen, stands still, or has a record that can't be found.
 void CheckBridge(const CheckedSetup& setup, System& system) {
-    if (!setup.live && RecordIsLost(system)) {
-        setup.Add(Weight::kBridge, {}, 0, Fault(Reason::kRecordGone));
-    } else if (!setup.now.bridge && setup.now.name.state != NameLook::kFree) {
-        const bool runs = setup.now.name.state == NameLook::kTaken;  // it needs no status to do its work
-        setup.Add(runs ? Weight::kNote : Weight::kBridge, {}, 0, setup.now.WithoutBridge());
+    const auto add = [&](const Fault& fault) { setup.Add(Weight::kBridge, {}, 0, fault); };
+    if (!setup.live) {
+        const MemoryFault refused = CCore::FaultOfRecord(system.Core());
+        if (RecordIsLost(system)) return add(Fault(Reason::kRecordGone));
+        if (!refused.what.empty()) return add(Fault(Reason::kRecordRefused, {refused.what, refused.todo}));
     }
+    if (Fault still = setup.now.Standstill()) return add(still);
+    if (setup.now.bridge || setup.now.name.state == NameLook::kFree) return;
+    const bool runs = setup.now.name.state == NameLook::kTaken;  // it needs no status to do its work
+    setup.Add(runs ? Weight::kNote : Weight::kBridge, {}, 0, setup.now.WithoutBridge());
 }
 
 void CheckLibrary(const CheckedSetup& setup) {
     const std::u16string& folder = setup.now.settings.dfwFolder;
     const LibraryLook& look = setup.now.Library();
     setup.report.library = {look.fault, look.missing};
-    if (look.fault) {
-        setup.Add(Weight::kLibrary, folder, 0, look.fault);
+    if (look.fault) {  // lost settings are told already
+        if (look.fault.reason != Reason::kSettingsNotRead) setup.Add(Weight::kLibrary, folder, 0, look.fault);
     } else if (!setup.report.given && setup.now.bridge && !setup.now.bridge->library.loaded) {
         setup.Add(Weight::kLibrary, folder, 0, Fault(Reason::kLoadsNow));
     }
@@ -63,35 +67,26 @@ void CheckLibrary(const CheckedSetup& setup) {
     }
 }
 
-// What is wrong with Deckman's usual list, none of whose siblings has a variable either.
-void CheckMissingVariables(const CheckedSetup& setup) {
-    const std::u16string folder = JoinPath(setup.now.settings.dfwFolder, u"Data"), path = JoinPath(folder, kUsualVariableFile);
-    CollectedFindings heard;
-    ParseVariableFile(setup.services.files, path, {}, &heard);
-    for (const Finding& finding : heard.found) setup.Add(Weight::kVariables, finding);
-    if (!heard.found.empty()) return;
-    const bool exists = setup.services.files.Exists(path);
-    setup.Add(Weight::kVariables, exists ? path : folder, 0, exists ? Fault(Reason::kVariablesNotRead) : setup.now.NoVariables());
-}
-
 // Without the folder or the library the list is missing for the same reason.
 void CheckVariables(const CheckedSetup& setup) {
     const DeckmanCatalogue& list = setup.now.Variables();
     const bool timer = list.timerVariableId != -1;
     setup.report.variables = {list.path, list.rows.size(), timer};
     if (list.rows.empty()) {
-        if (!setup.report.library.fault) CheckMissingVariables(setup);
+        if (!setup.report.library.fault) setup.Add(Weight::kVariables, {}, 0, setup.now.NoVariables());
         return;
     }
-    CollectedFindings heard;
-    ParseVariableFile(setup.services.files, list.path, {}, &heard);
-    for (const Finding& finding : heard.found) setup.Add(Weight::kLine, finding);
-    if (setup.now.settings.useTimer && !timer) {
-        setup.Add({.weight = Weight::kLine,
-                   .path = list.path,
-                   .flaw = "no-timer",
-                   .says = {"the box for TIMER is ticked, and the list has no variable TIMER", "untick the box"}});
+    // The lines of the mapping that this costs are told with it.
+    for (const Finding& finding : setup.now.PassedOverInVariables()) {
+        if (finding.path == list.path && !EndsReading(finding.flaw)) setup.Add(Weight::kLine, finding);
     }
+    if (Fault cut = setup.now.ListCutShort()) {
+        const auto lost = std::ranges::count(setup.now.TheMapping().faults, Flaw::kNoSuchVariable, &Finding::flaw);
+        if (lost > 0)
+            cut.what += ", and " + Counted(static_cast<std::size_t>(lost), "line") + " of the mapping can't be used for it";
+        setup.Add(lost > 0 ? Weight::kVariables : Weight::kLine, {}, 0, cut);
+    }
+    if (setup.now.settings.useTimer && !timer) setup.Add(Weight::kLine, list.path, 0, Fault(Reason::kNoTimer));
 }
 
 void CheckLegacy(const CheckedSetup& setup) {
@@ -101,9 +96,7 @@ void CheckLegacy(const CheckedSetup& setup) {
     CollectedFindings heard;
     const auto note = [&](const std::u16string& path, std::size_t rows) {
         if (!files.Exists(path)) return;
-        const std::string what = "an older mapping, which the button Import takes over on request: " + std::to_string(rows) +
-                                 (rows == 1 ? " line of it" : " lines of it");
-        setup.Add({.weight = Weight::kNote, .path = path, .flaw = "older-mapping", .says = {what}});
+        setup.Add(Weight::kNote, path, 0, Fault(Reason::kOlderMapping, {Counted(rows, "line") + " of it"}));
     };
     const auto rows = ImportLegacyVars(files, vars, setup.now.Variables().rows, &heard);
     note(vars, rows ? rows->size() : 0);
@@ -115,6 +108,8 @@ void CheckLegacy(const CheckedSetup& setup) {
 
 void CheckedSetup::Add(Weight weight, const Finding& finding) const {
     Advice says = AdviceFor(finding);
+    const Fault because = now.Because(finding, Reason::kNone);
+    if (because.reason != Reason::kNone) return Add(weight, {}, 0, because);
     if (finding.flaw == Flaw::kNoSuchVariable) {
         std::vector<std::u16string> names;
         for (const DeckmanVariable& row : now.Variables().rows) names.push_back(row.dfwName);
@@ -129,6 +124,7 @@ CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& fol
     CollectedFindings heard;
     const CoreServices machine = system.Core();
     machine.registry.Check(heard);  // first: what it reports is not told at each reading again
+    const std::size_t ofStore = heard.found.size();
     DryRun dryRun(machine, &heard);
     ReadSettings(machine.registry, &heard);
     CCore guest(machine, Attachment::kOpenOnly);
@@ -142,8 +138,15 @@ CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& fol
     report.settings = now.settings;
     report.dataFolder = now.DataFolder();
     report.dataFolderExists = machine.files.Exists(report.dataFolder);
-    for (const Finding& finding : heard.found) setup.Add(WeightOf(finding), finding);
-    if (!now.bridge || !live) CheckBridge(setup, system);
+    for (std::size_t i = 0; i < heard.found.size(); ++i) {
+        const bool lost = i < ofStore && heard.found[i].flaw == Flaw::kLineNotRead;
+        setup.Add(lost ? Weight::kSettings : WeightOf(heard.found[i]), heard.found[i]);
+    }
+    for (const char16_t* file : {u"channels.xml", u"boats.xml", u"alternate.csv"}) {
+        const Fault fault = FaultOnTheWay(machine.files, now.ConfigPath(file));
+        if (fault.reason == Reason::kNameInOtherCase) setup.Add(Weight::kConfig, {}, 0, fault);
+    }
+    CheckBridge(setup, system);
     CheckLibrary(setup);
     CheckVariables(setup);
     CheckMapping(setup);

@@ -73,13 +73,7 @@ private:
 };
 
 void AddOld(const CheckedSetup& setup, const std::u16string& path, const std::string& first) {
-    if (first.empty()) return;
-    setup.Add({.weight = Weight::kOld,
-               .path = path,
-               .flaw = "not-in-force",
-               .says = {"it says other than what is in force (" + first +
-                            "): it has changed since the record was made, or a program of the suite has changed that",
-                        std::string("to have it read, ") + kRestartAll}});
+    if (!first.empty()) setup.Add(Weight::kOld, path, 0, Fault(Reason::kNotInForce, {first}));
 }
 
 void CheckRecord(const CheckedSetup& setup) {
@@ -96,10 +90,7 @@ void CheckRecord(const CheckedSetup& setup) {
 void CheckRead(const CheckedSetup& setup, const std::u16string& path, double readAt) {
     const auto changed = setup.services.files.ChangedAt(path);
     if (path.empty() || !changed || DaysFromTicks(*changed) <= readAt) return;
-    setup.Add({.weight = Weight::kOld,
-               .path = path,
-               .flaw = "changed-since-read",
-               .says = {"it has changed since the bridge read it", kReadAgain}});
+    setup.Add(Weight::kOld, path, 0, Fault(Reason::kChangedSinceRead));
 }
 
 }  // namespace

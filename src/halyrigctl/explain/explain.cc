@@ -1,33 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "deckman/instrument_value.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/output/cells.h"
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/output/json.h"
+#include "halyrigctl/setup/explanation.h"
 #include "halyrigctl/setup/names.h"
 #include "halyrigctl/setup/reasons.h"
-#include "halyrigctl/setup/value_chain.h"
 
 namespace twr {
 namespace {
 
-struct Explained {
-    ChannelId channel;
-    BoatSlot boat;
-    std::string title;  // for people
-    std::u16string name;
-    Links links;
-};
-
-// The channels that the bridge feeds or shows, in the order of the mapping.
-std::vector<std::pair<ChannelId, BoatSlot>> MappedChannels(const CoreRecord& record, const MappingLook& look) {
+// The channels that the bridge feeds or shows, of all boats or of one, in the order of the mapping.
+std::vector<std::pair<ChannelId, BoatSlot>> MappedChannels(const CoreRecord& record, const MappingLook& look,
+                                                           std::optional<BoatSlot> ofBoat) {
     std::vector<std::pair<ChannelId, BoatSlot>> mapped;
     const auto add = [&](std::int32_t channel, std::int32_t boat) {
+        if (ofBoat && static_cast<BoatSlot>(boat) != *ofBoat) return;
         const std::pair place(static_cast<ChannelId>(channel), static_cast<BoatSlot>(boat));
         if (std::ranges::find(mapped, place) == mapped.end()) mapped.push_back(place);
     };
@@ -40,20 +34,20 @@ std::vector<std::pair<ChannelId, BoatSlot>> MappedChannels(const CoreRecord& rec
     return mapped;
 }
 
-// What is wrong and what to do, then each link.
-std::string AsText(const Explained& one) {
-    constexpr std::size_t kNameWidth = 12;
-    const Fault& fault = one.links.Broken();
-    std::string text = one.title + ": " + (fault ? fault.what : "all is well") + "\n";
-    if (!fault.todo.empty()) text += "  " + Padded("to do", kNameWidth) + fault.todo + "\n";
-    for (const Link& link : one.links.All()) {
-        const char* mark = link.state == LinkState::kHolds ? "  " : link.state == LinkState::kBroken ? "x " : "- ";
-        text += mark + Padded(std::string(WordFor(link.name)), kNameWidth) + link.says.what + "\n";
-    }
-    return text;
+// The first titles of those of which the same is said, which are taken out, and how many more there are.
+std::string TakeTitles(std::vector<Explained>& left, const std::string& what) {
+    constexpr std::size_t kTitles = 4;
+    std::string titles;
+    std::size_t count = 0;
+    std::erase_if(left, [&](const Explained& one) {
+        if (one.links.Broken().what != what) return false;
+        if (++count <= kTitles) titles += (count == 1 ? "" : ", ") + one.title;
+        return true;
+    });
+    return count <= kTitles ? titles : titles + " and " + std::to_string(count - kTitles) + " more";
 }
 
-// A line for each channel with a fault, those with the same remedy together; then all that is well.
+// A line for each fault, with its channels, those with the same remedy together; then all that is well.
 std::string AsOverview(std::vector<Explained> left) {
     std::string well, text;
     for (const Explained& one : left) {
@@ -62,14 +56,27 @@ std::string AsOverview(std::vector<Explained> left) {
     std::erase_if(left, [](const Explained& one) { return !one.links.Broken(); });
     while (!left.empty()) {
         const std::string todo = left.front().links.Broken().todo;
-        std::erase_if(left, [&](const Explained& one) {
-            if (one.links.Broken().todo != todo) return false;
-            text += one.title + ": " + one.links.Broken().what + "\n";
-            return true;
-        });
+        const auto hasTodo = [&](const Explained& one) { return one.links.Broken().todo == todo; };
+        for (auto next = left.begin(); next != left.end(); next = std::ranges::find_if(left, hasTodo)) {
+            const std::string what = next->links.Broken().what;
+            text += TakeTitles(left, what) + ": " + what + "\n";
+        }
         text += (todo.empty() ? "" : "  to do: " + todo + "\n") + std::string("\n");
     }
     return text + (well.empty() ? "" : "all is well: " + well + "\n");
+}
+
+// What of the mapping no channel's way shows: a fault of the file, and lines that name no channel.
+std::string BesideChannels(const MappingLook& look) {
+    const auto lost = static_cast<std::size_t>(std::ranges::count_if(look.faults, [&](const Finding& finding) {
+        return !EndsReading(finding.flaw) && std::ranges::find(look.meant, finding.line, &MappingVar::line) == look.meant.end();
+    }));
+    std::string text = look.fault ? look.fault.Line() + "\n" : "";
+    if (lost > 0) {
+        text += std::to_string(lost) + (lost == 1 ? " line" : " lines") +
+                " of the mapping can't be used; 'halyrigctl check' names each\n";
+    }
+    return text;
 }
 
 std::string AsJson(const Explained& one) {
@@ -87,12 +94,23 @@ std::string AsJson(const Explained& one) {
     return JsonLine({{"id", one.channel},
                      {"name", TextOrNull(one.name)},
                      {"boat", one.boat},
-                     {"link", Told(bool(one.links.Broken()), WordFor(LinkOf(one.links.Broken().reason)))},
+                     {"link", Told(bool(one.links.Broken()), WordFor(one.links.BrokenLink()))},
                      {"reason", textOrNull(std::string(WordFor(one.links.Broken().reason)))},
                      {"fault", textOrNull(one.links.Broken().what)},
                      {"toDo", textOrNull(one.links.Broken().todo)},
                      {"links", links}}) +
            "\n";
+}
+
+std::string InForm(const std::vector<Explained>& all, const ExplainOptions& options, const std::string& beside) {
+    std::string text;
+    if (options.json) {
+        for (const Explained& one : all) text += AsJson(one);
+        return text;
+    }
+    if (options.channels.empty() && !options.links) return AsOverview(all) + beside;
+    for (const Explained& one : all) text += (text.empty() ? "" : "\n") + AsText(one);
+    return text + (beside.empty() ? "" : "\n" + beside);
 }
 
 }  // namespace
@@ -104,37 +122,28 @@ Status Explain(System& system, const ExplainOptions& options) {
     const NamedChannels named = FindChannels(guest.Core(), options.channels);
     if (named.unknown) {
         guest.Leave();
-        return ComplainOfChannel(console, *named.unknown);
+        return ComplainOfChannel(console, named);
     }
     Circumstances circumstances(system, guest.Core());
     std::vector<std::pair<ChannelId, BoatSlot>> wanted;
-    for (const ChannelId channel : named.found) wanted.emplace_back(channel, options.boat);
-    if (wanted.empty()) wanted = MappedChannels(guest.Record(), circumstances.TheMapping());
+    for (const ChannelId channel : named.found) wanted.emplace_back(channel, options.boat.value_or(0));
+    if (wanted.empty()) wanted = MappedChannels(guest.Record(), circumstances.TheMapping(), options.boat);
     std::vector<Explained> all;
-    for (const auto& [channel, boat] : wanted) {
-        const std::string ofBoat = boat > 0 ? " of boat " + std::to_string(boat) : "";
-        all.push_back({channel, boat, ChannelInWords(guest.Core(), channel) + ofBoat, NameForPeople(guest.Core(), channel),
-                       ValueChain(guest.Core(), channel, boat, circumstances)});
-        AddRemoteLinks(all.back().links, guest.Core(), channel, boat, circumstances);
-    }
-    const std::string mapping = Harmless(circumstances.TheMapping().path);
+    for (const auto& [channel, boat] : wanted) all.push_back(ExplainChannel(guest.Core(), channel, boat, circumstances));
+    const std::string beside = named.found.empty() ? BesideChannels(circumstances.TheMapping()) : "";
+    const std::string none = "no line of the mapping (" + Harmless(circumstances.TheMapping().path) + ") can be used";
     const std::vector<Finding> passedOver = circumstances.PassedOver();
     guest.Leave();
     const bool unread = ComplainOfUnread(console, passedOver);
     if (all.empty()) {
-        Complain(console, "no line of the mapping (" + mapping + ") can be used; 'halyrigctl check' says why");
+        const Fault& fault = circumstances.TheMapping().fault;
+        Complain(console, fault ? fault.Line() : none + "; 'halyrigctl check' says why");
         return kFailed;
     }
-    std::string text;
-    if (options.json) {
-        for (const Explained& one : all) text += AsJson(one);
-    } else if (options.channels.empty() && !options.links) {
-        text = AsOverview(all);
-    } else {
-        for (const Explained& one : all) text += (text.empty() ? "" : "\n") + AsText(one);
-    }
-    const Status printed = Print(console, text);
-    return unread || std::ranges::any_of(all, [](const Explained& one) { return bool(one.links.Broken()); }) ? kFailed : printed;
+    const bool broken =
+        unread || !beside.empty() || std::ranges::any_of(all, [](const Explained& one) { return bool(one.links.Broken()); });
+    const Status printed = Print(console, InForm(all, options, beside));
+    return broken ? kFailed : printed;
 }
 
 }  // namespace twr

@@ -112,8 +112,11 @@ Status ListMap(System& system, bool json) {
     Console& console = system.GetConsole();
     if (const Status status = Print(console, json ? AsJson(map) : AsText(map)); status != kDone) return status;
     if (ComplainOfUnread(console, passedOver)) return kFailed;
-    if (now.Variables().rows.empty()) Complain(console, now.NoVariables().Line());
-    if (!now.TheMapping().exists) Notice(console, "there is no mapping yet; 'halyrigctl map suggest' proposes one");
+    const Fault& ofLibrary = now.Library().fault;
+    if (now.Variables().rows.empty()) Complain(console, (ofLibrary ? ofLibrary : now.NoVariables()).Line());
+    if (const Fault& fault = now.TheMapping().fault; fault && fault.reason != Reason::kNoMapping) Complain(console, fault.Line());
+    if (now.TheMapping().fault.reason == Reason::kNoMapping)
+        Notice(console, "there is no mapping yet; 'halyrigctl map suggest --apply' makes one");
     return kDone;
 }
 

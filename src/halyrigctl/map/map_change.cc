@@ -22,12 +22,6 @@ std::string HowItIsRead(bool bridgeRuns) {
            (mayBeService ? " As a service it has no dialog; restart it: systemctl --user restart halyrig\n" : "\n");
 }
 
-std::vector<std::u16string> CatalogueNames() {
-    std::vector<std::u16string> names;
-    for (ChannelId id = 0; id < kChannelCount; ++id) names.emplace_back(CatalogueName(id));
-    return names;
-}
-
 }  // namespace
 
 Status MapChange::Open() {
@@ -37,18 +31,17 @@ Status MapChange::Open() {
     return ReadFile();
 }
 
-Status MapChange::OpenFor(const std::string& channel) {
+Status MapChange::OpenFor(const std::vector<std::string>& channels) {
     Guest guest(system_, WithoutRecord::kGoOn);
-    const auto found = FindChannel(guest.Core(), channel);
-    if (!found) {
-        guest.Leave();
-        const std::u16string typed = FromUtf8(channel);
-        return Refuse(
-            "there is no channel " + Harmless(typed) + "; " + Guess(typed, CatalogueNames(), "'halyrigctl channels' lists them"),
-            kMisunderstood);
+    for (const std::string& typed : channels) {
+        const auto found = FindChannel(guest.Core(), typed);
+        if (!found) {
+            const NamedChannels named = FindChannels(guest.Core(), {typed});
+            guest.Leave();
+            return ComplainOfChannel(system_.GetConsole(), named);
+        }
+        channels_.push_back({*found, std::to_string(*found) + " " + Harmless(NameForPeople(guest.Core(), *found))});
     }
-    channel_ = *found;
-    shown_ = std::to_string(*found) + " " + Harmless(NameForPeople(guest.Core(), *found));
     now_.emplace(system_, guest.Core());
     guest.Leave();
     return ReadFile();
@@ -77,23 +70,28 @@ bool MapChange::TakeLock() {
 }
 
 bool MapChange::HasPlace(BoatSlot boat) const {
-    return boat < kFullBoatCount || ChannelCatalogue()[channel_].shortIndex < kShortChannelCount;
+    return boat < kFullBoatCount || ChannelCatalogue()[Channel()].shortIndex < kShortChannelCount;
 }
 
-std::string MapChange::ChannelOf(BoatSlot boat) const { return "channel " + shown_ + OfBoat(static_cast<std::int32_t>(boat)); }
+std::string MapChange::ChannelOf(BoatSlot boat) const {
+    return "channel " + channels_[of_].shown + OfBoat(static_cast<std::int32_t>(boat));
+}
 
-Status MapChange::AddVar(const Mapping& intended, const std::string& done) {
-    return Add(intended, "var", VarText(intended.varRows.back(), now_->Variables().rows), done);
+Status MapChange::AddVars(const Mapping& intended, std::size_t count, const std::string& done) {
+    const auto& listed = now_->Variables().rows;
+    std::string text = file_.text;
+    for (auto row = intended.varRows.end() - static_cast<std::ptrdiff_t>(count); row != intended.varRows.end(); ++row) {
+        const auto spans = FindElements(text);
+        text = text.empty() || !spans ? NewMapText(services_, *now_, {.varRows = {*row}, .remoteRows = {}})
+                                      : WithElement(text, *spans, "var", VarText(*row, listed));
+    }
+    return Write(text, intended, done);
 }
 
 Status MapChange::AddRemote(const Mapping& intended, const std::string& done) {
-    return Add(intended, "remote", RemoteText(intended.remoteRows.back()), done);
-}
-
-Status MapChange::Add(const Mapping& intended, std::string_view kind, const std::string& element, const std::string& done) {
-    const bool isNew = file_.text.empty();
-    return Write(isNew ? NewMapText(services_, *now_, intended) : WithElement(file_.text, file_.spans, kind, element), intended,
-                 done);
+    return Write(file_.text.empty() ? NewMapText(services_, *now_, intended)
+                                    : WithElement(file_.text, file_.spans, "remote", RemoteText(intended.remoteRows.back())),
+                 intended, done);
 }
 
 Status MapChange::Remove(const std::function<bool(const XmlElement&)>& goes, const Mapping& intended, const std::string& done,
@@ -123,13 +121,8 @@ Status MapChange::Refuse(const std::string& why, Status status) {
 }
 
 Status MapChange::RefusePlace(BoatSlot boat) {
-    return Refuse("boat " + std::to_string(boat) + " has no place for channel " + shown_ +
+    return Refuse("boat " + std::to_string(boat) + " has no place for channel " + channels_[of_].shown +
                   ": boats 2 to 99 have room only for those with a number below short in 'halyrigctl channels'");
-}
-
-std::string Guess(std::u16string_view typed, const std::vector<std::u16string>& names, const std::string& otherwise) {
-    const auto nearest = Nearest(typed, names);
-    return nearest ? "did you mean " + Harmless(*nearest) + "?" : otherwise;
 }
 
 std::string OfBoat(std::int32_t boat) { return boat == 0 ? "" : " of boat " + std::to_string(boat); }

@@ -9,6 +9,10 @@
 namespace twr {
 namespace {
 
+class PairsForm : public CLI::Formatter {
+    std::string make_option_usage(const CLI::Option*) const override { return "VARIABLE CHANNEL [VARIABLE CHANNEL]..."; }
+};
+
 // The parser's own form would be "CHANNEL(1x)".
 class ChannelBehindVariableForm : public CLI::Formatter {
     std::string make_option_usage(const CLI::Option*) const override { return "[VARIABLE] CHANNEL"; }
@@ -29,9 +33,15 @@ public:
         return command;
     }
 
-    void Variable(CLI::App* command) {
-        command->add_option("VARIABLE", options_->variable, "Deckman's variable: its name, capitals included, or its number")
-            ->required();
+    // VARIABLE CHANNEL, once or more
+    void Pairs(CLI::App* command) {
+        command
+            ->add_option("CHANNEL", options_->pairs,
+                         "Deckman's variable, by its name, capitals included, or its number, and the channel, as 'get' takes it")
+            ->required()
+            ->expected(2, 1000)
+            ->option_text("TEXT ... REQUIRED");
+        command->formatter(std::make_shared<PairsForm>());
     }
 
     void Remote(CLI::App* command) {
@@ -90,12 +100,13 @@ void AddMap(CLI::App& app, System& system, Status& status) {
         if (map->get_subcommands().empty()) status = ListMap(system, options->json);
     });
 
-    commands.Command("suggest", "Propose commands that map what is not mapped yet", "suggest",
-                     [](System& of, const MapOptions&) { return SuggestMap(of); });
+    CLI::App* suggest =
+        commands.Command("suggest", "Propose what maps the variables that are not mapped yet", "suggest --apply", SuggestMap);
+    CLI::Option* apply = suggest->add_flag("--apply", commands.Options()->apply, "Add it to the mapping, after one question");
+    suggest->add_flag("--yes", commands.Options()->yes, "Without the question")->needs(apply);
 
-    CLI::App* add = commands.Command("add", "Let a variable of Deckman's feed a channel", "add HDG HDG", AddToMap);
-    commands.Variable(add);
-    commands.Channel(add);
+    CLI::App* add = commands.Command("add", "Let variables of Deckman's feed channels", "add HDG HDG BSP 1", AddToMap);
+    commands.Pairs(add);
     commands.Boat(add);
 
     CLI::App* addRemote = commands.Command("add-remote", "Show a channel on a remote", "add-remote 1 BSP --damped", AddRemoteToMap);

@@ -53,7 +53,7 @@ bool Agree(const std::vector<ElementSpan>& spans, const std::vector<XmlElement>&
 
 std::string FaultOf(const CoreServices& services, std::u16string_view path, MapFile& file) {
     const auto text = ReadWhole(services.files, path);
-    if (text && text->empty()) return services.files.Exists(path) ? "it is empty; remove it" : "";
+    if (text && text->empty()) return {};  // as if it were not there
     if (text) file.text = *text;
     if (std::string fault = EncodingFault(file.text); !fault.empty()) return fault;
     if (std::string fault = ReadElements(services.xml, path, file.elements); !fault.empty()) return fault;

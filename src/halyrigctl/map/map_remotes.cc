@@ -9,7 +9,7 @@ namespace twr {
 
 Status AddRemoteToMap(System& system, const MapOptions& options) {
     MapChange change(system);
-    if (const Status status = change.OpenFor(options.channel); status != kDone) return status;
+    if (const Status status = change.OpenFor({options.channel}); status != kDone) return status;
     if (!IsAlternating(change.Channel()) && !change.HasPlace(options.boat)) return change.RefusePlace(options.boat);
     const std::string number = std::to_string(options.remote);
     Mapping intended = change.Rows();

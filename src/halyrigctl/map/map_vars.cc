@@ -8,6 +8,8 @@
 #include "deckman/instrument_value.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/map/map_change.h"
+#include "halyrigctl/setup/channel_match.h"
+#include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {
@@ -28,40 +30,51 @@ const DeckmanVariable* Listed(const std::vector<DeckmanVariable>& variables, con
 
 Status RefuseVariable(MapChange& change, const std::u16string& typed) {
     Circumstances& now = change.Now();
-    if (now.Variables().rows.empty()) return change.Refuse(now.NoVariables().Line());
+    if (now.Variables().rows.empty()) {
+        const Fault& ofLibrary = now.Library().fault;
+        return change.Refuse((ofLibrary ? ofLibrary : now.NoVariables()).Line());
+    }
     if (typed == u"TIMER" && now.Variables().timerVariableId >= 0)
         return change.Refuse("TIMER needs no mapping; tick the box for it in the dialog of " HALYRIG_PROGRAM);
     std::vector<std::u16string> names;
-    for (const DeckmanVariable& variable : now.Variables().rows) names.push_back(variable.dfwName);
+    const auto meant = ChannelOfWord(PlainName(typed));
+    for (const DeckmanVariable& variable : now.Variables().rows) {
+        const ChannelMatch match = MatchChannel(variable);
+        if (meant && match.sure && match.channels.front() == *meant)
+            return change.Refuse(
+                "Deckman's list has no variable " + Harmless(typed) + "; did you mean " + Harmless(variable.dfwName) + "?",
+                kMisunderstood);
+        names.push_back(variable.dfwName);
+    }
     return change.Refuse("Deckman's list has no variable " + Harmless(typed) + "; " +
                              Guess(typed, names, "capitals count, and 'halyrigctl map suggest' shows those that are not mapped"),
                          kMisunderstood);
 }
 
-// The first line that feeds the channel, for this boat or for another one; nullptr if there is none.
-const MappingVar* Feeding(const MapChange& change, std::int32_t boat, bool forThisBoat) {
-    const auto found = std::ranges::find_if(change.Rows().varRows, [&](const MappingVar& row) {
-        return change.IsChannel(row.channel) && (row.boat == boat) == forThisBoat;
-    });
-    return found == change.Rows().varRows.end() ? nullptr : &*found;
+// The first row that feeds the channel, for this boat or for another one; nullptr if there is none.
+const MappingVar* Feeding(const MapChange& change, const Mapping& rows, std::int32_t boat, bool forThisBoat) {
+    const auto found = std::ranges::find_if(
+        rows.varRows, [&](const MappingVar& row) { return change.IsChannel(row.channel) && (row.boat == boat) == forThisBoat; });
+    return found == rows.varRows.end() ? nullptr : &*found;
 }
 
 std::string Line(std::size_t number) { return "line " + std::to_string(number); }
 
-Status CheckMayBeFed(MapChange& change, BoatSlot boat) {
+Status CheckMayBeFed(MapChange& change, const Mapping& rows, BoatSlot boat) {
     if (change.Channel() == kTime) return change.Refuse(change.ChannelOf(0) + " can't be fed: it follows the clock");
     if (IsAlternating(change.Channel()))
         return change.Refuse(change.ChannelOf(0) + " can't be fed: it stands for another channel; a remote can show it");
     if (!change.HasPlace(boat)) return change.RefusePlace(boat);
-    const MappingVar* fed = Feeding(change, static_cast<std::int32_t>(boat), true);
+    const MappingVar* fed = Feeding(change, rows, static_cast<std::int32_t>(boat), true);
     if (!fed) return kDone;
-    return change.Refuse(change.ChannelOf(boat) + " is already fed by " + Harmless(fed->dfwName) + ", in " + Line(fed->line) +
+    return change.Refuse(change.ChannelOf(boat) + " is already fed by " + Harmless(fed->dfwName) +
+                         (fed->line > 0 ? ", in " + Line(fed->line) : " before, in this command") +
                          "; to take that away: halyrigctl map remove " + std::to_string(change.Channel()) +
                          (boat ? " --boat " + std::to_string(boat) : ""));
 }
 
 void RemarkOnChannel(MapChange& change, BoatSlot boat) {
-    if (const MappingVar* other = Feeding(change, static_cast<std::int32_t>(boat), false)) {
+    if (const MappingVar* other = Feeding(change, change.Rows(), static_cast<std::int32_t>(boat), false)) {
         change.Remark(Line(other->line) + " feeds the same channel" + (other->boat ? OfBoat(other->boat) : " of the own boat") +
                       ", so some values will be skipped; give each channel one line");
     }
@@ -71,26 +84,39 @@ void RemarkOnChannel(MapChange& change, BoatSlot boat) {
 
 }  // namespace
 
+// All or none.
 Status AddToMap(System& system, const MapOptions& options) {
     MapChange change(system);
-    if (const Status status = change.OpenFor(options.channel); status != kDone) return status;
-    const std::u16string typed = FromUtf8(options.variable);
-    const DeckmanVariable* variable = Listed(change.Now().Variables().rows, typed);
-    if (!variable) return RefuseVariable(change, typed);
-    if (const Status status = CheckMayBeFed(change, options.boat); status != kDone) return status;
+    std::vector<std::string> variables, channels;
+    for (const std::string& typed : options.pairs) (variables.size() == channels.size() ? variables : channels).push_back(typed);
+    if (variables.size() != channels.size())
+        return change.Refuse("behind each variable name the channel that it is to feed", kMisunderstood);
+    if (const Status status = change.OpenFor(channels); status != kDone) return status;
     Mapping intended = change.Rows();
-    MappingVar& row = intended.varRows.emplace_back(*variable);
-    row.channel = static_cast<std::int32_t>(change.Channel());
-    row.boat = static_cast<std::int32_t>(options.boat);
-    const Status status = change.AddVar(
-        intended, "Deckman's variable " + Harmless(variable->dfwName) + " feeds " + change.ChannelOf(options.boat) + " now");
-    if (status == kDone) RemarkOnChannel(change, options.boat);
+    std::string done;
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        change.TurnTo(i);
+        const std::u16string typed = FromUtf8(variables[i]);
+        const DeckmanVariable* variable = Listed(change.Now().Variables().rows, typed);
+        if (!variable) return RefuseVariable(change, typed);
+        if (const Status status = CheckMayBeFed(change, intended, options.boat); status != kDone) return status;
+        MappingVar& row = intended.varRows.emplace_back(*variable);
+        row.channel = static_cast<std::int32_t>(change.Channel());
+        row.boat = static_cast<std::int32_t>(options.boat);
+        done += (done.empty() ? "" : ".\n") + ("Deckman's variable " + Harmless(variable->dfwName)) + " feeds " +
+                change.ChannelOf(options.boat) + " now";
+    }
+    const Status status = change.AddVars(intended, channels.size(), done);
+    for (std::size_t i = 0; status == kDone && i < channels.size(); ++i) {
+        change.TurnTo(i);
+        RemarkOnChannel(change, options.boat);
+    }
     return status;
 }
 
 Status RemoveFromMap(System& system, const MapOptions& options) {
     MapChange change(system);
-    if (const Status status = change.OpenFor(options.channel); status != kDone) return status;
+    if (const Status status = change.OpenFor({options.channel}); status != kDone) return status;
     const std::u16string typed = FromUtf8(options.variable);
     const DeckmanVariable* listed = Listed(change.Now().Variables().rows, typed);
     const auto isNamed = [&](const MappingVar& row) {

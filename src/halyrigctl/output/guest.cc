@@ -10,9 +10,14 @@ Guest::Guest(System& system, WithoutRecord without) : console_(system.GetConsole
     core_.emplace(system.Core(), Attachment::kOpenOnly);
     if (core_->View() || without == WithoutRecord::kGoOn) return;
     core_.reset();
-    Complain(console_, RecordIsLost(system) ? std::string(kRecordLost) + "; " + kRecordLostToDo + "."
-                                            : "there is no record, since no program of the suite is running. Start " HALYRIG_PROGRAM
-                                              " first.");
+    const MemoryFault fault = CCore::FaultOfRecord(system.Core());
+    if (RecordIsLost(system)) {
+        Complain(console_, std::string(kRecordLost) + "; " + kRecordLostToDo + ".");
+    } else if (!fault.what.empty()) {
+        Complain(console_, Advice{fault.what, fault.todo}.Line());
+    } else {
+        Complain(console_, "there is no record, since no program of the suite is running. Start " HALYRIG_PROGRAM " first.");
+    }
 }
 
 // The request lasts as long as the record, so while one program stays, any that starts ends at once.

@@ -21,19 +21,13 @@ void Complain(Console& console, const std::string& message) { console.WriteError
 
 void Notice(Console& console, const std::string& message) { Complain(console, message); }
 
-Status ComplainOfChannel(Console& console, const std::string& typed) {
-    Complain(console, "there is no channel " + Harmless(FromUtf8(typed)) +
-                          "; 'halyrigctl channels' lists them, 'halyrigctl get --help' explains how to name one");
-    return kMisunderstood;
-}
-
 Status Print(Console& console, std::string_view utf8) {
     return StatusOf(console, console.Write(utf8, [] { return true; }));
 }
 
 Status StatusOf(Console& console, Output output) {
     if (output != Output::kRefused) return kDone;
-    Complain(console, "standard output can't be written: the disk is full, or what reads it has ended.");
+    Complain(console, "standard output can't be written: the disk is full, or there is none.");
     return kFailed;
 }
 

@@ -30,9 +30,6 @@ void Complain(Console& console, const std::string& message);
 // The same for what is no fault, but not a part of the output either.
 void Notice(Console& console, const std::string& message);
 
-// Complains of a channel that the user has typed and that does not exist.
-Status ComplainOfChannel(Console& console, const std::string& typed);
-
 // Prints UTF-8, waiting as long as needed. Complains if it can't be written.
 Status Print(Console& console, std::string_view utf8);
 

@@ -107,7 +107,7 @@ bool Replay::Attach() {
 bool Replay::ChooseChannels() {
     const NamedChannels named = FindChannels(*core_, options_.channels);
     channels_.insert(named.found.begin(), named.found.end());
-    if (named.unknown) status_ = ComplainOfChannel(system_.GetConsole(), *named.unknown);
+    if (named.unknown) status_ = ComplainOfChannel(system_.GetConsole(), named);
     return !named.unknown;
 }
 

@@ -4,31 +4,23 @@
 #include <cmath>
 
 namespace twr {
-namespace {
-
-// Over a shorter time a single tick more or less would change the rate, and a long one would pass for a standstill.
-constexpr double kShortest = BridgePulse::kStandstillMs / 1000.0;
-
-}  // namespace
 
 void BridgePulse::Look(const std::optional<BridgeStatus>& bridge, double seconds) {
-    const bool another = bridge && from_ && (bridge->ticks < from_->ticks || seconds < from_->seconds);
-    if (!bridge || !from_ || another) {
-        rate_.reset();
-        from_ = bridge ? std::optional(Count{bridge->ticks, seconds}) : std::nullopt;
-        return;
-    }
-    const double passed = seconds - from_->seconds;
-    if (passed < kShortest) return;
-    rate_ = (bridge->ticks - from_->ticks) / passed;
-    from_ = {bridge->ticks, seconds};
+    const bool another = bridge && !counts_.empty() && (bridge->ticks < counts_.back().ticks || seconds < counts_.back().seconds);
+    if (!bridge || another) counts_.clear();
+    if (!bridge) return;
+    standsStill_ = bridge->StandsStill();
+    counts_.push_back({bridge->ticks, seconds});
+    while (counts_.size() > 2 && seconds - counts_[1].seconds >= kSeconds) counts_.pop_front();
 }
 
 std::string BridgePulse::Words() const {
-    if (!from_) return {};
-    if (!rate_) return "the bridge is running";
-    if (*rate_ == 0.0) return "the bridge stands still";
-    return "bridge " + std::to_string(std::lround(*rate_)) + " ticks/s";
+    if (counts_.empty()) return {};
+    if (standsStill_) return "the bridge stands still";
+    const Count &first = counts_.front(), &last = counts_.back();
+    const double passed = last.seconds - first.seconds;
+    if (passed < kSeconds) return "the bridge is running";
+    return "bridge " + std::to_string(std::lround((last.ticks - first.ticks) / passed)) + " ticks/s";
 }
 
 }  // namespace twr

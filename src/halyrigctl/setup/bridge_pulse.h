@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Whether the bridge works, from looks at its count of ticks.
+// The pace of the bridge, from looks at its count of ticks.
 #pragma once
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 
@@ -14,9 +15,6 @@ public:
     // Takes a look; `bridge` is nullopt if it can't be seen, `seconds` count from any moment.
     void Look(const std::optional<BridgeStatus>& bridge, double seconds);
 
-    // It has not ticked for so long, or it has; nullopt while the looks tell neither.
-    static constexpr int kStandstillMs = 1000;
-    std::optional<bool> StandsStill() const { return rate_ ? std::optional(*rate_ == 0.0) : std::nullopt; }
     std::string Words() const;  // none while there is no bridge to be seen
 
 private:
@@ -24,8 +22,10 @@ private:
         std::uint32_t ticks;
         double seconds;
     };
-    std::optional<Count> from_;   // the rate is counted from here; nullopt while there is no bridge
-    std::optional<double> rate_;  // ticks a second, over a second or more; nullopt before that
+    static constexpr double kSeconds = 3.0;  // over fewer a tick more or less would change the rate
+
+    std::deque<Count> counts_;  // of the last seconds, and one from before if there is one; none while there is no bridge
+    bool standsStill_ = false;
 };
 
 }  // namespace twr

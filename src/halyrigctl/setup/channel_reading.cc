@@ -24,9 +24,11 @@ std::u16string_view TextUnit(const CCore& core, ChannelId source, std::u16string
                                         : UnitLabel(core.ChannelTypeOf(source), UnitSettingsOf(*core.View()));
 }
 
-// A fresh value in the user's units; kNoValue if there is none.
-double ShownValue(const CCore& core, ChannelId channel, BoatSlot boat, bool damped) {
+// A fresh value in the user's units; kNoValue if there is none. `source`: what the channel stands for.
+double ShownValue(const CCore& core, ChannelId channel, ChannelId source, BoatSlot boat, bool damped) {
     double shown = kNoValue;
+    const Entry entry = EntryOf(*core.View(), source, boat);
+    if (entry && IsLostDepth(source, Load(*entry.value))) return shown;
     core.GetFreshChannel(channel, shown, boat, damped, Load(core.View()->sysFlag[kFlagMagnetic]) != 0, kNoValue);
     return shown;
 }
@@ -37,7 +39,7 @@ std::u16string LiveText(CCore& core, ChannelId channel, BoatSlot boat, bool damp
     const ChannelId resolved = core.ResolveAlternate(channel, true);
     const ChannelId source = core.SourceOf(channel);
     if (source >= kChannelCount) return u"- -";
-    const double shown = ShownValue(core, resolved, boat, damped);
+    const double shown = ShownValue(core, resolved, source, boat, damped);
     const std::u16string text = core.ChannelText(resolved, shown);
     const std::u16string_view unit = shown == kNoValue ? std::u16string_view() : TextUnit(core, source, text);
     return unit.empty() ? text : text + u" " + std::u16string(unit);
@@ -63,7 +65,7 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     if (time != 0.0) reading.age = std::fabs(circumstances.now - time) * kSecondsPerDay;
     reading.limit = core.StaleSeconds(source, boat);
     reading.valueUnit = InternalUnit(core.ChannelTypeOf(source));
-    const double shown = ShownValue(core, resolved, boat, false);
+    const double shown = ShownValue(core, resolved, source, boat, false);
     reading.text = core.ChannelText(resolved, shown);
     if (shown == kNoValue || !std::isfinite(shown) || !entry) {
         reading.missing = ValueChain(core, channel, boat, circumstances).Broken();
@@ -72,6 +74,7 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     }
     reading.state = ChannelState::kFresh;
     reading.value = Load(*entry.value);
+    reading.shown = shown;
     reading.textUnit = TextUnit(core, source, reading.text);
     return reading;
 }

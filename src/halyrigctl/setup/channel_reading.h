@@ -26,6 +26,7 @@ struct ChannelReading {
     ChannelState state = ChannelState::kMissing;
     std::optional<double> value;    // as stored, in the internal unit; nullopt without a fresh value
     std::u16string_view valueUnit;  // a plain word, as in the streams; empty if there is none
+    std::optional<double> shown;    // the same in the user's units
     std::u16string text;            // in the user's units; "- -" without a fresh value
     std::u16string_view textUnit;   // empty if there is none, or the text contains it
     std::optional<double> age;      // seconds since the last publication; nullopt if it was never published

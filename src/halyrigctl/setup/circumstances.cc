@@ -5,10 +5,12 @@
 #include <cmath>
 #include <utility>
 
+#include "base/numbers.h"
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
 #include "core/days.h"
 #include "core/record_access.h"
+#include "deckman/deckman_library.h"
 #include "mapping/mapping_file.h"
 #include "platform/files.h"
 
@@ -41,9 +43,9 @@ const MappingVar* MappingLook::LineOf(ChannelId channel, BoatSlot boat) const {
 }
 
 const Finding* MappingLook::FaultOf(ChannelId channel, BoatSlot boat) const {
-    for (const Finding& fault : faults) {
-        const auto feeds = [&](const MappingVar& row) { return row.line == fault.line && Feeds(row, channel, boat); };
-        if (std::ranges::any_of(meant, feeds)) return &fault;
+    for (const Finding& found : faults) {
+        const auto feeds = [&](const MappingVar& row) { return row.line == found.line && Feeds(row, channel, boat); };
+        if (std::ranges::any_of(meant, feeds)) return &found;
     }
     return nullptr;
 }
@@ -67,8 +69,7 @@ void Circumstances::LookAgain() {
     bridge = ReadBridgeStatus(system_);
     settings = bridge ? bridge->settings : ReadSettings(services_.registry);
     settings.dfwFolder = Trimmed(std::u16string_view(folder_ ? *folder_ : settings.dfwFolder));
-    pulse_.Look(bridge, now * kSecondsPerDay);
-    standsStill_.reset();
+    pulse_.Look(bridge, static_cast<double>(services_.clock.SteadyMs()) / 1000);
     const bool chosenAgain = before != std::pair(bridge ? std::optional(bridge->mapping.readAt) : std::nullopt, settings.dfwFolder);
     if (chosenAgain) library_.reset();
     if (!chosenAgain && std::fabs(now - filesSince_) < kFilesLast) return;
@@ -79,8 +80,34 @@ void Circumstances::LookAgain() {
 }
 
 const LibraryLook& Circumstances::Library() {
-    if (!library_) library_ = LookAtLibrary(services_.files, system_.GetLibraries(), settings.dfwFolder);
+    if (!library_) {
+        library_ = LookAtLibrary(services_.files, system_.GetLibraries(), settings.dfwFolder);
+        library_->fault = CauseOf(library_->fault);
+    }
     return *library_;
+}
+
+// Lost settings may be why the folder is wrong. Without one a user may begin with the stand-in.
+Fault Circumstances::CauseOf(Fault libraryFault) {
+    if (libraryFault.reason != Reason::kNoFolderChosen && libraryFault.reason != Reason::kFolderMissing) return libraryFault;
+    CollectedFindings heard;
+    services_.registry.Check(heard);
+    for (const Finding& finding : heard.found) {
+        constexpr Flaw kLosing[] = {Flaw::kStoreNotRead, Flaw::kKeyNotRead, Flaw::kOtherKey, Flaw::kLineNotRead};
+        if (folder_ || std::ranges::find(kLosing, finding.flaw) == std::end(kLosing)) continue;
+        const Fault why = Because(finding, Reason::kListDamaged);
+        const bool denied = why.reason == Reason::kNotPermitted;
+        return Fault(Reason::kSettingsNotRead, {why.what},
+                     why.todo + (denied ? "" : "; or move the file away, then 'halyrigctl choose FOLDER'"));
+    }
+    for (const std::u16string& folder : system_.GetExecutable().StandInFolders()) {
+        const bool isThere = services_.files.Exists(DeckmanLibrary::PathIn(folder));
+        if (isThere && libraryFault.reason == Reason::kNoFolderChosen) {
+            libraryFault.todo += ", or the stand-in's, " + Harmless(folder);
+            break;
+        }
+    }
+    return libraryFault;
 }
 
 const DeckmanCatalogue& Circumstances::Variables() {
@@ -99,8 +126,13 @@ const MappingLook& Circumstances::TheMapping() {
         mapping_->exists = services_.files.Exists(mapping_->path);
         CollectedFindings faults;
         mapping_->mapping = LoadMapping(services_.xml, mapping_->path, Variables().rows, &faults);
+        for (Finding& finding : faults.found) {
+            if (finding.flaw != Flaw::kReadFailed) continue;
+            if (const Fault fault = FaultOnTheWay(services_.files, finding.path)) finding.text = FromUtf8(fault.what);
+        }
         mapping_->faults = std::move(faults.found);
         mapping_->meant = ReadMeant(services_.xml, mapping_->path);
+        mapping_->fault = MappingFault();
     }
     return *mapping_;
 }
@@ -123,22 +155,12 @@ std::u16string Circumstances::MappingPath() const {
 
 std::u16string Circumstances::MappingFolder() const { return JoinPath(dataFolder_, u"instruments"); }
 
-bool Circumstances::StandsStill() {
-    constexpr int kStepMs = 20;
-    if (!bridge) return false;
-    if (const auto known = pulse_.StandsStill()) return *known;
-    if (standsStill_) return *standsStill_;
-    for (int waited = 0; waited < BridgePulse::kStandstillMs; waited += kStepMs) {
-        if (!system_.GetConsole().Wait(kStepMs)) return false;  // the user has not the patience
-        const auto later = ReadBridgeStatus(system_);
-        if (!later || later->ticks != bridge->ticks) return *(standsStill_ = false);
-    }
-    return *(standsStill_ = true);
-}
-
-std::string Circumstances::BridgeWords() {
-    if (!bridge) return WithoutBridge().what;
-    return StandsStill() ? "the bridge stands still" : pulse_.Words();
+Fault Circumstances::Standstill() const {
+    constexpr double kSurelyWaits = 1.0;
+    const double waits = bridge && bridge->waitsSince ? std::fabs(now - *bridge->waitsSince) * kSecondsPerDay : 0.0;
+    if (waits > kSurelyWaits || (StandsStill() && bridge->waitsSince))
+        return Fault(Reason::kLibraryWaits, {Printed("%.1f s", waits)});
+    return StandsStill() ? Fault(Reason::kStandsStill) : Fault();
 }
 
 Fault Circumstances::WithoutBridge() const {
@@ -152,12 +174,48 @@ Fault Circumstances::WithoutBridge() const {
     }
 }
 
-Fault Circumstances::NoVariables() const {
+Fault Circumstances::NoVariables() {
+    Variables();
+    const std::u16string usual = JoinPath(JoinPath(settings.dfwFolder, u"Data"), kUsualVariableFile);
+    if (Fault onTheWay = FaultOnTheWay(services_.files, usual)) return onTheWay;
+    if (!ofList_.found.empty()) return Because(ofList_.found.front(), Reason::kListDamaged);
+    if (services_.files.Exists(usual)) return Fault(Reason::kVariablesNotRead, {PlaceInWords(usual, 0)});
     return Fault(Reason::kNoVariableFile, {Harmless(settings.dfwFolder), ToUtf8(kUsualVariableFile)});
 }
 
+Fault Circumstances::ListCutShort() {
+    const DeckmanCatalogue& list = Variables();
+    const auto ends = std::ranges::find_if(
+        ofList_.found, [&](const Finding& finding) { return finding.path == list.path && EndsReading(finding.flaw); });
+    return list.rows.empty() || ends == ofList_.found.end() ? Fault() : Because(*ends, Reason::kListDamaged);
+}
+
+Fault Circumstances::MappingFault() {
+    if (Fault onTheWay = FaultOnTheWay(services_.files, mapping_->path)) return onTheWay;
+    if (!mapping_->exists) return Fault(Reason::kNoMapping, {Harmless(mapping_->path)});
+    const auto text = ReadWhole(services_.files, mapping_->path);
+    if (text && text->empty()) return Fault(Reason::kMappingEmpty, {Harmless(mapping_->path)});
+    const auto ends = std::ranges::find_if(mapping_->faults, EndsReading, &Finding::flaw);
+    if (ends == mapping_->faults.end()) return {};
+    Fault fault = Because(*ends, Reason::kMappingDamaged);
+    if (ends->flaw == Flaw::kNotWellFormed)
+        fault.todo += ", or move the file away, and 'halyrigctl map suggest --apply' makes a new one";
+    return fault;
+}
+
+Fault Circumstances::AlternatesFault() {
+    const std::u16string path = ConfigPath(u"alternate.csv");
+    Renewed();
+    if (Fault onTheWay = FaultOnTheWay(services_.files, path)) return onTheWay;
+    const auto first = std::ranges::find(ofConfig_.found, path, &Finding::path);
+    return first == ofConfig_.found.end() ? Fault() : Because(*first, Reason::kAlternatesDamaged);
+}
+
 const CoreRecord& Circumstances::Renewed() {
-    if (!dryRun_) dryRun_ = std::make_unique<DryRun>(services_);
+    if (!dryRun_) {
+        ofConfig_.found.clear();
+        dryRun_ = std::make_unique<DryRun>(services_, &ofConfig_);
+    }
     return dryRun_->Record();
 }
 

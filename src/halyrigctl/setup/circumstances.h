@@ -12,6 +12,7 @@
 #include "deckman/variable_file.h"
 #include "halyrigctl/setup/bridge_pulse.h"
 #include "halyrigctl/setup/dry_run.h"
+#include "halyrigctl/setup/file_faults.h"
 #include "halyrigctl/setup/library_look.h"
 #include "halyrigctl/setup/reasons.h"
 #include "mapping/mapping_rows.h"
@@ -26,6 +27,7 @@ struct MappingLook {
     bool exists = false;
     Mapping mapping;
     std::vector<Finding> faults;
+    Fault fault;  // why the bridge reads nothing, or not all, of it; it comes before those of the lines
 
     // The line of the file that feeds the channel of a boat; of several the last, whose value stays. nullptr if none does.
     const MappingVar* LineOf(ChannelId channel, BoatSlot boat) const;
@@ -59,17 +61,25 @@ public:
 
     std::u16string MappingPath() const;  // empty if the data folder is unknown
     std::u16string MappingFolder() const;
+    std::u16string ConfigPath(std::u16string_view file) const { return JoinPath(JoinPath(dataFolder_, u"config"), file); }
     const std::u16string& DataFolder() const { return dataFolder_; }  // it may not exist yet
 
     bool BridgeRuns() const { return bridge || name.state == NameLook::kTaken; }
-    // The bridge can be seen, but has not ticked for a second. Without looks over a second it waits for a tick that long.
-    bool StandsStill();
+    bool StandsStill() const { return bridge && bridge->StandsStill(); }
+    // Why it does, or that it waits for the library; nothing if it ticks, or can't be seen.
+    Fault Standstill() const;
     // Of the bridge, for people.
-    std::string BridgeWords();
+    std::string BridgeWords() const { return bridge ? pulse_.Words() : WithoutBridge().what; }
     // Why the bridge can't be seen, for when it can't.
     Fault WithoutBridge() const;
     // What is wrong if Variables() has no rows.
-    Fault NoVariables() const;
+    Fault NoVariables();
+    // Why Deckman's list is read only up to a line; nothing if it is read to its end, or not at all.
+    Fault ListCutShort();
+    // What alternate.csv is if nothing of it, or not all, is read; nothing if all is.
+    Fault AlternatesFault();
+    // Why a finding is there, with its place: the rights of its file where they are the cause, else `reason` with its own words.
+    Fault Because(const Finding& finding, Reason reason) const { return FaultOfFinding(services_.files, finding, reason); }
 
     // The record that a start of the whole suite would make.
     const CoreRecord& Renewed();
@@ -80,17 +90,20 @@ public:
     Settings settings;                   // the bridge's; the saved ones while it can't be seen
 
 private:
+    Fault CauseOf(Fault libraryFault);
+    Fault MappingFault();
+
     System& system_;
     CoreServices services_;
     const std::optional<std::u16string> folder_;
     std::u16string dataFolder_;
     BridgePulse pulse_;
-    std::optional<bool> standsStill_;  // found by waiting
-    double filesSince_ = 0.0;          // days: none was read before
+    double filesSince_ = 0.0;  // days: none was read before
     std::optional<LibraryLook> library_;
     std::optional<DeckmanCatalogue> variables_;
     CollectedFindings ofList_;
     std::optional<MappingLook> mapping_;
+    CollectedFindings ofConfig_;
     std::unique_ptr<DryRun> dryRun_;
 };
 

@@ -51,6 +51,8 @@ public:
     explicit ReadOnlyFiles(Files& files) : files_(files) {}
 
     bool Exists(std::u16string_view path) const override { return made_.contains(path) || files_.Exists(path); }
+    std::optional<Denial> DeniedAt(std::u16string_view path) const override { return files_.DeniedAt(path); }
+    std::u16string InOtherCase(std::u16string_view path) const override { return files_.InOtherCase(path); }
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override { return files_.ChangedAt(path); }
     std::optional<std::uint64_t> SizeOf(std::u16string_view path) const override { return files_.SizeOf(path); }
     std::optional<std::uint64_t> RoomIn(std::u16string_view folder) const override { return files_.RoomIn(folder); }

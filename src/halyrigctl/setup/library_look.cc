@@ -5,7 +5,9 @@
 #include <array>
 #include <cstdint>
 
+#include "config/bridge_settings.h"
 #include "deckman/deckman_library.h"
+#include "halyrigctl/setup/file_faults.h"
 #include "platform/files.h"
 
 namespace twr {
@@ -74,9 +76,11 @@ bool IsAbsolute(std::u16string_view path) {
 
 Fault FolderFault(Files& files, std::u16string_view folder) {
     const auto fault = [&](Reason reason) { return Fault(reason, {Harmless(folder)}); };
-    if (folder.empty()) return fault(Reason::kNoFolderChosen);
+    const bool isDefault = !OnWindows() && folder == Settings().dfwFolder;  // of the other system
+    if (folder.empty() || isDefault) return fault(Reason::kNoFolderChosen);
     if (folder.starts_with(u'~')) return fault(Reason::kFolderOfAShell);
     if (!IsAbsolute(folder)) return fault(Reason::kFolderNotWhole);
+    if (Fault onTheWay = FaultOnTheWay(files, folder)) return onTheWay;
     if (!files.Exists(folder)) return fault(Reason::kFolderMissing);
     return files.Open(folder) ? fault(Reason::kFolderIsFile) : Fault();
 }
@@ -86,6 +90,7 @@ Fault AbsentFault(Files& files, std::u16string_view folder, const std::u16string
         return Fault(reason, {Harmless(folder), Harmless(library), Harmless(other)});
     };
     const auto parent = folder.substr(0, std::min(folder.size(), folder.find_last_of(u"/\\")));
+    if (Fault onTheWay = FaultOnTheWay(files, JoinPath(folder, library))) return onTheWay;
     if (files.Exists(JoinPath(parent, library))) return fault(Reason::kLibraryAbove);
     const auto others = files.List(folder, std::u16string(kDeckmanLibrary).append(u".*"));
     if (others.empty()) return fault(Reason::kLibraryMissing);
@@ -109,7 +114,8 @@ std::unique_ptr<Library> Loaded(Files& files, Libraries& libraries, std::u16stri
     const std::string shown = Harmless(path);
     const auto file = files.Open(path);
     if (!file) {
-        fault = files.Exists(path) ? Fault(Reason::kLibraryUnreadable, {shown}) : AbsentFault(files, folder, name);
+        fault = AbsentFault(files, folder, name);
+        if (files.Exists(path) && fault.reason != Reason::kNotPermitted) fault = Fault(Reason::kLibraryUnreadable, {shown});
         return nullptr;
     }
     const Header header(*file);

@@ -2,6 +2,8 @@
 #include "halyrigctl/setup/names.h"
 
 #include <algorithm>
+#include <iterator>
+#include <sstream>
 
 #include "base/numbers.h"
 #include "base/wide_text.h"
@@ -10,6 +12,20 @@
 
 namespace twr {
 namespace {
+
+// Words of the field for what a channel holds, as they are said and typed; and in other programs' lists.
+struct OtherWord {
+    std::u16string_view word;  // plain
+    ChannelId channel;
+};
+constexpr OtherWord kOtherWords[] = {
+    {u"STW", kBsp},          {u"BOATSPD", kBsp},      {u"SPEED", kBsp},         {u"WATERSPEED", kBsp}, {u"HEADING", kHdg},
+    {u"COMPASS", kHdg},      {u"COGTRUE", kCog},      {u"COGMAGNETIC", kCog},   {u"COGT", kCog},       {u"COGM", kCog},
+    {u"HDGTRUE", kHdg},      {u"HDGMAGNETIC", kHdg},  {u"HDT", kHdg},           {u"HDM", kHdg},        {u"GPSSPEED", kSog},
+    {u"DPT", kDepth},        {u"DBT", kDepth},        {u"SOUNDER", kDepth},     {u"LATITUDE", kLat},   {u"LONGITUDE", kLon},
+    {u"VARIATION", kMagVar}, {u"DRIFTSPEED", kDrift}, {u"WATERTEMP", kSeaTemp}, {u"PITCH", kTrim},     {u"ROLL", kHeel},
+    {u"TIMER", kTmToGun},
+};
 
 // The edit distance in which an exchange of neighbours is one step.
 std::size_t Slips(std::u16string_view from, std::u16string_view to) {
@@ -60,14 +76,74 @@ std::optional<ChannelId> FindChannel(const CCore& core, const std::string& text)
     return std::nullopt;
 }
 
+std::string TypedVariable(const DeckmanVariable& variable) {
+    const bool plain = std::ranges::all_of(variable.dfwName, [](char16_t c) {
+        return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || c == u'_';
+    });
+    return plain ? ToUtf8(variable.dfwName) : std::to_string(variable.dfwId);
+}
+
+std::u16string PlainName(std::u16string_view name) {
+    std::u16string plain = UpperCase(name);
+    std::erase_if(plain, [](char16_t c) { return c == u' ' || c == u'_' || c == u'-' || c == u'.'; });
+    return plain;
+}
+
+std::optional<ChannelId> ChannelOfWord(std::u16string_view plain) {
+    const auto word = std::ranges::find(kOtherWords, plain, &OtherWord::word);
+    return word == std::end(kOtherWords) ? std::nullopt : std::optional(word->channel);
+}
+
+std::string GuessChannel(const CCore& core, const std::string& typed) {
+    const std::u16string plain = PlainName(FromUtf8(typed));
+    std::vector<std::u16string> names;
+    std::vector<ChannelId> channels;
+    const auto add = [&](std::u16string_view name, ChannelId channel) {
+        names.push_back(PlainName(name));
+        channels.push_back(channel);
+    };
+    for (const OtherWord& word : kOtherWords) add(word.word, word.channel);
+    for (ChannelId id = 0; id < kChannelCount; ++id) {
+        add(CatalogueName(id), id);
+        add(ChannelCatalogue()[id].longName, id);
+        if (core.View()) add(FieldText(core.View()->channels[id].userName), id);
+    }
+    const auto nearest = Nearest(plain, names);
+    if (!nearest || nearest->empty()) return {};
+    const ChannelId channel = channels[static_cast<std::size_t>(std::ranges::find(names, *nearest) - names.begin())];
+    return "did you mean " + ToUtf8(CatalogueName(channel)) + " (" + std::to_string(channel) + ")?";
+}
+
 NamedChannels FindChannels(const CCore& core, const std::vector<std::string>& typed) {
     NamedChannels named;
-    for (const std::string& text : typed) {
+    const auto take = [&](const std::string& text) {
         const auto channel = FindChannel(core, text);
         if (channel) named.found.push_back(*channel);
-        if (!channel && !named.unknown) named.unknown = text;
+        if (!channel && !named.unknown) named.unknown = text, named.guess = GuessChannel(core, text);
+    };
+    for (const std::string& text : typed) {
+        if (FindChannel(core, text) || text.find(',') == text.npos) {
+            take(text);
+            continue;
+        }
+        std::istringstream parts(text);
+        for (std::string part; std::getline(parts, part, ',');) {
+            if (!part.empty()) take(part);
+        }
     }
     return named;
+}
+
+Status ComplainOfChannel(Console& console, const NamedChannels& named) {
+    const std::string otherwise = "'halyrigctl channels' lists them, 'halyrigctl get --help' explains how to name one";
+    Complain(console, "there is no channel " + Harmless(FromUtf8(named.unknown.value_or(""))) + "; " +
+                          (named.guess.empty() ? otherwise : named.guess));
+    return kMisunderstood;
+}
+
+std::string Guess(std::u16string_view typed, const std::vector<std::u16string>& names, const std::string& otherwise) {
+    const auto nearest = Nearest(typed, names);
+    return nearest ? "did you mean " + Harmless(*nearest) + "?" : otherwise;
 }
 
 std::optional<std::u16string> Nearest(std::u16string_view typed, std::span<const std::u16string> names) {

@@ -21,16 +21,19 @@ struct ReasonRow {
     std::string_view word, what, todo;
 };
 
-constexpr const char* kChoose = "choose Deckman's own folder in the dialog";
-constexpr const char* kPutOrChoose = "put Deckman's own there, or choose Deckman's own folder in the dialog";
+constexpr const char* kChoose = "choose Deckman's own folder: in the dialog, or by 'halyrigctl choose FOLDER'";
+constexpr const char* kPutOrChoose =
+    "put Deckman's own there, or choose Deckman's own folder: in the dialog, or by 'halyrigctl choose FOLDER'";
+constexpr const char* kSuggest = "'halyrigctl map suggest --apply' maps what Deckman has";
 constexpr const char* kSeeProgram = "see to the program that gives it";
 
 constexpr ReasonRow kReasons[] = {
     {Reason::kNone, LinkName::kAlternates, "", "", ""},
     {Reason::kStandsForNone, LinkName::kAlternates, "stands-for-none", "it stands for no channel now",
-     "name one for this state in alternate.csv"},
+     "name one for this state in {0}"},
     {Reason::kAlternatesOld, LinkName::kAlternates, "alternates-old",
      "it stands for no channel: the record was made before alternate.csv was changed", kRestartAll},
+    {Reason::kAlternatesDamaged, LinkName::kAlternates, "alternates-damaged", "it stands for no channel: {0}", ""},
     {Reason::kNoPlace, LinkName::kSuite, "no-place", "boat {0} has no place for {1}",
      "only boats 0 and 1 have one for every channel"},
     {Reason::kBlocked, LinkName::kSuite, "blocked", "the channel is blocked: another program of the suite refuses its values",
@@ -46,11 +49,17 @@ constexpr ReasonRow kReasons[] = {
      "restart it"},
     {Reason::kBridgeUnknown, LinkName::kBridge, "bridge-unknown", "whether the bridge is running can't be seen: {0}", ""},
     {Reason::kRecordGone, LinkName::kBridge, "record-lost", kRecordLost, kRecordLostToDo},
+    {Reason::kRecordRefused, LinkName::kBridge, "record-refused", "the bridge can't start: {0}", "{1}"},
     {Reason::kLibraryWaits, LinkName::kBridge, "library-waits",
      "the bridge stands still: Deckman's library, which it has called, has not returned for {0}",
      "if it goes on, see whether Deckman itself hangs, end both and start them again"},
     {Reason::kStandsStill, LinkName::kBridge, "stands-still",
      "the bridge stands still: it is stopped, or another program holds it up", "end it and start it again"},
+    {Reason::kNotPermitted, LinkName::kLibrary, "not-permitted",
+     "{0} can't be read by this user: {1} belongs to {2} and has the mode {3}", ""},
+    {Reason::kNameInOtherCase, LinkName::kLibrary, "name-in-other-case", "there is no {0}, but {1}, and capitals count",
+     "rename {1} to {2}"},
+    {Reason::kSettingsNotRead, LinkName::kLibrary, "settings-not-read", "the settings, and so the Dfw folder, are lost: {0}", ""},
     {Reason::kNoFolderChosen, LinkName::kLibrary, "no-folder-chosen", "no Dfw folder is chosen", kChoose},
     {Reason::kFolderOfAShell, LinkName::kLibrary, "folder-of-a-shell",
      "the Dfw folder {0} begins with ~, which only a shell understands", "write the whole path"},
@@ -76,12 +85,16 @@ constexpr ReasonRow kReasons[] = {
      "the bridge could not load Deckman's library when it looked, and could now", kReadAgain},
     {Reason::kFunctionMissing, LinkName::kLibrary, "function-missing", "the library in {0} has no function {1}{2}",
      "install Deckman's own there"},
-    {Reason::kVariablesNotRead, LinkName::kVariables, "variables-not-read", "Deckman's list can't be read, or names no variable",
+    {Reason::kVariablesNotRead, LinkName::kVariables, "variables-not-read", "{0}Deckman's list can't be read, or names no variable",
      "look at it while Deckman is closed"},
     {Reason::kNoVariableFile, LinkName::kVariables, "no-variable-file",
      "there is no file of variables (Data/{1}) with a variable in the Dfw folder {0}", kChoose},
-    {Reason::kNoMapping, LinkName::kMapping, "no-mapping", "there is no mapping ({0})",
-     "'halyrigctl map suggest' shows what to map"},
+    {Reason::kListDamaged, LinkName::kVariables, "list-damaged", "{0}", ""},
+    {Reason::kListNotYetRead, LinkName::kVariables, "list-not-yet-read",
+     "the bridge found no list of variables in Deckman's folder when it looked, and there is one now", kReadAgain},
+    {Reason::kNoMapping, LinkName::kMapping, "no-mapping", "there is no mapping ({0})", kSuggest},
+    {Reason::kMappingEmpty, LinkName::kMapping, "mapping-empty", "the mapping ({0}) is an empty file", kSuggest},
+    {Reason::kMappingDamaged, LinkName::kMapping, "mapping-damaged", "{0}", ""},
     {Reason::kNotYetRead, LinkName::kMapping, "not-yet-read", "{0}, which the bridge has not read yet", kReadAgain},
     {Reason::kLineFlawed, LinkName::kMapping, "line-flawed", "{0}", ""},
     {Reason::kDataFolderOld, LinkName::kMapping, "data-folder-old",
@@ -115,6 +128,33 @@ constexpr ReasonRow kReasons[] = {
      "leave out damp in its line of the mapping, or write damp=\"false\""},
     {Reason::kNotFed, LinkName::kRemote, "not-fed", "remote {0} is to show {1}, and nothing feeds that{2}",
      "feed it by a line of the mapping, unless another program of the suite does"},
+    {Reason::kDampedElsewhere, LinkName::kRemote, "damped-elsewhere",
+     "remote {0} is to show the damped value, which another program of the suite must provide", ""},
+    {Reason::kNoTimer, LinkName::kVariables, "no-timer", "the box for TIMER is ticked, and the list has no variable TIMER",
+     "untick the box"},
+    {Reason::kNothingMapped, LinkName::kMapping, "nothing-mapped", "it maps nothing", kSuggest},
+    {Reason::kTimeChannel, LinkName::kMapping, "time-channel", "the Time channel follows the clock, so the line has no effect",
+     "leave it out"},
+    {Reason::kAlternatingChannel, LinkName::kMapping, "alternating-channel",
+     "{0} stands for other channels, so the line has no effect", "feed those"},
+    {Reason::kChannelTwice, LinkName::kMapping, "channel-twice", "line {0} feeds {1} too, and values get lost",
+     "give each channel one line"},
+    {Reason::kRemoteTwice, LinkName::kRemote, "remote-twice", "line {0} shows on remote {1} too", "give each remote one line"},
+    {Reason::kNoRemoteZero, LinkName::kRemote, "no-such-remote", "there is no remote 0", "they count from 1"},
+    {Reason::kNotInForce, LinkName::kSuite, "not-in-force",
+     "it says other than what is in force ({0}): it has changed since the record was made, or a program of the suite has changed "
+     "that",
+     "to have it read, end all programs of the suite and start them again"},
+    {Reason::kChangedSinceRead, LinkName::kMapping, "changed-since-read", "it has changed since the bridge read it", kReadAgain},
+    {Reason::kOlderMapping, LinkName::kMapping, "older-mapping",
+     "an older mapping, which the button Import takes over on request: {0}", ""},
+    {Reason::kUnitDiffers, LinkName::kMapping, "unit-differs",
+     "{0} feeds {1}, and Deckman's list has it in {2}, which is not its unit",
+     "feed it from another variable, unless the list is wrong"},
+    {Reason::kBoxAndUnitDiffer, LinkName::kBox, "box-and-unit-differ", "Deckman's list has {0} in {1}, and the box for {2} is {3}",
+     "see whether {4} right, and set the box by that"},
+    {Reason::kAlternatesMissing, LinkName::kAlternates, "alternates-missing",
+     "there is no such file, so {0} no value: alternating channels stand for none", "name in it what they stand for"},
 };
 
 // {0} stands for the finding's text, {1} for the last channel's number.
@@ -180,7 +220,7 @@ constexpr bool AreInOrder(const Row (&rows)[Count], std::size_t count) {
     }
     return Count == count;
 }
-static_assert(AreInOrder<&ReasonRow::reason>(kReasons, static_cast<std::size_t>(Reason::kNotFed) + 1));
+static_assert(AreInOrder<&ReasonRow::reason>(kReasons, kReasonCount));
 static_assert(AreInOrder<&FlawRow::flaw>(kFlaws, kFlawCount));
 
 const ReasonRow& RowOf(Reason reason) { return kReasons[static_cast<std::size_t>(reason)]; }

@@ -37,6 +37,7 @@ enum class Reason {
     // Alternates: what an alternating channel stands for.
     kStandsForNone,
     kAlternatesOld,
+    kAlternatesDamaged,
     // Suite: whether it takes new values.
     kNoPlace,
     kBlocked,
@@ -49,9 +50,14 @@ enum class Reason {
     kStatusNotSeen,
     kBridgeUnknown,
     kRecordGone,
+    kRecordRefused,
     kLibraryWaits,
     kStandsStill,
+    // A file on the way, at whichever link it is.
+    kNotPermitted,
+    kNameInOtherCase,
     // Library.
+    kSettingsNotRead,
     kNoFolderChosen,
     kFolderOfAShell,
     kFolderNotWhole,
@@ -71,8 +77,12 @@ enum class Reason {
     // Variables.
     kVariablesNotRead,
     kNoVariableFile,
+    kListDamaged,
+    kListNotYetRead,
     // Mapping.
     kNoMapping,
+    kMappingEmpty,
+    kMappingDamaged,
     kNotYetRead,
     kLineFlawed,
     kDataFolderOld,
@@ -95,7 +105,24 @@ enum class Reason {
     kNoTexts,
     kNotDamped,
     kNotFed,
+    kDampedElsewhere,
+    // What only a look at all of the set-up shows.
+    kNoTimer,
+    kNothingMapped,
+    kTimeChannel,
+    kAlternatingChannel,
+    kChannelTwice,
+    kRemoteTwice,
+    kNoRemoteZero,
+    kNotInForce,
+    kChangedSinceRead,
+    kOlderMapping,
+    kUnitDiffers,
+    kBoxAndUnitDiffer,
+    kAlternatesMissing,
 };
+
+inline constexpr std::size_t kReasonCount = static_cast<std::size_t>(Reason::kAlternatesMissing) + 1;
 
 // What is wrong, which reason it is, and what to do; nothing is wrong for kNone.
 struct Fault : Advice {

@@ -12,20 +12,18 @@
 #include "deckman/deckman_library.h"
 #include "deckman/instrument_value.h"
 #include "deckman/remote_text.h"
+#include "halyrigctl/setup/channel_match.h"
 #include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {
 
-constexpr double kTickSeconds = 0.1, kSurelyWaits = 1.0;
+constexpr double kTickSeconds = 0.1;
 
 template <class Number>
 std::string Digits(Number number) {
     return std::to_string(number);
 }
-
-// "file:line: "
-std::string PlaceInWords(std::u16string_view path, std::size_t line) { return Harmless(path) + ":" + Digits(line) + ": "; }
 
 // What NaN or an infinity does. The suite refuses an infinity if the channel has a range, but never NaN.
 std::string Unusable(double value, const std::string& forWhat, bool ranged) {
@@ -51,13 +49,17 @@ public:
           now_(circumstances),
           channel_(subject.channel),
           line_(now_.TheMapping().LineOf(channel_, subject.boat)),
-          reading_(now_.bridge ? now_.bridge->readings[channel_] : kNoReading) {}
+          inForce_(now_.bridge ? now_.bridge->LineOf(static_cast<std::int32_t>(channel_), static_cast<std::int32_t>(subject.boat))
+                               : nullptr) {}
 
     void AddAll() {
-        const bool mapped = line_ || reading_ != kNoReading;
+        const MappingLook& look = now_.TheMapping();
+        const bool mapped = line_ || inForce_ || look.Means(channel_, subject_.boat);
         const bool byFunction = !mapped && (channel_ == kLat || channel_ == kLon) && subject_.boat == 0;
         if (FollowsPositionSource(channel_) && !AddPosition()) return;
-        if (!mapped && !byFunction && subject_.age) {
+        const bool hidden = look.fault && look.fault.reason != Reason::kNoMapping;  // lines that may be meant to feed it
+        const bool fresh = !subject_.stale && subject_.stored != kNoValue;
+        if (!mapped && !byFunction && subject_.age && (fresh || !hidden)) {
             links_.Hold(LinkName::kMapping, "no line feeds it; another program of the suite does, or did");
             return;
         }
@@ -65,8 +67,8 @@ public:
         AddLibrary(byFunction);
         if (byFunction) return;
         AddVariables();
-        AddMapping();
-        if (reading_ != kNoReading) AddReading();
+        AddMapping(look);
+        if (inForce_ && inForce_->reading) AddReading(*inForce_->reading);
     }
 
 private:
@@ -91,18 +93,8 @@ private:
     }
 
     void AddBridge() {
-        const double waited =
-            now_.bridge && now_.bridge->waitsSince ? std::fabs(now_.now - *now_.bridge->waitsSince) * kSecondsPerDay : 0.0;
-        Fault fault;
-        if (!now_.bridge && now_.name.state == NameLook::kTaken) {
-            return links_.Hold(LinkName::kBridge, now_.WithoutBridge().Line());
-        } else if (!now_.bridge) {
-            fault = now_.WithoutBridge();
-        } else if (waited > kSurelyWaits || (now_.StandsStill() && now_.bridge->waitsSince)) {
-            fault = Fault(Reason::kLibraryWaits, {Printed("%.1f s", waited)});
-        } else if (now_.StandsStill()) {
-            fault = Fault(Reason::kStandsStill);
-        }
+        if (!now_.bridge && now_.name.state == NameLook::kTaken) return links_.Hold(LinkName::kBridge, now_.WithoutBridge().Line());
+        const Fault fault = now_.bridge ? now_.Standstill() : now_.WithoutBridge();
         const bool slow = now_.bridge && now_.bridge->passSeconds > kTickSeconds;
         links_.Judge(LinkName::kBridge, fault,
                      slow ? "it runs, held up by Deckman's library, which takes " + Printed("%.1f s", now_.bridge->passSeconds) +
@@ -131,26 +123,29 @@ private:
     }
 
     void AddVariables() {
-        const std::size_t count =
-            now_.bridge ? static_cast<std::size_t>(std::max(0, now_.bridge->mapping.variables)) : now_.Variables().rows.size();
-        links_.Judge(LinkName::kVariables, count == 0 ? now_.NoVariables() : Fault(), Digits(count) + " in Deckman's list");
+        const std::size_t listed = now_.Variables().rows.size();
+        const std::size_t count = now_.bridge ? static_cast<std::size_t>(std::max(0, now_.bridge->mapping.variables)) : listed;
+        Fault fault;
+        if (count == 0) fault = listed > 0 ? Fault(Reason::kListNotYetRead) : now_.NoVariables();
+        links_.Judge(LinkName::kVariables, fault, Digits(count) + " in Deckman's list");
     }
 
-    void AddMapping() {
-        const MappingLook& look = now_.TheMapping();
+    void AddMapping(const MappingLook& look) {
         if (!line_) {
-            links_.Judge(LinkName::kMapping, reading_ == kNoReading ? Unmapped(look) : Fault(),
+            links_.Judge(LinkName::kMapping, inForce_ ? Fault() : Unmapped(look),
                          "a line that is no longer in the file, until the bridge reads that again");
             return;
         }
         const std::string says = PlaceInWords(look.path, line_->line) + "Deckman's variable " + Harmless(line_->dfwName) + " (" +
                                  Digits(line_->dfwId) + ")";
-        const bool unread = now_.bridge && now_.bridge->library.reads && reading_ == kNoReading;
+        const bool allSeen = now_.bridge && now_.bridge->lines.size() >= static_cast<std::size_t>(now_.bridge->mapping.varRows);
+        const bool unread = allSeen && (!inForce_ || inForce_->variable != line_->dfwId);
         links_.Judge(LinkName::kMapping, unread ? Fault(Reason::kNotYetRead, {says}) : Fault(), says);
     }
 
     Fault Unmapped(const MappingLook& look) {
         if (const Finding* own = look.FaultOf(channel_, subject_.boat)) {
+            if (Fault cut = now_.ListCutShort(); cut && own->flaw == Flaw::kNoSuchVariable) return cut;
             const Advice advice = AdviceFor(*own);
             return Fault(Reason::kLineFlawed, {PlaceInWords(look.path, own->line) + advice.what},
                          advice.todo + "; then " + kReadAgain);
@@ -158,14 +153,25 @@ private:
         const std::string path = Harmless(look.path);
         const std::u16string renewed = FieldText(now_.Renewed().dataFolder);
         if (!FieldTextIs(subject_.record.dataFolder, renewed)) return Fault(Reason::kDataFolderOld, {Harmless(renewed), path});
-        if (!look.exists) return Fault(Reason::kNoMapping, {path}, ToMap());
+        if (look.fault) return look.fault;
         std::string but;
+        if (const MappingVar* other = LineOfAnotherBoat(look)) {
+            const std::string boat = Digits(other->boat);
+            return Fault(Reason::kNotMapped, {path, ", but line " + Digits(other->line) + " feeds it for boat " + boat},
+                         "ask with --boat " + boat + "; or, since a channel can have one line alone, 'halyrigctl map remove " +
+                             Digits(channel_) + " --boat " + boat + "' first, then " + ToMap());
+        }
         if (!look.faults.empty()) {
             const std::size_t more = look.faults.size() - 1;
             but = ", but line " + Digits(look.faults.front().line) + ": " + AdviceFor(look.faults.front()).what;
             if (more > 0) but += ", and " + Digits(more) + (more == 1 ? " more fault" : " more faults");
         }
         return Fault(Reason::kNotMapped, {path, but}, ToMap());
+    }
+
+    const MappingVar* LineOfAnotherBoat(const MappingLook& look) const {
+        const auto found = std::ranges::find(look.mapping.varRows, static_cast<std::int32_t>(channel_), &MappingVar::channel);
+        return found == look.mapping.varRows.end() ? nullptr : &*found;
     }
 
     // What to do for a channel that nothing feeds.
@@ -178,34 +184,35 @@ private:
                        : "map it, or set Sys_b" + Digits(derived->flag) + " to 1 in the registry to have it computed from " + from;
         }
         const auto& variables = now_.Variables().rows;
-        const auto same = std::ranges::find_if(variables, [&](const DeckmanVariable& variable) {
-            return EqualsIgnoringCase(variable.dfwName, CatalogueName(channel_));
+        const auto fits = std::ranges::find_if(variables, [&](const DeckmanVariable& variable) {
+            const ChannelMatch match = MatchChannel(variable);
+            return match.sure && match.channels.front() == channel_;
         });
-        return same == variables.end() ? "'halyrigctl map suggest' shows what Deckman has"
-                                       : "'halyrigctl map add " + Harmless(same->dfwName) + " " + Digits(channel_) + "' adds one";
+        if (fits == variables.end()) return "'halyrigctl map suggest' shows what Deckman has";
+        return "'halyrigctl map add " + TypedVariable(*fits) + " " + Digits(channel_) +
+               (subject_.boat > 0 ? " --boat " + Digits(subject_.boat) : "") + "' adds one; then " + kReadAgain;
     }
 
-    void AddReading() {
-        const std::string reading = Printed("%.7g", static_cast<double>(reading_));  // as precise as it is
+    void AddReading(float given) {
+        const std::string reading = Printed("%.7g", static_cast<double>(given));  // as precise as it is
         const std::string forIt = line_ ? " for its variable " + Harmless(line_->dfwName) : std::string();
         Fault fault;
-        if (!std::isfinite(reading_)) {
+        if (!std::isfinite(given)) {
             const ChannelInfo& info = ChannelCatalogue()[channel_];
-            fault = Fault(Reason::kReadingUnusable, {Unusable(reading_, forIt, info.min != info.max)});
-        } else if (static_cast<double>(reading_) == kNoValue) {
+            fault = Fault(Reason::kReadingUnusable, {Unusable(given, forIt, info.min != info.max)});
+        } else if (static_cast<double>(given) == kNoValue) {
             const bool ever = Load(subject_.record.channels[channel_].published) != 0;
             const bool inFeet = channel_ == kDepth && now_.settings.depthInFeet;
-            fault =
-                Fault(ever ? Reason::kReadingNone : Reason::kReadingNever, {forIt},
-                      inFeet ? "a depth of 9987 m on the displays is Deckman's mark for none, turned from feet into metres" : "");
+            fault = Fault(ever ? Reason::kReadingNone : Reason::kReadingNever, {forIt});
+            if (inFeet) fault.todo += "; a depth of 9987 m on a display is Deckman's mark for none, turned from feet into metres";
         }
         links_.Judge(LinkName::kDeckman, fault, "Deckman gives " + reading);
-        if (!fault) AddBoxAndRange(reading);
+        if (!fault) AddBoxAndRange(given, reading);
     }
 
-    void AddBoxAndRange(const std::string& reading) {
+    void AddBoxAndRange(float given, const std::string& reading) {
         const ReadingUnits units{now_.settings.degreesTrue, now_.settings.depthInFeet, OwnVariation(subject_.record)};
-        double value = InstrumentValue(channel_, reading_, units);
+        double value = InstrumentValue(channel_, given, units);
         const bool noVariation = IsInstrumentBearing(channel_) && units.degreesTrue && units.variation == kNoValue;
         links_.Judge(LinkName::kBox, noVariation ? Fault(Reason::kNoVariationForBox, {"this one"}) : Fault(), Conversion());
         if (noVariation) return;
@@ -229,8 +236,8 @@ private:
     const Subject& subject_;
     Circumstances& now_;
     const ChannelId channel_;
-    const MappingVar* const line_;  // of the file as it is now
-    const float reading_;           // the bridge's last one
+    const MappingVar* const line_;     // of the file as it is now
+    const MappedLine* const inForce_;  // the bridge's
 };
 
 bool ShowsMagnetic(const CoreRecord& record) { return Load(record.sysFlag[kFlagMagnetic]) != 0; }
@@ -250,9 +257,19 @@ Fault Refusal(const Subject& subject) {
     return {};
 }
 
-void AddRecord(Links& links, const Subject& subject) {
+// The line of another boat that feeds the same channel as the subject's own, whose values then get lost; nullptr if there is none.
+const MappingVar* RivalOf(const Subject& subject, const MappingLook& look) {
+    const auto rival = std::ranges::find_if(look.mapping.varRows, [&](const MappingVar& row) {
+        return row.channel == static_cast<std::int32_t>(subject.channel) && row.boat != static_cast<std::int32_t>(subject.boat);
+    });
+    return rival == look.mapping.varRows.end() || !look.LineOf(subject.channel, subject.boat) ? nullptr : &*rival;
+}
+
+void AddRecord(Links& links, const Subject& subject, const MappingLook& look) {
     Fault fault;
-    if (!subject.age) {
+    if (const MappingVar* rival = RivalOf(subject, look); rival && (!subject.age || subject.stale)) {
+        fault = Fault(Reason::kChannelTwice, {Digits(rival->line), ChannelInWords(subject.core, subject.channel)});
+    } else if (!subject.age) {
         fault = Fault(Reason::kNothingCame);
     } else if (subject.stored == kNoValue) {
         fault = Fault(Reason::kSourceNone);
@@ -298,6 +315,7 @@ Subject::Subject(CCore& ofRecord, ChannelId itsChannel, BoatSlot itsBoat, double
       limit(core.StaleSeconds(channel, boat)) {
     if (!entry) return;
     stored = Load(*entry.value);
+    if (IsLostDepth(channel, stored)) stored = kNoValue;
     const double time = Load(*entry.time);
     if (time == 0.0) return;
     age = std::fabs(now - time) * kSecondsPerDay;
@@ -310,14 +328,19 @@ Links ValueChain(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& c
     const ChannelId source = core.SourceOf(channel);
     if (source >= kChannelCount) {
         const bool asAtStart = SameAlternates(*core.View(), circumstances.Renewed(), channel);
-        links.Judge(LinkName::kAlternates, Fault(asAtStart ? Reason::kStandsForNone : Reason::kAlternatesOld), {});
+        Fault damaged = circumstances.AlternatesFault();
+        links.Judge(LinkName::kAlternates,
+                    !asAtStart ? Fault(Reason::kAlternatesOld)
+                    : damaged  ? damaged
+                               : Fault(Reason::kStandsForNone, {Harmless(circumstances.ConfigPath(u"alternate.csv"))}),
+                    {});
         return links;
     }
     if (source != channel) links.Hold(LinkName::kAlternates, "it stands for " + ChannelInWords(core, source) + " now");
     const Subject subject(core, source, boat, circumstances.now);
     links.Judge(LinkName::kSuite, Refusal(subject), "it takes new values");
     Source(links, subject, circumstances).AddAll();
-    AddRecord(links, subject);
+    AddRecord(links, subject, circumstances.TheMapping());
     AddUnit(links, subject, shown);
     return links;
 }

@@ -36,12 +36,13 @@ public:
     void Judge(LinkName name, Fault fault, std::string elseSays) {
         if (!fault) return Hold(name, std::move(elseSays));
         Add(name, LinkState::kBroken, fault);
-        if (!fault_) fault_ = std::move(fault);
+        if (!fault_) broken_ = name, fault_ = std::move(fault);
     }
 
     const std::vector<Link>& All() const { return all_; }
     // What the broken link says; nothing if all hold.
     const Fault& Broken() const { return fault_; }
+    LinkName BrokenLink() const { return broken_; }  // while there is one
 
 private:
     void Add(LinkName name, LinkState state, Fault says) {
@@ -50,6 +51,7 @@ private:
 
     std::vector<Link> all_;
     Fault fault_;
+    LinkName broken_ = LinkName::kAlternates;
 };
 
 // One channel of one boat, as it stands in the record.

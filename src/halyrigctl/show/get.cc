@@ -92,7 +92,7 @@ Status GetChannelValues(System& system, const GetOptions& options) {
     const NamedChannels named = FindChannels(guest.Core(), options.channels);
     if (named.unknown) {
         guest.Leave();
-        return ComplainOfChannel(console, *named.unknown);
+        return ComplainOfChannel(console, named);
     }
     Circumstances circumstances(system, guest.Core());
     std::vector<Found> all;

@@ -80,14 +80,13 @@ bool Streamer::Join() {
 // nullopt, with the status, if there is no such channel.
 std::optional<FollowOptions> Streamer::Chosen(const CCore& core) {
     FollowOptions chosen{.boat = options_.boat, .all = options_.all};
-    for (const std::string& typed : options_.channels) {
-        const auto channel = FindChannel(core, typed);
-        if (!channel || *channel == kTime) {
-            status_ = ComplainOfChannel(system_.GetConsole(), typed);
-            return std::nullopt;
-        }
-        chosen.channels.push_back(*channel);
+    NamedChannels named = FindChannels(core, options_.channels);
+    if (!named.unknown && std::ranges::find(named.found, kTime) != named.found.end()) named.unknown = "Time";
+    if (named.unknown) {
+        status_ = ComplainOfChannel(system_.GetConsole(), named);
+        return std::nullopt;
     }
+    chosen.channels = std::move(named.found);
     return chosen;
 }
 

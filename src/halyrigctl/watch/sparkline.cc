@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
+#include "base/numbers.h"
 #include "base/wide_text.h"
 
 namespace twr {
@@ -16,6 +18,16 @@ constexpr int kBars = 8;
 
 // A smaller change, as a part of the value, does not fill the height: it would look like a great one.
 constexpr double kLeastSpan = 0.01;
+
+// The lower above the higher one if there is no value.
+template <class Columns>
+std::pair<double, double> Bounds(const Columns& values) {
+    double low = std::numeric_limits<double>::max(), high = std::numeric_limits<double>::lowest();
+    for (const auto& value : values) {
+        if (value) low = std::min(low, *value), high = std::max(high, *value);
+    }
+    return {low, high};
+}
 
 }  // namespace
 
@@ -33,17 +45,20 @@ void Sparkline::Add(double seconds, std::optional<double> value) {
     newest_ = number;
 }
 
-std::string Sparkline::Text(bool circular) const {
-    auto values = columns_;
-    double low = std::numeric_limits<double>::max(), high = std::numeric_limits<double>::lowest();
+Sparkline::Columns Sparkline::Unrolled(bool circular) const {
+    Columns values = columns_;
     std::optional<double> before;
     for (auto& value : values) {
         if (!value) continue;
         if (circular && before) value = *before + std::remainder(*value - *before, 360.0);
         before = value;
-        low = std::min(low, *value);
-        high = std::max(high, *value);
     }
+    return values;
+}
+
+std::string Sparkline::Text(bool circular) const {
+    const Columns values = Unrolled(circular);
+    const auto [low, high] = Bounds(values);
     const double span = std::max(high - low, kLeastSpan * std::max(std::fabs(low), std::fabs(high)));
     std::u16string text;
     for (const auto& value : values) {
@@ -52,6 +67,18 @@ std::string Sparkline::Text(bool circular) const {
         text += value ? static_cast<char16_t>(kLowestBar + bar) : u' ';
     }
     return ToUtf8(text);
+}
+
+// To so many digits that the course of the minute can be told.
+std::string Sparkline::Scale(bool circular) const {
+    const auto [low, high] = Bounds(Unrolled(circular));
+    if (low > high) return {};
+    const int decimals = high - low >= 10.0 ? 0 : high - low >= 1.0 ? 1 : 2;
+    const auto digits = [&](double value) {
+        if (circular) value = value < -180.0 ? value + 360.0 : value >= 360.0 ? value - 360.0 : value;
+        return std::fabs(value) >= 1e5 ? Printed("%.2g", value) : Printed("%.*f", decimals, value);
+    };
+    return digits(low) + ".." + digits(high);
 }
 
 }  // namespace twr

@@ -21,9 +21,17 @@ public:
     // was none. `circular` values are degrees: from 359 to 1 is a small step.
     std::string Text(bool circular) const;
 
+    // The lowest and the highest value of the minute, as "6.21..7.05"; empty if there is none.
+    std::string Scale(bool circular) const;
+    static constexpr std::size_t kScaleWidth = 13;
+
 private:
-    std::array<std::optional<double>, kWidth> columns_{};  // the newest is last
-    std::int64_t newest_ = 0;                              // its number, counted from the moment
+    using Columns = std::array<std::optional<double>, kWidth>;
+    // With angles unrolled, so that none is far from the one before.
+    Columns Unrolled(bool circular) const;
+
+    Columns columns_{};        // the newest is last
+    std::int64_t newest_ = 0;  // its number, counted from the moment
 };
 
 }  // namespace twr

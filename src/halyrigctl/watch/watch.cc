@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "halyrigctl/output/cells.h"
 #include "halyrigctl/output/guest.h"
 #include "halyrigctl/setup/circumstances.h"
+#include "halyrigctl/setup/explanation.h"
 #include "halyrigctl/setup/names.h"
 #include "halyrigctl/watch/displays_picture.h"
 #include "halyrigctl/watch/watch_table.h"
@@ -37,15 +39,25 @@ public:
           channels_(core_, options, std::move(named)) {}
 
     // Times of day as "12:34:56", or with the date.
-    WatchedLook Look(bool dated) {
+    WatchedLook Look(bool dated, std::optional<ChannelId> explains = std::nullopt) {
         circumstances_.LookAgain();
         const double time = core_.ToDisplayTime(circumstances_.now);
-        return {ToUtf8(DateTimeFormat(time, dated ? u"%d-%b-%Y %H:%M:%S" : u"%H:%M:%S")), circumstances_.BridgeWords(),
-                circumstances_.bridge && !circumstances_.StandsStill(), channels_.Look(circumstances_),
-                ReadRemotes(memory_, circumstances_.settings.dfwFolder)};
+        return {ToUtf8(DateTimeFormat(time, dated ? u"%d-%b-%Y %H:%M:%S" : u"%H:%M:%S")),
+                circumstances_.BridgeWords(),
+                circumstances_.bridge && !circumstances_.StandsStill(),
+                channels_.Look(circumstances_),
+                ReadRemotes(memory_, circumstances_.settings.dfwFolder),
+                explains ? Lines(*explains) : std::vector<std::string>()};
     }
 
 private:
+    std::vector<std::string> Lines(ChannelId channel) {
+        std::istringstream text(AsText(ExplainChannel(core_, channel, channels_.Boat(), circumstances_)));
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(text, line);) lines.push_back(line);
+        return lines;
+    }
+
     SharedMemory& memory_;
     CCore& core_;
     Circumstances circumstances_;
@@ -58,7 +70,7 @@ void WatchLive(ConsoleScreen& screen, const CCore& core, Watcher& watcher, const
     int left = 0;
     while (!HasEnded(core)) {
         if (left <= 0) left = options.intervalMs;
-        screen.Draw(view.Draw(watcher.Look(false), screen.Size()));
+        screen.Draw(view.Draw(watcher.Look(false, view.Explains()), screen.Size()));
         std::optional<char32_t> key;
         while (left > 0 && !key && !HasEnded(core)) {
             const int slice = std::min(left, kSliceMs);
@@ -106,7 +118,7 @@ Status Watch(System& system, const WatchOptions& options) {
     NamedChannels named = FindChannels(guest.Core(), options.channels);
     if (named.unknown) {
         guest.Leave();
-        return ComplainOfChannel(console, *named.unknown);
+        return ComplainOfChannel(console, named);
     }
     Output output = Output::kWritten;
     {

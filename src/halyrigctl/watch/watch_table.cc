@@ -34,11 +34,12 @@ struct Columns {
 std::string IdText(const std::string& id, const Columns& columns) { return columns.id == 0 ? "" : PaddedLeft(id, columns.id); }
 
 std::string ValueText(const std::string& value, const std::string& unit, const std::string& age, const std::string& course,
-                      const Columns& columns) {
+                      const std::string& scale, const Columns& columns) {
     const std::string figure = PaddedLeft(value, std::min(columns.rest, kWidestValue)) + " " + unit;
     const std::string text = Padded(figure, kWidestValue + 1 + kUnitWidth) + PaddedLeft(age, kAgeWidth);
     const bool roomForCourse = columns.rest >= WidthOf(text) + kGap + Sparkline::kWidth;
-    return Cut(text + (roomForCourse ? std::string(kGap, ' ') + course : ""), columns.rest);
+    const bool roomForScale = columns.rest >= WidthOf(text) + kGap + Sparkline::kWidth + 1 + Sparkline::kScaleWidth;
+    return Cut(text + (roomForCourse ? std::string(kGap, ' ') + course : "") + (roomForScale ? " " + scale : ""), columns.rest);
 }
 
 Look LookOf(ChannelState state) {
@@ -70,19 +71,20 @@ ScreenText DrawTableHeading(int width) {
     const Columns columns(width);
     const std::string text = Padded(Padded(Cut("state", columns.state), columns.state) + IdText("id", columns), columns.nameAt) +
                              Padded(Cut("channel", columns.name), columns.name) + " " +
-                             ValueText("value", "", "age", "last minute", columns);
+                             ValueText("value", "", "age", "last minute         ", "low..high", columns);
     return {0, 0, Padded(Cut(text, columns.width), columns.width), Look::kReversed};
 }
 
 // The name and what follows have places of their own, so that characters of double width in a name shift nothing.
-std::vector<ScreenText> DrawTableRow(const WatchedRow& row, int width) {
+std::vector<ScreenText> DrawTableRow(const WatchedRow& row, int width, bool selected) {
     const Columns columns(width);
     const std::string state(StateWord(row.state));
     const Look look = LookOf(row.state);
     const bool fresh = row.state == ChannelState::kFresh;
     const std::string rest =
-        fresh ? ValueText(row.text, row.unit, AgeText(row), row.course, columns) : Cut(row.reason, columns.rest);
-    return {{0, 0, Padded(Cut(state, columns.state), columns.state) + IdText(std::to_string(row.id), columns), look},
+        fresh ? ValueText(row.text, row.unit, AgeText(row), row.course, row.scale, columns) : Cut(row.reason, columns.rest);
+    const std::string mark = selected && columns.nameAt < columns.width ? ">" : "";
+    return {{0, 0, Padded(Cut(state, columns.state), columns.state) + IdText(std::to_string(row.id), columns) + mark, look},
             {0, static_cast<int>(columns.nameAt), Cut(row.name, columns.name), look},
             {0, static_cast<int>(columns.restAt), rest, look}};
 }

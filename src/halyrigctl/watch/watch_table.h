@@ -16,7 +16,8 @@ inline constexpr int kNarrowTable = 56, kFullTable = 79;
 // The table's heading and rows, from row and column 0 to this width, which is at least 1. A row without a fresh value shows the
 // reason instead. In a narrow table the state's word shrinks to its first letter.
 ScreenText DrawTableHeading(int width);
-std::vector<ScreenText> DrawTableRow(const WatchedRow& row, int width);
+// The one that is selected has a mark before its name.
+std::vector<ScreenText> DrawTableRow(const WatchedRow& row, int width, bool selected);
 
 // Lines that end in a line feed.
 std::string PlainTableHeading();

@@ -50,13 +50,19 @@ void DrawHead(std::vector<ScreenText>& picture, const WatchedLook& look, int wid
 }  // namespace
 
 bool WatchView::OnKey(char32_t key) {
-    Scroll(key);
+    Move(key);
     if (typing_) {
         OnFilterKey(key);
         return true;
     }
-    if (key == U'q' || key == U'Q' || (key == Key::kEscape && filter_.empty())) return false;
-    if (key == Key::kEscape) filter_.clear();
+    if (key == U'q' || key == U'Q' || (key == Key::kEscape && filter_.empty() && !explains_)) return false;
+    if (key == Key::kEscape && explains_) {
+        explains_.reset();
+    } else if (key == Key::kEscape) {
+        filter_.clear();
+    }
+    if (key == Key::kEnter && count_ > 0)
+        explains_ = explains_ == selectedChannel_ ? std::nullopt : std::optional(selectedChannel_);
     if (key == U'/') typing_ = true;
     if (key == U's' || key == U'S') order_ = static_cast<RowOrder>((static_cast<int>(order_) + 1) % 3);
     return true;
@@ -71,13 +77,13 @@ void WatchView::OnFilterKey(char32_t key) {
     filter_ = ToUtf8(filter);
 }
 
-void WatchView::Scroll(char32_t key) {
-    if (key == Key::kUp) first_ -= std::min<std::size_t>(first_, 1);
-    if (key == Key::kPageUp) first_ -= std::min(first_, places_);
-    if (key == Key::kHome) first_ = 0;
-    if (key == Key::kDown) ++first_;
-    if (key == Key::kPageDown) first_ += places_;
-    if (key == Key::kEnd) first_ = kEndOfAll;
+void WatchView::Move(char32_t key) {
+    if (key == Key::kUp) selected_ -= std::min<std::size_t>(selected_, 1);
+    if (key == Key::kPageUp) selected_ -= std::min(selected_, places_);
+    if (key == Key::kHome) selected_ = 0;
+    if (key == Key::kDown) ++selected_;
+    if (key == Key::kPageDown) selected_ += places_;
+    if (key == Key::kEnd) selected_ = kEndOfAll;
 }
 
 std::vector<WatchedRow> WatchView::Chosen(std::vector<WatchedRow> rows) const {
@@ -100,11 +106,30 @@ std::vector<ScreenText> WatchView::Draw(const WatchedLook& look, ConsoleSize siz
         if (beside) displays = DrawDisplays(look.remotes, {right, room.rows});
         if (!beside && below > 0) displays = DrawDisplays(look.remotes, {size.columns, below});
         if (!beside) room.rows -= displays.rows;
+        const int ofDisplays = 1 + room.rows;
+        room.rows -= DrawExplained(picture, look, room);
         DrawTable(picture, look, room);
-        Append(picture, displays.texts, beside ? 1 : 1 + room.rows, beside ? room.columns + kGap : 0);
+        Append(picture, displays.texts, beside ? 1 : ofDisplays, beside ? room.columns + kGap : 0);
     }
     if (hinted) picture.push_back({size.rows - 1, 0, Hints(), typing_ ? Look::kBold : Look::kFaint});
     return picture;
+}
+
+// At the foot of the room, its lines broken where they are too long; at most half of it. Returns its rows.
+int WatchView::DrawExplained(std::vector<ScreenText>& picture, const WatchedLook& look, ConsoleSize room) const {
+    const auto width = static_cast<std::size_t>(room.columns), most = static_cast<std::size_t>(room.rows / 2);
+    if (!explains_ || most < 2) return 0;
+    std::vector<std::string> lines;
+    for (std::string line : look.explained) {
+        for (; WidthOf(line) > width; line.erase(0, Cut(line, width).size())) lines.push_back(Cut(line, width));
+        lines.push_back(line);
+    }
+    lines.resize(std::min(lines.size(), most - 1));
+    const int rows = static_cast<int>(lines.size()) + 1;
+    int row = 1 + room.rows - rows;
+    picture.push_back({row++, 0, std::string(width, '-'), Look::kFaint});
+    for (const std::string& line : lines) picture.push_back({row++, 0, line, Look::kPlain});
+    return rows;
 }
 
 void WatchView::DrawTable(std::vector<ScreenText>& picture, const WatchedLook& look, ConsoleSize room) {
@@ -112,10 +137,13 @@ void WatchView::DrawTable(std::vector<ScreenText>& picture, const WatchedLook& l
     const int top = room.rows >= kLeastForHeading ? 2 : 1;
     places_ = static_cast<std::size_t>(std::max(1, room.rows + 1 - top));
     count_ = rows.size();
+    selected_ = std::min(selected_, count_ - std::min<std::size_t>(count_, 1));
+    first_ = std::clamp(first_, selected_ + 1 - std::min(selected_ + 1, places_), selected_);
     first_ = std::min(first_, count_ - std::min(count_, places_));
+    if (count_ > 0) selectedChannel_ = rows[selected_].id;
     if (top == 2) Append(picture, {DrawTableHeading(room.columns)}, 1, 0);
     for (std::size_t i = first_; i < std::min(count_, first_ + places_); ++i) {
-        Append(picture, DrawTableRow(rows[i], room.columns), top + static_cast<int>(i - first_), 0);
+        Append(picture, DrawTableRow(rows[i], room.columns, i == selected_), top + static_cast<int>(i - first_), 0);
     }
     if (rows.empty())
         picture.push_back({top, 0, filter_.empty() ? kNothingToShow : "No channel's name contains this.", Look::kPlain});
@@ -127,7 +155,8 @@ std::string WatchView::Hints() const {
     if (count_ > places_)
         hints = std::to_string(first_ + 1) + "-" + std::to_string(first_ + places_) + " of " + std::to_string(count_) + "  ";
     if (!filter_.empty()) hints += "/" + filter_ + "  Esc Clear  ";
-    return hints + "q End  / Filter  s Sort (" + WordOf(order_) + ")  Arrows, PgUp, PgDn Scroll";
+    return hints + "q End  Enter " + (explains_ ? "Close" : "Explain") + "  / Filter  s Sort (" + WordOf(order_) +
+           ")  Arrows, PgUp, PgDn Scroll";
 }
 
 }  // namespace twr

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The live view of watch: what its user has chosen to see by keys, and its pictures.
 #pragma once
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct WatchedLook {
     bool bridgeWorks = false;
     std::vector<WatchedRow> rows;
     std::vector<RemoteLine> remotes;
+    std::vector<std::string> explained = {};  // lines about the channel that the view asks for
 };
 
 // Instead of rows.
@@ -29,21 +31,27 @@ public:
     // False if the user ends the view by it.
     bool OnKey(char32_t key);
 
+    // The channel of which the way of its value is to be shown; nullopt for none.
+    std::optional<ChannelId> Explains() const { return explains_; }
+
     // The displays are on the right of the table, or below it in a narrow window.
     std::vector<ScreenText> Draw(const WatchedLook& look, ConsoleSize size);
 
 private:
     void OnFilterKey(char32_t key);
-    void Scroll(char32_t key);
+    void Move(char32_t key);
+    int DrawExplained(std::vector<ScreenText>& picture, const WatchedLook& look, ConsoleSize room) const;
     std::vector<WatchedRow> Chosen(std::vector<WatchedRow> rows) const;
     void DrawTable(std::vector<ScreenText>& picture, const WatchedLook& look, ConsoleSize room);
     std::string Hints() const;
 
     RowOrder order_;
     std::string filter_;
-    bool typing_ = false;                 // the filter
-    std::size_t first_ = 0;               // the row at the table's top
-    std::size_t places_ = 1, count_ = 0;  // for rows, and of chosen ones, in the last picture
+    bool typing_ = false;                     // the filter
+    std::size_t first_ = 0, selected_ = 0;    // rows: at the table's top, and that of which Enter explains
+    std::size_t places_ = 1, count_ = 0;      // for rows, and of chosen ones, in the last picture
+    ChannelId selectedChannel_ = kNoChannel;  // in the last picture
+    std::optional<ChannelId> explains_;
 };
 
 }  // namespace twr

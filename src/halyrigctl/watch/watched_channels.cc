@@ -53,7 +53,8 @@ bool WatchedChannels::IsWanted(ChannelId channel, Circumstances& circumstances) 
 WatchedRow WatchedChannels::Read(ChannelId channel, Circumstances& circumstances) {
     const ChannelReading reading = ReadChannel(core_, channel, boat_, circumstances);
     Sparkline& course = courses_[channel];
-    course.Add(circumstances.now * kSecondsPerDay, reading.value);
+    course.Add(circumstances.now * kSecondsPerDay, reading.shown);
+    const bool circular = IsCircular(core_.ChannelTypeOf(channel));
     return {channel,
             Harmless(NameForPeople(core_, channel)),
             Harmless(reading.text),
@@ -61,7 +62,8 @@ WatchedRow WatchedChannels::Read(ChannelId channel, Circumstances& circumstances
             reading.age,
             reading.state,
             reading.missing.Line(),
-            course.Text(IsCircular(core_.ChannelTypeOf(channel)))};
+            course.Text(circular),
+            course.Scale(circular)};
 }
 
 }  // namespace twr

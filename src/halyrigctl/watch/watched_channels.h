@@ -19,8 +19,9 @@ struct WatchedRow {
     std::string text, unit;     // as in a ChannelReading
     std::optional<double> age;  // seconds; nullopt if it was never published
     ChannelState state;
-    std::string reason;  // why there is no fresh value; empty if there is one
-    std::string course;  // a Sparkline's text
+    std::string reason;      // why there is no fresh value; empty if there is one
+    std::string course;      // a Sparkline's text
+    std::string scale = {};  // and its bounds
 };
 
 // Rows that are equal in this order stay as they were.
@@ -31,6 +32,8 @@ public:
     // Those named are shown even if they were never published, and so are those of the mapping if only they are wanted; otherwise
     // what was published. The core must be attached and outlive the object.
     WatchedChannels(CCore& core, const WatchOptions& options, std::vector<ChannelId> named);
+
+    BoatSlot Boat() const { return boat_; }
 
     // In the order of the channels' numbers.
     std::vector<WatchedRow> Look(Circumstances& circumstances);

@@ -22,6 +22,11 @@ public:
         clock_gettime(CLOCK_REALTIME, &now);
         return std::int64_t{now.tv_sec} * 10'000'000 + static_cast<std::uint32_t>(now.tv_nsec) / 100;
     }
+    std::int64_t SteadyMs() const override {
+        timespec now;
+        clock_gettime(CLOCK_MONOTONIC, &now);
+        return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+    }
 };
 
 constexpr std::time_t kDay = 86400, kMonth = 30 * kDay;

@@ -18,7 +18,7 @@ namespace twr {
 namespace {
 
 // Blocks until all is written. Another program may have left the terminal in non-blocking mode.
-bool WriteAll(int to, std::string_view text) {
+Output WriteAll(int to, std::string_view text) {
     signal(SIGPIPE, SIG_IGN);
     while (!text.empty()) {
         const ssize_t written = write(to, text.data(), text.size());
@@ -28,13 +28,13 @@ bool WriteAll(int to, std::string_view text) {
             pollfd room{to, POLLOUT, 0};
             poll(&room, 1, -1);
         } else {
-            return false;
+            return errno == EPIPE ? Output::kReaderGone : Output::kRefused;
         }
     }
-    return true;
+    return Output::kWritten;
 }
 
-std::function<bool()> Writer(int to, std::string_view text) {
+std::function<Output()> Writer(int to, std::string_view text) {
     return [to, owned = std::string(text)] { return WriteAll(to, owned); };
 }
 
@@ -49,6 +49,18 @@ public:
         return RunWrite(Writer(STDOUT_FILENO, utf8), goOn);
     }
     void WriteError(std::string_view utf8) override { RunShortWrite(Writer(STDERR_FILENO, utf8)); }
+
+    std::optional<std::string> ReadLine() override {
+        if (!signals_) Listen();
+        for (std::string line;;) {
+            pollfd events[] = {{STDIN_FILENO, POLLIN, 0}, {signals_.Get(), POLLIN, 0}};
+            poll(events, 2, -1);
+            char typed = 0;
+            if (events[1].revents != 0 || read(STDIN_FILENO, &typed, 1) != 1) return std::nullopt;
+            if (typed == '\n') return line;
+            line += typed;
+        }
+    }
 
     bool Wait(int milliseconds) override {
         if (!signals_) Listen();

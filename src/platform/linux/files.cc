@@ -3,6 +3,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -133,11 +134,47 @@ bool IsPlainFile(const std::u16string& path) {
     return stat(NativePath(path).c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
+Denial DenialOf(const std::string& path, const struct stat& status) {
+    const passwd* const owner = getpwuid(status.st_uid);
+    char mode[8];
+    std::snprintf(mode, sizeof mode, "%04o", status.st_mode & 07777u);
+    return {.path = FromUtf8(path),
+            .isFolder = S_ISDIR(status.st_mode),
+            .isOwn = status.st_uid == geteuid(),
+            .owner = owner ? owner->pw_name : "the user with uid " + std::to_string(status.st_uid),
+            .mode = mode};
+}
+
 class PosixFiles final : public Files {
 public:
     explicit PosixFiles(const std::u16string& programData) : programData_(programData) {}
 
     bool Exists(std::u16string_view path) const override { return access(NativePath(path).c_str(), F_OK) == 0; }
+
+    std::optional<Denial> DeniedAt(std::u16string_view path) const override {
+        const std::string whole = NativePath(path);
+        for (std::size_t end = whole.find('/', 1);; end = whole.find('/', end + 1)) {
+            const std::string level = whole.substr(0, end);
+            struct stat status {};
+            if (level.empty() || stat(level.c_str(), &status) != 0) return std::nullopt;
+            const bool folder = S_ISDIR(status.st_mode);
+            const int needed = end != whole.npos ? X_OK : folder ? R_OK | X_OK : R_OK;
+            if (faccessat(AT_FDCWD, level.c_str(), needed, AT_EACCESS) != 0 && errno == EACCES) return DenialOf(level, status);
+            if (end == whole.npos) return std::nullopt;
+        }
+    }
+
+    std::u16string InOtherCase(std::u16string_view path) const override {
+        const std::filesystem::path whole = NativePath(path);
+        const std::u16string name = FromUtf8(whole.filename().native());
+        std::error_code error;
+        for (std::filesystem::directory_iterator entry(whole.parent_path(), error), end; !error && entry != end;
+             entry.increment(error)) {
+            const std::u16string other = FromUtf8(entry->path().filename().native());
+            if (other != name && EqualsIgnoringCase(other, name)) return FromUtf8(entry->path().native());
+        }
+        return {};
+    }
 
     std::optional<std::int64_t> ChangedAt(std::u16string_view path) const override {
         struct stat status {};

@@ -24,8 +24,9 @@ public:
     void Remark(std::u16string_view text, std::u16string_view caption) override { ShowOnStandardError(text, caption); }
 
     BoxAnswer ShowBox(std::u16string_view text, std::u16string_view caption, BoxButtons buttons, BoxIcon) override {
+        if (closing_ && buttons == BoxButtons::kYesNo) return BoxAnswer::kYes;  // nobody is asked
         ShowOnStandardError(text, caption);
-        return closing_ && buttons == BoxButtons::kYesNo ? BoxAnswer::kYes : BoxAnswer::kNone;
+        return BoxAnswer::kNone;
     }
 
     void RunDialog(const DialogTemplate&, Dialog& dialog) override {

@@ -58,14 +58,20 @@ bool SharedObject::HasSize(std::size_t size) const {
     return fstat(file_.Get(), &status) == 0 && static_cast<std::uintmax_t>(status.st_size) == size;
 }
 
-std::string SharedObject::Danger() const {
+MemoryFault SharedObject::Danger() const {
     struct stat status {};
-    if (fstat(file_.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return "it is not shared memory";
-    if (status.st_uid != geteuid()) return "it belongs to another user, with uid " + std::to_string(status.st_uid);
-    if ((status.st_mode & 077) == 0) return "";
+    const bool known = fstat(file_.Get(), &status) == 0;
+    if (known && status.st_uid != geteuid()) return OfAnotherUser(status.st_uid);
+    if (!known || !S_ISREG(status.st_mode)) return {"it is not shared memory", "remove it: rm " + path_};
+    if ((status.st_mode & 077) == 0) return {};
     char mode[8];
     std::snprintf(mode, sizeof mode, "%04o", status.st_mode & 07777u);
-    return std::string("other users have access by its mode ") + mode;
+    return {std::string("other users have access by its mode ") + mode, "remove it: rm " + path_};
+}
+
+MemoryFault SharedObject::OfAnotherUser(uid_t user) const {
+    return {"it belongs to another user, with uid " + std::to_string(user),
+            "have that user end the programs of the suite, or an administrator remove it: rm " + path_};
 }
 
 int SharedObject::Fill(std::size_t size) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/linux/descriptor.h"
+#include "platform/shared_memory.h"
 
 namespace twr {
 
@@ -32,6 +33,7 @@ public:
 
     explicit operator bool() const { return static_cast<bool>(file_); }
     int Get() const { return file_.Get(); }
+    const std::string& Path() const { return path_; }
 
     // F_RDLCK, F_WRLCK or F_UNLCK, without waiting. False if a lock of another process prevents it.
     bool Lock(short type, LockRange range);
@@ -48,8 +50,11 @@ public:
 
     bool HasSize(std::size_t size) const;
 
-    // Why another user could read, change or shorten the object; empty if none can.
-    std::string Danger() const;
+    // Why another user could read, change or shorten the object; nothing if none can.
+    MemoryFault Danger() const;
+
+    // What is wrong, and what to do, about one that belongs to another user.
+    MemoryFault OfAnotherUser(uid_t user) const;
 
     // Sets the size, filled with zeros, and reserves memory for all of it: a later shortage would be a fatal signal. Returns an
     // error number, 0 for none.

@@ -17,6 +17,7 @@ class WindowsClock final : public Clock {
 public:
     WindowsClock();
     std::int64_t Ticks() const override;
+    std::int64_t SteadyMs() const override { return static_cast<std::int64_t>(GetTickCount64()); }
 
 private:
     void(WINAPI* now_)(FILETIME*);

@@ -19,6 +19,7 @@ public:
     std::unique_ptr<ConsoleScreen> TakeScreen() override;
     Output Write(std::string_view utf8, const std::function<bool()>& goOn) override;
     void WriteError(std::string_view utf8) override;
+    std::optional<std::string> ReadLine() override;
     bool Wait(int milliseconds) override;
     void ForgetStop() override;
 
@@ -39,16 +40,19 @@ HANDLE StopEvent() {
 
 BOOL WINAPI OnStop(DWORD) { return SetEvent(StopEvent()); }
 
-bool WriteAll(HANDLE to, std::string_view text) {
+Output WriteAll(HANDLE to, std::string_view text) {
     while (!text.empty()) {
         DWORD written = 0;
-        if (!WriteFile(to, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) || written == 0) return false;
+        if (!WriteFile(to, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) || written == 0) {
+            const DWORD error = GetLastError();
+            return error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE ? Output::kReaderGone : Output::kRefused;
+        }
         text.remove_prefix(written);
     }
-    return true;
+    return Output::kWritten;
 }
 
-std::function<bool()> Writer(HANDLE to, std::string_view text) {
+std::function<Output()> Writer(HANDLE to, std::string_view text) {
     return [to, owned = std::string(text)] { return WriteAll(to, owned); };
 }
 
@@ -75,6 +79,17 @@ Output WindowsConsole::Write(std::string_view utf8, const std::function<bool()>&
 }
 
 void WindowsConsole::WriteError(std::string_view utf8) { RunShortWrite(Writer(error_, utf8)); }
+
+// Ctrl-C ends the program as long as it has not waited.
+std::optional<std::string> WindowsConsole::ReadLine() {
+    for (std::string line;;) {
+        char typed = 0;
+        DWORD got = 0;
+        if (!ReadFile(GetStdHandle(STD_INPUT_HANDLE), &typed, 1, &got, nullptr) || got == 0) return std::nullopt;
+        if (typed == '\n') return line;
+        if (typed != '\r') line += typed;
+    }
+}
 
 // Only from the first wait or check on, so that Ctrl-C ends a command that never waits as usual.
 void WindowsConsole::Listen() {

@@ -107,7 +107,9 @@ public:
     }
     ~WindowsScreen() override {
         SetConsoleMode(input_, formerMode_);
-        RunShortWrite([output = output_, buffer = buffer_] { return SetConsoleActiveScreenBuffer(output) != FALSE; });
+        RunShortWrite([output = output_, buffer = buffer_] {
+            return SetConsoleActiveScreenBuffer(output) ? Output::kWritten : Output::kRefused;
+        });
         LeaveWriter();
     }
     WindowsScreen(const WindowsScreen&) = delete;

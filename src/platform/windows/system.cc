@@ -39,6 +39,9 @@ Roots UserRoots() {
     return roots;
 }
 
+// It has no terminal.
+bool AnswerArguments(int, char**) { return false; }
+
 void PrepareProcess() {
     // A missing drive or a damaged library is a failure like any other, not a message box of the system.
     SetErrorMode(SetErrorMode(0) | SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);

@@ -186,14 +186,15 @@ TEST_F(TerminalTest, AFolderIsChosenFromTheList) {
         std::filesystem::create_directory(test.folder.Path() / name);
     std::filesystem::create_directory_symlink(test.folder.Path() / "Ashore", test.folder.Path() / "Zlink");
     test.folder.Write("Decoy", "a file");
+    test.folder.Write("Deck/ShDfW2.so", "");
     Settings settings;
     settings.dfwFolder = Folder("Ashore/none/such");
     WriteSettings(Stored(), settings);
     Open();
     terminal->Type("\t\t\t\t\t\r");
     const std::pair<std::string_view, std::string_view> steps[] = {
-        {"", "Choose this folder"}, {kDown, ".."},           {"\r", "Ashore/"},     {kDown, "Deck/"},
-        {kDown, "Deckman/"},        {kDown, "ProgramData/"}, {kDown, "Zlink/"},     {kDown, "config/"},
+        {"", "Choose this folder"}, {kDown, ".."},           {"\r", "Ashore/"},     {kDown, "*Deck/"},
+        {kDown, " Deckman/"},       {kDown, "ProgramData/"}, {kDown, "Zlink/"},     {kDown, "config/"},
         {kDown, ".hidden/"},        {"d", "Deck/"},          {"D", "Deckman/"},     {"\033[6~", ".hidden/"},
         {"\033[5~", "Choose this"}, {"a", "Ashore/"},        {"\r", "Choose this"}, {kLeft, "Ashore/"},
         {kDown, "Deck/"},           {kDown, "Deckman/"},     {"\r", "Choose this"}};

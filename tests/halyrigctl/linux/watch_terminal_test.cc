@@ -40,16 +40,16 @@ protected:
 TEST_F(WatchTerminalTest, ScrollsFiltersAndEndsByKeysAtAnySize) {
     Open();
     EXPECT_SHOWS("  the bridge is not running  ");
-    EXPECT_SHOWS("fresh     1 BSP ");
-    for (const auto& [keys, shown] : {std::pair("\033OB", "2-22 of 42"),
-                                      {"\033[5~", "1-21 of 42"},
-                                      {"\033[6~", "22-42 of 42"},
+    EXPECT_SHOWS("fresh     1>BSP ");
+    for (const auto& [keys, shown] : {std::pair("\033OB", " 2>AWA"),
+                                      {"\033[5~", " 1>BSP"},
+                                      {"\033[6~", "2-22 of 42"},
                                       {"\033OH", "1-21 of 42"},
                                       {"\033OF", "22-42 of"}}) {
         terminal->Type(keys);
         EXPECT_SHOWS(shown);
     }
-    terminal->Type("/twqx\x7F\b");
+    terminal->Type("/twqx\x7F\b\033[11~\033[[A");  // function keys as some terminals send them
     EXPECT_SHOWS("/tw_ ");
     EXPECT_SHOWS_NO("BSP");
     terminal->Resize(3, 20);

@@ -72,6 +72,44 @@ TEST(PosixConsole, EndsByASignalWhileItsTerminalIsHeld) {
     EXPECT_EQ(0, terminal.Wait());
 }
 
+// What its reader has left, and then its lines are taken, whatever is sent.
+const Role kAsking("console asking", [](const std::vector<std::string>&) {
+    const auto console = MakeConsole();
+    const auto typed = console->ReadLine();
+    std::printf("typed %s\n", typed ? typed->c_str() : "nothing");
+    std::fflush(stdout);
+    close(STDOUT_FILENO);
+    int ends[2];
+    if (pipe(ends) != 0) return 1;
+    close(ends[0]);
+    dup2(ends[1], STDOUT_FILENO);
+    return console->Write("x", [] { return true; }) == Output::kReaderGone ? 0 : 1;
+});
+
+TEST(PosixConsole, ReadsALineAndTellsAReaderThatHasGone) {
+    const auto child = StartRole("console asking", {});
+    child->WriteLine("yes");
+    EXPECT_EQ("typed yes", child->ReadLine());
+    EXPECT_EQ(0, child->Wait());
+}
+
+const Role kAnswers("answers", [](const std::vector<std::string>& arguments) {
+    std::string name = "halyrig32", typed = arguments.at(0);
+    char* argv[] = {name.data(), typed.data()};
+    std::puts(AnswerArguments(2, argv) ? "answered" : "starts");
+    return 0;
+});
+
+TEST(Arguments, AreAnsweredAtATerminalAlone) {
+    for (const auto& [typed, shown, then] : {std::tuple("--version", "halyrig32 1.", "answered"),
+                                             {"--help", "takes no options", "answered"},
+                                             {"-x", "-x is no option and has no effect", "starts"}}) {
+        PseudoTerminal terminal("answers", {typed});
+        EXPECT_TRUE(terminal.Shows(shown) && terminal.Shows(then)) << terminal.Picture();
+        EXPECT_EQ("starts", StartRole("answers", {typed})->ReadLine()) << "a service has none";
+    }
+}
+
 TEST(PosixConsole, DrawsOnlyOnATerminalThatTakesPictures) {
     const std::pair<const char*, const char*> rows[] = {
         {"TERM=xterm", "80x24"}, {"TERM=dumb", "no pictures"}, {"TERM=", "no pictures"}};
@@ -275,7 +313,7 @@ protected:
 TEST_F(HeadlessDesktopTest, TakesSignalsForAClosingThatIsMeantAndNoneEndsTheProcess) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGQUIT, SIGALRM, SIGUSR1, SIGUSR2, SIGVTALRM, SIGXCPU}) {
         EXPECT_EQ("init cancel yes destroy 0", Run([number] { SendFromOutside(number); })) << number;
-        EXPECT_EQ("Test: Exit?\n", errors_);
+        EXPECT_EQ("", errors_) << "nobody is asked";
     }
     EXPECT_EQ("init destroy 0", Run([this] { End(), SendFromOutside(SIGTERM); })) << "a repeated one";
     // From the moment that a dialog is expected they wait for it, and behind it for the end of the desktop.

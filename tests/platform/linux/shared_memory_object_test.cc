@@ -148,7 +148,7 @@ TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
         {"open to others", [&] { fchmod(Object(O_RDWR | O_CREAT).Get(), 0666); },
          "other users have access by its mode 0666; remove it"},
         {"another user's", [&] { EXPECT_TRUE(geteuid() != 0 || fchown(Object(O_RDWR | O_CREAT).Get(), 12345, 12345) == 0); },
-         geteuid() == 0 ? "it belongs to another user, with uid 12345; remove it" : ""},
+         geteuid() == 0 ? "it belongs to another user, with uid 12345; have that user" : ""},
         {"a link", [&] { EXPECT_EQ(0, symlink("/dev/null", ("/dev/shm" + ObjectName()).c_str())); }, "it can't be opened: "},
         {"a pipe", [&] { EXPECT_EQ(0, mkfifo(("/dev/shm" + ObjectName()).c_str(), 0600)); }, "it is not shared memory; remove it"},
         {"no descriptor left", [] { openingThatFails = 1; }, "it can't be opened: Too many open files"},
@@ -166,6 +166,9 @@ TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
         plant();
         const std::size_t size = why.starts_with("there is no room") ? std::size_t{1} << 62 : kSize;
         const auto system = testing::SystemOf(test_.Arguments());
+        const bool canBeSeen = openingThatFails == 0 && !why.starts_with("it can't be mapped");
+        const MemoryFault seen = system->Core().memory.FaultOf(u"Block", size);
+        EXPECT_EQ(canBeSeen, (seen.what + "; " + seen.todo).find(why) != std::string::npos) << seen.what;
         ::testing::internal::CaptureStderr();
         EXPECT_EQ(0, system->ExitStatus());
         openings = 0;

@@ -91,4 +91,17 @@ CommonUser::~CommonUser() {
 
 bool UnderWine() { return false; }
 
+OrdinaryUser::OrdinaryUser(const TempFolder& folder) : counts_(true) {
+    constexpr uid_t kNobody = 65534;
+    if (geteuid() != 0) return;
+    counts_ = chown(folder.Path().c_str(), kNobody, kNobody) == 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.Path()))
+        counts_ = lchown(entry.path().c_str(), kNobody, kNobody) == 0 && counts_;
+    counts_ = setegid(kNobody) == 0 && seteuid(kNobody) == 0 && counts_;
+}
+
+OrdinaryUser::~OrdinaryUser() {
+    if (getuid() == 0) counts_ = seteuid(0) == 0 && setegid(0) == 0;
+}
+
 }  // namespace twr::testing

@@ -104,4 +104,7 @@ CommonUser::~CommonUser() = default;
 
 bool UnderWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
 
+OrdinaryUser::OrdinaryUser(const TempFolder&) : counts_(false) {}
+OrdinaryUser::~OrdinaryUser() = default;
+
 }  // namespace twr::testing

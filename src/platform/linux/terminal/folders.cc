@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/wide_text.h"
+#include "platform/files.h"
 #include "platform/linux/terminal/layers.h"
 #include "platform/linux/terminal/text.h"
 
@@ -47,12 +48,20 @@ std::vector<std::string> SubFolders(const std::string& folder) {
 
 }  // namespace
 
-FolderLayer::FolderLayer(std::u16string_view start) { Open(NearestFolder(ToUtf8(Trimmed(start)))); }
+FolderLayer::FolderLayer(std::u16string_view start, std::u16string_view library)
+    : library_(library.empty() ? "" : ToUtf8(library) + ToUtf8(kLibrarySuffix)) {
+    Open(NearestFolder(ToUtf8(Trimmed(start))));
+}
 
 void FolderLayer::Open(const std::string& folder) {
     folder_ = folder;
     entries_ = {"Choose this folder", ".."};
     std::ranges::move(SubFolders(folder), std::back_inserter(entries_));
+    marked_.assign(entries_.size(), false);
+    for (std::size_t i = 0; i < entries_.size() && !library_.empty(); ++i) {
+        std::error_code error;
+        marked_[i] = fs::exists(fs::path(folder) / (i == kHere ? "." : entries_[i]) / library_, error);
+    }
     focus_ = kHere;
 }
 
@@ -61,12 +70,14 @@ Panel FolderLayer::Shown(CellSize area) {
                         std::clamp(area.columns, kSmallest.columns, kLargest.columns)};
     const int width = size.columns - 2 * kMargin;
     Panel panel{size, L"Choose a folder", {}, {L"Esc Back", L"Enter Open or choose", L"Left Up"}};
+    if (!library_.empty()) panel.hints.push_back(L"* holds " + Printable(FromUtf8(library_)));
     panel.parts.push_back({1, kMargin, TailThatFits(Printable(FromUtf8(folder_)), width)});
     rows_ = static_cast<std::size_t>(size.rows - kRowsAroundList);
     first_ = std::clamp(first_, focus_ - std::min(focus_, rows_ - 1), focus_);
     for (std::size_t i = first_; i < std::min(first_ + rows_, entries_.size()); ++i) {
         const std::wstring text = Printable(FromUtf8(entries_[i])) + (i < kFirstName ? L"" : L"/");
-        panel.parts.push_back({static_cast<int>(i - first_) + 3, kMargin, Fitted(L' ' + text, width), i == focus_});
+        panel.parts.push_back(
+            {static_cast<int>(i - first_) + 3, kMargin, Fitted((marked_[i] ? L'*' : L' ') + text, width), i == focus_});
     }
     if (first_ > 0) panel.parts.push_back({2, size.columns / 2, L"^"});
     if (first_ + rows_ < entries_.size()) panel.parts.push_back({size.rows - 2, size.columns / 2, L"v"});

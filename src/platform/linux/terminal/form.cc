@@ -64,7 +64,10 @@ Panel FormLayer::Shown(CellSize area) {
     for (std::size_t i = 0; i < menu_.size(); ++i) {
         panel.hints.push_back(L'F' + std::to_wstring(i + 1) + L' ' + PlainCaption(menu_[i].second));
     }
-    for (const wchar_t* hint : {L"Tab Next", L"Space Tick or press"}) panel.hints.emplace_back(hint);
+    const ControlKind kind = stops_.empty() ? ControlKind::kLabel : stops_[focus_]->kind;
+    const bool closes = kind == ControlKind::kCheckBox || kind == ControlKind::kDefaultButton;
+    for (const wchar_t* hint : {closes ? L"Enter Close" : L"Enter Press", L"Tab Next", L"Space Tick or press"})
+        panel.hints.emplace_back(hint);
     return panel;
 }
 
@@ -98,7 +101,7 @@ void FormLayer::Press(const ControlTemplate& control) {
     if (control.kind == ControlKind::kDefaultButton) return dialog_.OnOk();
     if (control.kind == ControlKind::kPushButton) return dialog_.OnButton(control.id);
     if (control.kind == ControlKind::kCheckBox) return window_.SetChecked(control.id, !window_.Checked(control.id));
-    FolderLayer folders(window_.Text(control.id));
+    FolderLayer folders(window_.Text(control.id), control.library);
     run_(folders);
     if (const auto& folder = folders.Chosen()) window_.SetText(control.id, *folder);
 }

@@ -78,8 +78,9 @@ private:
 // A folder's sub-folders, from which one is chosen.
 class FolderLayer final : public Layer {
 public:
-    // Opens `start`, or the nearest folder above it; the user's own if that is not a full path.
-    explicit FolderLayer(std::u16string_view start);
+    // Opens `start`, or the nearest folder above it; the user's own if that is not a full path. Folders that hold the library,
+    // which is named without its suffix, get a mark.
+    FolderLayer(std::u16string_view start, std::u16string_view library);
 
     // nullopt if it was left without a choice.
     const std::optional<std::u16string>& Chosen() const { return chosen_; }
@@ -93,10 +94,12 @@ private:
     void OnEnter();
     void Seek(char32_t character);
 
+    const std::string library_;  // its file
     std::string folder_;
     std::vector<std::string> entries_;
-    std::size_t first_ = 0;  // the entry in the list's first row
-    std::size_t rows_ = 1;   // of the list, in the last picture
+    std::vector<bool> marked_;  // of each entry
+    std::size_t first_ = 0;     // the entry in the list's first row
+    std::size_t rows_ = 1;      // of the list, in the last picture
     std::optional<std::u16string> chosen_;
 };
 

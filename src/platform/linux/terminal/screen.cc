@@ -135,9 +135,26 @@ std::optional<char32_t> TerminalScreen::Read() {
     const int kind = wget_wch(keys_, &read);
     if (kind == ERR) return std::nullopt;
     if (kind == KEY_CODE_YES) return KeyOfCode(read);
-    if (read == Key::kEscape && wget_wch(keys_, &behind) != ERR) return Key::kOther;
+    if (read == Key::kEscape && wget_wch(keys_, &behind) != ERR) return KeyOfSequence(behind);
     if (read == kDelete) return Key::kBackspace;
     return read == L'\n' ? U'\r' : static_cast<char32_t>(read);
+}
+
+// The rest of a sequence that the library does not know for this terminal. Function keys have one of three forms at all of them.
+char32_t TerminalScreen::KeyOfSequence(char32_t first) {
+    std::string rest;
+    for (wint_t next = 0; (first == U'[' || first == U'O') && wget_wch(keys_, &next) != ERR;) {
+        rest += static_cast<char>(next);
+        if (next >= U'@' && next <= U'~' && rest != "[") break;
+    }
+    static constexpr std::string_view kNumbered[] = {"11~", "12~", "13~", "14~", "15~", "17~",
+                                                     "18~", "19~", "20~", "21~", "23~", "24~"};
+    if (first == U'O' && rest.size() == 1 && rest[0] >= 'P' && rest[0] <= 'S')
+        return Key::kF1 + static_cast<char32_t>(rest[0] - 'P');
+    if (rest.size() == 2 && rest[0] == '[' && rest[1] >= 'A' && rest[1] <= 'E')
+        return Key::kF1 + static_cast<char32_t>(rest[1] - 'A');
+    const auto number = std::ranges::find(kNumbered, rest);
+    return number == std::end(kNumbered) ? char32_t{Key::kOther} : Key::kF1 + static_cast<char32_t>(number - kNumbered);
 }
 
 void TerminalScreen::TakeSize() {

@@ -45,6 +45,7 @@ public:
 
     // The next key; nullopt if there is none.
     std::optional<char32_t> Read();
+    char32_t KeyOfSequence(char32_t first);
 
     void TakeSize();  // that the terminal has now
     void Redraw();    // the next picture is drawn in full, whatever the screen shows

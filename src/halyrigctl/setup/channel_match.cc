@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "halyrigctl/map/map_match.h"
+#include "halyrigctl/setup/channel_match.h"
 
 #include <algorithm>
 #include <functional>
@@ -8,6 +8,7 @@
 #include "core/channel_catalogue.h"
 #include "deckman/instrument_value.h"
 #include "halyrigctl/output/say.h"
+#include "halyrigctl/setup/names.h"
 
 namespace twr {
 namespace {
@@ -77,13 +78,6 @@ const std::vector<UnitOfType>& Units() {
     return units;
 }
 
-// False only if Deckman's unit is known and is not the channel's.
-bool UnitFits(const DeckmanVariable& variable, ChannelId channel) {
-    const std::u16string unit = UpperCase(variable.dfwColumn3);
-    const auto row = std::ranges::find(Units(), unit, &UnitOfType::unit);
-    return row == Units().end() || std::ranges::find(row->types, ChannelCatalogue()[channel].type) != row->types.end();
-}
-
 // The bridge makes only the bearings of the instruments magnetic.
 bool StaysTrue(const DeckmanVariable& variable, ChannelId channel) {
     return EqualsIgnoringCase(variable.dfwColumn3, u"degT") && !IsInstrumentBearing(channel);
@@ -94,13 +88,6 @@ std::string DoubtOf(const DeckmanVariable& variable, ChannelId channel) {
     if (!UnitFits(variable, channel))
         return "Deckman gives it in " + Harmless(variable.dfwColumn3) + ", which is not the channel's unit";
     return StaysTrue(variable, channel) ? "Deckman gives it in degrees true, and the box for those does not change it" : "";
-}
-
-// In capitals, and without what Deckman's names have no room for.
-std::u16string Plain(std::u16string_view name) {
-    std::u16string plain = UpperCase(name);
-    std::erase_if(plain, [](char16_t c) { return c == u' ' || c == u'_' || c == u'-' || c == u'.'; });
-    return plain;
 }
 
 using Test = std::function<bool(const ChannelInfo&)>;
@@ -115,10 +102,11 @@ std::vector<ChannelId> ChannelsThat(const Test& test) {
 }
 
 std::vector<ChannelId> ByName(const std::u16string& name) {
-    if (auto found = ChannelsThat([&](const ChannelInfo& info) { return Plain(info.name) == name; }); !found.empty()) return found;
+    if (auto found = ChannelsThat([&](const ChannelInfo& info) { return PlainName(info.name) == name; }); !found.empty())
+        return found;
     const auto known = std::ranges::find(kSynonyms, name, &Synonym::name);
     if (known != std::end(kSynonyms)) return {known->channel};
-    return ChannelsThat([&](const ChannelInfo& info) { return Plain(info.longName) == name; });
+    return ChannelsThat([&](const ChannelInfo& info) { return PlainName(info.longName) == name; });
 }
 
 // Those whose name contains the variable's, or is contained in it, and whose unit fits.
@@ -127,7 +115,7 @@ std::vector<ChannelId> Similar(const DeckmanVariable& variable, const std::u16st
         return shorter.size() >= 3 && longer.find(shorter) != longer.npos;
     };
     std::vector<ChannelId> found = ChannelsThat([&](const ChannelInfo& info) {
-        const std::u16string shortName = Plain(info.name);
+        const std::u16string shortName = PlainName(info.name);
         return UnitFits(variable, info.id) && (holds(shortName, name) || holds(name, shortName));
     });
     if (found.size() > kMostCandidates) found.resize(kMostCandidates);
@@ -136,8 +124,21 @@ std::vector<ChannelId> Similar(const DeckmanVariable& variable, const std::u16st
 
 }  // namespace
 
+bool UnitFits(const DeckmanVariable& variable, ChannelId channel) {
+    const std::u16string unit = UpperCase(variable.dfwColumn3);
+    const auto row = std::ranges::find(Units(), unit, &UnitOfType::unit);
+    return row == Units().end() || std::ranges::find(row->types, ChannelCatalogue()[channel].type) != row->types.end();
+}
+
+std::optional<bool> UnitMeansBox(const DeckmanVariable& variable, ChannelId channel) {
+    const auto isIn = [&](std::u16string_view unit) { return EqualsIgnoringCase(variable.dfwColumn3, unit); };
+    const bool yes = channel == kDepth ? isIn(u"ft") : IsInstrumentBearing(channel) && isIn(u"degT");
+    const bool no = channel == kDepth ? isIn(u"m") : IsInstrumentBearing(channel) && isIn(u"degM");
+    return yes || no ? std::optional(yes) : std::nullopt;
+}
+
 ChannelMatch MatchChannel(const DeckmanVariable& variable) {
-    const std::u16string name = Plain(variable.dfwName);
+    const std::u16string name = PlainName(variable.dfwName);
     ChannelMatch match;
     match.channels = ByName(name);
     for (const ChannelId channel : match.channels) match.doubt = DoubtOf(variable, channel);
