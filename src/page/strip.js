@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// The last ten minutes of one channel, large, by uPlot (third_party/uplot), which index.html loads as a plain script.
+
+import {make, setAttribute, setText} from './dom.js';
+import {kSpan, unwrapped} from './past.js';
+import {keyOf} from './readings.js';
+import {whyNoNumber} from './words.js';
+
+const clock = new Intl.DateTimeFormat(undefined, {hour: '2-digit', minute: '2-digit', hourCycle: 'h23'});
+
+const twoDigits = (number) => `${number}`.padStart(2, '0');
+
+// Only the numbers at the edge of the picture are written here; the value itself is always the boat's own text.
+function edgeText(value, kind) {
+  if (kind === 'bearing') return `${((Math.round(value) % 360) + 360) % 360}`.padStart(3, '0');
+  if (kind !== 'duration') return `${Number(value.toPrecision(6))}`;
+  const seconds = Math.round(Math.abs(value));
+  return `${value < 0 ? '-' : ''}${Math.floor(seconds / 60)}:${twoDigits(seconds % 60)}`;
+}
+
+const colourOf = (element, name) => getComputedStyle(element).getPropertyValue(name).trim();
+
+export class Strip {
+  #boat;
+  #plot = null;
+  #drawn = 0;
+  #title = make('span', {class: 'name'});
+  #extent = make('span', {class: 'extent'});
+  #now = make('span', {class: 'now'});
+  #picture = make('div', {class: 'picture', role: 'img'});
+
+  constructor(boat, channel, press) {
+    this.#boat = boat;
+    this.channel = channel;
+    const head = make('button', {type: 'button', class: 'strip-head', click: () => press(channel)}, this.#title, ' ', this.#extent, ' ', this.#now);
+    this.element = make('li', {class: 'strip', 'data-channel': keyOf(channel)}, head, this.#picture);
+    this.watcher = new ResizeObserver(() => this.drawAgain());
+    this.watcher.observe(this.#picture);
+  }
+
+  // uPlot takes its size and colours once.
+  drawAgain() {
+    const {clientWidth: width, clientHeight: height} = this.#picture;
+    this.#plot?.destroy();
+    this.#plot = null;
+    if (width === 0 || height === 0) return;
+    const kind = this.#boat.channels.of(this.channel).kind;
+    const axis = {stroke: colourOf(this.element, '--ink'), grid: {stroke: colourOf(this.element, '--line'), width: 1},
+                  ticks: {stroke: colourOf(this.element, '--line'), width: 1}, font: '14px system-ui, sans-serif'};
+    this.#plot = new uPlot({
+      width, height, legend: {show: false}, cursor: {show: false}, padding: [10, 14, 0, 0],
+      scales: {x: {range: () => [this.#boat.readings.now - kSpan, this.#boat.readings.now]}},
+      axes: [{...axis, values: (_, times) => times.map((time) => clock.format(time * 1000))},
+             {...axis, size: 64, values: (_, values) => values.map((value) => edgeText(value, kind))}],
+      series: [{}, {stroke: colourOf(this.element, '--accent'), width: 3, points: {show: false}}],
+    }, [[], []], this.#picture);
+    this.#drawn = 0;
+    this.update();
+  }
+
+  update() {
+    const {channels, readings, past} = this.#boat;
+    const reading = readings.of(this.channel);
+    setText(this.#title, channels.title(this.channel));
+    setText(this.#now, reading.text === null ? `– – ${whyNoNumber(reading)}` : `${reading.text} ${reading.unit ?? ''}`);
+    setAttribute(this.element, 'data-state', reading.text === null ? reading.state : 'fresh');
+    setText(this.#extent, reading.spark ? `▼${reading.spark[0]} ▲${reading.spark[1]}` : '');
+    const extent = reading.spark ? `, from ${reading.spark[0]} to ${reading.spark[1]} ${reading.unit ?? ''}` : '';
+    setAttribute(this.#picture, 'aria-label', `${channels.title(this.channel)} over the last ten minutes${extent}`);
+    const points = past.of(this.channel);
+    if (!this.#plot || Math.abs(readings.now - this.#drawn) < 1) return;
+    this.#drawn = readings.now;
+    const line = unwrapped(points, channels.of(this.channel).kind);
+    this.#plot.setData([line.map(([time]) => time), line.map(([, value]) => value)]);
+  }
+
+  end() {
+    this.watcher.disconnect();
+    this.#plot?.destroy();
+  }
+}
