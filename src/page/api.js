@@ -8,8 +8,9 @@ async function ask(path) {
   const timer = setTimeout(() => limit.abort(), kPatience);
   try {
     const answer = await fetch(`/halyrig/v1/${path}`, {signal: limit.signal, cache: 'no-store'});
-    if (!answer.ok) throw new Error(`the navigation computer answers ${answer.status}`);
-    return await answer.json();
+    if (answer.ok) return await answer.json();
+    const {error} = await answer.json().catch(() => ({}));
+    throw new Error(error ?? `the navigation computer answers ${answer.status}`);
   } catch (error) {
     const unreachable = error instanceof TypeError || error.name === 'AbortError';
     throw unreachable ? new Error('the navigation computer does not answer') : error;

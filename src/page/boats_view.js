@@ -46,14 +46,14 @@ export class BoatsView {
     this.update();
   }
 
-  #row({boat, name, mmsi, colour, inUse, age}) {
+  #row({boat, name, mmsi, colour, age}) {
     const swatch = make('span', {class: 'swatch'});
     swatch.style.backgroundColor = colour;
     // The own boat's bearing and distance from itself are nothing.
     const cells = kLive.filter((id) => boat !== 0 || id === kSog).map((id) => ({channel: {id, boat}, cell: make('td')}));
-    const item = make('tr', {class: inUse ? 'in-use' : ''}, make('th', {scope: 'row'}, swatch, name ?? `Boat ${boat}`),
-                      ...(boat === 0 ? [make('td'), make('td')] : []), ...cells.map(({cell}) => cell), make('td', {text: age === null ? 'never' : ageInWords(age)}),
-                      make('td', {text: mmsi ? `${mmsi}`.padStart(9, '0') : ''}));
+    const known = [age === null ? 'never' : ageInWords(age), mmsi ? `${mmsi}`.padStart(9, '0') : ''];
+    const item = make('tr', {}, make('th', {scope: 'row'}, swatch, name ?? `Boat ${boat}`), ...(boat === 0 ? [make('td'), make('td')] : []),
+                      ...cells.map(({cell}) => cell), ...known.map((text) => make('td', {text})));
     return {item, cells};
   }
 

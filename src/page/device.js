@@ -17,6 +17,8 @@ function stayAwake(said) {
   ask();
 }
 
+const kOnlyHere = ['localhost', '127.0.0.1', '[::1]'];
+
 export function deviceControls(theme) {
   const awake = make('p'), sent = make('p', {role: 'status'});
   const share = async () => {
@@ -26,6 +28,9 @@ export function deviceControls(theme) {
       setText(sent, navigator.share ? '' : 'The link is copied: whoever opens it sees these tiles.');
     } catch {
       setText(sent, `Send this address; whoever opens it sees these tiles: ${location.href}`);
+    }
+    if (kOnlyHere.includes(location.hostname)) {
+      sent.append(" It is this computer's own address: for the others, put one that 'halyrigctl serve' prints in its place.");
     }
   };
   const whole = () => (document.fullscreenElement ? document.exitFullscreen() : document.documentElement.requestFullscreen());

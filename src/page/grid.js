@@ -11,7 +11,7 @@ const kRoomy = 150;  // from here on low, line and high fit beside each other
 const kMostColumns = 16;
 
 // The rows that the browser's own placing needs, which never goes back to fill a hole.
-export function rowsFor(sizes, columns) {
+function rowsFor(sizes, columns) {
   const taken = new Set();
   let row = 0, column = 0, rows = 0;
   const fits = (wide, high) => {

@@ -47,9 +47,11 @@ export class Past {
   }
 }
 
-// Bearings and angles go through north, or astern, without a jump to the other edge of the picture.
+export const isTurn = (kind) => kind === 'bearing' || kind === 'angle' || kind === 'wind-angle';
+
+// They go through north, or astern, without a jump to the other edge of the picture.
 export function unwrapped(points, kind) {
-  if (kind !== 'bearing' && kind !== 'angle' && kind !== 'wind-angle') return points;
+  if (!isTurn(kind)) return points;
   let last = null;
   return points.map(([time, value]) => {
     if (value === null) return [time, null];

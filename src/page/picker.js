@@ -8,6 +8,7 @@ import {whyNoNumber} from './words.js';
 export class Picker {
   #boat;
   #rows = [];
+  #name = () => '';
   #chosen = () => false;
   #toggle = () => {};
   #title = make('h2', {id: 'picker-title'});
@@ -26,11 +27,12 @@ export class Picker {
     this.element = make('dialog', {class: 'picker', 'aria-labelledby': 'picker-title'}, head, fields, this.#count, this.#channels);
   }
 
-  // `chosen` and `toggle` get a channel of a boat; `extra` are further buttons; `closed` is called when the crew has chosen.
+  // `title` is asked for all the time; `chosen` and `toggle` get a channel of a boat; `extra` are further buttons; `closed` is called
+  // when the crew has chosen.
   open({title, chosen, toggle, extra = [], closed}) {
     this.#chosen = chosen;
     this.#toggle = toggle;
-    setText(this.#title, title);
+    this.#name = title;
     this.#extra.replaceChildren(...extra);
     this.#search.value = '';
     this.#whose.replaceChildren(make('option', {value: '0', text: 'Own'}));
@@ -64,8 +66,9 @@ export class Picker {
       this.#toggle(channel);
       this.update();
     };
-    const button = make('button', {type: 'button', 'aria-pressed': 'false', click: press}, make('span', {class: 'name', text: about.name}), ' ',
-                        make('span', {class: 'long', text: about.longName === about.name ? '' : about.longName}), ' ', value);
+    const name = make('span', {class: 'name', text: about.name});
+    const long = make('span', {class: 'long', text: about.longName === about.name ? '' : about.longName});
+    const button = make('button', {type: 'button', 'aria-pressed': 'false', click: press}, name, ' ', long, ' ', value);
     const words = `${about.name} ${about.longName} ${about.id}`.toLowerCase();
     return {channel, unit: about.unit, words, value, button, item: make('li', {}, button)};
   }
@@ -82,6 +85,7 @@ export class Picker {
 
   update() {
     if (!this.element.open) return;
+    setText(this.#title, this.#name());
     for (const {channel, unit, value, button} of this.#rows) {
       const reading = this.#boat.readings.of(channel);
       setText(value, reading.text === null ? whyNoNumber(reading) : `${reading.text} ${reading.unit ?? unit ?? ''}`);

@@ -11,7 +11,7 @@ export class Readings {
   now = 0;  // the boat's clock, seconds since 1970
   #connection;
   #byKey = new Map();
-  #stopped = null;  // since when no bridge gives values, by the boat's clock
+  #void = -Infinity;  // what was published before the bridge last stopped, by the boat's clock, counts no more
   #watched = new Set();
 
   constructor(connection) {
@@ -30,11 +30,12 @@ export class Readings {
 
   take(message, renewed) {
     if (renewed) this.#byKey.clear();
+    const stops = message.bridge !== 'running' && (renewed || this.bridge === 'running');
+    if (stops) this.#void = message.t;
+    else if (message.t < this.now) this.#void = -Infinity;  // the boat's clock was set back
     this.now = message.t;
     this.bridge = message.bridge;
     this.replay = message.replay;
-    if (message.bridge === 'running') this.#stopped = null;
-    else this.#stopped ??= message.t;
     for (const reading of message.values) {
       const key = keyOf(reading);
       const published = reading.age === null ? null : message.t - reading.age;
@@ -55,8 +56,7 @@ export class Readings {
     const known = this.#byKey.get(keyOf(channel)) ?? kNothing;
     if (!this.live) return {...known, value: null, text: null, state: 'lost', age: this.silence};
     const age = known.published === null || known.published === undefined ? null : Math.max(0, this.now - known.published);
-    const before = this.#stopped !== null && known.state === 'fresh' && known.published <= this.#stopped;
-    if (before) return {...known, value: null, text: null, state: 'stopped', age};
-    return {...known, age};
+    const old = known.state === 'fresh' && known.published <= this.#void;
+    return old ? {...known, value: null, text: null, state: this.bridge === 'running' ? 'waiting' : this.bridge, age} : {...known, age};
   }
 }

@@ -7,7 +7,7 @@ import {kSpan, unwrapped} from './past.js';
 const kWide = 200, kHigh = 40;
 
 // A line through the mean of each step of the picture; it is broken where there were no values.
-export function sparkPath(points, now) {
+function sparkPath(points, now) {
   const sums = new Map();
   for (const [time, value] of points) {
     const step = Math.round(kWide * (1 - (now - time) / kSpan));

@@ -2,9 +2,12 @@
 // The last ten minutes of one channel, large, by uPlot (third_party/uplot), which index.html loads as a plain script.
 
 import {make, setAttribute, setText} from './dom.js';
-import {kSpan, unwrapped} from './past.js';
+import {isTurn, kSpan, unwrapped} from './past.js';
 import {keyOf} from './readings.js';
 import {whyNoNumber} from './words.js';
+
+const kTimeSteps = [60, 120, 300];  // seconds between the marks
+const kTurnSteps = [1, 2, 5, 10, 30, 45, 90, 180];  // degrees, likewise
 
 const clock = new Intl.DateTimeFormat(undefined, {hour: '2-digit', minute: '2-digit', hourCycle: 'h23'});
 
@@ -24,15 +27,18 @@ export class Strip {
   #boat;
   #plot = null;
   #drawn = 0;
+  #first = 0;
   #title = make('span', {class: 'name'});
-  #extent = make('span', {class: 'extent'});
+  #low = make('span', {class: 'low'});
+  #high = make('span', {class: 'high'});
   #now = make('span', {class: 'now'});
   #picture = make('div', {class: 'picture', role: 'img'});
 
   constructor(boat, channel, press) {
     this.#boat = boat;
     this.channel = channel;
-    const head = make('button', {type: 'button', class: 'strip-head', click: () => press(channel)}, this.#title, ' ', this.#extent, ' ', this.#now);
+    const head = make('button', {type: 'button', class: 'strip-head', click: () => press(channel)}, this.#title, ' ', this.#low, ' ',
+                      this.#high, ' ', this.#now);
     this.element = make('li', {class: 'strip', 'data-channel': keyOf(channel)}, head, this.#picture);
     this.watcher = new ResizeObserver(() => this.drawAgain());
     this.watcher.observe(this.#picture);
@@ -42,20 +48,25 @@ export class Strip {
   drawAgain() {
     const {clientWidth: width, clientHeight: height} = this.#picture;
     this.#plot?.destroy();
-    this.#plot = null;
-    if (width === 0 || height === 0) return;
-    const kind = this.#boat.channels.of(this.channel).kind;
-    const axis = {stroke: colourOf(this.element, '--ink'), grid: {stroke: colourOf(this.element, '--line'), width: 1},
-                  ticks: {stroke: colourOf(this.element, '--line'), width: 1}, font: '14px system-ui, sans-serif'};
-    this.#plot = new uPlot({
-      width, height, legend: {show: false}, cursor: {show: false}, padding: [10, 14, 0, 0],
-      scales: {x: {range: () => [this.#boat.readings.now - kSpan, this.#boat.readings.now]}},
-      axes: [{...axis, values: (_, times) => times.map((time) => clock.format(time * 1000))},
-             {...axis, size: 64, values: (_, values) => values.map((value) => edgeText(value, kind))}],
-      series: [{}, {stroke: colourOf(this.element, '--accent'), width: 3, points: {show: false}}],
-    }, [[], []], this.#picture);
+    this.#plot = width > 0 && height > 0 ? new uPlot({width, height, ...this.#style()}, [[], []], this.#picture) : null;
     this.#drawn = 0;
     this.update();
+  }
+
+  #style() {
+    const kind = this.#boat.channels.of(this.channel).kind;
+    const em = parseFloat(getComputedStyle(document.documentElement).fontSize);
+    const line = {stroke: colourOf(this.element, '--line'), width: 1};
+    const axis = {stroke: colourOf(this.element, '--ink'), grid: line, ticks: line, font: `${em * 0.875}px system-ui, sans-serif`};
+    const times = (_, seconds) => seconds.map((time) => clock.format(time * 1000));
+    const values = (_, numbers) => numbers.map((value) => edgeText(value, kind));
+    return {
+      legend: {show: false}, cursor: {show: false}, padding: [10, 14, 0, 0],
+      scales: {x: {range: () => [this.#boat.readings.now - kSpan, this.#boat.readings.now]}},
+      axes: [{...axis, size: em * 2.2, space: em * 5, incrs: kTimeSteps, values: times},
+             {...axis, size: em * 4, space: em * 2.5, values, ...(isTurn(kind) && {incrs: kTurnSteps})}],
+      series: [{}, {stroke: colourOf(this.element, '--accent'), width: 3, points: {show: false}}],
+    };
   }
 
   update() {
@@ -64,12 +75,14 @@ export class Strip {
     setText(this.#title, channels.title(this.channel));
     setText(this.#now, reading.text === null ? `– – ${whyNoNumber(reading)}` : `${reading.text} ${reading.unit ?? ''}`);
     setAttribute(this.element, 'data-state', reading.text === null ? reading.state : 'fresh');
-    setText(this.#extent, reading.spark ? `▼${reading.spark[0]} ▲${reading.spark[1]}` : '');
+    setText(this.#low, reading.spark?.[0] ?? '');
+    setText(this.#high, reading.spark?.[1] ?? '');
     const extent = reading.spark ? `, from ${reading.spark[0]} to ${reading.spark[1]} ${reading.unit ?? ''}` : '';
     setAttribute(this.#picture, 'aria-label', `${channels.title(this.channel)} over the last ten minutes${extent}`);
     const points = past.of(this.channel);
-    if (!this.#plot || Math.abs(readings.now - this.#drawn) < 1) return;
-    this.#drawn = readings.now;
+    const first = points.length > 0 ? points[0][0] : 0;
+    if (!this.#plot || (Math.abs(readings.now - this.#drawn) < 1 && first === this.#first)) return;
+    [this.#drawn, this.#first] = [readings.now, first];
     const line = unwrapped(points, channels.of(this.channel).kind);
     this.#plot.setData([line.map(([time]) => time), line.map(([, value]) => value)]);
   }

@@ -41,8 +41,8 @@ export class Tile {
     setAttribute(this.element, 'data-state', reading.text === null ? reading.state : 'fresh');
     const kind = channels.of(this.tile).kind;
     const extent = reading.spark && !kNoExtent.includes(kind);
-    setText(this.#low, extent ? `▼${reading.spark[0]}` : '');
-    setText(this.#high, extent ? `▲${reading.spark[1]}` : '');
+    setText(this.#low, extent ? reading.spark[0] : '');
+    setText(this.#high, extent ? reading.spark[1] : '');
     this.#fit(textWidth(reading.text ?? kNoDigits));
     this.#spark.update(past.of(this.tile), kind, readings.now);
   }

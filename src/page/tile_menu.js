@@ -59,7 +59,7 @@ export class TileMenu {
     const layout = this.#layout;
     const newPage = make('button', {type: 'button', text: 'New page', click: () => layout.addPage()});
     this.#picker.open({
-      title: 'Tiles of this page', extra: [newPage], chosen: (channel) => layout.placeOf(channel) >= 0,
+      title: () => `Tiles of page ${layout.page + 1}`, extra: [newPage], chosen: (channel) => layout.placeOf(channel) >= 0,
       toggle: (channel) => layout.toggleTile(channel), closed: () => {
         layout.dropEmptyPages();
         this.#changed();
@@ -70,7 +70,7 @@ export class TileMenu {
   pickStrips() {
     const layout = this.#layout;
     this.#picker.open({
-      title: 'Strips of the chart', chosen: ({id, boat}) => layout.strips.some((strip) => strip.id === id && strip.boat === boat),
+      title: () => 'Strips of the chart', chosen: ({id, boat}) => layout.strips.some((strip) => strip.id === id && strip.boat === boat),
       toggle: (channel) => layout.toggleStrip(channel), closed: this.#changed,
     });
   }

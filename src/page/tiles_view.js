@@ -51,9 +51,10 @@ export class TilesView {
     this.element.scrollTo({left: page * this.element.clientWidth});
   }
 
-  #key({key}) {
-    if (key === 'ArrowLeft') this.#turn(-1);
-    if (key === 'ArrowRight') this.#turn(1);
+  #key(event) {
+    if (event.key !== 'ArrowLeft' && event.key !== 'ArrowRight') return;
+    event.preventDefault();
+    this.#turn(event.key === 'ArrowLeft' ? -1 : 1);
   }
 
   #scrolled() {

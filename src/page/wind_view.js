@@ -6,7 +6,7 @@ import {Dial} from './dial.js';
 import {make} from './dom.js';
 import {Grid} from './grid.js';
 
-const kTiles = [kTwa, kTws, kBsp, kAwa, kAws, kTargBsp].map((id) => ({...own(id), size: 'S'}));
+const kTiles = [kTwa, kTws, kAwa, kAws, kBsp, kTargBsp].map((id) => ({...own(id), size: 'S'}));
 
 export class WindView {
   #dial;

@@ -15,6 +15,8 @@ const kStates = {
   refused: 'refused',
   stale: 'stale',
   stopped: 'bridge stopped',
+  'stands-still': 'bridge stands still',
+  none: 'suite ended',
   lost: 'no connection',
 };
 
@@ -27,7 +29,7 @@ const kBridge = {
   running: 'Live',
   stopped: 'Bridge stopped',
   'stands-still': 'Bridge stands still',
-  none: 'Bridge not started',
+  none: 'Suite not running',
 };
 
 // Without numbers that change, so that a screen reader says it once.
