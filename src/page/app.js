@@ -26,6 +26,7 @@ const kAskAgain = 2000;
 
 const find = (id) => document.getElementById(id);
 
+let serverVersion = null;
 const layout = new Layout();
 const channels = new Channels();
 const past = new Past();
@@ -59,7 +60,8 @@ function take(message, renewed) {
 
 async function learnNames() {
   try {
-    const {name, channels: list} = await askChannels();
+    const {name, version, channels: list} = await askChannels();
+    if (version !== (serverVersion ??= version)) location.reload();  // an upgraded server has its own page
     channels.take(list);
     setText(find('boat-name'), name);
     document.title = `${name} – Halyrig`;

@@ -50,6 +50,7 @@ const digitsOf = (channel) => textOf(`.tile[data-channel="${channel}-0"] .digits
 const stateIs = (channel, state) =>
   page.waitForSelector(`.tile[data-channel="${channel}-0"][data-state="${state}"]`, {timeout: kPatience});
 const ask = (path) => page.evaluate((what) => fetch(what).then((answer) => answer.json()), path);
+const picture = (name, of = page) => shots && of.screenshot({path: join(shots, `${name}.png`)});
 const closeDialog = () => page.click('dialog[open] [aria-label="Close"]');
 
 // The slowest machine manages it once; a page that waits for something else never does.
@@ -119,6 +120,7 @@ test('a stopped bridge greys its values within a second, with the age, and they 
   const outcome = await withinASecond(() => bridge.kill(), () => allGrey('stopped'), async () => {
     assert.match(await textOf('[data-channel="1-0"] .why'), /^bridge stopped \d+ s$/);
     assert.equal(await textOf('#state'), 'Bridge stopped');
+    await picture('stopped');
     bridge.start();
     await stateIs(1, 'fresh');
   });
@@ -130,6 +132,7 @@ for (const [how, [lose, give]] of Object.entries(losses)) {
   test(`a ${how} server greys all within a second, and the page connects again by itself`, async (context) => {
     const outcome = await withinASecond(lose, () => allGrey('lost'), async () => {
       assert.equal(await textOf('#state'), 'No connection');
+      await picture('lost');
       await page.click('[data-channel="1-0"] button');
       await page.waitForSelector('.explain[open] .fault');
       assert.match(await textOf('.explain .fault'), /does not answer/);
@@ -182,7 +185,7 @@ test('a replay is marked over everything', async () => {
   await replayed.waitForSelector('#replay:not([hidden])', {timeout: kPatience});
   const marks = await replayed.$$eval('.tile', (tiles) => tiles.map((tile) => getComputedStyle(tile, '::after').content));
   assert.ok(marks.length > 0 && marks.every((mark) => mark === '"REPLAY"'), marks.join());
-  if (shots) await replayed.screenshot({path: join(shots, 'replay.png')});
+  await picture('replay', replayed);
   await replayed.close();
 });
 
@@ -220,7 +223,7 @@ async function lookOver(name) {
   assert.deepEqual(cut, [], name);
   const wide = await page.evaluate(() => [document.documentElement.scrollWidth, innerWidth]);
   assert.ok(wide[0] <= wide[1], `${name} is ${wide[0]} wide`);
-  if (shots) await page.screenshot({path: join(shots, `${name}.png`)});
+  await picture(name);
 }
 
 async function runAxe(name) {
