@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What this device can do: a screen that stays on, the whole screen, and the link for the others.
+// What this device can do: a screen that stays on, the full screen, and the link for the others.
 
 import {make, setText} from './dom.js';
 
@@ -33,9 +33,9 @@ export function deviceControls(theme) {
       sent.append(" It is this computer's own address: for the others, put one that 'halyrigctl serve' prints in its place.");
     }
   };
-  const whole = () => (document.fullscreenElement ? document.exitFullscreen() : document.documentElement.requestFullscreen());
+  const fullScreen = () => (document.fullscreenElement ? document.exitFullscreen() : document.documentElement.requestFullscreen());
   const buttons = make('div', {class: 'choices'}, make('button', {type: 'button', text: 'Send my tiles', click: share}));
-  if (document.fullscreenEnabled) buttons.append(make('button', {type: 'button', text: 'Whole screen', click: whole}));
+  if (document.fullscreenEnabled) buttons.append(make('button', {type: 'button', text: 'Full screen', click: fullScreen}));
   stayAwake(awake);
   return make('div', {class: 'device'}, theme.choices, buttons, sent, awake);
 }

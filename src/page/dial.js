@@ -52,7 +52,7 @@ export class Dial {
   #twa = windNeedle('true', 'T');
   #awa = windNeedle('apparent', 'A');
   #cog = draw('path', {class: 'cog', d: 'M0 -84 L6 -90 L0 -96 L-6 -90 Z'});
-  #onStarboard = layline('starboard', 'Stb');
+  #onStarboard = layline('starboard', 'Stbd');
   #onPort = layline('port', 'Port');
   #heading = draw('text', {class: 'heading', x: 0, y: 6});
   #picture = draw('svg', {viewBox: '-122 -116 244 232', role: 'img', class: 'dial-picture'}, this.#compass, hull(), this.#onStarboard,

@@ -34,14 +34,16 @@ function rowsFor(sizes, columns) {
   return rows;
 }
 
+// Holes count against a number of columns, since the larger tiles would use their room.
 function bestFit(sizes, width, height) {
+  const used = sizes.reduce((sum, size) => sum + kCells[size][0] * kCells[size][1], 0);
   let best = null;
   for (let columns = 1; columns <= kMostColumns; ++columns) {
     const rows = Math.max(rowsFor(sizes, columns), 1);
     const cellWide = (width - kGap * (columns - 1)) / columns;
     if (columns > 1 && cellWide < kNarrowest) break;
     const room = (height - kGap * (rows - 1)) / rows;
-    const score = room < kLowest ? (room - kLowest) * rows : Math.min(room * 0.5, cellWide * 0.3);
+    const score = room < kLowest ? (room - kLowest) * rows : Math.min(room * 0.5, cellWide * 0.3) * Math.sqrt(used / (rows * columns));
     if (!best || score > best.score) best = {columns, cellWide, cellHigh: Math.max(room, kLowest), score};
   }
   return best;

@@ -75,9 +75,10 @@ export class Strip {
     setText(this.#title, channels.title(this.channel));
     setText(this.#now, reading.text === null ? `– – ${whyNoNumber(reading)}` : `${reading.text} ${reading.unit ?? ''}`);
     setAttribute(this.element, 'data-state', reading.text === null ? reading.state : 'fresh');
-    setText(this.#low, reading.spark?.[0] ?? '');
-    setText(this.#high, reading.spark?.[1] ?? '');
-    const extent = reading.spark ? `, from ${reading.spark[0]} to ${reading.spark[1]} ${reading.unit ?? ''}` : '';
+    const shown = reading.text === null ? null : reading.spark;
+    setText(this.#low, shown?.[0] ?? '');
+    setText(this.#high, shown?.[1] ?? '');
+    const extent = shown ? `, from ${shown[0]} to ${shown[1]} ${reading.unit ?? ''}` : '';
     setAttribute(this.#picture, 'aria-label', `${channels.title(this.channel)} over the last ten minutes${extent}`);
     const points = past.of(this.channel);
     const first = points.length > 0 ? points[0][0] : 0;

@@ -40,11 +40,12 @@ export class Tile {
     setText(this.#why, reading.text === null ? whyNoNumber(reading) : '');
     setAttribute(this.element, 'data-state', reading.text === null ? reading.state : 'fresh');
     const kind = channels.of(this.tile).kind;
-    const extent = reading.spark && !kNoExtent.includes(kind);
+    const extent = reading.text !== null && reading.spark && !kNoExtent.includes(kind);
     setText(this.#low, extent ? reading.spark[0] : '');
     setText(this.#high, extent ? reading.spark[1] : '');
+    const flat = reading.spark !== null && reading.spark[0] === reading.spark[1];
     this.#fit(textWidth(reading.text ?? kNoDigits));
-    this.#spark.update(past.of(this.tile), kind, readings.now);
+    this.#spark.update(past.of(this.tile), kind, readings.now, flat);
   }
 
   #fit(width) {

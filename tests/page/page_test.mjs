@@ -70,7 +70,8 @@ async function withinASecond(cause, seen, undo) {
 // All tiles of the first page in one look, so that none is grey after another one came back.
 const allGrey = (state) => page.waitForFunction((wanted) => {
   const tiles = [...document.querySelectorAll('.page:first-child .tile:not([data-state="missing"])')];
-  return tiles.length > 0 && tiles.every((tile) => tile.dataset.state === wanted && !/\d/.test(tile.querySelector('.digits').textContent));
+  return tiles.length > 0 && tiles.every((tile) => tile.dataset.state === wanted &&
+    !/\d/.test(tile.querySelector('.digits').textContent + tile.querySelector('.past').textContent));
 }, {polling: 20}, state);
 
 before(async () => {
