@@ -55,7 +55,7 @@ export class Dial {
   #onStarboard = layline('starboard', 'Stbd');
   #onPort = layline('port', 'Port');
   #heading = draw('text', {class: 'heading', x: 0, y: 6});
-  #picture = draw('svg', {viewBox: '-122 -116 244 232', role: 'img', class: 'dial-picture'}, this.#compass, hull(), this.#onStarboard,
+  #picture = draw('svg', {viewBox: '-126 -116 252 232', role: 'img', class: 'dial-picture'}, this.#compass, hull(), this.#onStarboard,
                   this.#onPort, this.#twa, this.#awa, this.#cog, draw('path', {class: 'bow', d: 'M0 -92 L5 -101 L-5 -101 Z'}), this.#heading);
   #lacking = make('p', {class: 'lacking'});
   element = make('div', {class: 'dial'}, this.#picture, this.#lacking);
