@@ -123,7 +123,7 @@ void CheckedSetup::Add(Weight weight, const Finding& finding) const {
     Add({weight, finding.path, finding.line, finding.column, WordFor(finding.flaw), std::move(says)});
 }
 
-CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& folder) {
+CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& folder, const BridgePulse& pulse) {
     CheckReport report;
     CollectedFindings heard;
     const CoreServices machine = system.Core();
@@ -134,6 +134,7 @@ CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& fol
     const bool live = guest.View() != nullptr;
     CCore& core = live ? guest : dryRun.Core();
     Circumstances now(system, core, folder);
+    now.Take(pulse);
     const CheckedSetup setup{dryRun.Services(), now, core, live, dryRun.Core(), report};
     report.running = now.BridgeRuns();
     report.inForce = now.bridge.has_value();

@@ -25,8 +25,9 @@ struct CheckedSetup {
     }
 };
 
-// `folder`: the Dfw folder to be looked at, in place of the one in force or saved.
-CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& folder);
+// `folder`: the Dfw folder to be looked at, in place of the one in force or saved. `pulse`: what was seen of the bridge's ticks
+// before; without it, whether the bridge ticks is waited for.
+CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& folder, const BridgePulse& pulse = {});
 
 // Each adds what it finds to the report.
 void CheckMapping(const CheckedSetup& setup);    // check_mapping.cc

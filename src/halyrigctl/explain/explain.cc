@@ -71,6 +71,14 @@ std::string AsOverview(std::vector<Explained> left) {
     return text + (well.empty() ? "" : "all is well: " + well + "\n");
 }
 
+Explained LookAt(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
+    const std::string ofBoat = boat > 0 ? " of boat " + std::to_string(boat) : "";
+    Explained one{channel, boat, ChannelInWords(core, channel) + ofBoat, NameForPeople(core, channel),
+                  ValueChain(core, channel, boat, circumstances)};
+    AddRemoteLinks(one.links, core, channel, boat, circumstances);
+    return one;
+}
+
 std::string AsJson(const Explained& one) {
     const auto textOrNull = [](const std::string& text) { return Told(!text.empty(), text); };
     Json links = Json::array();
@@ -96,6 +104,10 @@ std::string AsJson(const Explained& one) {
 
 }  // namespace
 
+std::string ExplainAsJson(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
+    return AsJson(LookAt(core, channel, boat, circumstances));
+}
+
 Status Explain(System& system, const ExplainOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;
@@ -110,12 +122,7 @@ Status Explain(System& system, const ExplainOptions& options) {
     for (const ChannelId channel : named.found) wanted.emplace_back(channel, options.boat);
     if (wanted.empty()) wanted = MappedChannels(guest.Record(), circumstances.TheMapping());
     std::vector<Explained> all;
-    for (const auto& [channel, boat] : wanted) {
-        const std::string ofBoat = boat > 0 ? " of boat " + std::to_string(boat) : "";
-        all.push_back({channel, boat, ChannelInWords(guest.Core(), channel) + ofBoat, NameForPeople(guest.Core(), channel),
-                       ValueChain(guest.Core(), channel, boat, circumstances)});
-        AddRemoteLinks(all.back().links, guest.Core(), channel, boat, circumstances);
-    }
+    for (const auto& [channel, boat] : wanted) all.push_back(LookAt(guest.Core(), channel, boat, circumstances));
     const std::string mapping = Harmless(circumstances.TheMapping().path);
     const std::vector<Finding> passedOver = circumstances.PassedOver();
     guest.Leave();

@@ -63,6 +63,11 @@ public:
     bool BridgeRuns() const { return bridge || name.state == NameLook::kTaken; }
     // The bridge can be seen, but has not ticked for a second. Without looks over a second it waits for a tick that long.
     bool StandsStill();
+    // As far as the looks until now tell, without waiting.
+    bool StoodStill() const { return pulse_.StandsStill().value_or(false); }
+    // What others have seen of the bridge's ticks until now.
+    const BridgePulse& Pulse() const { return pulse_; }
+    void Take(const BridgePulse& pulse) { pulse_ = pulse; }
     // Of the bridge, for people.
     std::string BridgeWords();
     // Why the bridge can't be seen, for when it can't.
