@@ -9,6 +9,7 @@ install(TARGETS ShDfW2 LIBRARY DESTINATION lib/halyrig)
 install(FILES ${CMAKE_SOURCE_DIR}/src/stand_in/Data/J_vars06.d DESTINATION lib/halyrig/Data)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig.service ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig-stream.service
     ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig-record.service
+    ${CMAKE_SOURCE_DIR}/packaging/linux/halyrig-page.service
     DESTINATION lib/systemd/user)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/completions/halyrigctl DESTINATION share/bash-completion/completions)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/linux/copyright ${CMAKE_SOURCE_DIR}/packaging/THIRD-PARTY.txt DESTINATION share/doc/halyrig)
@@ -59,5 +60,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_PACKAGE_SECTION misc)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# What halyrigctl serve loads if it is there.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "libavahi-client3, libqrencode4")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 include(CPack)

@@ -77,6 +77,7 @@ Section "Halyrig" SectionPrograms
     SectionIn RO
     !insertmacro CloseRunning
     Delete "$SMSTARTUP\Halyrig.lnk" ; made again by its own section, while that is chosen
+    Delete "$SMSTARTUP\Halyrig page.lnk" ; the same
     SetOutPath "$INSTDIR"
     File "${BIN}\Halyrig32.exe"
     File "${BIN}\halyrigctl.exe"
@@ -97,6 +98,7 @@ Section "Halyrig" SectionPrograms
     ; A console that stays open afterwards, in the folder of the programs.
     CreateShortcut "$SMPROGRAMS\Halyrig check.lnk" "$SYSDIR\cmd.exe" '/k ""$INSTDIR\halyrigctl.exe" check"' "$INSTDIR\Halyrig32.exe"
     CreateShortcut "$SMPROGRAMS\Halyrig live view.lnk" "$SYSDIR\cmd.exe" '/k ""$INSTDIR\halyrigctl.exe" watch"' "$INSTDIR\Halyrig32.exe"
+    CreateShortcut "$SMPROGRAMS\Halyrig page.lnk" "$SYSDIR\cmd.exe" '/c "start "Halyrig page" /min "$INSTDIR\halyrigctl.exe" serve & start http://127.0.0.1:8377/"' "$INSTDIR\Halyrig32.exe" "" SW_SHOWMINIMIZED
     CreateShortcut "$SMPROGRAMS\Halyrig guide.lnk" "$INSTDIR\guide.html"
     WriteUninstaller "$INSTDIR\uninstall.exe"
     WriteRegStr HKCU "${UNINSTALL}" "DisplayName" "Halyrig"
@@ -114,10 +116,17 @@ Section /o "Start at log-on" SectionStart
     CreateShortcut "$SMSTARTUP\Halyrig.lnk" "$INSTDIR\Halyrig32.exe"
 SectionEnd
 
+Section /o "Page for browsers at log-on" SectionPage
+    CreateShortcut "$SMSTARTUP\Halyrig page.lnk" "$INSTDIR\halyrigctl.exe" "serve" "$INSTDIR\Halyrig32.exe" "" SW_SHOWMINIMIZED
+SectionEnd
+
 ; An upgrade keeps the choice made for the previous version.
 Function .onInit
     ${If} ${FileExists} "$SMSTARTUP\Halyrig.lnk"
         !insertmacro SelectSection ${SectionStart}
+    ${EndIf}
+    ${If} ${FileExists} "$SMSTARTUP\Halyrig page.lnk"
+        !insertmacro SelectSection ${SectionPage}
     ${EndIf}
 FunctionEnd
 
@@ -128,6 +137,8 @@ Section "Uninstall"
     Delete "$SMPROGRAMS\Halyrig.lnk"
     Delete "$SMPROGRAMS\Halyrig check.lnk"
     Delete "$SMPROGRAMS\Halyrig live view.lnk"
+    Delete "$SMSTARTUP\Halyrig page.lnk"
+    Delete "$SMPROGRAMS\Halyrig page.lnk"
     Delete "$SMPROGRAMS\Halyrig guide.lnk"
     Delete "$INSTDIR\stand-in\Data\J_vars06.d"
     RMDir "$INSTDIR\stand-in\Data"

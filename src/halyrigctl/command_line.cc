@@ -34,6 +34,7 @@ struct Commands {
     std::string chosen;  // folder
     WatchOptions watch;
     StreamOptions stream;
+    ServeOptions serve;
     RecordOptions record;
     ReplayOptions replay;
     InfoOptions info;
@@ -196,6 +197,21 @@ void AddStream(Commands& all) {
     SetExample(command, "stream --format nmea --seconds 60");
 }
 
+void AddServe(Commands& all) {
+    CLI::App* command = all.app.add_subcommand("serve", "Show the instruments on every phone and tablet aboard, until Ctrl-C");
+    ServeOptions& options = all.serve;
+    command->add_option("--listen", options.listen, "Where browsers connect, 127.0.0.1:8377 unless given")
+        ->type_name("[HOST:]PORT");
+    command->add_flag("--allow-remote", options.allowRemote, "Beyond this machine, where anyone can read the data");
+    command->add_option("--name", options.name, "In place of the boat's name")->type_name("NAME");
+    command
+        ->add_option("--allow-origin", options.allowOrigin,
+                     "Let pages from elsewhere read the data, such as https://example.org; * for all")
+        ->type_name("ORIGIN");
+    command->callback([&all] { all.status = Serve(all.system, all.serve); });
+    SetExample(command, "serve --listen 0.0.0.0:8377 --allow-remote");
+}
+
 void AddRecord(Commands& all) {
     CLI::App* command = all.app.add_subcommand("record", "Record what is published to a file, until Ctrl-C");
     RecordOptions& options = all.record;
@@ -339,6 +355,7 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddMap(all.app, system, all.status);
     AddWatch(all);
     AddStream(all);
+    AddServe(all);
     AddRecord(all);
     AddReplay(all);
     AddInfo(all);

@@ -12,6 +12,10 @@
 
 namespace twr {
 
+class CCore;
+class Circumstances;
+struct CoreRecord;
+
 // Runs the command that the arguments name.
 Status RunCommandLine(System& system, std::vector<std::string> arguments);
 
@@ -43,6 +47,9 @@ struct ExplainOptions {
 // broken.
 Status Explain(System& system, const ExplainOptions& options);
 
+// The same of one channel, as a line of JSON. The core must be attached.
+std::string ExplainAsJson(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances);
+
 struct CheckOptions {
     std::optional<std::string> folder;  // the Dfw folder to look at, in place of the one in force or saved
     bool json = false;
@@ -60,6 +67,9 @@ struct BoatsOptions {
 
 // Prints the boats that are in use, named or known by an MMSI.
 Status ListBoats(System& system, const BoatsOptions& options);
+
+// The same as a table of JSON; `now` in days.
+std::string BoatsAsJson(CoreRecord& record, double now);
 
 enum class RowOrder { kId, kName, kAge };  // kAge: the oldest first
 
@@ -118,6 +128,16 @@ struct StreamOptions {
 
 // Writes what is published to standard output, or else to the network, as it is published, until the user asks to stop.
 Status Stream(System& system, const StreamOptions& options);
+
+struct ServeOptions {
+    std::string listen = "8377";  // as ParseEndpoint takes it
+    bool allowRemote = false;     // beyond this machine
+    std::string name;             // in place of the own boat's
+    std::optional<std::string> allowOrigin;
+};
+
+// Serves the page of the instruments and Signal K to browsers and other programs, until the user asks to stop.
+Status Serve(System& system, const ServeOptions& options);
 
 struct RecordOptions {
     std::string file;  // with the fields of strftime for date and time of day; empty for one a day in the data folder

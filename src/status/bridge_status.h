@@ -17,6 +17,9 @@ namespace twr {
 // The name that the running bridge has.
 inline constexpr std::u16string_view kBridgeName = u"Halyrig";
 
+// The name that whoever publishes a recording has, so that nobody takes it for what is measured now.
+inline constexpr std::u16string_view kReplayName = u"HalyrigReplay";
+
 // What is wrong, and what to do, if a bridge runs whose record no program finds any more.
 inline constexpr const char* kRecordLost =
     "the bridge is running, but the name of its record has been removed, so no other program finds it";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "streams/endpoint.h"
 
+#include <asio/error.hpp>
 #include <asio/ip/address.hpp>
 #include <charconv>
 
@@ -65,6 +66,16 @@ EndpointReading ParseEndpoint(std::string_view typed, EndpointUse use, bool allo
                        "add --allow-remote if you want that");
     }
     return {.endpoint = endpoint};
+}
+
+std::string WhyNotServed(int systemError, const Endpoint& at) {
+    if (systemError == asio::error::address_in_use) {
+        return at.Text() + " is in use; choose another port, or close the program that has it";
+    }
+    if (systemError == asio::error::access_denied) {
+        return at.Text() + " is not allowed to this user; choose a port from 1024 on";
+    }
+    return at.Text() + " can't be served (system error " + std::to_string(systemError) + "); is it an address of this machine?";
 }
 
 }  // namespace twr

@@ -31,4 +31,7 @@ struct EndpointReading {
 // looked up: at sea that fails, slowly. What can be reached beyond this machine is refused unless `allowRemote`.
 EndpointReading ParseEndpoint(std::string_view typed, EndpointUse use, bool allowRemote);
 
+// Why clients can't be served there, by the system's number, and what to do.
+std::string WhyNotServed(int systemError, const Endpoint& at);
+
 }  // namespace twr

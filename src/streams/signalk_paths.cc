@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "streams/signalk_paths.h"
 
+#include <algorithm>
+#include <bitset>
+#include <deque>
 #include <numbers>
+#include <vector>
 
 #include "core/channel_catalogue.h"
 #include "core/units.h"
@@ -133,12 +137,75 @@ constexpr SignalKPath kPaths[] = {
     Number<kRatio, kCharge4Pct>("electrical.batteries.4.capacity.stateOfCharge"),
 };
 
+constexpr bool IsLower(char16_t c) { return c >= u'a' && c <= u'z'; }
+constexpr bool IsUpper(char16_t c) { return c >= u'A' && c <= u'Z'; }
+constexpr bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+// All paths: those of Signal K, then one for each channel that has none of them and a value of its own.
+class AllPaths {
+public:
+    AllPaths() : paths_(std::begin(kPaths), std::end(kPaths)) {
+        std::bitset<kChannelCount> told;
+        for (const SignalKPath& path : kPaths) {
+            for (const SignalKPart& part : path.parts) told.set(part.channel);
+        }
+        for (ChannelId channel = kTime + 1; channel < kChannelCount; ++channel) {
+            if (!told[channel] && !IsAlternating(channel)) AddOurs(channel);
+        }
+    }
+    std::span<const SignalKPath> All() const { return paths_; }
+
+private:
+    void AddOurs(ChannelId channel) {
+        const std::string& path = names_.emplace_back("halyrig." + SignalKName(ChannelCatalogue()[channel].name));
+        const SignalKPart& part = parts_.emplace_back(SignalKPart{"", channel, nullptr});
+        paths_.push_back({path.c_str(), {&part, 1}, true});
+    }
+
+    std::deque<std::string> names_;
+    std::deque<SignalKPart> parts_;
+    std::vector<SignalKPath> paths_;
+};
+
 }  // namespace
 
-std::span<const SignalKPath> SignalKPaths() { return kPaths; }
+std::span<const SignalKPath> SignalKPaths() {
+    static const AllPaths kAll;
+    return kAll.All();
+}
+
+// Capitals at the start are one word, but for the last if a small letter follows: "TWDPeriod" and "FStayLen" begin with "twd" and
+// "f".
+std::string SignalKName(std::u16string_view shortName) {
+    std::string name;
+    bool begins = false;  // a word
+    const auto addWord = [&](std::string_view word) {
+        name += word;
+        begins = true;
+    };
+    std::size_t leading = 0;
+    while (leading < shortName.size() && IsUpper(shortName[leading])) ++leading;
+    if (leading > 1 && leading < shortName.size() && IsLower(shortName[leading])) --leading;
+    for (std::size_t i = 0; i < shortName.size(); ++i) {
+        const char16_t c = shortName[i];
+        if (c == u'%') addWord("Percent");
+        if (c == u'+') addWord("Plus");
+        if (c == u'-') addWord("Minus");
+        if (!IsLower(c) && !IsUpper(c) && !IsDigit(c)) {
+            begins = true;
+            continue;
+        }
+        const char letter = static_cast<char>(c);
+        name += i < leading ? static_cast<char>(letter + 32) : begins && IsLower(c) ? static_cast<char>(letter - 32) : letter;
+        begins = false;
+    }
+    return name;
+}
 
 const SiUnit& SiUnitOf(std::int16_t type) {
     switch (type) {
+        case kTypeDateTime:
+            return kSignalKMoment;
         case kTypeDuration:
             return kDays;
         case kTypeDepth:
@@ -156,6 +223,8 @@ const SiUnit& SiUnitOf(std::int16_t type) {
             return kDegrees;
         case kTypePercent:
             return kRatio;
+        case kTypeSail:
+            return kSignalKText;
         case kTypeBoatSpeed:
         case kTypeWindSpeed:
             return kKnots;
@@ -163,17 +232,21 @@ const SiUnit& SiUnitOf(std::int16_t type) {
             return kCelsius;
         case kTypeBarometer:
             return kHectopascals;
-        case kTypePressure:
-            return kPascals;
         case kTypeVolts:
             return kVolt;
-        case kTypeCurrent:
-            return kAmpere;
         case kTypeTurnRate:
             return kTurnRate;
+        case kTypeCurrent:
+            return kAmpere;
+        case kTypePressure:
+            return kPascals;
         default:
             return kPlain;
     }
+}
+
+const SiUnit& UnitOf(const SignalKPart& part, const CCore& core) {
+    return part.unit ? *part.unit : SiUnitOf(core.ChannelTypeOf(part.channel));
 }
 
 }  // namespace twr

@@ -100,16 +100,6 @@ private:
     std::size_t allowance_ = StreamServer::kMostBacklog;
 };
 
-std::string WhyNot(const asio::error_code& error, const Endpoint& at) {
-    if (error == asio::error::address_in_use) {
-        return at.Text() + " is in use; choose another port, or close the program that has it";
-    }
-    if (error == asio::error::access_denied) {
-        return at.Text() + " is not allowed to this user; choose a port from 1024 on";
-    }
-    return at.Text() + " can't be served (system error " + std::to_string(error.value()) + "); is it an address of this machine?";
-}
-
 }  // namespace
 
 struct StreamServer::Impl {
@@ -163,7 +153,7 @@ std::string StreamServer::Listen(const Endpoint& at) {
     } catch (const std::system_error& refused) {
         error = refused.code();
     }
-    return error ? WhyNot(error, at) : "";
+    return error ? WhyNotServed(error.value(), at) : "";
 }
 
 Endpoint StreamServer::At() const {

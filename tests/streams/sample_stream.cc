@@ -45,6 +45,7 @@ void PrintDeltas(Sample& sample) {
 
 void PrintPaths() {
     for (const SignalKPath& path : SignalKPaths()) {
+        if (IsOurs(path)) continue;
         for (const SignalKPart& part : path.parts)
             std::printf("| %u | %s | `%s%s%s` | %s%s |\n", part.channel, ToUtf8(ChannelCatalogue()[part.channel].name).c_str(),
                         path.path, *part.member ? "` `" : "", part.member, part.unit->name, part.trueBearing ? ", true" : "");

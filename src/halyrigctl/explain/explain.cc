@@ -115,6 +115,10 @@ std::string InForm(const std::vector<Explained>& all, const ExplainOptions& opti
 
 }  // namespace
 
+std::string ExplainAsJson(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
+    return AsJson(ExplainChannel(core, channel, boat, circumstances));
+}
+
 Status Explain(System& system, const ExplainOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;

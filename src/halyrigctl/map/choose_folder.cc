@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // choose: Deckman's folder, as the dialog would keep it.
 #include <filesystem>
 

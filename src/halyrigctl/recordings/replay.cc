@@ -99,7 +99,10 @@ bool Replay::Attach() {
     if (!IsAlone(" is running and publishes what is measured; end it first, or publish into that with --into.")) return false;
     core_ = std::make_unique<CCore>(system_.Core());
     if (!core_->View()) return Fail("the record can't be made or joined.");
-    if (!core_->QuitRequested()) return true;
+    if (!core_->QuitRequested()) {
+        system_.GetInstance().Claim(kReplayName);  // another replay may have it, which says the same
+        return true;
+    }
     core_.reset();  // the request would last as long as the record
     return Fail("the suite has been asked to close; try again when all its programs have ended.");
 }

@@ -19,7 +19,7 @@ ColumnUnit::ColumnUnit(const CCore& core, ChannelId channel, TableUnits units) :
     const SiUnit& si = SiUnitOf(type);
     if (units == TableUnits::kSi || type == kTypeDuration) {
         units_ = TableUnits::kSi;  // durations are days in the record, for which a table has no use
-        name_ = si.name;
+        if (!moment_) name_ = si.name;
         factor_ = si.factor, offset_ = si.offset;
     } else if (!moment_) {
         name_ = ToUtf8(UnitLabel(type, UnitSettingsOf(*core.View())));

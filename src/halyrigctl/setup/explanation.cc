@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "halyrigctl/setup/explanation.h"
 
 #include "halyrigctl/output/cells.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way of one channel's value for its user, and as text.
 #pragma once
 #include <string>

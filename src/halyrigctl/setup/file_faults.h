@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What keeps this user, and so the bridge, from files that are there, or from a part of what is in them.
 #pragma once
 #include <string>

@@ -86,22 +86,31 @@ Json JsonRow(const BoatReading& boat) {
             {"age", Told(boat.age.has_value(), ToMilliseconds(boat.age.value_or(0.0)))}};
 }
 
+std::vector<BoatReading> ReadBoats(CoreRecord& record, double now, bool all) {
+    std::vector<BoatReading> boats;
+    for (BoatSlot slot = 0; slot < kBoatCount; ++slot) {
+        BoatReading boat = ReadBoat(record, slot, now);
+        if (all || HasSomethingToTell(boat)) boats.push_back(std::move(boat));
+    }
+    return boats;
+}
+
+std::string AsJson(const std::vector<BoatReading>& boats) {
+    std::vector<Json> rows;
+    std::ranges::transform(boats, std::back_inserter(rows), JsonRow);
+    return JsonTable(rows);
+}
+
 }  // namespace
+
+std::string BoatsAsJson(CoreRecord& record, double now) { return AsJson(ReadBoats(record, now, false)); }
 
 Status ListBoats(System& system, const BoatsOptions& options) {
     Guest guest(system);
     if (!guest) return kFailed;
-    const double now = UtcNowDays(system.Core().clock);
-    std::vector<BoatReading> boats;
-    for (BoatSlot slot = 0; slot < kBoatCount; ++slot) {
-        BoatReading boat = ReadBoat(guest.Record(), slot, now);
-        if (options.all || HasSomethingToTell(boat)) boats.push_back(std::move(boat));
-    }
+    const auto boats = ReadBoats(guest.Record(), UtcNowDays(system.Core().clock), options.all);
     guest.Leave();
-    if (!options.json) return Print(system.GetConsole(), TextTable(boats));
-    std::vector<Json> rows;
-    std::ranges::transform(boats, std::back_inserter(rows), JsonRow);
-    return Print(system.GetConsole(), JsonTable(rows));
+    return Print(system.GetConsole(), options.json ? AsJson(boats) : TextTable(boats));
 }
 
 }  // namespace twr

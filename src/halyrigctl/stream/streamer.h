@@ -8,6 +8,7 @@
 
 #include "core/core.h"
 #include "halyrigctl/commands.h"
+#include "halyrigctl/output/guest.h"
 #include "streams/follower.h"
 #include "streams/outlet.h"
 #include "streams/stream_format.h"
@@ -17,7 +18,12 @@ namespace twr {
 class Streamer {
 public:
     Streamer(System& system, const StreamOptions& options)
-        : system_(system), options_(options), row_(StreamFormatOf(options.format)), format_(MakeFormat()) {}
+        : system_(system),
+          options_(options),
+          guest_(system),
+          row_(StreamFormatOf(options.format)),
+          format_(MakeFormat()),
+          beat_(system.Core().clock) {}
 
     // Streams until the user asks to stop, the options' time is over, or the outlet has nobody left. It outlives records: one that
     // is asked to close, or in which nobody publishes, is let go, and the next one joined; both are said on standard error.
@@ -34,30 +40,27 @@ public:
         if (follower_) follower_->Forget();
     }
 
-    const CCore* Core() const { return core_.get(); }  // of the record; nullptr while there is none
+    const CCore* Core() const { return guest_.Core(); }  // of the record; nullptr while there is none
 
 private:
     std::unique_ptr<StreamFormat> MakeFormat() const;
     bool Join();
     std::optional<FollowOptions> Chosen(const CCore& core);
     void LeaveIfNeeded();
-    void Leave(const char* why);
     void Look();
-    int UntilNext(int periodMs);
     bool Pause(Outlet& outlet, int periodMs);
     bool TimeIsOver() const { return options_.seconds && waited_ >= *options_.seconds * std::int64_t{1000}; }
 
     System& system_;
     const StreamOptions options_;
-    std::unique_ptr<CCore> core_;       // null while there is no record
+    LastingGuest guest_;
     std::optional<Follower> follower_;  // of that record
     const StreamFormatRow& row_;
     const std::unique_ptr<StreamFormat> format_;
-    std::string bytes_;        // of this look
-    std::string farewell_;     // of the record that was let go
-    std::int64_t due_ = 0;     // the next look, in ticks of the clock
+    std::string bytes_;     // of this look
+    std::string farewell_;  // of the record that was let go
+    Beat beat_;
     std::int64_t waited_ = 0;  // milliseconds
-    bool saysWaiting_ = false;
     Status status_ = kDone;
 };
 

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "halyrigctl/serve/signalk_talk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/days.h"
+#include "halyrigctl/output/json.h"
+#include "streams/iso_time.h"
+
+namespace twr {
+namespace {
+
+constexpr std::size_t kMostSubscriptions = 500;
+constexpr double kEarly = 0.05;  // seconds by which a look may come before its time
+
+std::string Refusal(const std::string& requestId, int status) {
+    return JsonLine({{"requestId", requestId}, {"state", "COMPLETED"}, {"statusCode", status}});
+}
+
+}  // namespace
+
+SignalKTalk::SignalKTalk(const Lookout& lookout, const SignalKTree& tree, const Target& target)
+    : lookout_(lookout),
+      tree_(tree),
+      sendsMeta_(target.Text("sendMeta") == "all"),
+      sendsKnown_(target.Text("sendCachedValues") != "false") {
+    const std::string subscribe = target.Text("subscribe", "self");
+    const std::string context = subscribe == "all" ? "*" : "vessels.self";
+    if (subscribe != "none") subscriptions_.push_back({context, "*", SignalKPolicy::kInstant});
+    std::string hello = R"({"name":"halyrig","version":"1.7.0","timestamp":")";
+    AppendIsoTime(hello, lookout.Time());
+    replies_.push_back(hello + R"(","self":")" + tree.ContextOf(0) + R"(","roles":["main"]})");
+    FollowNew();
+    if (!sendsKnown_) {
+        for (Followed& followed : followed_) followed.changes = followed.leaf->changes;
+    }
+}
+
+// An empty message only shows that the client is there.
+bool SignalKTalk::Hear(std::string_view message) {
+    if (message.find_first_not_of(" \r\n") == message.npos) return true;
+    auto said = ParseSignalK(message);
+    if (!said) return false;
+    if (said->refusal != 0) replies_.push_back(Refusal(said->requestId, said->refusal));
+    for (const SignalKSubscription& ended : said->unsubscribe) {
+        std::erase_if(subscriptions_, [&](const SignalKSubscription& one) {
+            return MatchesPattern(ended.context, one.context) && MatchesPattern(ended.path, one.path);
+        });
+    }
+    std::ranges::move(said->subscribe, std::back_inserter(subscriptions_));
+    // Each is followed as its last subscription wants it; what is no longer wanted is let go.
+    seen_ = 0;
+    return subscriptions_.size() <= kMostSubscriptions;
+}
+
+const SignalKSubscription* SignalKTalk::WantedAs(const SignalKLeaf& leaf) const {
+    const std::string context = tree_.ContextOf(leaf.boat);
+    const auto wants = [&](const SignalKSubscription& one) {
+        const bool boat = MatchesPattern(one.context, context) || (leaf.boat == 0 && one.context == "vessels.self");
+        return !context.empty() && boat && MatchesPattern(one.path, leaf.path->path);
+    };
+    const auto last = std::find_if(subscriptions_.rbegin(), subscriptions_.rend(), wants);
+    return last == subscriptions_.rend() ? nullptr : &*last;
+}
+
+// What is followed already goes on from where it is.
+void SignalKTalk::FollowNew() {
+    if (seen_ == tree_.Leaves().size()) return;
+    seen_ = tree_.Leaves().size();
+    std::vector<Followed> before = std::exchange(followed_, {});
+    for (const SignalKLeaf& leaf : tree_.Leaves()) {
+        const SignalKSubscription* as = WantedAs(leaf);
+        if (!as) continue;
+        const auto known = std::ranges::find(before, &leaf, &Followed::leaf);
+        followed_.push_back(known == before.end() ? Followed{&leaf, *as, 0} : *known);
+        followed_.back().as = *as;
+    }
+    std::ranges::stable_sort(followed_, {}, [](const Followed& one) { return one.leaf->boat; });
+}
+
+bool SignalKTalk::IsDue(const Followed& followed) const {
+    const double since = std::fabs(lookout_.Time() - followed.toldAt) * kSecondsPerDay + kEarly;
+    const bool changed = followed.changes != followed.leaf->changes;
+    const SignalKSubscription& as = followed.as;
+    if (as.policy == SignalKPolicy::kFixed) return since >= as.period;
+    return (changed && since >= as.minPeriod) || (as.policy == SignalKPolicy::kIdeal && since >= as.period);
+}
+
+// Values of the same millisecond share a timestamp.
+void SignalKTalk::Tell(Followed& followed, std::string& updates, std::string& meta, std::int64_t& millisecond) const {
+    const SignalKLeaf& leaf = *followed.leaf;
+    followed.changes = leaf.changes;
+    followed.toldAt = lookout_.Time();
+    if (sendsMeta_ && !std::exchange(followed.hasMeta, true)) {
+        const std::string ofLeaf = tree_.MetaOf(leaf);
+        if (!ofLeaf.empty())
+            ((((meta += meta.empty() ? R"({"path":")" : R"(,{"path":")") += leaf.path->path) += R"(","value":)") += ofLeaf) += '}';
+    }
+    const std::int64_t at = ToMillisecond(leaf.time);
+    if (updates.empty() || at != millisecond) {
+        updates += updates.empty() ? R"({"$source":"halyrig","timestamp":")" : R"(]},{"$source":"halyrig","timestamp":")";
+        AppendIsoTime(updates, leaf.time);
+        updates += R"(","values":[)";
+    } else {
+        updates += ',';
+    }
+    millisecond = at;
+    ((((updates += R"({"path":")") += leaf.path->path) += R"(","value":)") += leaf.value) += '}';
+}
+
+void SignalKTalk::Say(std::vector<WebMessage>& messages) {
+    const auto say = [&](std::string message) { messages.push_back(std::make_shared<const std::string>(std::move(message))); };
+    for (std::string& reply : std::exchange(replies_, {})) say(std::move(reply));
+    FollowNew();
+    std::string updates, meta;
+    std::int64_t millisecond = 0;
+    for (std::size_t i = 0; i < followed_.size(); ++i) {
+        Followed& followed = followed_[i];
+        if (IsDue(followed)) Tell(followed, updates, meta, millisecond);
+        const bool last = i + 1 == followed_.size() || followed_[i + 1].leaf->boat != followed.leaf->boat;
+        if (!last || updates.empty()) continue;
+        const std::string context = tree_.ContextOf(followed.leaf->boat);
+        if (!meta.empty()) meta = R"({"$source":"halyrig","meta":[)" + std::exchange(meta, {}) + "]},";
+        if (!context.empty()) say(R"({"context":")" + context + R"(","updates":[)" + meta + updates + "]}]}");
+        updates.clear();
+        meta.clear();
+    }
+}
+
+}  // namespace twr

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// A stream of Signal K: what a client subscribes to, as often as it wants it.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "halyrigctl/serve/messages.h"
+#include "halyrigctl/serve/signalk_tree.h"
+#include "halyrigctl/serve/target.h"
+#include "streams/web_server.h"
+
+namespace twr {
+
+class SignalKTalk : public WebTalk {
+public:
+    // As its address wants it: subscribe=self|all|none, sendMeta=all, sendCachedValues=false.
+    SignalKTalk(const Lookout& lookout, const SignalKTree& tree, const Target& target);
+
+    bool Hear(std::string_view message) override;
+    void Say(std::vector<WebMessage>& messages) override;
+
+private:
+    struct Followed {
+        const SignalKLeaf* leaf;
+        SignalKSubscription as;
+        std::uint64_t changes;  // as last told
+        double toldAt = 0.0;    // days
+        bool hasMeta = false;   // it was told
+    };
+
+    void FollowNew();
+    const SignalKSubscription* WantedAs(const SignalKLeaf& leaf) const;
+    bool IsDue(const Followed& followed) const;
+    void Tell(Followed& followed, std::string& updates, std::string& meta, std::int64_t& millisecond) const;
+
+    const Lookout& lookout_;
+    const SignalKTree& tree_;
+    std::vector<SignalKSubscription> subscriptions_;
+    std::vector<Followed> followed_;  // boat by boat
+    std::vector<std::string> replies_;
+    std::size_t seen_ = 0;  // leaves of the tree
+    const bool sendsMeta_;
+    const bool sendsKnown_;  // what was there before
+};
+
+}  // namespace twr

@@ -1,0 +1,349 @@
+// SPDX-License-Identifier: MIT
+// What halyrigctl serve answers and says, without a network.
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <thread>
+
+#include "ctl_fixture.h"
+#include "halyrigctl/serve/page_files.h"
+#include "halyrigctl/serve/page_talk.h"
+#include "halyrigctl/serve/signalk_talk.h"
+#include "halyrigctl/serve/site.h"
+
+namespace twr::testing {
+namespace {
+
+using Json = nlohmann::json;
+
+class ServeTest : public CtlTest {
+protected:
+    // The server as it is at its start.
+    struct Server {
+        explicit Server(System& system) : lookout(system), site(system, lookout, "") {}
+        Lookout lookout;
+        Site site;
+    };
+    void Restart() { server.emplace(*this), Look(); }
+    void Look() {
+        server->lookout.Look();
+        server->site.Take();
+    }
+    WebAnswer Get(std::string_view target, std::string_view method = "GET") {
+        return server->site.Answer({.method = method, .target = target, .host = "10.0.0.2:8377"});
+    }
+    Json Told(std::string_view target) { return Json::parse(Get(target).body); }
+    std::unique_ptr<WebTalk> Talk(std::string_view target) { return server->site.Talk({.method = "GET", .target = target}); }
+    static std::vector<Json> SaidBy(WebTalk& talk) {
+        std::vector<WebMessage> messages;
+        talk.Say(messages);
+        std::vector<Json> said;
+        for (const WebMessage& message : messages) said.push_back(Json::parse(*message));
+        return said;
+    }
+    // After a look.
+    std::string ValuesOf(WebTalk& talk) {
+        Look();
+        std::string list;
+        for (const Json& message : SaidBy(talk)) {
+            for (const Json& value : message["values"]) {
+                list += std::to_string(value["id"].get<int>()) + ":" + value["state"].get<std::string>() + ":" +
+                        value["text"].dump() + " ";
+            }
+        }
+        return list;
+    }
+    // After a look: the paths of what is said, with their values.
+    std::string DeltasOf(WebTalk& talk) {
+        Look();
+        std::string list;
+        for (const Json& message : SaidBy(talk)) {
+            for (const Json& update : message.value("updates", Json::array())) {
+                for (const Json& pair : update.value("values", Json::array()))
+                    list += pair["path"].get<std::string>() + "=" + pair["value"].dump() + " ";
+            }
+        }
+        return list;
+    }
+
+    std::optional<Server> server{std::in_place, *this};
+};
+
+TEST(ServeWords, TargetsAreTakenApartOrRefused) {
+    const struct {
+        const char *target, *path, *name, *text;
+    } rows[] = {{"/", "/", "", ""},
+                {"/a%2Fb%20c?x=1+2&y", "/a/b c", "x", "1 2"},
+                {"/a?x=1&x=%32", "/a", "x", "2"},
+                {"/a?=&&x=%e2%82%ac", "/a", "x", "€"},
+                {"a", nullptr, "", ""},
+                {"", nullptr, "", ""},
+                {"http://10.0.0.2/", nullptr, "", ""},
+                {"/%", nullptr, "", ""},
+                {"/%4", nullptr, "", ""},
+                {"/?x=%g0", nullptr, "", ""},
+                {"/%-1", nullptr, "", ""}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.target);
+        const auto target = ParseTarget(row.target);
+        ASSERT_EQ(row.path != nullptr, target.has_value());
+        if (!target) continue;
+        EXPECT_EQ(row.path, target->path);
+        EXPECT_EQ(row.text, target->Text(row.name));
+    }
+    const auto target = ParseTarget("/?a=13&b=-1&c=414&d=13x&e=&f=4294967297");
+    EXPECT_EQ(13u, target->Number("a", 414));
+    EXPECT_EQ(7u, target->Number("none", 414, 7));
+    for (const char* name : {"b", "c", "d", "e", "f", "none"}) EXPECT_FALSE(target->Number(name, 414)) << name;
+}
+
+TEST(ServeWords, WhatAPageWatchesExists) {
+    const struct {
+        const char* message;
+        int places;  // -1 for none at all
+    } rows[] = {{R"({"watch":[]})", 0},
+                {R"({"watch":[[1,0],[413,99]]})", 2},
+                {R"({"watch":[[414,0]]})", -1},
+                {R"({"watch":[[1,100]]})", -1},
+                {R"({"watch":[[1]]})", -1},
+                {R"({"watch":[[1.5,0]]})", -1},
+                {R"({"watch":[[-1,0]]})", -1},
+                {R"({"watch":{}})", -1},
+                {R"({})", -1},
+                {R"([[1,0]])", -1},
+                {"", -1},
+                {"\xff", -1},
+                {R"({"watch":[["1","0"]]})", -1}};
+    for (const auto& [message, places] : rows) {
+        const auto parsed = ParseWatch(message);
+        EXPECT_EQ(places, parsed ? static_cast<int>(parsed->size()) : -1) << message;
+    }
+}
+
+TEST(ServeWords, PatternsOfSignalK) {
+    const struct {
+        const char *pattern, *text;
+        bool matches;
+    } rows[] = {{"*", "", true},
+                {"*", "navigation.position", true},
+                {"navigation.*", "navigation.position", true},
+                {"navigation.*", "navigation", false},
+                {"*.temperature", "propulsion.1.oil.temperature", true},
+                {"propulsion.*.oilTemperature", "propulsion.1.oilTemperature", true},
+                {"propulsion.*.oilTemperature", "propulsion.1.oilPressure", false},
+                {"navigation.speed", "navigation.speedOverGround", false},
+                {"", "", true},
+                {"", "a", false},
+                {"a*b*c", "abcbcc", true},
+                {"a*b*c", "abcbcd", false}};
+    for (const auto& [pattern, text, matches] : rows) EXPECT_EQ(matches, MatchesPattern(pattern, text)) << pattern << " " << text;
+}
+
+TEST(ServeWords, MessagesOfSignalK) {
+    const auto said = ParseSignalK(
+        R"({"context":"*","subscribe":[{"path":"a.b","period":2000,"minPeriod":200,"policy":"fixed"},{"path":"c"},{"period":1},7],)"
+        R"("unsubscribe":[{"path":"*"}]})");
+    ASSERT_TRUE(said);
+    const std::vector<SignalKSubscription> expected = {{"*", "a.b", SignalKPolicy::kFixed, 2.0, 0.2}, {"*", "c"}};
+    EXPECT_EQ(expected, said->subscribe);
+    EXPECT_EQ(1u, said->unsubscribe.size());
+    EXPECT_EQ(405, ParseSignalK(R"({"requestId":"1","put":{}})")->refusal);
+    EXPECT_EQ(501, ParseSignalK(R"({"requestId":"1","login":{}})")->refusal);
+    EXPECT_EQ("vessels.self", ParseSignalK(R"({"context":{"radius":1},"subscribe":[{"path":"a"}]})")->subscribe[0].context);
+    for (const char* none : {"", "[]", "7", "{", "\xff"}) EXPECT_FALSE(ParseSignalK(none)) << none;
+}
+
+TEST_F(ServeTest, AnswersWhatItHasAndRefusesTheRest) {
+    const struct {
+        const char *method, *target;
+        int without, with;  // status, without and with a record
+    } rows[] = {{"GET", "/", 200, 200},
+                {"HEAD", "/page/app.js", 200, 200},
+                {"GET", "/page/third_party/uplot/uPlot.min.css", 200, 200},
+                {"GET", "/page/../serve.cc", 404, 404},
+                {"GET", "/page/%2e%2e/%2e%2e/etc/passwd", 404, 404},
+                {"GET", "/page//etc/passwd", 404, 404},
+                {"GET", "/page/", 404, 404},
+                {"GET", "/etc/passwd", 404, 404},
+                {"GET", "*", 400, 400},
+                {"GET", "/%zz", 400, 400},
+                {"POST", "/", 405, 405},
+                {"DELETE", "/halyrig/v1/channels", 405, 405},
+                {"PUT", "/signalk/v1/api/vessels/self/steering/rudderAngle", 405, 405},
+                {"POST", "/signalk/v1/auth/login", 501, 501},
+                {"GET", "/halyrig/v1/channels", 503, 200},
+                {"GET", "/halyrig/v1/boats", 503, 200},
+                {"GET", "/halyrig/v1/check", 200, 200},
+                {"GET", "/halyrig/v1/explain?channel=13", 503, 200},
+                {"GET", "/halyrig/v1/explain?channel=13&boat=0", 503, 200},
+                {"GET", "/halyrig/v1/explain?channel=414", 404, 404},
+                {"GET", "/halyrig/v1/explain", 404, 404},
+                {"GET", "/halyrig/v1/history?channel=1&boat=100", 404, 404},
+                {"GET", "/halyrig/v1/history?channel=1", 503, 200},
+                {"GET", "/halyrig/v1/history?channel=117", 503, 200},
+                {"GET", "/halyrig/v1/secrets", 404, 404},
+                {"GET", "/signalk", 200, 200},
+                {"GET", "/signalk/v1/api", 200, 200},
+                {"GET", "/signalk/v1/api/", 200, 200},
+                {"GET", "/signalk/v1/apis", 404, 404},
+                {"GET", "/signalk/v1/api/vessels/self/navigation/speedThroughWater/value", 404, 200},
+                {"GET", "/signalk/v1/api/vessels/self/navigation/nothing", 404, 404}};
+    const auto ask = [&](bool with) {
+        Restart();
+        for (const auto& row : rows) {
+            const WebAnswer answer = Get(row.target, row.method);
+            EXPECT_EQ(with ? row.with : row.without, answer.status) << row.method << " " << row.target << " " << answer.body;
+            EXPECT_EQ(answer.status >= 400, answer.body.starts_with("{\"error\":\"")) << row.target;
+        }
+    };
+    ask(false);
+    StartSuite();
+    Publish(kBsp, 6.5);
+    ask(true);
+}
+
+TEST_F(ServeTest, FilesOfThePageAreTypedAndKnownAgain) {
+    std::size_t packed = 0;
+    for (const PageFile& file : PageFiles()) {
+        packed += file.bytes.size();
+        const std::string target = "/page/" + std::string(file.name);
+        const WebAnswer answer = server->site.Answer({.method = "GET", .target = target, .takesGzip = true});
+        EXPECT_EQ(file.bytes, answer.body);
+        EXPECT_TRUE(answer.packed);
+        EXPECT_EQ(file.tag, answer.tag);
+    }
+    EXPECT_LT(packed, 150'000u);
+    const WebAnswer plain = Get("/page/app.js");
+    EXPECT_FALSE(plain.packed);
+    EXPECT_EQ("text/javascript", plain.type);
+    EXPECT_EQ(0u, plain.body.find("// SPDX"));
+    EXPECT_EQ("application/manifest+json", Get("/page/manifest.webmanifest").type);
+}
+
+TEST_F(ServeTest, ThePageHearsEachChangeAndEveryStateOfWhatItWatches) {
+    StartSuite();
+    Publish(kBsp, 6.5);
+    Publish(kTws, 12.0, 11.0);
+    Restart();
+    const auto talk = Talk("/halyrig/v1/stream");
+    EXPECT_EQ(1u, SaidBy(*talk).size()) << "that nothing is watched yet, but the server is there";
+    ASSERT_TRUE(talk->Hear(R"({"watch":[[1,0],[5,0],[13,0],[18,50]]})"));
+    EXPECT_EQ("1:fresh:\"6.50\" 5:stale:null 13:missing:null 18:missing:null ", ValuesOf(*talk));
+    EXPECT_EQ("", ValuesOf(*talk)) << "nothing has changed";
+    Publish(kBsp, 6.501);
+    EXPECT_EQ("", ValuesOf(*talk)) << "nor has what is shown, and its age is known for a second";
+    Publish(kBsp, 7.0), Publish(kHdg, 90.0);
+    EXPECT_EQ("1:fresh:\"7.00\" 13:fresh:\"090\" ", ValuesOf(*talk));
+    Publish(kBsp, kNoValue);
+    EXPECT_EQ("1:missing:null ", ValuesOf(*talk));
+    ASSERT_TRUE(talk->Hear(R"({"watch":[[13,0]]})"));
+    EXPECT_EQ("13:fresh:\"090\" ", ValuesOf(*talk)) << "all that is watched, changed or not";
+    EXPECT_FALSE(talk->Hear("{}"));
+}
+
+TEST_F(ServeTest, ItSaysHowTheBridgeIsAndLetsGoOfARecordThatCloses) {
+    const auto talk = Talk("/halyrig/v1/stream");
+    const auto bridge = [&] {
+        Look();
+        const auto said = SaidBy(*talk);
+        return said.empty() ? std::string("as before") : said[0]["bridge"].get<std::string>();
+    };
+    EXPECT_EQ("none", bridge());
+    StartSuite();
+    Publish(kBsp, 6.5);
+    Restart();
+    const auto later = Talk("/halyrig/v1/stream");
+    later->Hear(R"({"watch":[[1,0]]})");
+    const auto laterBridge = [&] {
+        Look();
+        const auto said = SaidBy(*later);
+        return said.empty() ? Json("as before") : Json::array({said[0]["bridge"], said[0]["values"].size()});
+    };
+    EXPECT_EQ(Json::array({"stopped", 1}), laterBridge());
+    {
+        const RunningBridge running(test);
+        EXPECT_EQ(Json::array({"running", 0}), laterBridge()) << "told at once, with nothing else to tell";
+        EXPECT_EQ("as before", laterBridge());
+    }
+    EXPECT_EQ(Json::array({"stopped", 0}), laterBridge());
+    Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1});
+    EXPECT_EQ(Json::array({"none", 1}), laterBridge()) << "the value is missing";
+    suite.reset();
+    EXPECT_FALSE(Held()) << "the guest would keep the request alive";
+}
+
+TEST_F(ServeTest, TheLastTenMinutesAreInTheUsersUnits) {
+    StartSuite();
+    Put(suite->View()->sysFlag[kFlagMagnetic], std::uint8_t{1});
+    Publish(kHdg, 350.0), Publish(kTmToGun, 90.0 / 86400);
+    Restart();
+    std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+    Publish(kHdg, 10.0);
+    Look();
+    const Json points = Told("/halyrig/v1/history?channel=13")["points"];
+    ASSERT_EQ(2u, points.size()) << points;
+    EXPECT_EQ(350.0, points[0][1]);
+    EXPECT_EQ(10.0, points[1][1]);
+    EXPECT_NEAR(90.0, Told("/halyrig/v1/history?channel=204")["points"][0][1].get<double>(), 1e-6) << "seconds";
+    const auto talk = Talk("/halyrig/v1/stream");
+    talk->Hear(R"({"watch":[[13,0]]})");
+    EXPECT_EQ(Json::parse(R"(["350","010"])"), SaidBy(*talk)[0]["values"][0]["spark"]) << "as one turns";
+}
+
+TEST_F(ServeTest, SignalKIsToldAsItIsSubscribed) {
+    StartSuite();
+    Publish(kBsp, 1.0), Publish(kUser0, 2.0), Publish(kForestay, 3.0);
+    Restart();
+    const auto instant = Talk("/signalk/v1/stream?sendMeta=all"), none = Talk("/signalk/v1/stream?subscribe=none");
+    const auto hello = SaidBy(*none);
+    ASSERT_EQ(1u, hello.size());
+    EXPECT_EQ(Told("/signalk/v1/api")["self"], hello[0]["self"]);
+    EXPECT_EQ("1.7.0", hello[0]["version"]);
+    const auto first = SaidBy(*instant);
+    ASSERT_EQ(2u, first.size()) << "the hello, and what is known";
+    EXPECT_EQ(hello[0]["self"], first[1]["context"]);
+    const std::string said = first[1].dump();
+    ExpectIn(said, {R"({"path":"navigation.speedThroughWater","value":0.5144444444444445})",
+                    R"({"path":"halyrig.user0","value":{"description":"User 0","displayName":"User 0"}})",
+                    R"({"path":"halyrig.forestay","value":3})"});
+    EXPECT_EQ("", DeltasOf(*instant));
+    none->Hear(R"({"context":"vessels.self","subscribe":[{"path":"navigation.*","policy":"instant","minPeriod":60000}]})");
+    EXPECT_EQ("navigation.speedThroughWater=0.5144444444444445 ", DeltasOf(*none)) << "what is known";
+    Publish(kBsp, 3600.0 / 1852), Publish(kUser0, kNoValue);
+    EXPECT_EQ("navigation.speedThroughWater=1 halyrig.user0=null ", DeltasOf(*instant));
+    EXPECT_EQ("", DeltasOf(*none)) << "not yet";
+    instant->Hear(R"({"context":"*","unsubscribe":[{"path":"*"}]})");
+    Publish(kBsp, 2.0);
+    EXPECT_EQ("", DeltasOf(*instant));
+    none->Hear(R"({"requestId":"7","put":{"path":"a","value":1}})");
+    EXPECT_EQ(405, SaidBy(*none)[0]["statusCode"]);
+    EXPECT_EQ("m/s", Told("/signalk/v1/api/vessels/self/navigation/speedThroughWater/meta/units"));
+}
+
+TEST_F(ServeTest, EveryChannelHasItsOwnPathOfSignalK) {
+    std::map<std::string, int> paths;
+    for (const SignalKPath& path : SignalKPaths()) {
+        ++paths[path.path];
+        const std::string name = IsOurs(path) ? std::string(path.path).substr(8) : "";
+        EXPECT_TRUE(std::ranges::all_of(name, [](char c) { return c > 0 && std::isalnum(c) != 0; })) << name;
+    }
+    for (const auto& [path, count] : paths) EXPECT_EQ(1, count) << path;
+    const struct {
+        const char16_t* name;
+        const char* path;
+    } rows[] = {{u"PolBsp%", "polBspPercent"},
+                {u"TWD+90", "twdPlus90"},
+                {u"TWDPeriod", "twdPeriod"},
+                {u"FStayLen", "fStayLen"},
+                {u"P burn", "pBurn"},
+                {u"D0 P", "d0P"},
+                {u"XTE", "xte"},
+                {u"dTargBsp", "dTargBsp"}};
+    for (const auto& [name, path] : rows) EXPECT_EQ(path, SignalKName(name));
+}
+
+}  // namespace
+}  // namespace twr::testing

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+// Signal K as its own library for clients finds it: by the same environment as page_test.mjs.
+
+import assert from 'node:assert/strict';
+import {once} from 'node:events';
+import {after, before, test} from 'node:test';
+
+import signalk from '@signalk/client';
+
+import {Program} from './programs.mjs';
+
+const Client = signalk.Client ?? signalk.default ?? signalk;
+const url = new URL(process.env.PAGE_URL);
+const bridge = new Program(process.env.PAGE_BRIDGE), server = new Program(process.env.PAGE_SERVER);
+const options = {hostname: url.hostname, port: Number(url.port), useTLS: false, reconnect: false, autoConnect: false, notifications: false};
+const api = (path, how) => fetch(`${url.origin}/signalk${path}`, how);
+
+let clients = [];
+
+async function connect(more) {
+  const client = new Client({...options, ...more});
+  clients.push(client);
+  const told = once(client, 'connectionInfo');
+  await client.connect();
+  return {client, hello: (await told)[0]};
+}
+
+// The first values of these paths that a client is told.
+async function valuesOf(client, paths, act = () => {}) {
+  const values = {}, missing = new Set(paths);
+  const all = new Promise((done) => client.on('delta', ({context, updates = []}) => {
+    for (const {path, value} of updates.flatMap(({values: told = []}) => told)) {
+      if (value === null || !missing.delete(path)) continue;
+      values[path] = {value, context};
+      if (missing.size === 0) done();
+    }
+  }));
+  await act();
+  await all;
+  return values;
+}
+
+before(async () => {
+  bridge.start();
+  server.start();
+  const there = () => api('/v1/api/vessels/self/navigation/headingMagnetic').then(({ok}) => ok, () => false);
+  while (!await there()) await new Promise((wait) => setTimeout(wait, 200));
+});
+
+after(async () => {
+  for (const client of clients) await client.disconnect();
+  await server.kill();
+  await bridge.kill();
+});
+
+test('the server is discovered, and its addresses lead to it', async () => {
+  const {endpoints: {v1}, server: {id}} = await (await api('')).json();
+  assert.equal(id, 'halyrig');
+  assert.equal(v1['signalk-http'], `${url.origin}/signalk/v1/api/`);
+  assert.equal(v1['signalk-ws'], `ws://${url.host}/signalk/v1/stream`);
+  const {self, vessels, version} = await (await fetch(v1['signalk-http'])).json();
+  assert.equal(version, '1.7.0');
+  assert.equal(typeof vessels[self.replace('vessels.', '')].navigation.headingMagnetic.value, 'number');
+});
+
+test('the library for clients reads paths, and a stream of all that the own boat has', async () => {
+  const {client, hello} = await connect({deltaStreamBehaviour: 'self', sendMeta: 'all'});
+  const paths = ['navigation.speedThroughWater', 'environment.wind.speedApparent', 'navigation.position'];
+  const values = await valuesOf(client, paths);
+  for (const path of paths) assert.equal(values[path].context, hello.self);
+  assert.ok(values['navigation.position'].value.latitude > -90);
+  const speed = await (await client.API()).get('/vessels/self/navigation/speedThroughWater');
+  assert.equal(speed.meta.units, 'm/s');
+  assert.ok(speed.value > 0 && speed.value < 20);
+});
+
+test('it subscribes to what it wants, and is told nothing else', async () => {
+  const {client} = await connect({deltaStreamBehaviour: 'none'});
+  const told = new Set();
+  client.on('delta', ({updates = []}) => updates.flatMap(({values = []}) => values).forEach(({path}) => told.add(path)));
+  await valuesOf(client, ['environment.wind.angleApparent', 'environment.wind.speedApparent'],
+                 () => client.subscribe([{context: 'vessels.self', subscribe: [{path: 'environment.wind.*', policy: 'instant'}]}]));
+  assert.ok([...told].every((path) => path.startsWith('environment.wind.')), [...told].join());
+});
+
+test('nothing can be written, and nobody logs in', async () => {
+  assert.equal((await api('/v1/api/vessels/self/steering/rudderAngle', {method: 'PUT', body: '{"value":1}'})).status, 405);
+  assert.equal((await api('/v1/auth/login', {method: 'POST', body: '{}'})).status, 501);
+  assert.equal((await api('/v1/api/vessels/self/nothing')).status, 404);
+});

@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: MIT
+// The server's manners towards clients good and bad; the test is the clients, of plain sockets.
+#include "streams/web_server.h"
+
+#include <gtest/gtest.h>
+
+#include <asio/io_context.hpp>
+#include <asio/ip/tcp.hpp>
+#include <asio/read.hpp>
+#include <asio/write.hpp>
+#include <list>
+
+namespace twr::testing {
+namespace {
+
+using asio::ip::tcp;
+
+TEST(WebGuardTest, AdmitsOnlyWhoNamesThisMachineAndComesFromIt) {
+    const struct {
+        const char *host, *origin;
+        bool admitted;
+    } rows[] = {{"127.0.0.1:8377", "", true},
+                {"192.168.1.10", "", true},
+                {"203.0.113.5:8377", "", true},
+                {"[::1]:8377", "", true},
+                {"[fe80::1]", "", true},
+                {"localhost", "", true},
+                {"NAV:8377", "", true},
+                {"nav.local", "", true},
+                {"nav.harbour.example", "", true},
+                {"nav.evil.example", "", false},
+                {"evil.example:8377", "", false},
+                {"", "", false},
+                {"127.0.0.1.evil.example", "", false},
+                {"127.0.0.1:8377; script-src *", "", false},
+                {"[::1", "", false},
+                {"[::1]x", "", false},
+                {"127.0.0.1", "http://127.0.0.1", true},
+                {"10.0.0.2:8377", "http://10.0.0.2:8377", true},
+                {"203.0.113.5:8377", "http://203.0.113.5:8377", true},
+                {"10.0.0.2:8377", "http://192.168.7.7:3000", true},
+                {"10.0.0.2:8377", "http://[fd00::7]", true},
+                {"10.0.0.2:8377", "http://nav.local", true},
+                {"10.0.0.2:8377", "https://kip.example", true},
+                {"10.0.0.2:8377", "https://kip.example:444", false},
+                {"10.0.0.2:8377", "http://203.0.113.5", false},
+                {"10.0.0.2:8377", "https://evil.example", false},
+                {"10.0.0.2:8377", "http://10.0.0.2.evil.example", false},
+                {"10.0.0.2:8377", "null", false}};
+    const WebGuard guard("nav.harbour.example", "https://kip.example");
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.admitted, guard.Admits({.host = row.host, .origin = row.origin})) << row.host << " from " << row.origin;
+    }
+    EXPECT_TRUE(WebGuard("", "*").Admits({.host = "10.0.0.2", .origin = "https://evil.example"}));
+    EXPECT_FALSE(WebGuard("", {}).Admits({.host = ".local"}));
+}
+
+// Says its message at each beat, and what it hears once more.
+struct StubTalk : WebTalk {
+    explicit StubTalk(const WebMessage& ofSite) : message(ofSite) {}
+    bool Hear(std::string_view said) override {
+        heard = said;
+        return said != "end";
+    }
+    void Say(std::vector<WebMessage>& messages) override {
+        if (message) messages.push_back(message);
+        if (!heard.empty()) messages.push_back(std::make_shared<const std::string>(std::exchange(heard, {})));
+    }
+    const WebMessage& message;
+    std::string heard;
+};
+
+struct StubSite : WebSite {
+    WebAnswer Answer(const WebRequest& request) override {
+        if (request.method == "POST") return {.status = 405, .body = "{}"};
+        return {.type = "text/plain", .body = std::string(request.target), .tag = "\"1\""};
+    }
+    std::unique_ptr<WebTalk> Talk(const WebRequest& request) override {
+        return request.target == "/talk" ? std::make_unique<StubTalk>(message) : nullptr;
+    }
+    WebMessage message;
+};
+
+class WebServerTest : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ("", server.Listen({"127.0.0.1", 0}, {})); }
+
+    struct Client {
+        explicit Client(asio::io_context& context) : socket(context) {}
+        tcp::socket socket;
+        std::string got;
+        bool ended = false;
+
+        void Put(const std::string& bytes) {
+            asio::error_code gone;
+            asio::write(socket, asio::buffer(bytes), gone);
+        }
+        void Read() {
+            char bytes[65'536];
+            asio::error_code error;
+            for (std::size_t count = 1; count > 0 && !ended;) {
+                count = socket.read_some(asio::buffer(bytes), error);
+                got.append(bytes, count);
+                ended = error && error != asio::error::would_block;
+            }
+        }
+    };
+    Client& Connect() {
+        Client& client = clients.emplace_back(context);
+        client.socket.connect({asio::ip::address_v4::loopback(), server.At().port});
+        client.socket.non_blocking(true);
+        return client;
+    }
+    // Lets the server work until it is so, or it is clear that it never will be.
+    template <class Condition>
+    bool Until(Condition condition) {
+        for (int i = 0; i < 2'000; ++i) {
+            if (condition()) return true;
+            server.Serve(std::chrono::milliseconds(5));
+        }
+        return false;
+    }
+    Client& Talk() {
+        Client& client = Connect();
+        client.Put(
+            "GET /talk HTTP/1.1\r\nHost: 127.0.0.1\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
+            "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\nSec-WebSocket-Version: 13\r\n\r\n");
+        EXPECT_TRUE(Until([&] { return client.Read(), client.got.find("\r\n\r\n") != std::string::npos; }));
+        EXPECT_EQ(0u, client.got.find("HTTP/1.1 101")) << client.got;
+        client.got.clear();
+        return client;
+    }
+    // Of text, masked by zeros.
+    static std::string Frame(const std::string& text) {
+        std::string frame = "\x81";
+        if (text.size() < 126) {
+            frame += static_cast<char>(0x80 | text.size());
+        } else {
+            frame += '\xFE';
+            frame += static_cast<char>(text.size() >> 8);
+            frame += static_cast<char>(text.size() & 0xFF);
+        }
+        return frame + std::string(4, '\0') + text;
+    }
+
+    StubSite site;
+    WebServer server{site};
+    asio::io_context context;
+    std::list<Client> clients;
+};
+
+TEST_F(WebServerTest, AnswersARequestAndRefusesABadOne) {
+    const std::string host = "Host: 127.0.0.1\r\n";
+    const struct {
+        std::string request;
+        const char *answer, *holds, *lacks;
+        bool ends;
+    } rows[] = {{"GET /a HTTP/1.1\r\n" + host + "\r\n", "HTTP/1.1 200", "\r\n\r\n/a", "Access-Control", false},
+                {"GET /a HTTP/1.0\r\n" + host + "\r\n", "HTTP/1.1 200", "/a", "", true},
+                {"HEAD /a HTTP/1.1\r\n" + host + "\r\n", "HTTP/1.1 200", "Content-Length: 2", "\r\n\r\n/a", false},
+                {"GET /a HTTP/1.1\r\n" + host + "If-None-Match: \"1\"\r\n\r\n", "HTTP/1.1 304", "ETag: \"1\"", "/a", false},
+                {"GET /a HTTP/1.1\r\n" + host + "\r\n", "HTTP/1.1 200", "Content-Security-Policy: default-src 'self';", "", false},
+                {"GET /a HTTP/1.1\r\n" + host + "\r\n", "HTTP/1.1 200", "X-Content-Type-Options: nosniff", "", false},
+                {"POST /a HTTP/1.1\r\n" + host + "Content-Length: 5\r\n\r\nabcde", "HTTP/1.1 405", "Allow: GET, HEAD", "", true},
+                {"GET /a HTTP/1.1\r\n\r\n", "HTTP/1.1 403", "address", "", true},
+                {"GET /a HTTP/1.1\r\n" + host + host + "\r\n", "HTTP/1.1 403", "", "/a", true},
+                {"GET /a HTTP/1.1\r\nHost: evil.example\r\n\r\n", "HTTP/1.1 403", "", "evil", true},
+                {"GET /a HTTP/1.1\r\n" + host + "Origin: http://evil.example\r\n\r\n", "HTTP/1.1 403", "", "evil", true},
+                {"GET /none HTTP/1.1\r\n" + host +
+                     "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n"
+                     "Sec-WebSocket-Version: 13\r\n\r\n",
+                 "HTTP/1.1 404", "", "", true},
+                {"GET /a HTTP/1.1\r\n" + host + "X: " + std::string(9'000, 'x') + "\r\n\r\n", "HTTP/1.1 431", "", "", true},
+                {std::string("\x16\x03\x01\x00\x05 TLS\r\n\r\n", 13), "HTTP/1.1 400", "", "", true}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.request.substr(0, 120));
+        Client& client = Connect();
+        client.Put(row.request);
+        EXPECT_TRUE(Until([&] { return client.Read(), row.ends ? client.ended : client.got.find("\r\n\r\n") != client.got.npos; }));
+        EXPECT_EQ(0u, client.got.find(row.answer)) << client.got;
+        EXPECT_NE(client.got.npos, client.got.find(row.holds)) << client.got;
+        if (*row.lacks != 0) {
+            EXPECT_EQ(client.got.npos, client.got.find(row.lacks)) << client.got;
+        }
+        EXPECT_EQ(row.ends, client.ended);
+    }
+}
+
+TEST_F(WebServerTest, DropsWhoDoesNotReadAndTheOthersLoseNothing) {
+    site.message = std::make_shared<const std::string>(50'000, 'x');
+    Client& slow = Talk();
+    Client& good = Talk();
+    std::size_t said = 0;
+    EXPECT_TRUE(Until([&] {
+        server.SayAll();
+        ++said;
+        server.Serve(std::chrono::milliseconds(1));
+        good.Read();
+        return server.Clients() == 1;
+    }));
+    site.message = nullptr;
+    EXPECT_TRUE(Until([&] { return good.Read(), good.got.size() == said * (50'000 + 4); })) << good.got.size() << " of " << said;
+    slow.Read();
+    EXPECT_TRUE(Until([&] { return slow.Read(), slow.ended; }));
+}
+
+TEST_F(WebServerTest, HearsWholeMessagesAndDropsWhoBreaksTheRules) {
+    const struct {
+        const char* what;
+        std::string bytes;
+        bool stays;
+    } rows[] = {{"a message", Frame("hello"), true},
+                {"in two parts", std::string("\x01\x82\0\0\0\0he\x80\x83\0\0\0\0llo", 17), true},
+                {"the longest", Frame(std::string(16'384, 'x')), true},
+                {"too long", Frame(std::string(16'385, 'x')), false},
+                {"without a mask", "\x81\x05hello", false},
+                {"no frame", std::string(64, '\xFF'), false},
+                {"a request", "GET / HTTP/1.1\r\n\r\n", false},
+                {"what the site does not want", Frame("end"), false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        Client& client = Talk();
+        // Torn anywhere.
+        client.Put(row.bytes.substr(0, 3));
+        server.Serve(std::chrono::milliseconds(2));
+        client.Put(row.bytes.substr(3));
+        EXPECT_TRUE(Until([&] { return server.SayAll(), client.Read(), row.stays ? !client.got.empty() : client.ended; }));
+        EXPECT_EQ(!row.stays, client.ended);
+        client.socket.close();
+        EXPECT_TRUE(Until([&] { return server.SayAll(), server.Clients() == 0; }));
+    }
+}
+
+TEST_F(WebServerTest, AFloodIsHeardSlowlyAndMoreClientsThanFitAreLetGo) {
+    Client& flood = Talk();
+    std::string many;
+    for (int i = 0; i < 1'000; ++i) many += Frame("x");
+    flood.Put(many);
+    server.Serve(std::chrono::milliseconds(50));
+    server.SayAll();
+    EXPECT_TRUE(Until([&] { return flood.Read(), !flood.got.empty(); })) << "once for all that it has heard";
+    for (std::size_t i = server.Clients(); i < WebServer::kMostClients; ++i) Connect();
+    EXPECT_TRUE(Until([&] { return server.Clients() == WebServer::kMostClients; }));
+    Client& over = Connect();
+    EXPECT_TRUE(Until([&] { return over.Read(), over.ended; }));
+    EXPECT_EQ("", over.got);
+    clients.clear();
+    EXPECT_TRUE(Until([&] { return server.SayAll(), server.Clients() == 0; }));
+}
+
+}  // namespace
+}  // namespace twr::testing
