@@ -43,6 +43,7 @@ bool SignalKTalk::Hear(std::string_view message) {
     if (message.find_first_not_of(" \r\n") == message.npos) return true;
     auto said = ParseSignalK(message);
     if (!said) return false;
+    LeaveStep();
     if (said->refusal != 0) replies_.push_back(Refusal(said->requestId, said->refusal));
     for (const SignalKSubscription& ended : said->unsubscribe) {
         std::erase_if(subscriptions_, [&](const SignalKSubscription& one) {
@@ -88,45 +89,50 @@ bool SignalKTalk::IsDue(const Followed& followed) const {
     return (changed && since >= as.minPeriod) || (as.policy == SignalKPolicy::kIdeal && since >= as.period);
 }
 
-// Values of the same millisecond share a timestamp.
-void SignalKTalk::Tell(Followed& followed, std::string& updates, std::string& meta, std::int64_t& millisecond) const {
+void SignalKTalk::Tell(Followed& followed, SignalKUpdates& updates, std::string& meta) const {
     const SignalKLeaf& leaf = *followed.leaf;
     followed.changes = leaf.changes;
     followed.toldAt = lookout_.Time();
-    if (sendsMeta_ && !std::exchange(followed.hasMeta, true)) {
-        const std::string ofLeaf = tree_.MetaOf(leaf);
-        if (!ofLeaf.empty())
-            ((((meta += meta.empty() ? R"({"path":")" : R"(,{"path":")") += leaf.path->path) += R"(","value":)") += ofLeaf) += '}';
-    }
-    const std::int64_t at = ToMillisecond(leaf.time);
-    if (updates.empty() || at != millisecond) {
-        updates += updates.empty() ? R"({"$source":"halyrig","timestamp":")" : R"(]},{"$source":"halyrig","timestamp":")";
-        AppendIsoTime(updates, leaf.time);
-        updates += R"(","values":[)";
-    } else {
-        updates += ',';
-    }
-    millisecond = at;
-    ((((updates += R"({"path":")") += leaf.path->path) += R"(","value":)") += leaf.value) += '}';
+    updates.Add(leaf);
+    if (!sendsMeta_ || std::exchange(followed.hasMeta, true)) return;
+    const std::string ofLeaf = tree_.MetaOf(leaf);
+    if (ofLeaf.empty()) return;
+    ((((meta += meta.empty() ? R"({"path":")" : R"(,{"path":")") += leaf.path->path) += R"(","value":)") += ofLeaf) += '}';
+}
+
+// As without a word about it.
+bool SignalKTalk::WantsEachChange() const {
+    const SignalKSubscription each{"vessels.self", "*", SignalKPolicy::kInstant};
+    return sendsKnown_ && subscriptions_.size() == 1 && subscriptions_.front() == each;
+}
+
+// All was told up to the last look.
+void SignalKTalk::LeaveStep() {
+    if (!std::exchange(inStep_, false)) return;
+    for (Followed& followed : followed_) followed.changes = followed.leaf->changes;
 }
 
 void SignalKTalk::Say(std::vector<WebMessage>& messages) {
-    const auto say = [&](std::string message) { messages.push_back(std::make_shared<const std::string>(std::move(message))); };
-    for (std::string& reply : std::exchange(replies_, {})) say(std::move(reply));
+    for (std::string& reply : std::exchange(replies_, {}))
+        messages.push_back(std::make_shared<const std::string>(std::move(reply)));
+    const bool grown = seen_ != tree_.Leaves().size();
+    if (inStep_ && !grown) {
+        if (tree_.OwnChanges()) messages.push_back(tree_.OwnChanges());
+        return;
+    }
     FollowNew();
-    std::string updates, meta;
-    std::int64_t millisecond = 0;
+    SignalKUpdates updates;
+    std::string meta;
     for (std::size_t i = 0; i < followed_.size(); ++i) {
         Followed& followed = followed_[i];
-        if (IsDue(followed)) Tell(followed, updates, meta, millisecond);
+        if (IsDue(followed)) Tell(followed, updates, meta);
         const bool last = i + 1 == followed_.size() || followed_[i + 1].leaf->boat != followed.leaf->boat;
-        if (!last || updates.empty()) continue;
+        if (!last || updates.Empty()) continue;
         const std::string context = tree_.ContextOf(followed.leaf->boat);
-        if (!meta.empty()) meta = R"({"$source":"halyrig","meta":[)" + std::exchange(meta, {}) + "]},";
-        if (!context.empty()) say(R"({"context":")" + context + R"(","updates":[)" + meta + updates + "]}]}");
-        updates.clear();
-        meta.clear();
+        WebMessage message = updates.TakeMessage(context, std::exchange(meta, {}));
+        if (!context.empty()) messages.push_back(std::move(message));
     }
+    inStep_ = WantsEachChange();
 }
 
 }  // namespace twr

@@ -33,7 +33,9 @@ private:
     void FollowNew();
     const SignalKSubscription* WantedAs(const SignalKLeaf& leaf) const;
     bool IsDue(const Followed& followed) const;
-    void Tell(Followed& followed, std::string& updates, std::string& meta, std::int64_t& millisecond) const;
+    void Tell(Followed& followed, SignalKUpdates& updates, std::string& meta) const;
+    bool WantsEachChange() const;
+    void LeaveStep();
 
     const Lookout& lookout_;
     const SignalKTree& tree_;
@@ -41,6 +43,7 @@ private:
     std::vector<Followed> followed_;  // boat by boat
     std::vector<std::string> replies_;
     std::size_t seen_ = 0;  // leaves of the tree
+    bool inStep_ = false;   // all was told, and each change of the own boat is wanted: the text that all share will do
     const bool sendsMeta_;
     const bool sendsKnown_;  // what was there before
 };

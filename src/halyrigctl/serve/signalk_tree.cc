@@ -6,7 +6,6 @@
 #include "core/record_access.h"
 #include "halyrigctl/output/json.h"
 #include "streams/iso_time.h"
-#include "streams/web_server.h"
 
 namespace twr {
 namespace {
@@ -59,13 +58,35 @@ std::string SignalKDiscovery(std::string_view host) {
          {"server", {{"id", "halyrig"}, {"version", HALYRIG_VERSION}}}});
 }
 
+void SignalKUpdates::Add(const SignalKLeaf& leaf) {
+    const std::int64_t at = ToMillisecond(leaf.time);
+    if (text_.empty() || at != millisecond_) {
+        text_ += text_.empty() ? R"({"$source":"halyrig","timestamp":")" : R"(]},{"$source":"halyrig","timestamp":")";
+        AppendIsoTime(text_, leaf.time);
+        text_ += R"(","values":[)";
+    } else {
+        text_ += ',';
+    }
+    millisecond_ = at;
+    ((((text_ += R"({"path":")") += leaf.path->path) += R"(","value":)") += leaf.value) += '}';
+}
+
+WebMessage SignalKUpdates::TakeMessage(const std::string& context, const std::string& meta) {
+    std::string message = R"({"context":")" + context + R"(","updates":[)";
+    if (!meta.empty()) message += R"({"$source":"halyrig","meta":[)" + meta + "]},";
+    message += text_ + "]}]}";
+    text_.clear();
+    return std::make_shared<const std::string>(std::move(message));
+}
+
 void SignalKTree::Take() {
-    if (!lookout_.Core()) return EndAll();
+    if (!lookout_.Core()) EndAll();
     auto changes = lookout_.Changes();
     while (!changes.empty()) {
         const auto ofBoat = TakeBoat(changes);
         Take(ofBoat.front().boat, SignalKChanges(ofBoat));
     }
+    ownChanges_ = own_.Empty() ? nullptr : own_.TakeMessage(ContextOf(0));
 }
 
 void SignalKTree::Take(BoatSlot boat, const SignalKChanges& changes) {
@@ -79,6 +100,7 @@ void SignalKTree::Take(BoatSlot boat, const SignalKChanges& changes) {
         leaf->value = value_.empty() ? "null" : value_;
         leaf->time = *time;
         ++leaf->changes;
+        if (boat == 0) own_.Add(*leaf);
     }
 }
 
@@ -89,6 +111,7 @@ void SignalKTree::EndAll() {
         leaf.value = "null";
         leaf.time = lookout_.Time();
         ++leaf.changes;
+        if (leaf.boat == 0) own_.Add(leaf);
     }
 }
 

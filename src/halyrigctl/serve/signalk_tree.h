@@ -11,6 +11,7 @@
 
 #include "halyrigctl/serve/lookout.h"
 #include "streams/signalk_values.h"
+#include "streams/web_server.h"
 
 namespace twr {
 
@@ -22,6 +23,20 @@ struct SignalKLeaf {
     std::uint64_t changes = 0;  // publications of it
 };
 
+// The "updates" of a delta, put together leaf by leaf: values of the same millisecond share a timestamp.
+class SignalKUpdates {
+public:
+    void Add(const SignalKLeaf& leaf);
+    bool Empty() const { return text_.empty(); }
+
+    // The message, after which it is empty. `meta`: the pairs of paths and what is said of them.
+    WebMessage TakeMessage(const std::string& context, const std::string& meta = {});
+
+private:
+    std::string text_;
+    std::int64_t millisecond_ = 0;
+};
+
 class SignalKTree {
 public:
     explicit SignalKTree(const Lookout& lookout) : lookout_(lookout) {}
@@ -31,6 +46,9 @@ public:
 
     // In the order in which they came; none ever goes, nor moves.
     const std::deque<SignalKLeaf>& Leaves() const { return leaves_; }
+
+    // What has changed of the own boat in the last look, for all who are told each change; nullptr if nothing has.
+    const WebMessage& OwnChanges() const { return ownChanges_; }
 
     // "vessels." and the boat's name in the tree; empty if she can't be named.
     std::string ContextOf(BoatSlot boat) const;
@@ -47,6 +65,8 @@ private:
     std::deque<SignalKLeaf> leaves_;
     std::map<std::pair<BoatSlot, const SignalKPath*>, SignalKLeaf*> byPlace_;
     std::string value_;
+    SignalKUpdates own_;  // of this look
+    WebMessage ownChanges_;
 };
 
 // The server and its addresses, at this host.
