@@ -135,7 +135,7 @@ bool Export::Understands() {
 bool Export::TakesChannels() {
     const NamedChannels named = FindChannels(Core(), options_.channels);
     if (named.unknown) {
-        status_ = ComplainOfChannel(system_.GetConsole(), *named.unknown);
+        status_ = ComplainOfChannel(system_.GetConsole(), named);
         return false;
     }
     for (const ChannelId channel : named.found) {  // the time is in each row anyway
