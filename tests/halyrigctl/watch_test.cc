@@ -86,7 +86,7 @@ TEST_F(WatchTest, ShowsWhatIsPublishedAndTheRemotesOfTheStandIn) {
     console.size = ConsoleSize{110, 24};
     const std::string picture = PictureAfter(U"q");
     ExpectIn(picture, {"  the bridge is not running  5 channels, 2 fresh",
-                       "stale     3 AWS             it is stale: last published 2", "fresh     1 BSP                      7.25 kt",
+                       "stale     3 AWS             it is stale: last published 2", "fresh     1>BSP                      7.25 kt",
                        "\u256D 3 \u2500", "\u256D 12 \u2500", "   7.25    ", "  3.00\u00B0W   "});
     ExpectAbsent(picture, {"12.5", "Depth", "\u256D 4"});
 }
@@ -103,7 +103,7 @@ TEST_F(WatchTest, ChoosesChannels) {
         {"", {"AWA", "BSP", "TWS"}, {"TWA"}},
         {" --sort id", {"BSP", "AWA", "TWS"}, {}},
         {" --sort age", {"TWS", "BSP", "AWA"}, {}},
-        {" --boat 1", {" TWS "}, {" BSP", " AWA"}},
+        {" --boat 1", {"TWS "}, {" BSP", " AWA"}},
         {" twa tws", {"TWA", "TWS"}, {"BSP"}},
         {" 4", {"TWA"}, {"TWS"}},
         {" --only mapped --sort id", {"BSP", "TWA"}, {" TWS", " AWA"}},

@@ -156,7 +156,7 @@ std::string WatchView::Hints() const {
         hints = std::to_string(first_ + 1) + "-" + std::to_string(first_ + places_) + " of " + std::to_string(count_) + "  ";
     if (!filter_.empty()) hints += "/" + filter_ + "  Esc Clear  ";
     return hints + "q End  Enter " + (explains_ ? "Close" : "Explain") + "  / Filter  s Sort (" + WordOf(order_) +
-           ")  Arrows, PgUp, PgDn Scroll";
+           ")  Arrows Scroll";
 }
 
 }  // namespace twr

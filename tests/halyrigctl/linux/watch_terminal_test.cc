@@ -54,7 +54,7 @@ TEST_F(WatchTerminalTest, ScrollsFiltersAndEndsByKeysAtAnySize) {
     EXPECT_SHOWS_NO("BSP");
     terminal->Resize(3, 20);
     EXPECT_SHOWS_NO("Enter Keep");
-    EXPECT_SHOWS("f TWA ");
+    EXPECT_SHOWS("f>TWA ");
     terminal->Resize(30, 100);
     EXPECT_SHOWS("last minute");
     terminal->Type("\033");
