@@ -63,4 +63,7 @@ private:
     bool counts_;
 };
 
+// Of this program's environment; a null pointer removes it.
+void SetVariable(const char* name, const char* value);
+
 }  // namespace twr::testing

@@ -46,6 +46,7 @@ void CheckBridge(const CheckedSetup& setup, System& system) {
         if (RecordIsLost(system)) return add(Fault(Reason::kRecordGone));
         if (!refused.what.empty()) return add(Fault(Reason::kRecordRefused, {refused.what, refused.todo}));
     }
+    if (!system.Core().zone.Now()) setup.Add(Weight::kNote, {}, 0, Fault(Reason::kNoZone));
     if (Fault still = setup.now.Standstill()) return add(still);
     if (setup.now.bridge || setup.now.name.state == NameLook::kFree) return;
     const bool runs = setup.now.name.state == NameLook::kTaken;  // it needs no status to do its work

@@ -119,7 +119,9 @@ std::string ReplaceMapFile(const CoreServices& services, Circumstances& now, con
     if (!text.empty()) fresh = files.WriteBeside(target, text, target);
     if (fresh.empty())
         return failed("can't write a new file beside " + Harmless(target) +
-                      ": the disk may be full, or this user may not write there, or not what is there");
+                      (files.RoomIn(now.MappingFolder()).value_or(text.size()) < text.size()
+                           ? ": the disk is full; make room on it"
+                           : ": this user may not write there, or not what is there, or the disk may be full"));
     if (!IsSame(LoadMapping(services.xml, fresh, now.Variables().rows), intended))
         return failed("the changed file would not be read as intended; change it in an editor");
     // Written and renamed, so that the former file stays in its place until the new one takes it.

@@ -67,7 +67,8 @@ ChannelReading ReadChannel(CCore& core, ChannelId channel, BoatSlot boat, Circum
     reading.valueUnit = InternalUnit(core.ChannelTypeOf(source));
     const double shown = ShownValue(core, resolved, source, boat, false);
     reading.text = core.ChannelText(resolved, shown);
-    if (shown == kNoValue || !std::isfinite(shown) || !entry) {
+    const bool textless = core.ChannelTypeOf(source) == kTypeDateTime && reading.text.empty();
+    if (shown == kNoValue || !std::isfinite(shown) || !entry || textless) {
         reading.missing = ValueChain(core, channel, boat, circumstances).Broken();
         reading.state = StateWithoutValue({core, source, boat, circumstances.now}, reading.missing.reason);
         return reading;

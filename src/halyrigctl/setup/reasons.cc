@@ -122,6 +122,8 @@ constexpr ReasonRow kReasons[] = {
      "map Deckman's variation to channel 93, or set Sys_b3 to 1"},
     {Reason::kNoSuchUnit, LinkName::kShown, "no-such-unit", "the unit chosen for it does not exist",
      "choose another one in the registry"},
+    {Reason::kNoZone, LinkName::kShown, "no-zone", "no time of day can be shown: this computer's time zone is not known to it",
+     "set one that it knows, as TZ=Europe/London"},
     {Reason::kNoTexts, LinkName::kRemote, "no-texts", "the library has no functions {0} and {1}, which show texts",
      "install Deckman's own there"},
     {Reason::kNotDamped, LinkName::kRemote, "not-damped", "{0} is to show the damped value, and no program of the suite damps it",

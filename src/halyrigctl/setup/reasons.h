@@ -101,6 +101,7 @@ enum class Reason {
     kStale,
     kNoVariationForTrue,
     kNoSuchUnit,
+    kNoZone,
     // Remote.
     kNoTexts,
     kNotDamped,

@@ -60,7 +60,8 @@ public:
         const bool hidden = look.fault && look.fault.reason != Reason::kNoMapping;  // lines that may be meant to feed it
         const bool fresh = !subject_.stale && subject_.stored != kNoValue;
         if (!mapped && !byFunction && subject_.age && (fresh || !hidden)) {
-            links_.Hold(LinkName::kMapping, "no line feeds it; another program of the suite does, or did");
+            links_.Hold(LinkName::kMapping, channel_ == kTime ? "it follows the clock of this computer"
+                                                              : "no line feeds it; another program of the suite does, or did");
             return;
         }
         AddBridge();
@@ -292,10 +293,12 @@ void AddUnit(Links& links, const Subject& subject, ChannelId shown) {
     const std::u16string unit(UnitLabel(type, UnitSettingsOf(subject.record)));
     double value = kNoValue;
     core.GetChannel(shown, value, subject.boat, false, magnetic, true);
+    const std::u16string text = core.ChannelText(shown, value);
     Fault fault;
+    if (type == kTypeDateTime && value != kNoValue && text.empty()) fault = Fault(Reason::kNoZone);
     if (subject.stored != kNoValue && value == kNoValue)
         fault = Fault(type == kTypeBearing && !magnetic ? Reason::kNoVariationForTrue : Reason::kNoSuchUnit);
-    links.Judge(LinkName::kShown, fault, Harmless(core.ChannelText(shown, value) + (unit.empty() ? u"" : u" ") + unit));
+    links.Judge(LinkName::kShown, fault, Harmless(text + (unit.empty() ? u"" : u" ") + unit));
 }
 
 Fault DisplayFault(const MappingRemote& row, const std::string& remote, double value, Circumstances& now) {

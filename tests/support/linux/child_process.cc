@@ -89,6 +89,8 @@ CommonUser::~CommonUser() {
     if (seteuid(saved) != 0 || setresuid(saved, saved, saved) != 0) std::abort();
 }
 
+void SetVariable(const char* name, const char* value) { value ? setenv(name, value, 1) : unsetenv(name); }
+
 bool UnderWine() { return false; }
 
 OrdinaryUser::OrdinaryUser(const TempFolder& folder) : counts_(true) {

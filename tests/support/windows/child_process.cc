@@ -99,6 +99,8 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
 std::string OwnProgram() { return ToUtf8(FromWide(ModulePath(nullptr))); }
 
 // Here an administrator can't write a write-protected file either.
+void SetVariable(const char* name, const char* value) { SetEnvironmentVariableA(name, value); }
+
 CommonUser::CommonUser() = default;
 CommonUser::~CommonUser() = default;
 
