@@ -49,10 +49,12 @@ std::vector<History::Point> History::Of(ChannelPlace place) const {
     return points;
 }
 
-std::optional<History::Extremes> History::ExtremesOf(ChannelPlace place, bool turning) const {
+std::optional<History::Extremes> History::ExtremesOf(ChannelPlace place, double now, bool turning) const {
     std::optional<Extremes> extremes;
     double last = 0.0;
-    for (const Point& point : Of(place)) {
+    std::vector<Point> points = Of(place);
+    points.push_back({0.0, now});
+    for (const Point& point : points) {
         if (point.value == kNoValue) continue;
         last = extremes && turning ? last + std::remainder(point.value - last, 360.0) : point.value;
         if (!extremes) extremes = {last, last};

@@ -29,8 +29,9 @@ public:
     struct Extremes {
         double lowest, highest;  // in the internal unit
     };
-    // nullopt without a value. Of a `turning` one, in degrees, as one turns: from 350 to 10 the lowest is 350 and the highest 370.
-    std::optional<Extremes> ExtremesOf(ChannelPlace place, bool turning) const;
+    // With the value of `now`, kNoValue for none. nullopt without a value. Of a `turning` one, in degrees, as one turns: from 350
+    // to 10 the lowest is 350 and the highest 370.
+    std::optional<Extremes> ExtremesOf(ChannelPlace place, double now, bool turning) const;
 
 private:
     using Ring = std::array<double, kLength>;

@@ -101,13 +101,19 @@ bool Lookout::IsDue(ChannelPlace place, const Tile& tile) const {
            (tile.fresh && IsStale(time, now_, Core()->StaleSeconds(source, place.second)));
 }
 
+// A value now is lower or higher than what the spark tells. A direction may also be within by another turn.
+bool Lookout::IsBeyond(const Tile& tile) {
+    const auto within = [&](double value) { return tile.lowest <= value && value <= tile.highest; };
+    return tile.fresh && !within(tile.stored) && !within(tile.stored + 360.0) && !within(tile.stored - 360.0);
+}
+
 void Lookout::Refresh(ChannelPlace place, Tile& tile) {
     if (!Core()) {
         SetMissing(tile);
     } else if (IsDue(place, tile)) {
         Read(place, tile);
     }
-    if (Core() && HasPassed(now_, tile.sparkAt, kSecond)) Spark(place, tile);
+    if (Core() && (HasPassed(now_, tile.sparkAt, kSecond) || IsBeyond(tile))) Spark(place, tile);
     const double age = std::fabs(now_ - tile.published) * kSecondsPerDay;
     tile.json = Printed("{\"id\":%u,\"boat\":%u,\"value\":", unsigned{place.first}, unsigned{place.second});
     for (const std::string* part : {&tile.value, &tile.text, &tile.unit, &tile.state, &tile.spark}) {
@@ -146,8 +152,9 @@ void Lookout::Spark(ChannelPlace place, Tile& tile) {
     const ChannelPlace source(Core()->SourceOf(place.first), place.second);
     if (source.first >= kChannelCount) return;
     const bool turns = Turns(Core()->ChannelTypeOf(source.first));
-    const auto extremes = history_.ExtremesOf(source, turns);
+    const auto extremes = history_.ExtremesOf(source, tile.fresh ? tile.stored : kNoValue, turns);
     if (!extremes) return;
+    tile.lowest = extremes->lowest, tile.highest = extremes->highest;
     const auto text = [&](double value) {
         const double once = turns ? std::remainder(value, 360.0) : value;
         return InJson(Core()->ChannelText(source.first, InUserUnits(source, once)));

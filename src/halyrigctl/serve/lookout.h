@@ -25,6 +25,7 @@ struct Tile {
     std::string spark = "null";            // in JSON
     double stored = 0.0;                   // as in the record
     double readAt = 0.0, sparkAt = 0.0;    // days
+    double lowest = 0.0, highest = 0.0;    // of the spark; directions as History gives them
     bool fresh = false;
 };
 
@@ -59,6 +60,7 @@ private:
     void Refresh(ChannelPlace place, Tile& tile);
     bool IsDue(ChannelPlace place, const Tile& tile) const;
     void Read(ChannelPlace place, Tile& tile);
+    static bool IsBeyond(const Tile& tile);
     void Spark(ChannelPlace place, Tile& tile);
     double InUserUnits(ChannelPlace place, double value) const;
 
