@@ -447,6 +447,13 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .map = "can't be read by this user",
          .before = [&] { Forbid(kInstruments); },
          .special = kOrdinaryUser},
+        {.asked = "BSP",
+         .why = "reading it fails (Input/output error)",
+         .map = "Input/output error",
+         .before =
+             [&] { Remove(kMappingFile), std::filesystem::create_symlink("/proc/self/mem", test.folder.Path() / kMappingFile); },
+         .mend = [&] { Remove(kMappingFile), MappingXml(kLines); },
+         .special = kOnLinuxAlone},
         {.asked = "RoT", .why = "feeds it", .check = "", .mend = [&] { Set(u"Sys_b27", 1); }, .again = [&] { host.Tick(20); }},
         {.asked = "BSP",
          .why = "all is well",
