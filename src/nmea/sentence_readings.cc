@@ -193,7 +193,9 @@ void ReadRsa(const NmeaSentence& s, SentenceReadings& held) {
 // Whatever the case of its letters, which each maker chooses.
 bool Holds(std::string_view name, std::initializer_list<std::string_view> capitals) {
     const auto same = [](char c, char capital) { return (c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c) == capital; };
-    return std::ranges::any_of(capitals, [&](std::string_view word) { return !std::ranges::search(name, word, same).empty(); });
+    return std::ranges::any_of(capitals, [&](std::string_view word) {
+        return std::search(name.begin(), name.end(), word.begin(), word.end(), same) != name.end();
+    });
 }
 
 void ReadTransducer(char kind, std::optional<double> value, std::string_view unit, std::string_view name, SentenceReadings& held) {
