@@ -100,7 +100,7 @@ Status AddToMap(System& system, const MapOptions& options) {
         const DeckmanVariable* variable = Listed(change.Now().Variables().rows, typed);
         if (!variable) return RefuseVariable(change, typed);
         if (const Status status = CheckMayBeFed(change, intended, options.boat); status != kDone) return status;
-        MappingVar& row = intended.varRows.emplace_back(*variable);
+        MappingVar& row = intended.varRows.emplace_back(MappingVar{*variable});
         row.channel = static_cast<std::int32_t>(change.Channel());
         row.boat = static_cast<std::int32_t>(options.boat);
         done += (done.empty() ? "" : ".\n") + ("Deckman's variable " + Harmless(variable->dfwName)) + " feeds " +
