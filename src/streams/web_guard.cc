@@ -24,7 +24,10 @@ std::string_view HostOf(std::string_view place) {
     return isPort ? place.substr(bracketed ? 1 : 0, end - (bracketed ? 1 : 0)) : std::string_view();
 }
 
+// Of plain characters alone: a zero, or what stands behind a '%', would hide the rest.
 std::optional<asio::ip::address> AddressIn(std::string_view host) {
+    const auto isPlain = [](unsigned char c) { return std::isalnum(c) != 0 || c == '.' || c == ':' || c == '%'; };
+    if (!std::ranges::all_of(host, isPlain)) return std::nullopt;
     asio::error_code error;
     const auto address = asio::ip::make_address(std::string(host), error);
     return error ? std::nullopt : std::optional(address);
