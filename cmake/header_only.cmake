@@ -17,11 +17,8 @@ endfunction()
 
 header_only(CLI11 CLI/CLI.hpp)
 header_only(nlohmann_json nlohmann/json.hpp)
-header_only(asio asio/io_context.hpp)
-target_compile_definitions(asio::asio INTERFACE ASIO_STANDALONE)
 header_only(boost boost/beast.hpp)  # by its header: Boost's own package would ask for the libraries that are none
 target_compile_definitions(boost::boost INTERFACE BOOST_ERROR_CODE_HEADER_ONLY BOOST_ALL_NO_LIB)
 if(WIN32)
-    target_link_libraries(asio::asio INTERFACE ws2_32 mswsock)
     target_link_libraries(boost::boost INTERFACE ws2_32 mswsock)
 endif()

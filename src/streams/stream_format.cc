@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "streams/udp_sender.h"
+#include "streams/network.h"
 
 namespace twr {
 

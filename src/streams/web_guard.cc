@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <asio/ip/address.hpp>
-#include <asio/ip/host_name.hpp>
-#include <cctype>
 
 #include "streams/web_server.h"
 
@@ -24,41 +21,11 @@ std::string_view HostOf(std::string_view place) {
     return isPort ? place.substr(bracketed ? 1 : 0, end - (bracketed ? 1 : 0)) : std::string_view();
 }
 
-// Of plain characters alone: a zero, or what stands behind a '%', would hide the rest.
-std::optional<asio::ip::address> AddressIn(std::string_view host) {
-    const auto isPlain = [](unsigned char c) { return std::isalnum(c) != 0 || c == '.' || c == ':' || c == '%'; };
-    if (!std::ranges::all_of(host, isPlain)) return std::nullopt;
-    asio::error_code error;
-    const auto address = asio::ip::make_address(std::string(host), error);
-    return error ? std::nullopt : std::optional(address);
-}
-
-// A network without a name server: one's own, not the world's.
-bool IsNear(const asio::ip::address_v4& address) {
-    const auto bits = address.to_uint();
-    const auto within = [&](std::uint32_t net, int length) { return bits >> (32 - length) == net >> (32 - length); };
-    return within(0x0A000000, 8) || within(0xAC100000, 12) || within(0xC0A80000, 16) || within(0xA9FE0000, 16) ||
-           within(0x64400000, 10) || address.is_loopback();
-}
-
-bool IsNear(const asio::ip::address& address) {
-    if (address.is_v4()) return IsNear(address.to_v4());
-    const auto v6 = address.to_v6();
-    if (v6.is_v4_mapped()) return IsNear(asio::ip::make_address_v4(asio::ip::v4_mapped, v6));
-    constexpr unsigned kUniqueLocal = 0xFC, kTopSeven = 0xFE;
-    return v6.is_loopback() || v6.is_link_local() || (v6.to_bytes()[0] & kTopSeven) == kUniqueLocal;
-}
-
 }  // namespace
-
-std::string MachineName() {
-    asio::error_code none;
-    return asio::ip::host_name(none);
-}
 
 bool WebGuard::Admits(const WebRequest& request) const {
     const std::string_view host = HostOf(request.host);
-    return (AddressIn(host) || IsOurs(host)) && MayAsk(request.origin, request.host);
+    return (IsAddress(host) || IsOurs(host)) && MayAsk(request.origin, request.host);
 }
 
 bool WebGuard::IsOurs(std::string_view host) const {
@@ -75,8 +42,7 @@ bool WebGuard::MayAsk(std::string_view origin, std::string_view host) const {
     if (scheme == origin.npos) return false;
     const std::string_view place = origin.substr(scheme + 3);
     if (place == host || IsOurs(HostOf(place))) return true;
-    const auto address = AddressIn(HostOf(place));
-    return address && IsNear(*address);
+    return IsNearAddress(HostOf(place));
 }
 
 }  // namespace twr

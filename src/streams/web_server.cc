@@ -2,16 +2,14 @@
 #include "streams/web_server.h"
 
 #include <algorithm>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/ip/v6_only.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
 #include <deque>
-#include <type_traits>
 #include <utility>
+
+#include "streams/acceptor.h"
 
 namespace twr {
 namespace {
@@ -26,9 +24,7 @@ using std::chrono::seconds;
 constexpr auto kHeaderTime = seconds(15);  // also how long a connection may stay without a question
 constexpr auto kAnswerTime = seconds(30);
 constexpr auto kTalkTime = seconds(20);  // without a word, nor an answer to a ping
-constexpr int kSystemBuffer = 65'536;    // what the system takes ahead of a client
 constexpr int kMostHeard = 8;            // messages of a talk in a beat; who floods the machine gets no more
-constexpr bool kReusesAddress = std::is_same_v<tcp::socket::native_handle_type, int>;  // see StreamServer
 
 std::string_view View(beast::string_view text) { return {text.data(), text.size()}; }
 
@@ -124,12 +120,8 @@ private:
         });
     }
 
-    // Without a farewell, for which it might be waited, and so that the system forgets at once what it has taken ahead.
     void Drop() {
-        beast::error_code gone;
-        tcp::socket& socket = beast::get_lowest_layer(socket_).socket();
-        socket.set_option(asio::socket_base::linger(true, 0), gone);
-        socket.close(gone);
+        twr::Drop(beast::get_lowest_layer(socket_).socket());
         End();
     }
 
@@ -274,17 +266,6 @@ struct WebServer::Impl {
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
 
-    beast::error_code Open(const Endpoint& at) {
-        beast::error_code error, lesser;
-        const tcp::endpoint place(asio::ip::make_address(at.address, error), at.port);
-        if (!error) acceptor.open(place.protocol(), error);
-        if (kReusesAddress) acceptor.set_option(asio::socket_base::reuse_address(true), lesser);
-        if (place.protocol() == tcp::v6()) acceptor.set_option(asio::ip::v6_only(false), lesser);
-        if (!error) acceptor.bind(place, error);
-        if (!error) acceptor.listen(asio::socket_base::max_listen_connections, error);
-        return error;
-    }
-
     void Accept() {
         acceptor.async_accept([this](beast::error_code error, tcp::socket socket) {
             if (error == asio::error::operation_aborted) return;
@@ -295,9 +276,7 @@ struct WebServer::Impl {
     }
 
     void Welcome(tcp::socket socket) {
-        beast::error_code lesser;  // service is only a little worse without
-        socket.set_option(tcp::no_delay(true), lesser);
-        socket.set_option(asio::socket_base::send_buffer_size(kSystemBuffer), lesser);
+        Hasten(socket);
         std::make_shared<Asker>(std::move(socket), clients)->Read();
     }
 
@@ -320,23 +299,16 @@ WebServer::WebServer(WebSite& site) : site_(site) {}
 WebServer::~WebServer() = default;
 
 std::string WebServer::Listen(const Endpoint& at, std::optional<std::string> allowedOrigin) {
-    beast::error_code error;
-    try {
+    const beast::error_code error = Try([&] {
         impl_ = std::make_unique<Impl>(site_, std::move(allowedOrigin));
-        error = impl_->Open(at);
-    } catch (const boost::system::system_error& refused) {
-        error = refused.code();
-    }
+        return OpenAt(impl_->acceptor, at);
+    });
     if (error) return WhyNotServed(error.value(), at);
     impl_->Accept();
     return {};
 }
 
-Endpoint WebServer::At() const {
-    beast::error_code error;
-    const tcp::endpoint at = impl_->acceptor.local_endpoint(error);
-    return {at.address().to_string(), at.port()};
-}
+Endpoint WebServer::At() const { return PlaceOf(impl_->acceptor); }
 
 void WebServer::Serve(std::chrono::milliseconds time) { impl_->context.run_for(time); }
 

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "streams/endpoint.h"
+#include "streams/network.h"
 
 namespace twr {
 
@@ -104,8 +104,5 @@ private:
     WebSite& site_;
     std::unique_ptr<Impl> impl_;
 };
-
-// This machine's name; empty if it is unknown.
-std::string MachineName();
 
 }  // namespace twr

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // halyrigctl stream into the network: the test is the client, while the command waits for the next look.
-#include <asio/io_context.hpp>
-#include <asio/ip/tcp.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 
 #include "ctl_fixture.h"
 
 namespace twr::testing {
 namespace {
 
+namespace asio = boost::asio;
 using StreamNetworkTest = CtlTest;
 
 TEST_F(StreamNetworkTest, GreetsWithWhatHoldsAndGoesOnWithWhatChanges) {
@@ -24,7 +25,7 @@ TEST_F(StreamNetworkTest, GreetsWithWhatHoldsAndGoesOnWithWhatChanges) {
             socket.non_blocking(true);
         }
         char bytes[4096];
-        asio::error_code none;
+        boost::system::error_code none;
         got.append(bytes, socket.read_some(asio::buffer(bytes), none));
         if (!got.empty()) Publish(kHdg, 90.0);
         return got.find("heading") == got.npos && ++looks < 100'000;

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Streams in the network: real sockets of 127.0.0.1, both ends of which are served by the one thread of the test.
-#include "streams/stream_server.h"
-
 #include <gtest/gtest.h>
 
-#include <asio/io_context.hpp>
-#include <asio/ip/tcp.hpp>
-#include <asio/ip/udp.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/ip/udp.hpp>
 #include <deque>
 
-#include "streams/udp_sender.h"
+#include "streams/network.h"
 
 namespace twr {
 namespace {
 
+namespace asio = boost::asio;
 using asio::ip::tcp;
 using asio::ip::udp;
 
@@ -53,7 +52,7 @@ struct Reader {
     // Takes what has come.
     void Read() {
         char bytes[8192];
-        asio::error_code none;
+        boost::system::error_code none;
         while (!none) got.append(bytes, socket.read_some(asio::buffer(bytes), none));
         gone = none != asio::error::would_block;
     }
@@ -125,7 +124,7 @@ TEST_F(StreamServerTest, DiscardsWhatIsSentAndLetsGoWhoCloses) {
     Reader reader = Joined(), talker = Joined();
     std::size_t talked = 0;
     EXPECT_TRUE(Served([&] {
-        asio::error_code full;
+        boost::system::error_code full;
         talked += talker.socket.write_some(asio::buffer(std::string(10'000, 't')), full);
         server_.Put("line\n");
         return talked > 1'000'000;
@@ -175,7 +174,7 @@ TEST(UdpSender, SendsWholeLines) {
     std::vector<std::size_t> sizes;
     EXPECT_TRUE(Until([&] {
         char datagram[8192];
-        asio::error_code none;
+        boost::system::error_code none;
         const std::size_t size = receiver.receive(asio::buffer(datagram), 0, none);
         if (!none) sizes.push_back(size);
         return got.append(datagram, size).size() >= lines.size();

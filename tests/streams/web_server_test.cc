@@ -4,15 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include <asio/io_context.hpp>
-#include <asio/ip/tcp.hpp>
-#include <asio/read.hpp>
-#include <asio/write.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/read.hpp>
+#include <boost/asio/write.hpp>
 #include <list>
 
 namespace twr::testing {
 namespace {
 
+namespace asio = boost::asio;
 using asio::ip::tcp;
 
 TEST(WebGuardTest, AdmitsOnlyWhoNamesThisMachineAndComesFromIt) {
@@ -92,12 +93,12 @@ protected:
         bool ended = false;
 
         void Put(const std::string& bytes) {
-            asio::error_code gone;
+            boost::system::error_code gone;
             asio::write(socket, asio::buffer(bytes), gone);
         }
         void Read() {
             char bytes[65'536];
-            asio::error_code error;
+            boost::system::error_code error;
             for (std::size_t count = 1; count > 0 && !ended;) {
                 count = socket.read_some(asio::buffer(bytes), error);
                 got.append(bytes, count);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/wide_text.h"
 #include "halyrigctl/stream/streamer.h"
-#include "streams/stream_server.h"
-#include "streams/udp_sender.h"
+#include "streams/network.h"
 
 namespace twr {
 namespace {
