@@ -5,6 +5,7 @@
 
 #include "base/numbers.h"
 #include "ctl_fixture.h"
+#include "halyrigctl/recordings/day_files.h"
 #include "halyrigctl/recordings/replayer.h"
 #include "status/bridge_status.h"
 #include "streams/json_lines.h"
@@ -176,6 +177,13 @@ TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
         ++count;
     }
     EXPECT_EQ(4u, count);
+    // While another program makes them there is no second.
+    auto others = TakeDays(Core().files, test.folder.File("ProgramData/Tidewright/recordings"));
+    ExpectIn(Said("record", 1), {"is being made already"});
+    ExpectIn(Said("check", 1), {"recording    runs since 2026-11-19T", "halyrig-20261119-4.jsonl.gz, ", " GiB left"});
+    ExpectIn(Said("check --json", 1), {R"("recording":{"running":true,"file":")", R"("since":"2026-11-19T)", R"("room":)"});
+    others.reset();
+    ExpectIn(Said("check", 1), {"recording    none now; the last from 2026-11-19T"});
     ExpectSaid(2, {{"record --keep 0", {"--keep must be"}},
                    {"record --keep 4x", {"--keep must be"}},
                    {"record f --keep 4", {"does not go with FILE"}}});

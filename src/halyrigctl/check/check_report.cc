@@ -61,6 +61,20 @@ std::string Missing(const std::vector<std::string>& functions) {
     return text;
 }
 
+std::string Gibibytes(std::uint64_t bytes) {
+    constexpr std::uint64_t kTenths = (1ULL << 30) / 10;
+    return Digits(bytes / kTenths / 10) + "." + Digits(bytes / kTenths % 10) + " GiB";
+}
+
+std::string RecordingText(const CheckReport::RecordingPart& recording) {
+    if (!recording.room) return "none; 'halyrigctl record' makes one";
+    const std::string since = recording.since.empty() ? "" : " since " + recording.since;
+    const std::string last =
+        recording.file.empty() ? "none yet" : "none now; the last from " + recording.since + " to " + recording.until;
+    const std::string room = ", " + Gibibytes(*recording.room) + " left" + (recording.full ? ", too little for a recording" : "");
+    return (recording.running ? "runs" + since : last) + (recording.file.empty() ? "" : ", " + Harmless(recording.file)) + room;
+}
+
 std::string Table(const CheckReport& report) {
     std::string table;
     const auto row = [&](const char* name, const std::string& what) { table += Padded(name, 13) + what + "\n"; };
@@ -78,6 +92,7 @@ std::string Table(const CheckReport& report) {
     row("mapping", !mapping.exists ? "none"
                                    : Harmless(mapping.path) + ": " + Digits(mapping.used) + " of " +
                                          Counted(mapping.lines, "variable") + ", " + Counted(mapping.remotes, "remote"));
+    row("recording", RecordingText(report.recording));
     return table;
 }
 
@@ -130,6 +145,7 @@ std::string CheckAsJson(const CheckReport& report) {
     const auto& [fault, missing] = report.library;
     const auto& variables = report.variables;
     const auto& mapping = report.mapping;
+    const auto& recording = report.recording;
     return JsonLine({{"status", StatusWord(report)},
                      {"running", report.running},
                      {"folder", TextOrNull(boxes.dfwFolder)},
@@ -147,6 +163,12 @@ std::string CheckAsJson(const CheckReport& report) {
                        {"vars", mapping.lines},
                        {"varsUsed", mapping.used},
                        {"remotes", mapping.remotes}}},
+                     {"recording",
+                      {{"running", recording.running},
+                       {"file", TextOrNull(recording.file)},
+                       {"since", Told(!recording.since.empty(), recording.since)},
+                       {"until", Told(!recording.until.empty(), recording.until)},
+                       {"room", Told(recording.room.has_value(), recording.room.value_or(0))}}},
                      {"findings", findings}}) +
            "\n";
 }

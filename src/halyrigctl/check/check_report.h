@@ -2,6 +2,8 @@
 // What comes of a set-up, and its forms for people and programs.
 #pragma once
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +51,15 @@ struct CheckReport {
         std::size_t remotes = 0;
     };
 
+    struct RecordingPart {
+        bool running = false;
+        std::u16string file;                // the newest; empty if there is none
+        std::string since;                  // without a break; a time on board, and so is the next
+        std::string until;                  // the last that it holds
+        std::optional<std::uint64_t> room;  // bytes that are left for it; nullopt if there never was one
+        bool full = false;                  // they are too few
+    };
+
     bool running = false;  // the bridge
     bool inForce = false;  // the settings are those of the running bridge
     bool given = false;    // the folder is the caller's, not the one in force
@@ -58,6 +69,7 @@ struct CheckReport {
     LibraryPart library;
     VariablesPart variables;
     MappingPart mapping;
+    RecordingPart recording;
     std::vector<CheckFinding> findings;
 
     // By weight; those of the same weight stay in their order. Lines of a file that share their cause become one.

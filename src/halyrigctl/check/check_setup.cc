@@ -2,12 +2,16 @@
 #include "halyrigctl/check/check_setup.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "base/wide_text.h"
+#include "core/days.h"
 #include "core/record_access.h"
 #include "deckman/deckman_library.h"
 #include "halyrigctl/commands.h"
 #include "halyrigctl/output/cells.h"
+#include "halyrigctl/recordings/board_time.h"
+#include "halyrigctl/recordings/day_files.h"
 #include "halyrigctl/setup/dry_run.h"
 #include "halyrigctl/setup/names.h"
 #include "halyrigctl/setup/reasons.h"
@@ -105,6 +109,17 @@ void CheckLegacy(const CheckedSetup& setup) {
     for (const Finding& finding : heard.found) setup.Add(Weight::kNote, finding);
 }
 
+void CheckRecording(const CheckedSetup& setup, const CoreServices& machine) {
+    const BoardZone board(setup.core, machine.zone);
+    const auto text = [&](std::optional<double> moment) {
+        std::string shown;
+        if (moment) board.Append(shown, std::floor(*moment * kSecondsPerDay) / kSecondsPerDay);
+        return shown;
+    };
+    const DaysKept days = LookAtDays(machine.files, RecordingsFolder(setup.report.dataFolder));
+    setup.report.recording = {days.runs, days.newest, text(days.since), text(days.until), days.room, days.isFull};
+}
+
 }  // namespace
 
 void CheckedSetup::Add(Weight weight, const Finding& finding) const {
@@ -154,6 +169,7 @@ CheckReport LookAtSetup(System& system, const std::optional<std::u16string>& fol
     CheckFeeding(setup);
     CheckWhatIsOld(setup);
     CheckLegacy(setup);
+    CheckRecording(setup, machine);
     report.Sort();
     return report;
 }

@@ -6,12 +6,15 @@
 #include <vector>
 
 #include "base/wide_text.h"
+#include "core/days.h"
+#include "halyrigctl/recordings/recorded_files.h"
 #include "streams/iso_time.h"
 
 namespace twr {
 namespace {
 
 constexpr std::uint64_t kLeastRoom = 1ULL << 30;  // bytes
+constexpr double kBreak = 10.0 / kSecondsPerDay;  // days
 constexpr std::string_view kBegin = "halyrig-", kEnd = ".jsonl.gz";
 
 struct DayFile {
@@ -45,7 +48,41 @@ std::vector<DayFile> Listed(Files& files, const std::u16string& folder) {
     return all;
 }
 
+std::optional<double> BegunAt(Files& files, const std::u16string& path) {
+    RecordedFile file{path};
+    const auto source = OpenRecorded(files, file, [] { return true; });
+    const auto first = source ? source->Next() : std::nullopt;
+    return first ? std::optional(first->time) : std::nullopt;
+}
+
+std::optional<double> GrownAt(const Files& files, const std::u16string& path) {
+    const auto ticks = files.ChangedAt(path);
+    return ticks ? std::optional(DaysFromTicks(*ticks)) : std::nullopt;
+}
+
+bool IsTooLittle(std::optional<std::uint64_t> room) { return room.value_or(kLeastRoom) < kLeastRoom; }
+
 }  // namespace
+
+std::u16string RecordingsFolder(std::u16string_view dataFolder) { return JoinPath(dataFolder, u"recordings"); }
+
+std::unique_ptr<FileLock> TakeDays(Files& files, const std::u16string& folder) { return files.Lock(JoinPath(folder, u"halyrig")); }
+
+DaysKept LookAtDays(Files& files, const std::u16string& folder) {
+    DaysKept days{.room = files.RoomIn(folder)};
+    if (!days.room) return days;
+    days.isFull = IsTooLittle(days.room);
+    days.runs = !TakeDays(files, folder);
+    const std::vector<DayFile> all = Listed(files, folder);
+    if (!all.empty()) days.newest = all.back().path;
+    for (auto file = all.rbegin(); file != all.rend(); ++file) {
+        const auto begun = BegunAt(files, file->path), grown = GrownAt(files, file->path);
+        if (!begun || !grown || (days.since && *days.since - *grown > kBreak)) break;
+        if (!days.since) days.until = grown;
+        days.since = begun;
+    }
+    return days;
+}
 
 std::optional<KeptDays> ParseKeep(std::string_view text) {
     std::uint64_t number = 0;
@@ -77,8 +114,9 @@ std::string DayFiles::Tend(std::u16string_view current, std::int64_t today) {
         files_.Remove(file.path);
         if (!files_.Exists(file.path)) total -= file.size;
     }
-    const bool full = files_.RoomIn(folder_).value_or(kLeastRoom) < kLeastRoom;
-    return full ? "ended, since its disk has less than 1 GiB of room left; make room, or keep less by --keep." : "";
+    return IsTooLittle(files_.RoomIn(folder_))
+               ? "ended, since its disk has less than 1 GiB of room left; make room, or keep less by --keep."
+               : "";
 }
 
 }  // namespace twr

@@ -119,25 +119,36 @@ private:
     std::optional<double> gapFrom_;  // the last look before the queue was full
 };
 
+// Who only looks whether somebody has the right to make them has it for a moment.
+std::shared_ptr<FileLock> TakeDaysSoon(System& system, const std::u16string& folder) {
+    constexpr int kTries = 20, kPauseMs = 50;
+    auto taken = TakeDays(system.Core().files, folder);
+    for (int tries = 1; !taken && tries < kTries && system.GetConsole().Wait(kPauseMs); ++tries)
+        taken = TakeDays(system.Core().files, folder);
+    return taken;
+}
+
 // A file a day in the data folder; nullopt, and the reason is said, if there can be none now.
 std::optional<RecordingOptions> ByItself(System& system, const RecordOptions& options) {
     Files& files = system.Core().files;
     const auto keep = options.keep.empty() ? KeptDays{} : ParseKeep(options.keep).value_or(KeptDays{});
     const DryRun dryRun(system.Core());  // there may be no record yet
-    const std::u16string data = dryRun.Core().GetDataFolder(u""), folder = JoinPath(data, u"recordings");
+    const std::u16string data = dryRun.Core().GetDataFolder(u""), folder = RecordingsFolder(data);
     for (const std::u16string& path : {data, folder}) {
         if (!files.Exists(path)) files.MakeFolder(path);
     }
+    const auto taken = data.empty() ? nullptr : TakeDaysSoon(system, folder);
     auto days = std::make_shared<DayFiles>(files, folder, keep);
     const double now = UtcNowDays(system.Core().clock);
-    const std::string why = days->Tend({}, static_cast<std::int64_t>(dryRun.Core().ToDisplayTime(now)));
+    const std::string why = !taken ? "is being made already; 'halyrigctl check' says since when."
+                                   : days->Tend({}, static_cast<std::int64_t>(dryRun.Core().ToDisplayTime(now)));
     if (data.empty() || !why.empty()) {
         Complain(system.GetConsole(),
                  data.empty() ? "the data folder is not known; give a FILE." : Harmless(folder) + ": the recording " + why);
         return std::nullopt;
     }
     RecordingOptions recording{days->Name(), true, options.maxSize};
-    recording.tend = [days, calls = 0](std::u16string_view path, std::int64_t today) mutable {
+    recording.tend = [days, taken, calls = 0](std::u16string_view path, std::int64_t today) mutable {
         return calls++ % kCallsBetweenTending == 0 ? days->Tend(path, today) : std::string();
     };
     return recording;
