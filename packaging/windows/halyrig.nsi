@@ -2,6 +2,7 @@
 Unicode true
 !include LogicLib.nsh
 !include Sections.nsh
+!include WinMessages.nsh
 SetCompressor /SOLID lzma
 RequestExecutionLevel user
 SetDateSave off ; the same files give the same installer, whenever they were built
@@ -46,6 +47,7 @@ UninstPage instfiles
     StrCpy $0 0
     !insertmacro CountHeld Halyrig32.exe
     !insertmacro CountHeld halyrigctl.exe
+    !insertmacro CountHeld halyrigctlw.exe
 !macroend
 
 ; A running bridge is asked to close, which saves its settings, and gets ten seconds for it. The user is asked first, since the whole
@@ -60,6 +62,10 @@ UninstPage instfiles
         nsExec::Exec '"$INSTDIR\halyrigctl.exe" quit --no-wait'
         Pop $1
         ${For} $2 1 100
+            FindWindow $1 "halyrigctlw"
+            ${If} $1 != 0
+                SendMessage $1 ${WM_CLOSE} 0 0 /TIMEOUT=5000
+            ${EndIf}
             !insertmacro CountRunning
             ${If} $0 == 0
                 ${Break}
@@ -78,9 +84,11 @@ Section "Halyrig" SectionPrograms
     !insertmacro CloseRunning
     Delete "$SMSTARTUP\Halyrig.lnk" ; made again by its own section, while that is chosen
     Delete "$SMSTARTUP\Halyrig page.lnk" ; the same
+    Delete "$SMSTARTUP\Halyrig recording.lnk" ; the same
     SetOutPath "$INSTDIR"
     File "${BIN}\Halyrig32.exe"
     File "${BIN}\halyrigctl.exe"
+    File "${BIN}\halyrigctlw.exe"
     File "${SOURCE}\packaging\completions\halyrigctl.ps1"
     File "${SOURCE}\LICENSE"
     File "${SOURCE}\packaging\THIRD-PARTY.txt"
@@ -116,8 +124,12 @@ Section /o "Start at log-on" SectionStart
     CreateShortcut "$SMSTARTUP\Halyrig.lnk" "$INSTDIR\Halyrig32.exe"
 SectionEnd
 
-Section /o "Page for browsers at log-on" SectionPage
-    CreateShortcut "$SMSTARTUP\Halyrig page.lnk" "$INSTDIR\halyrigctl.exe" "serve" "$INSTDIR\Halyrig32.exe" "" SW_SHOWMINIMIZED
+Section /o "Page at log-on" SectionPage
+    CreateShortcut "$SMSTARTUP\Halyrig page.lnk" "$INSTDIR\halyrigctlw.exe" "serve" "$INSTDIR\Halyrig32.exe"
+SectionEnd
+
+Section /o "Record at log-on" SectionRecord
+    CreateShortcut "$SMSTARTUP\Halyrig recording.lnk" "$INSTDIR\halyrigctlw.exe" "record --keep 30" "$INSTDIR\Halyrig32.exe"
 SectionEnd
 
 ; An upgrade keeps the choice made for the previous version.
@@ -127,6 +139,9 @@ Function .onInit
     ${EndIf}
     ${If} ${FileExists} "$SMSTARTUP\Halyrig page.lnk"
         !insertmacro SelectSection ${SectionPage}
+    ${EndIf}
+    ${If} ${FileExists} "$SMSTARTUP\Halyrig recording.lnk"
+        !insertmacro SelectSection ${SectionRecord}
     ${EndIf}
 FunctionEnd
 
@@ -138,6 +153,7 @@ Section "Uninstall"
     Delete "$SMPROGRAMS\Halyrig check.lnk"
     Delete "$SMPROGRAMS\Halyrig live view.lnk"
     Delete "$SMSTARTUP\Halyrig page.lnk"
+    Delete "$SMSTARTUP\Halyrig recording.lnk"
     Delete "$SMPROGRAMS\Halyrig page.lnk"
     Delete "$SMPROGRAMS\Halyrig guide.lnk"
     Delete "$INSTDIR\stand-in\Data\J_vars06.d"
@@ -153,6 +169,7 @@ Section "Uninstall"
     Delete "$INSTDIR\LICENSE"
     Delete "$INSTDIR\halyrigctl.ps1"
     Delete "$INSTDIR\halyrigctl.exe"
+    Delete "$INSTDIR\halyrigctlw.exe"
     Delete "$INSTDIR\Halyrig32.exe"
     Delete "$INSTDIR\uninstall.exe"
     RMDir "$INSTDIR"

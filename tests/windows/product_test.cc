@@ -194,5 +194,26 @@ TEST_F(ProductTest, OutlivesALibraryThatRunsALoopOfMessagesAndNamesOneThatCrashe
     EXPECT_NE(std::string::npos, BytesOf(log).find("\\ShDfW2.dll+0x")) << BytesOf(log);
 }
 
+// By its second program, which is closed by the installer, or by the end of the session.
+TEST_F(ProductTest, RecordsWithoutAConsoleWindowAndEndsAFileAsItShould) {
+    const fs::path recordings = fs::path(UserRoots().programData) / "Tidewright/recordings";
+    Start();
+    for (const UINT how : {WM_CLOSE, WM_ENDSESSION}) {
+        fs::remove_all(recordings);
+        const auto recorder = StartProgram((bin / "halyrigctlw.exe").string(), {"record", "--keep", "3"});
+        fs::path file;
+        ASSERT_TRUE(Until([&] {
+            const auto files = system->Core().files.List(recordings.u16string(), u"*.gz");
+            return !files.empty() && fs::file_size(file = files[0]) > 400;
+        }));
+        EXPECT_FALSE(IsWindowVisible(FindWindowW(L"ConsoleWindowClass", nullptr)));
+        PostMessageW(FindWindowW(L"halyrigctlw", nullptr), how, TRUE, 0);
+        EXPECT_EQ(0, recorder->Wait());
+        EXPECT_FALSE(BytesOf(file).ends_with(std::string("\0\0\xFF\xFF", 4)))
+            << "what was packed last has its end, the file has none";
+    }
+    Quit();
+}
+
 }  // namespace
 }  // namespace twr::testing

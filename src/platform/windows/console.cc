@@ -4,6 +4,7 @@
 #include "platform/held_output.h"
 #include "platform/services.h"
 #include "platform/windows/console_screen.h"
+#include "platform/windows/stop_event.h"
 #include "platform/windows/unique_handle.h"
 
 namespace twr {
@@ -32,13 +33,17 @@ private:
     bool listening_ = false;
 };
 
-// Set by the system's own thread, which runs the handler below.
+// Set by the system's own thread, which runs the handler below, or by halyrigctlw.
 HANDLE StopEvent() {
-    static const UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    static const UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, StopEventName(GetCurrentProcessId()).c_str()));
     return event.get();
 }
 
-BOOL WINAPI OnStop(DWORD) { return SetEvent(StopEvent()); }
+BOOL WINAPI OnStop(DWORD what) {
+    SetEvent(StopEvent());
+    if (what == CTRL_CLOSE_EVENT) Sleep(INFINITE);  // Windows ends the process once this returns, and five seconds later anyway
+    return TRUE;
+}
 
 Output WriteAll(HANDLE to, std::string_view text) {
     while (!text.empty()) {
