@@ -61,6 +61,11 @@ Status Replay::Run() {
     desk_.Open();
     while (PlayOnce() && (back_ || options_.loop)) continue;
     desk_.Close();
+    if (file_.tally.lines > 0) {
+        std::string found = Described(file_.tally);
+        found.pop_back();  // the end of its last line
+        Complain(system_.GetConsole(), Harmless(file_.path) + ": " + found);
+    }
     return status_;
 }
 
@@ -122,7 +127,9 @@ bool Replay::PlayOnce() {
     if (from_) start = [&](double first) { return from_->MomentFrom(first, BoardZone(*core_, system_.Core().zone)); };
     if (const auto back = std::exchange(back_, std::nullopt)) start = [back](double) { return *back; };
     Replayer replayer(*core_, *source, channels_, start);
-    if (!PlayUntilEnd(replayer)) return false;
+    const bool ended = PlayUntilEnd(replayer);
+    if (source->Tally()) file_.tally = *source->Tally();
+    if (!ended) return false;
     if (back_) return true;
     if (!source->Fault().empty()) return Fail(Harmless(file_.path) + " " + Harmless(FromUtf8(source->Fault())) + "; ended there.");
     if (!replayer.Started()) {

@@ -132,9 +132,11 @@ std::string XmlText(const std::string& text) {
     return safe;
 }
 
-// A place; its attributes in decimals, as the schema wants them.
+// A place; its attributes in decimals and below 180 degrees, as the schema wants them.
 void AppendPlace(std::string& out, const char* element, double latitude, double longitude) {
-    out += Printed("<%s lat=\"%.8f\" lon=\"%.8f\">", element, latitude, TurnedAngle(longitude));
+    constexpr double kHalfDigit = 0.5e-8;
+    const double turned = TurnedAngle(longitude), east = turned < 180.0 - kHalfDigit ? turned : -180.0;
+    out += Printed("<%s lat=\"%.8f\" lon=\"%.8f\">", element, latitude, east);
 }
 
 }  // namespace
