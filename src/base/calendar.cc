@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "base/calendar.h"
 
-#include <chrono>
 #include <cmath>
 
 #include "base/numbers.h"
@@ -12,7 +11,6 @@ namespace {
 
 constexpr double kFirstDay = -657434.0;  // 0100-01-01
 constexpr double kLastDay = 2958465.0;   // 9999-12-31
-constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
 constexpr int kSecondsPerDay = 86400;
 constexpr std::size_t kLongestText = 255;
 

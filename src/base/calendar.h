@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 // Day numbers as calendar text.
 #pragma once
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace twr {
+
+// The date of day number 0.
+inline constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
 
 struct CalendarTime {
     int year, month, day;  // month and day count from 1

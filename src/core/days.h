@@ -8,9 +8,9 @@
 
 namespace twr {
 
-inline constexpr double kTicksPerDay = 864000000000.0;  // of 100 ns
 inline constexpr double kDaysTo1970 = 25569.0;
 inline constexpr double kSecondsPerDay = 86400.0;
+inline constexpr double kTicksPerDay = kTicksPerSecond * kSecondsPerDay;
 
 inline double DaysFromTicks(std::int64_t ticks) { return static_cast<double>(ticks) / kTicksPerDay + kDaysTo1970; }
 

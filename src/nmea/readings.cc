@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "nmea/readings.h"
 
-#include <chrono>
 #include <cmath>
 #include <utility>
 
 #include "base/angles.h"
+#include "base/calendar.h"
 
 namespace twr {
 namespace {
@@ -218,7 +218,6 @@ std::optional<double> DateOf(const NmeaSentence& sentence) {
                                           std::chrono::month(static_cast<unsigned>(*parts[1])),
                                           std::chrono::day(static_cast<unsigned>(*parts[0]))};
     if (!day.ok()) return std::nullopt;
-    constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
     return static_cast<double>((std::chrono::sys_days(day) - kDayZero).count());
 }
 

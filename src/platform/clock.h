@@ -6,6 +6,8 @@
 
 namespace twr {
 
+inline constexpr double kTicksPerSecond = 1e7;
+
 class Clock {
 public:
     virtual ~Clock() = default;

@@ -22,7 +22,7 @@ constexpr double kHeelPerPressure = 0.006;  // for a square knot of wind across 
 constexpr double kHeelLag = 2.0;            // seconds
 // The keel's side force grows with leeway and the square of the speed, the sails' side force with heel, and the two are equal.
 // Hence the usual leeway = K * heel / speed^2, with K taken so that she makes about 3 degrees on a beat.
-constexpr double kLeeway = 10.0;
+constexpr double kLeewayOfHeel = 10.0;
 constexpr double kLeastLeewaySpeed = 4.0;  // knots; below it the keel stalls and the rule no longer holds
 constexpr double kMostLeeway = 8.0;        // degrees
 constexpr double kSecondsPerHour = 3600.0;
@@ -62,7 +62,7 @@ void RacingYacht::Heel(double seconds) {
     const double target = -kMostHeel * std::tanh(kHeelPerPressure * pressure);
     state_.heel = Lagged(state_.heel, target, seconds, kHeelLag);
     const double speed = std::max(state_.speed, kLeastLeewaySpeed);
-    state_.leeway = std::clamp(kLeeway * state_.heel / (speed * speed), -kMostLeeway, kMostLeeway);
+    state_.leeway = std::clamp(kLeewayOfHeel * state_.heel / (speed * speed), -kMostLeeway, kMostLeeway);
 }
 
 // Everything that follows from heading, leeway, speed, wind and current, so that one moment agrees with itself.

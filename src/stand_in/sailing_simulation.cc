@@ -4,12 +4,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/clock.h"
+
 namespace twr {
 namespace {
 
 using enum Quantity;
 
-constexpr double kTicksPerSecond = 1e7;
 constexpr std::int64_t kTicksPerStep = 1000000;
 constexpr double kStep = 0.1;  // seconds
 

@@ -37,7 +37,6 @@ void TakeSetting(std::string_view key, std::string_view value, StandInSettings& 
     }
 }
 
-constexpr double kTicksPerSecond = 1e7;
 constexpr std::int64_t kOneMoment = 200000;       // 20 ms: all reads within it see the same moment
 constexpr std::int64_t kLongestStep = 100000000;  // 10 s; after a longer sleep it goes on where it was
 

@@ -2,13 +2,13 @@
 #include "streams/iso_time.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
+
+#include "base/calendar.h"
 
 namespace twr {
 namespace {
 
-constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
 constexpr std::int64_t kMsPerDay = 86400000;
 
 // Digits of a fixed number at the front of what is left of a text, which they are taken from.

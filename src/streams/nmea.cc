@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "base/angles.h"
+#include "base/calendar.h"
 #include "base/numbers.h"
 #include "core/units.h"
 #include "streams/iso_time.h"
@@ -22,7 +23,6 @@ constexpr double kMetresPerFoot = 0.3048, kMetresPerFathom = 1.8288;
 constexpr double kHectopascalsPerBar = 1000.0;
 constexpr double kKmhPerKnot = kMetresPerNauticalMile / 1000;
 constexpr double kMsPerKnot = kMetresPerNauticalMile / 3600;
-constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
 constexpr std::int64_t kPerDegree = 6000000;  // hundred-thousandths of a minute
 constexpr std::int64_t kHundredthsPerDay = 8640000;
 

@@ -51,22 +51,22 @@ ListedMap ReadMap(CCore& core, const MappingLook& look) {
     return map;
 }
 
-constexpr const char* kTextRow = "%5s  %-20s %-16s %4s  %-6s  %s\n";
+constexpr const char* kMapRow = "%5s  %-20s %-16s %4s  %-6s  %s\n";
 
 std::string TextRow(const MappedChannel& mapped, const std::string& other, const char* damped) {
-    return Printed(kTextRow, std::to_string(mapped.line).c_str(), other.c_str(),
+    return Printed(kMapRow, std::to_string(mapped.line).c_str(), other.c_str(),
                    (std::to_string(mapped.channel) + " " + Harmless(mapped.name)).c_str(), std::to_string(mapped.boat).c_str(),
                    damped, mapped.text.empty() ? "no record" : Harmless(mapped.text).c_str());
 }
 
 std::string AsText(const ListedMap& map) {
     std::string text = Harmless(map.path) + "\n";
-    if (!map.vars.empty()) text += Printed(kTextRow, "line", "Deckman's variable", "feeds channel", "boat", "", "now");
+    if (!map.vars.empty()) text += Printed(kMapRow, "line", "Deckman's variable", "feeds channel", "boat", "", "now");
     for (std::size_t i = 0; i < map.vars.size(); ++i) {
         const MappingVar& row = map.rows.varRows[i];
         text += TextRow(map.vars[i], Harmless(row.dfwName) + " (" + std::to_string(row.dfwId) + ")", "");
     }
-    if (!map.remotes.empty()) text += Printed(kTextRow, "line", "remote", "shows channel", "boat", "damped", "now");
+    if (!map.remotes.empty()) text += Printed(kMapRow, "line", "remote", "shows channel", "boat", "damped", "now");
     for (std::size_t i = 0; i < map.remotes.size(); ++i) {
         const MappingRemote& row = map.rows.remoteRows[i];
         text += TextRow(map.remotes[i], std::to_string(row.remote), row.damp ? "yes" : "-");

@@ -9,6 +9,10 @@
 
 namespace twr {
 
+// However long a command waits, it asks so often whether the user wants it to end, or the suite asks to close: until it lets go of
+// the record, that request would last.
+inline constexpr int kSliceMs = 100;
+
 enum class WithoutRecord {
     kComplain,  // on standard error, with what to start
     kGoOn,      // with a core that is not attached

@@ -15,7 +15,6 @@
 namespace twr {
 namespace {
 
-constexpr int kSliceMs = 100;
 constexpr int kCallsBetweenTending = 10;  // of one a second
 constexpr int kMostDrainMs = 30'000;      // what waits is 30 s of every channel, and a service is killed after 90 s
 

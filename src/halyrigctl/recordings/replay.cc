@@ -5,6 +5,7 @@
 
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
+#include "halyrigctl/output/guest.h"
 #include "halyrigctl/recordings/board_time.h"
 #include "halyrigctl/recordings/recorded_files.h"
 #include "halyrigctl/recordings/replay_desk.h"
@@ -15,7 +16,6 @@
 namespace twr {
 namespace {
 
-constexpr int kSliceMs = 100;
 constexpr int kBetweenChecksMs = 1000;
 constexpr double kLongestStep = 1.0;  // seconds; a machine that slept, or whose clock was set, plays on where it was
 
@@ -154,7 +154,7 @@ bool Replay::PlayUntilEnd(Replayer& replayer) {
         const bool waits = result == Replayer::Result::kWaits;
         if (!Pause(waits ? static_cast<int>(std::clamp(leftMs, 1.0, double{kSliceMs})) : 0)) return false;
         const std::int64_t now = clock.Ticks();
-        const double passed = std::clamp(static_cast<double>(now - before) / (kTicksPerDay / kSecondsPerDay), 0.0, kLongestStep);
+        const double passed = std::clamp(static_cast<double>(now - before) / kTicksPerSecond, 0.0, kLongestStep);
         before = now;
         // What was due but not published yet is not overtaken.
         if (waits) played += passed * speed;

@@ -60,10 +60,10 @@ std::string ColourText(std::uint32_t colour) {
     return Printed("#%02X%02X%02X", colour & 0xFF, colour >> 8 & 0xFF, colour >> 16 & 0xFF);
 }
 
-constexpr const char* kTextRow = "%4s  %9s  %-7s %9s  %-6s %10s  %s\n";
+constexpr const char* kBoatRow = "%4s  %9s  %-7s %9s  %-6s %10s  %s\n";
 
 std::string TextRow(const BoatReading& boat) {
-    return Printed(kTextRow, std::to_string(boat.slot).c_str(), boat.mmsi != 0 ? Printed("%09u", boat.mmsi).c_str() : "-",
+    return Printed(kBoatRow, std::to_string(boat.slot).c_str(), boat.mmsi != 0 ? Printed("%09u", boat.mmsi).c_str() : "-",
                    ColourText(boat.colour).c_str(), boat.ageLimit ? Printed("%d s", *boat.ageLimit).c_str() : "-",
                    boat.inUse ? "yes" : "-", boat.age ? Printed("%.1f s", *boat.age).c_str() : "-",
                    boat.name.empty() ? "-" : Harmless(boat.name).c_str());
@@ -71,7 +71,7 @@ std::string TextRow(const BoatReading& boat) {
 
 std::string TextTable(const std::vector<BoatReading>& boats) {
     if (boats.empty()) return "No boat is in use, named or known by an MMSI; 'halyrigctl boats --all' lists all 100.\n";
-    std::string table = Printed(kTextRow, "boat", "MMSI", "colour", "limit", "in use", "last value", "name");
+    std::string table = Printed(kBoatRow, "boat", "MMSI", "colour", "limit", "in use", "last value", "name");
     for (const BoatReading& boat : boats) table += TextRow(boat);
     return table;
 }

@@ -29,12 +29,12 @@ bool HasShortIndex(const ChannelInfo& info) { return info.shortIndex < kShortCha
 
 std::string OrDash(bool told, int number) { return told ? std::to_string(number) : "-"; }
 
-constexpr const char* kTextRow = "%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n";
+constexpr const char* kChannelRow = "%4s  %-12s %-30s %4s %6s %6s %6s %5s %6s  %s\n";
 
 // For users: a dash where there is no value.
 std::string TextRow(const ChannelInfo& info) {
-    return Printed(kTextRow, std::to_string(info.id).c_str(), ToUtf8(CatalogueName(info.id)).c_str(), ToUtf8(info.longName).c_str(),
-                   std::to_string(info.type).c_str(), OrDash(HasRange(info), info.min).c_str(),
+    return Printed(kChannelRow, std::to_string(info.id).c_str(), ToUtf8(CatalogueName(info.id)).c_str(),
+                   ToUtf8(info.longName).c_str(), std::to_string(info.type).c_str(), OrDash(HasRange(info), info.min).c_str(),
                    OrDash(HasRange(info), info.max).c_str(), OrDash(GetsStale(info), info.staleSeconds).c_str(),
                    OrDash(HasPrec(info), info.prec).c_str(), OrDash(HasShortIndex(info), info.shortIndex).c_str(),
                    Flags(info).c_str());
@@ -61,7 +61,7 @@ Json JsonRow(const ChannelInfo& info) {
 }
 
 std::string TextTable() {
-    std::string table = Printed(kTextRow, "id", "name", "long name", "type", "min", "max", "stale", "prec", "short", "flags");
+    std::string table = Printed(kChannelRow, "id", "name", "long name", "type", "min", "max", "stale", "prec", "short", "flags");
     for (const ChannelInfo& info : ChannelCatalogue()) table += TextRow(info);
     return table;
 }

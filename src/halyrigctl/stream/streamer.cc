@@ -11,7 +11,6 @@
 namespace twr {
 namespace {
 
-constexpr int kSliceMs = 100;
 constexpr int kJoinMs = 1000;
 
 }  // namespace

@@ -23,9 +23,6 @@
 namespace twr {
 namespace {
 
-// The next look may be an hour away, and holding the record until then would keep a request to close alive.
-constexpr int kSliceMs = 100;
-
 // Asked to close, or out of reach of every other program.
 bool HasEnded(const CCore& core) { return core.QuitRequested() || core.RecordIsLost(); }
 

@@ -12,7 +12,7 @@
 namespace twr {
 namespace {
 
-constexpr int kGap = 2;                                  // columns between table and displays
+constexpr int kBetween = 2;                              // columns between table and displays
 constexpr int kLeastForHints = 5, kLeastForHeading = 3;  // rows: of the screen, and of the table
 constexpr char32_t kDelete = 127;                        // Ctrl and Backspace on Windows
 constexpr std::size_t kEndOfAll = std::numeric_limits<std::size_t>::max() / 2;
@@ -33,12 +33,12 @@ void Append(std::vector<ScreenText>& picture, const std::vector<ScreenText>& tex
 // Beside displays, with room for at least one.
 int TableWidthBeside(int width) {
     constexpr int kTwoFrames = 2 * kFramedDisplayWidth + 1;
-    return width >= kFullTable + kGap + kTwoFrames ? std::max(kFullTable, width / 2) : width - kGap - kSmallDisplayWidth;
+    return width >= kFullTable + kBetween + kTwoFrames ? std::max(kFullTable, width / 2) : width - kBetween - kSmallDisplayWidth;
 }
 
 // The bridge counts more than the clock where there is no room for both.
 void DrawHead(std::vector<ScreenText>& picture, const WatchedLook& look, int width) {
-    const int clockWidth = static_cast<int>(WidthOf(look.clock)) + kGap;
+    const int clockWidth = static_cast<int>(WidthOf(look.clock)) + kBetween;
     const bool roomForClock = clockWidth + static_cast<int>(WidthOf(look.bridge)) <= width;
     const auto fresh = std::ranges::count(look.rows, ChannelState::kFresh, &WatchedRow::state);
     if (roomForClock) picture.push_back({0, 0, look.clock, Look::kBold});
@@ -99,9 +99,9 @@ std::vector<ScreenText> WatchView::Draw(const WatchedLook& look, ConsoleSize siz
     DrawHead(picture, look, size.columns);
     ConsoleSize room{size.columns, size.rows - (hinted ? 2 : 1)};
     if (room.rows > 0) {
-        const bool beside = !look.remotes.empty() && size.columns >= kNarrowTable + kGap + kSmallDisplayWidth;
+        const bool beside = !look.remotes.empty() && size.columns >= kNarrowTable + kBetween + kSmallDisplayWidth;
         if (beside) room.columns = TableWidthBeside(size.columns);
-        const int right = size.columns - room.columns - kGap, below = room.rows / 2;
+        const int right = size.columns - room.columns - kBetween, below = room.rows / 2;
         DisplaysPicture displays;
         if (beside) displays = DrawDisplays(look.remotes, {right, room.rows});
         if (!beside && below > 0) displays = DrawDisplays(look.remotes, {size.columns, below});
@@ -109,7 +109,7 @@ std::vector<ScreenText> WatchView::Draw(const WatchedLook& look, ConsoleSize siz
         const int ofDisplays = 1 + room.rows;
         room.rows -= DrawExplained(picture, look, room);
         DrawTable(picture, look, room);
-        Append(picture, displays.texts, beside ? 1 : ofDisplays, beside ? room.columns + kGap : 0);
+        Append(picture, displays.texts, beside ? 1 : ofDisplays, beside ? room.columns + kBetween : 0);
     }
     if (hinted) picture.push_back({size.rows - 1, 0, Hints(), typing_ ? Look::kBold : Look::kFaint});
     return picture;

@@ -41,7 +41,7 @@ std::atomic<Signals> received = 0;
 static_assert(std::atomic<Signals>::is_always_lock_free);
 volatile sig_atomic_t looks = 0;
 std::optional<timer_t> timer;
-std::uint32_t waits = 0;  // since a library was loaded
+std::uint32_t waitsSince = 0;  // since a library was loaded
 
 sigset_t SetOf(Signals signals) {
     sigset_t set;
@@ -50,7 +50,7 @@ sigset_t SetOf(Signals signals) {
     return set;
 }
 
-void Look(const itimerspec& when) {
+void SetLooks(const itimerspec& when) {
     looks = 0;
     if (timer) timer_settime(*timer, 0, &when, nullptr);
 }
@@ -68,7 +68,7 @@ void OnLook(int) {
     const Signals waiting = received & kToClose;
     looks = looks + 1;
     if (waiting == 0) {
-        Look(kNoLooks);
+        SetLooks(kNoLooks);
     } else if (looks >= kPatience) {
         EndBy(std::countr_zero(waiting));
     }
@@ -89,7 +89,7 @@ void OnSignal(int number, siginfo_t* info, void*) {
         raise(number);
     } else if (FromOutside(number, *info)) {
         const bool first = (received.fetch_or(Bit(number)) & kToClose) == 0;
-        if (first && (kToClose & Bit(number))) Look(kLooks);
+        if (first && (kToClose & Bit(number))) SetLooks(kLooks);
     }
     errno = error;
 }
@@ -136,7 +136,7 @@ bool CloseSignalPending() {
            std::ranges::any_of(kCloseSignals, [&](int number) { return sigismember(&waiting, number); });
 }
 
-void ExpectOtherHandlers() { waits = 0; }
+void ExpectOtherHandlers() { waitsSince = 0; }
 
 // The others are blocked but while it waits, so that no change of a terminal's size interrupts what a library does.
 SignalQueue::SignalQueue(std::initializer_list<int> others) : canary_(open("/dev/null", O_RDONLY | O_CLOEXEC)) {
@@ -164,7 +164,7 @@ SignalQueue::~SignalQueue() {
     for (const auto& [number, before] : actions_) sigaction(number, &before, nullptr);
     sigprocmask(SIG_SETMASK, &before_, nullptr);
     received = 0;  // a repeated one must not close what comes next
-    Look(kNoLooks);
+    SetLooks(kNoLooks);
 }
 
 int SignalQueue::Take() {
@@ -176,7 +176,7 @@ int SignalQueue::Take() {
 }
 
 void SignalQueue::WaitUntil(Steady::time_point end, std::span<pollfd> others) const {
-    if (++waits < 16 || waits % 4096 == 0) TakeBack();  // libraries set handlers mostly as they begin
+    if (++waitsSince < 16 || waitsSince % 4096 == 0) TakeBack();  // libraries set handlers mostly as they begin
     const auto left = std::max(Steady::duration::zero(), end - SteadyNow());
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
     const timespec time{static_cast<time_t>(seconds.count()), static_cast<long>((left - seconds) / std::chrono::nanoseconds(1))};
