@@ -12,7 +12,7 @@ function(twr_test name)
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE halyrig_flags ${ARG_LIBRARIES} test_support)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-    set_target_properties(${name} PROPERTIES HALYRIG_TEST ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    set_target_properties(${name} PROPERTIES HALYRIG_TEST ON UNITY_BUILD OFF RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     # GoogleTest's own header takes as long as a whole test file; the first program compiles it for all.
     if(name STREQUAL "base_test")
         target_precompile_headers(${name} PRIVATE <gtest/gtest.h>)
