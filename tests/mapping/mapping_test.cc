@@ -209,7 +209,7 @@ TEST_F(MappingTest, AWriteProtectedFileAndItsCopyStayAsTheyAre) {
     std::filesystem::permissions(folder.Path(), std::filesystem::perms::all);
     std::filesystem::permissions(folder.Path() / "halyrig.xml", std::filesystem::perms(0444));
     {
-        const CommonUser user;
+        const OrdinaryUser user(folder);
         if (std::ofstream(folder.Path() / "halyrig.xml", std::ios::app)) GTEST_SKIP() << "this user may write everything";
         EXPECT_FALSE(SaveMapping(system->Core().files, xml, folder.File("halyrig.xml"), {}));
     }

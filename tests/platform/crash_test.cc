@@ -30,7 +30,7 @@ const Role crash("crash", [](const std::vector<std::string>& arguments) {
         reinterpret_cast<int (*)(const char*)>(library->Find("Crash"))(arguments[2].c_str());
         crashes.Calling(false);
     };
-    if (arguments[2] != "close") call();
+    if (arguments[2] != "close") return call(), 0;
     ScriptedDialog dialog;  // what the library has closed shows itself while it waits for the next tick
     dialog.onInit = [&] {
         call();

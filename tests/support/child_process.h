@@ -38,26 +38,18 @@ struct Role {
 // The path of the running program.
 std::string OwnProgram();
 
-// While it lives, this program has no more rights to files than any user: root may write those that are write-protected.
-class CommonUser {
-public:
-    CommonUser();
-    ~CommonUser();
-    CommonUser(const CommonUser&) = delete;
-    CommonUser& operator=(const CommonUser&) = delete;
-};
-
 // Wine's stand-in for a part of Windows is known to fall short of it.
 bool UnderWine();
 
-// While it lives this process is a user whose rights count, and the folder with all in it is that user's. Not so on Windows.
+// While it lives this process is a user whose rights count, as root's don't, and the folder with all in it is that user's. On
+// Windows nothing changes: there an administrator can't write a write-protected file either.
 class OrdinaryUser {
 public:
     explicit OrdinaryUser(const TempFolder& folder);
     ~OrdinaryUser();
     OrdinaryUser(const OrdinaryUser&) = delete;
     OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    explicit operator bool() const { return counts_; }
+    explicit operator bool() const { return counts_; }  // whether the rights of a mode do
 
 private:
     bool counts_;

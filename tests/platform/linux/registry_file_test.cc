@@ -171,7 +171,7 @@ TEST_F(RegistryFileTest, AFileNotToBeWrittenStaysAsItIs) {
     test_.folder.Write(kFile, "[HKEY_CURRENT_USER\\Software\\Tidewright\\core]\n\"a\"=dword:1\n");
     for (const char* folder : {"", "config"}) chmod(Path(folder).c_str(), 0777);
     chmod(Path().c_str(), 0444);
-    const testing::CommonUser user;
+    const testing::OrdinaryUser user(test_.folder);
     EXPECT_TRUE(registry_.OpenOrCreate(kKey));
     EXPECT_EQ(DwordValue(1), registry_.Read(kKey, u"a"));
     EXPECT_FALSE(registry_.Write(kKey, u"a", DwordValue(2)));

@@ -77,33 +77,24 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
 
 std::string OwnProgram() { return std::filesystem::read_symlink("/proc/self/exe"); }
 
-// The real user too, by whom access() goes; the saved one leads back.
-CommonUser::CommonUser() {
-    constexpr uid_t kNobody = 65534;
-    if (getuid() == 0 && setresuid(kNobody, kNobody, 0) != 0) std::abort();
-}
-
-CommonUser::~CommonUser() {
-    uid_t real = 0, effective = 0, saved = 0;
-    getresuid(&real, &effective, &saved);
-    if (seteuid(saved) != 0 || setresuid(saved, saved, saved) != 0) std::abort();
-}
-
 void SetVariable(const char* name, const char* value) { value ? setenv(name, value, 1) : unsetenv(name); }
 
 bool UnderWine() { return false; }
 
+// The real user too, by whom access() goes; the saved one leads back.
 OrdinaryUser::OrdinaryUser(const TempFolder& folder) : counts_(true) {
     constexpr uid_t kNobody = 65534;
     if (geteuid() != 0) return;
     counts_ = chown(folder.Path().c_str(), kNobody, kNobody) == 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.Path()))
         counts_ = lchown(entry.path().c_str(), kNobody, kNobody) == 0 && counts_;
-    counts_ = setegid(kNobody) == 0 && seteuid(kNobody) == 0 && counts_;
+    if (setegid(kNobody) != 0 || setresuid(kNobody, kNobody, 0) != 0) std::abort();
 }
 
 OrdinaryUser::~OrdinaryUser() {
-    if (getuid() == 0) counts_ = seteuid(0) == 0 && setegid(0) == 0;
+    uid_t real = 0, effective = 0, saved = 0;
+    getresuid(&real, &effective, &saved);
+    if (saved != effective && (seteuid(saved) != 0 || setresuid(saved, saved, saved) != 0 || setegid(saved) != 0)) std::abort();
 }
 
 }  // namespace twr::testing

@@ -98,11 +98,7 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
 
 std::string OwnProgram() { return ToUtf8(FromWide(ModulePath(nullptr))); }
 
-// Here an administrator can't write a write-protected file either.
 void SetVariable(const char* name, const char* value) { SetEnvironmentVariableA(name, value); }
-
-CommonUser::CommonUser() = default;
-CommonUser::~CommonUser() = default;
 
 bool UnderWine() { return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr; }
 
