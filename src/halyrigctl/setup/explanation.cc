@@ -7,8 +7,7 @@
 namespace twr {
 
 Explained ExplainChannel(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances) {
-    const std::string ofBoat = boat > 0 ? " of boat " + std::to_string(boat) : "";
-    Explained one{channel, boat, ChannelInWords(core, channel) + ofBoat, NameForPeople(core, channel),
+    Explained one{channel, boat, ChannelInWords(core, channel, boat), NameForPeople(core, channel),
                   ValueChain(core, channel, boat, circumstances)};
     AddRemoteLinks(one.links, core, channel, boat, circumstances);
     return one;

@@ -362,8 +362,9 @@ void AddRemoteLinks(Links& links, CCore& core, ChannelId channel, BoatSlot boat,
     }
 }
 
-std::string ChannelInWords(CCore& core, ChannelId channel) {
-    return Harmless(NameForPeople(core, channel)) + " (" + Digits(channel) + ")";
+std::string ChannelInWords(CCore& core, ChannelId channel, BoatSlot boat) {
+    const std::string ofBoat = boat > 0 ? " of boat " + Digits(boat) : "";
+    return Harmless(NameForPeople(core, channel)) + " (" + Digits(channel) + ")" + ofBoat;
 }
 
 }  // namespace twr

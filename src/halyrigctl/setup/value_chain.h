@@ -75,7 +75,7 @@ Links ValueChain(CCore& core, ChannelId channel, BoatSlot boat, Circumstances& c
 // Adds a link for each of Deckman's displays that shows the channel.
 void AddRemoteLinks(Links& links, CCore& core, ChannelId channel, BoatSlot boat, Circumstances& circumstances);
 
-// "HDG (13)"
-std::string ChannelInWords(CCore& core, ChannelId channel);
+// "HDG (13)", "HDG (13) of boat 2"
+std::string ChannelInWords(CCore& core, ChannelId channel, BoatSlot boat = 0);
 
 }  // namespace twr
