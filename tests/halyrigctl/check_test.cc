@@ -83,12 +83,51 @@ TEST_F(CheckTest, ARightSetUpIsOneLine) {
               R"("count":3,"timer":true})", R"("depthInFeet":true)", R"("vars":2,"varsUsed":2,"remotes":1})", R"("findings":[]})"});
 }
 
+// Each box, each number and each word stands for itself.
+TEST_F(CheckTest, TellsEachBoxAndWhatOfTheMappingIsUsed) {
+    Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='none'/>\n<var twr='9' dfw='HDG'/>\n<remote remote='1' twr='13'/>");
+    const std::tuple<bool Settings::*, const char*, const char*> rows[] = {
+        {&Settings::depthInFeet, "depth in feet on, names off, TIMER off, degrees true off (saved)",
+         R"("depthInFeet":true,"sendNames":false,"useTimer":false,"degreesTrue":false)"},
+        {&Settings::sendNames, "depth in feet off, names on, TIMER off, degrees true off (saved)",
+         R"("depthInFeet":false,"sendNames":true,"useTimer":false,"degreesTrue":false)"},
+        {&Settings::useTimer, "depth in feet off, names off, TIMER on, degrees true off (saved)",
+         R"("depthInFeet":false,"sendNames":false,"useTimer":true,"degreesTrue":false)"},
+        {&Settings::degreesTrue, "depth in feet off, names off, TIMER off, degrees true on (saved)",
+         R"("depthInFeet":false,"sendNames":false,"useTimer":false,"degreesTrue":true)"}};
+    for (const auto& [box, text, json] : rows) {
+        settings.depthInFeet = false;
+        settings.*box = true;
+        Save();
+        ExpectIn(Said("check", 1), {text, "halyrig.xml: 2 of 3 variables, 1 remote\n"});
+        ExpectIn(Said("check --json", 1), {json, R"("vars":3,"varsUsed":2,"remotes":1})"});
+        settings.*box = false;
+    }
+}
+
 TEST_F(CheckTest, LooksAtAnotherFolder) {
-    const std::string other = ToUtf8(test.folder.File("nowhere"));
-    ExpectIn(Found(1, "check " + other).at(0), {"nowhere does not exist"});
+    const std::string folder = ToUtf8(settings.dfwFolder);
+    ExpectIn(Found(1, "check " + ToUtf8(test.folder.File("nowhere"))).at(0), {"nowhere does not exist"});
     EXPECT_TRUE(verdict.starts_with("Nothing can come from Deckman; ")) << verdict;
-    EXPECT_TRUE(Found(0, "check " + ToUtf8(settings.dfwFolder)).empty()) << console.written;
+    // What the running bridge has loaded, and when it has read its list, is no fault of a folder that is asked about.
+    Start();
+    bridge->LibraryLoaded(settings.dfwFolder, {});
+    std::filesystem::last_write_time(test.folder.Path() / kList,
+                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(48));
+    EXPECT_EQ(2u, Found(1).size()) << console.written;
+    EXPECT_TRUE(Found(0, "check " + folder).empty()) << console.written;
+    EXPECT_EQ(0, RunCommandLine(*this, {"check", " " + folder + "\t"})) << "as it was pasted: " << console.written;
     Said("check --json --summary", 2);
+}
+
+// What has one cause is told once.
+TEST_F(CheckTest, WithoutDeckmansListNoLineIsAtFault) {
+    Remove(kList);
+    EXPECT_EQ(1u, Found(1).size()) << console.written;
+    ExpectIn(console.written, {"no file of variables", "halyrig.xml: 0 of 2 variables"});
+    test.folder.Write("ProgramData/Tidewright/halyrig/halyrig.csv", "1,13\n");
+    const std::string summary = Said("check --summary", 1);
+    EXPECT_EQ(2, std::ranges::count(summary, '\n')) << "the verdict and the fault, without the notes\n" << summary;
 }
 
 TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
@@ -148,7 +187,8 @@ TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
         {"boats.xml:1", "<boats><boat name='A' id='7'/></boats>", "name stands before id", 1},
         {"boats.xml:1", "<boats><boat r='1' id='7'/></boats>", nullptr, 0},
         {"boats.xml:1", "<boats><boat id='7' mmsi='x'/></boats>", R"(mmsi="x" is not a number)", 1},
-        {"J_vars06.d:6", "", "is read only up to here", 1}};
+        {"J_vars06.d:6", "", "is read only up to here", 1},
+        {"J_vars06.d", "8 X u 0 0 0\n", nullptr, 0}};  // no TIMER, and none is wanted
     for (const auto& [where, content, fragment, status] : rows) {
         SCOPED_TRACE(content.substr(0, 80));
         SetUpWell();
@@ -157,7 +197,8 @@ TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
         if (place.starts_with("halyrig.xml") || place.empty()) {
             Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n" + content);
         } else if (place.starts_with("J_vars")) {
-            test.folder.Write(kList, "[variables]\n\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n9 TIMER u 0 0 0\n8 X u 0 0 0\n");
+            const std::string timer = content.empty() ? "9 TIMER u 0 0 0\n8 X u 0 0 0\n" : content;
+            test.folder.Write(kList, "[variables]\n\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n" + timer);
         } else {
             test.folder.Write(config + place.substr(0, place.find(':')), content);
         }
@@ -235,10 +276,13 @@ TEST_F(CheckTest, KnowsWhatFeedsWhatIsShown) {
     bridge->BoxesInForce(settings);
     test.folder.Write(kList, "[variables]\n2 HDG u 0 0 0\n");
     bridge->MappingLoaded({1, 1, UtcNowDays(Core().clock) + 1.0});
-    const auto lines = Found(1);
+    auto lines = Found(1);
     ASSERT_EQ(2u, lines.size()) << console.written;
     ExpectIn(lines[0], {"the list has no variable TIMER"});
     ExpectIn(lines[1], {"no variation (MagVar, channel 93) to make them magnetic"});
+    test.folder.Write(kList, "[variables]\n2 BSP u 0 0 0\n9 TIMER u 0 0 0\n");
+    Map("<var twr='1' dfw='BSP'/>");
+    EXPECT_TRUE(Found(0).empty()) << "there is no bearing to be made magnetic\n" << console.written;
 }
 
 TEST_F(CheckTest, NamesWhatIsNewerThanWhatIsInForce) {
@@ -261,6 +305,7 @@ TEST_F(CheckTest, NamesWhatIsNewerThanWhatIsInForce) {
     ASSERT_EQ(std::size(expected), lines.size()) << console.written;
     for (std::size_t i = 0; i < lines.size(); ++i) ExpectIn(lines[i], {expected[i]});
     ExpectIn(Said("check --summary", 1), {"6 faults; ", "channels.xml", "'halyrigctl check' shows all\n"});
+    EXPECT_EQ(5, std::ranges::count(console.written, '\n')) << "the verdict, three faults, and where all are\n" << console.written;
     ExpectIn(Said("check --json", 1),
              {R"("status":"passed-over")", R"("line":null,"column":null,"flaw":"changed-since-read","note":false,"text":")"});
     test.folder.Write("elsewhere/x", "");
@@ -271,6 +316,39 @@ TEST_F(CheckTest, NamesWhatIsNewerThanWhatIsInForce) {
     ExpectIn(lines[0], {"(DataFolder)"});
     bridge->LibraryLoaded(settings.dfwFolder, {false, false});
     ExpectIn(Found(1).at(0), {"the bridge could not load Deckman's library when it looked, and could now"});
+}
+
+TEST_F(CheckTest, ComparesEachAttributeAndEachKindOfSetting) {
+    Start();
+    const std::string channel = "<channels><channel id='172' ", boat = "<boats><boat id='7' ";
+    const std::tuple<const char*, std::string, RegistryValue, const char*> rows[] = {
+        {"channels.xml", channel + "prec='3'/></channels>", {}, "(channel 172)"},
+        {"channels.xml", channel + "log='false'/></channels>", {}, "(channel 172)"},
+        {"channels.xml", channel + "damp='7'/></channels>", {}, "(channel 172)"},
+        {"channels.xml", channel + "type='12'/></channels>", {}, "(channel 172)"},
+        {"channels.xml", channel + "user='J'/></channels>", {}, "(channel 172)"},
+        {"channels.xml", channel + "/></channels>", {}, nullptr},
+        {"boats.xml", boat + "name='A'/></boats>", {}, "(boat 7)"},
+        {"boats.xml", boat + "mmsi='211000000'/></boats>", {}, "(boat 7)"},
+        {"boats.xml", boat + "b='9'/></boats>", {}, "(boat 7)"},
+        {"boats.xml", boat + "/></boats>", {}, nullptr},
+        {"alternate.csv", "9,0,0,0,0,0,0,0,0,1\n", {}, "(row 9)"},
+        // the first that differs is told
+        {"MarksXml", "", StringValue(u"/x"), "(MarksXml)"},
+        {"Database2", "", StringValue(u"/x"), "(Database2)"},
+        {"Sys_i3", "", DwordValue(1), "(Sys_i3)"},
+        {"Sys_b3", "", DwordValue(0), "(Sys_b3)"},
+        {"Sys_v1", "", StringValue(u"3.5"), "(Sys_v1)"}};
+    for (const auto& [name, content, value, first] : rows) {
+        SCOPED_TRACE(name + content);
+        const std::string file = std::string("ProgramData/Tidewright/config/") + name;
+        if (content.empty()) Core().registry.Write(kSavedSettingsKey, FromUtf8(name), value);
+        if (!content.empty()) test.folder.Write(file, content);
+        const auto lines = Found(first ? 1 : 0);
+        ASSERT_EQ(first ? 1u : 0u, lines.size()) << console.written;
+        if (first) ExpectIn(lines[0], {"it says other than what is in force", first});
+        Remove(file.c_str());
+    }
 }
 
 }  // namespace
