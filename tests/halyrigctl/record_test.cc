@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <atomic>
 #include <cmath>
 #include <future>
 #include <thread>
@@ -30,7 +31,7 @@ protected:
     }
     CoreServices Core() override {
         const CoreServices real = test.system->Core();
-        return {clock, real.zone, real.memory, real.registry, disk ? *disk : real.files, real.xml, real.desktop};
+        return {clock, zone, real.memory, real.registry, disk ? *disk : real.files, real.xml, real.desktop};
     }
     bool Step() {
         // A look comes a little late, and never as late as another, so that no age limit falls onto one.
@@ -69,6 +70,7 @@ protected:
     bool HasSaid(const char* part) const { return console.written.find(part) != std::string::npos; }
 
     FakeClock clock;
+    FakeZone zone;
     FakeFiles* disk = nullptr;  // in place of the machine's
     int seen = 0;               // milliseconds that were waited
     int late = 0;               // milliseconds by which the program comes back from each wait
@@ -76,7 +78,8 @@ protected:
 };
 
 std::string At(const std::string& time, int id, const std::string& value) {
-    return R"({"time":"2026-11-25T)" + time + R"(Z","id":)" + std::to_string(id) + R"(,"value":)" + value + "}\n";
+    return R"({"time":")" + std::string(time.size() > 8 ? "" : "2026-11-25T") + time + R"(Z","id":)" + std::to_string(id) +
+           R"(,"value":)" + value + "}\n";
 }
 
 std::string WithoutTimes(const std::string& lines) {
@@ -151,6 +154,32 @@ TEST_F(RecordTest, LooksOnABeatThatSeesEachTickOfTheBridge) {
     EXPECT_NEAR(ticks, static_cast<int>(Read("beat").size()), 1) << "the last may come after the last look";
 }
 
+// Each file can be played alone: it begins with what stands. Its day is that on board.
+TEST_F(RecordTest, TheDayOnBoardEndsAFileAndTheNextBeginsWithWhatStands) {
+    zone.state = ZoneState{-60, 0, false};
+    FakeFiles fake;
+    disk = &fake;
+    std::atomic<bool> enough = false;
+    fake.onFlush = [&] {
+        enough = enough || (fake.files.size() == 2 && fake.files[1].bytes.find("Mk Lat") != std::string::npos);
+        return true;
+    };
+    StartSuite();
+    clock.AdvanceMs(82'770'000);  // 23:59:30 on board
+    Publish(kMkLat, 50.0);
+    Record("log-%d", 1e6, [&](int look) {
+        Publish(kBsp, 1 + look % 20);
+        std::this_thread::yield();
+        if (enough || look == 50'000) clock.AdvanceMs(2'000'000'000);
+    });
+    ASSERT_EQ(2u, fake.files.size());
+    EXPECT_EQ(u"log-20", fake.files[1].path);
+    EXPECT_NEAR(30, Read(std::u16string(u"log-19")).back().seconds, 0.2);
+    for (const auto& file : fake.files)
+        EXPECT_EQ(1,
+                  std::ranges::count(Read(file.path), ChannelId{kMkLat}, [](const Recorded& one) { return one.change.channel; }));
+}
+
 // A file a day, of which the oldest are removed, and nothing else; not into the last of the disk's room.
 TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
     const std::string at = "ProgramData/Tidewright/recordings/";
@@ -158,7 +187,7 @@ TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
                                "halyrig-20261116-10.jsonl.gz", "halyrig-2026111.jsonl.gz",  "halyrig-20261001-x.jsonl.gz",
                                "halyrig-20261399.jsonl.gz",    "race-20260101.jsonl.gz"};
     StartSuite();
-    clock.AdvanceMs(12 * 3'600'000);  // the 19th in every zone
+    clock.AdvanceMs(12 * 3'600'000);
     const auto left = [&](const std::string& keep) {
         for (const char* name : old) test.folder.Write(at + name, std::string(1 << 20, 'x'));
         Record(keep, 3, [&](int look) { Publish(kBsp, look); });
@@ -275,16 +304,19 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
     test.folder.Write("two.jsonl",
                       At("01:00:00", 1, "6") + At("01:00:00", 93, "9") + At("01:00:20", 1, "7") + At("01:00:40", 1, "null") + "{");
     // Seconds that pass until its end; the boat's speeds seen.
-    const auto replay = [&](const std::string& options, int status = 0) {
+    const auto replay = [&](const std::string& options, int status = 0, const char* file = "two.jsonl") {
         std::pair<double, std::vector<double>> found;
         const double start = clock.Days();
         each = [&] {
             if (!suite) StartSuite();
-            if (found.second.empty() || found.second.back() != Value(kBsp)) found.second.push_back(Value(kBsp));
+            if (found.second.empty() || found.second.back() != Value(kBsp))
+                found.second.push_back(Value(kBsp));
+            else
+                EXPECT_NEAR(clock.Days(), Load(suite->View()->fullBlocks[0].time[kTime]), 0.5 / 86400) << "others see it live";
             found.first = (clock.Days() - start) * 86400;
             return found.first < 100;
         };
-        Said("replay " + File("two.jsonl") + " " + options, status);
+        Said("replay " + File(file) + " " + options, status);
         suite.reset();
         found.first = std::round(found.first);
         return found;
@@ -301,6 +333,24 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
                                                   {"--from 2026-11-25T01:00:19Z", {20, {7, kNoValue}}},
                                                   {"--from 01:00:21Z --channels MagVar", {0, {kNoValue}}}};
     for (const auto& [options, found] : rows) EXPECT_EQ(found, replay(options)) << options;
+    test.folder.Write("night.jsonl",
+                      At("23:59:50", 1, "6") + At("2026-11-26T00:00:20", 1, "7") + At("2026-11-26T00:00:40", 1, "null"));
+    const std::tuple<int, const char*, Found> nights[] = {{0, "00:00:10", {20, {7, kNoValue}}},
+                                                          {0, "23:59:30", {0, {kNoValue}}},
+                                                          {-60, "01:00:10", {20, {7, kNoValue}}},
+                                                          {300, "19:00:10", {20, {7, kNoValue}}},
+                                                          {-60, "00:00:10Z", {20, {7, kNoValue}}}};
+    for (const auto& [bias, from, found] : nights) {
+        zone.state = ZoneState{bias, 0, false};
+        EXPECT_EQ(found, replay(std::string("--from ") + from, found.first > 0 ? 0 : 1, "night.jsonl")) << from << " by " << bias;
+    }
+    each = [&, looks = 0]() mutable {
+        if (!suite) StartSuite();
+        return ++looks < 3;
+    };
+    Said("replay " + File("two.jsonl") + " --from 01:00:20Z");
+    EXPECT_EQ(9, Value(kMagVar)) << "which stood then";
+    suite.reset();
     EXPECT_EQ(100, replay("--loop --speed 2").first);
     replay("--from 01:01Z", 1);
     ExpectIn(console.written, {"ends before 01:01Z"});
@@ -397,6 +447,8 @@ TEST_F(RecordTest, ReplayTakesNmeaLogsAndRefusesWhatIsNone) {
     ExpectIn(Said("replay " + File("log.nmea")),
              {"log.nmea: 8 lines, of which 2 (25.0 %) are broken\n  used: DBT 1, HDT 1, RMC 2, VHW 1, XDR 1\n"});
     EXPECT_NEAR(8, (clock.Days() - start) * 86400, 0.2);
+    Said("replay " + File("log.nmea") + " --from 12:00:05Z");
+    EXPECT_NEAR(8, (clock.Days() - start) * 86400, 0.4) << "from its last second on, though it begins without a clock";
     const std::pair<ChannelId, double> rows[] = {{kBsp, 5},  {kHdg, 90}, {kMagVar, 10}, {kLat, 50},  {kSog, 7},
                                                  {kCog, 80}, {kLon, -1}, {kDepth, 10},  {kHeel, -12}};
     for (const auto& [channel, value] : rows) EXPECT_NEAR(value, Value(channel), 1e-3) << channel;

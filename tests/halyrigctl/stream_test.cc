@@ -49,6 +49,10 @@ TEST_F(StreamTest, WritesEachFormatAsItIsPublished) {
     Said("stream --seconds 3 --rate 0.5");
     EXPECT_EQ(3000, console.waited);
     EXPECT_EQ(0u, Count("halyrigctl:"));
+    Said("stream --seconds 3 --rate 3");
+    EXPECT_NEAR(6050, console.waited, 50) << "in looks that are no whole tenths of a second apart";
+    Said("stream --seconds 5 --format nmea");
+    EXPECT_NEAR(5, static_cast<double>(Count("VHW")), 1) << "sentences come once a second";
 }
 
 TEST_F(StreamTest, OutlivesTheRecord) {
@@ -91,6 +95,7 @@ TEST_F(StreamTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
     Publish(kBsp, 7.0);
     console.goOn = [&] { return console.waited < 60000; };
     ExpectSaid(2, {{"stream --channels BSP,speed", {"there is no channel speed;"}},
+                   {"stream --channels BSP,time", {"Time"}},
                    {"stream --format xml", {"xml not in {json,signalk,nmea}"}},
                    {"stream --rate 11", {"not in range 0.1"}},
                    {"stream --boat 100", {"not in range 0 to 99"}}});

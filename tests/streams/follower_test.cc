@@ -61,8 +61,10 @@ TEST_F(FollowerTest, TellsTheChosenChannelsAndBoats) {
     record.SetSlot(0, 1, kHdg);
     const auto told = [&](const FollowOptions& options) {
         Follow(options);
-        std::vector<std::pair<ChannelId, double>> values;
+        std::vector<std::pair<ChannelId, double>> values, present;
         for (const Change& change : Look()) values.emplace_back(change.channel, change.value + 100.0 * change.boat);
+        for (const Change& change : follower->Present()) present.emplace_back(change.channel, change.value + 100.0 * change.boat);
+        EXPECT_EQ(values, present) << "who joins later gets the same";
         return values;
     };
     using Values = std::vector<std::pair<ChannelId, double>>;

@@ -49,7 +49,10 @@ TEST_F(JsonLinesTest, TellsAChangeOnALine) {
     }
     Publish(kMagVar, -3.0);
     record.SetFlag(3, false);
-    EXPECT_NE(std::string::npos, LineOf(kHdg, 90.0).find(R"("value":90,"unit":"deg","text":"087"})")) << "text alone is true";
+    Publish(kMagVar, 10.0, 3);
+    for (const auto& [boat, told] : {std::pair(0u, R"("value":90,"unit":"deg","text":"087"})"), {3u, R"("text":"100"})"}})
+        EXPECT_NE(std::string::npos, Line({0.0, kHdg, boat, 90.0}).find(told))
+            << "text alone is true, by the variation of " << boat;
 }
 
 TEST_F(JsonLinesTest, ComesBackAsPublished) {

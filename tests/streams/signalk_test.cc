@@ -87,7 +87,8 @@ TEST_F(SignalKTest, NoValueIsNullOnceAndNeverANumber) {
     EXPECT_EQ("navigation.attitude=null\nnavigation.position=null\n", Listed(Values()));
     Publish(kLon, -7.0);
     record.SetEntry(0, kMkRng, 1e308, Now(), 0.0);
-    EXPECT_EQ("", Listed(Values())) << "nor what is too great in metres";
+    record.SetEntry(0, kGpsTime, 3e6, Now(), 0.0);
+    EXPECT_EQ("", Listed(Values())) << "nor what is too great in metres, nor a moment that is none";
 }
 
 TEST_F(SignalKTest, NamesBoatsByTheirMmsi) {
