@@ -440,6 +440,10 @@ TEST(LinuxLibrary, StaysMappedAndIsLoadedAfreshIfItsFileHasChanged) {
         EXPECT_EQ(counted, count());
         EXPECT_EQ(42, answer());
     }
+    std::string bytes = BytesOf(original);
+    bytes[bytes.find("pthread_create") + 13] = 'X';
+    const auto lacking = test.folder.Write("lacking.so", bytes);
+    EXPECT_EQ(nullptr, test.system->GetLibraries().Load(lacking)) << "rather than that its first call of another's ends the bridge";
 }
 
 TEST(TimersTest, KeepTheBeatAndLeaveOutWhatWasMissed) {

@@ -48,6 +48,12 @@ int Play(const std::vector<std::string>& arguments) {
                                                                 {"tell", [&] { ask(BoxButtons::kOk); }},
                                                                 {"make services", [&] { show(MakeSystem({}) ? u"made" : u""); }},
                                                                 {"quit", [&] { desktop.PostQuit(); }},
+                                                                {"remark",
+                                                                 [&] {
+                                                                     for (int i = 0; i < 3; ++i)
+                                                                         desktop.Remark(u"It is gone.", u"Host");
+                                                                     desktop.PostQuit();
+                                                                 }},
                                                                 {"abort", [] { std::abort(); }},
                                                                 {"exit", [] { std::exit(3); }},
                                                                 {"show", [&] { show(u"\u00A9 \u6D77\x1B[2J"); }}};
@@ -169,13 +175,17 @@ TEST_F(TerminalHostTest, ALibraryWithServicesOfItsOwnLeavesTheScreenAlone) {
 }
 
 TEST_F(TerminalHostTest, EachEndGivesTheTerminalBack) {
-    const std::pair<const char*, int> rows[] = {{"quit", 0}, {"abort", 128 + SIGABRT}, {"exit", 3}};
-    for (const auto& [play, status] : rows) {
+    const std::tuple<const char*, int, bool> rows[] = {
+        {"quit", 0, false}, {"abort", 128 + SIGABRT, false}, {"exit", 3, false}, {"remark", 0, true}};
+    for (const auto& [play, status, remarks] : rows) {
         SCOPED_TRACE(play);
         OpenAndAsk(play);
         EXPECT_FALSE(terminal->GivenBack());
         EXPECT_EQ(status, terminal->Wait());
         EXPECT_TRUE(terminal->GivenBack());
+        const std::string left = terminal->Picture();
+        EXPECT_EQ(remarks, left.find("Host: It is gone.") != left.npos) << left;
+        EXPECT_EQ(left.find("It is gone."), left.rfind("It is gone.")) << "once, however often it came\n" << left;
     }
 }
 
