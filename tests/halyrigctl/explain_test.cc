@@ -242,17 +242,48 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
             WriteSettings(Stored(), set);
         };
     };
+    // Kinds of rows: what another program has done, until it publishes the channel in a new record; what is well, though something
+    // is to be said of it; files whose rights or capitals are wrong. % is Deckman's folder.
+    const auto later = [&](const char* asked, const char* why, const std::function<void()>& during, ChannelId channel) {
+        return SetUpRow{asked, why, "", nullptr, [] {}, during, released, [this, channel] { Publish(channel, 1.0); }};
+    };
+    const auto well = [&](
+                          const char* asked, const char* check, const std::function<void()>& before,
+                          const std::function<void()>& mend = [] {}, const char* more = "", const char* never = nullptr) {
+        return SetUpRow{asked, "all is well", check, nullptr, before, [] {}, mend, [] {}, kShown, more, never};
+    };
+    const auto at = [this](std::string path) { return path[0] == '%' ? path.replace(0, 1, folder) : path; };
+    const auto forbidden = [&](const std::string& path, bool inMap = false) {
+        return SetUpRow{.why = "can't be read by this user: ",
+                        .map = inMap ? "can't be read by this user" : nullptr,
+                        .before = [this, at, path] { Forbid(at(path)); },
+                        .special = kOrdinaryUser};
+    };
+    const auto renamed = [&](const std::string& path, const std::string& to, bool inMap, const char* asked = "BSP") {
+        return SetUpRow{.asked = asked,
+                        .why = "and capitals count",
+                        .map = inMap ? "capitals count" : nullptr,
+                        .before = [this, at, path, to] { Rename(at(path), at(to)); },
+                        .mend = [this, at, path, to] { Rename(at(to), at(path)); },
+                        .special = kOnLinuxAlone};
+    };
     const std::string row1 = "[variables]\n1 BSP kn 2 0 1\n", rest = "7 HDG degM 0 0 1\n3 AWS kn 1 0 1\n25 DEPTH ft 1 0 3\n",
                       inMetres = row1 + "3 AWS kn 1 0 1\n7 HDG degM 0 0 1\n25 DEPTH m 1 0 3\n";
+    // A library's header says for which machine it is, and that it is no program.
+    const std::string zeros(58, '\0'), elf = std::string("\x7f") + "ELF",
+                                       pe = "MZ" + zeros + std::string("\x40\0\0\0PE\0\0\x4c\x01", 10) + zeros;
+    std::string otherMachine = BytesOf(STAND_IN_LIBRARY), program = otherMachine;
+    const auto byte = [&](std::size_t place) { return static_cast<unsigned char>(program[place]); };
+    const std::size_t header = kOnLinux ? 0 : byte(0x3C) | byte(0x3D) << 8;
+    const auto flip = [](char& in, int bits) { in = static_cast<char>(in ^ bits); };
+    flip(otherMachine[header + 4], kOnLinux ? 3 : 0x28), flip(otherMachine[header + 5], kOnLinux ? 0 : 0x87);
+    flip(program[header + (kOnLinux ? 16 : 23)], kOnLinux ? 1 : 0x20);
     const std::vector<SetUpRow> rows = {
-        {.why = "all is well", .check = "", .mend = released, .special = kShown, .more = ":3: remote 1 shows 6.50"},
-        {.why = "all is well",
-         .check = "remote 5 is to show BSP (1) of boat 2, and nothing feeds that",
-         .before = map("<var twr='1' dfw='BSP'/><remote remote='5' twr='1' boat='2'/>"),
-         .mend = mapRight,
-         .special = kShown,
-         .never = "remote 5"},
-        {.asked = "117", .why = "all is well", .check = "", .mend = released, .special = kShown},
+        well(
+            "BSP", "", [] {}, [] {}, ":3: remote 1 shows 6.50"),
+        well("BSP", "remote 5 is to show BSP (1) of boat 2, and nothing feeds that",
+             map("<var twr='1' dfw='BSP'/><remote remote='5' twr='1' boat='2'/>"), mapRight, "", "remote 5"),
+        well("117", "", [] {}),
         {.asked = "AWA",
          .why = "all is well",
          .check = "",
@@ -277,31 +308,20 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .special = kOnLinuxAlone},
         {.why = " holds no ShDfW2", .before = [&] { Remove(LibraryFile()); }, .mend = libraryRight},
         {.why = ", only ShDfW2.x", .before = [&] { Rename(LibraryFile(), folder + "/ShDfW2.x"); }, .mend = libraryRight},
-        {.why = "can't be read by this user: ",
-         .map = "can't be read by this user: ",
-         .before = [&] { Forbid(folder); },
-         .special = kOrdinaryUser},
+        forbidden("%", true),
         // the library
         {.why = "is no library but another kind of file", .before = installs("Read me\n"), .mend = libraryRight},
         {.why = "could not load Deckman's library when it looked", .before = installs(""), .during = libraryRight},
-        {.why = "is for another kind of program",
-         .before =
-             [&] {
-                 InstallLibrary(
-                     "\x7f"
-                     "ELF\x01" +
-                     std::string(4000, '\0'));
-             },
-         .mend = libraryRight},
+        {.why = "is no library but another kind of file", .before = installs(kOnLinux ? "MZ" : elf), .mend = libraryRight},
+        {.why = "is for another kind of program", .before = installs(otherMachine), .mend = libraryRight},
+        {.why = "is for another kind of program", .before = installs(kOnLinux ? pe : elf + "\1" + zeros), .mend = libraryRight},
+        {.why = "is a program, not a library", .before = installs(program), .mend = libraryRight},
         {.why = "can't be loaded: it is damaged",
          .before = installs(BytesOf(STAND_IN_LIBRARY).substr(0, 9000)),
          .mend = libraryRight},
         {.why = "has no function Usr_Read", .before = installs(BytesOf(LOADABLE)), .mend = libraryRight},
-        {.why = "and capitals count",
-         .before = [&] { Rename(LibraryFile(), folder + "/shdfw2.SO"); },
-         .mend = [&] { Rename(folder + "/shdfw2.SO", LibraryFile()); },
-         .special = kOnLinuxAlone},
-        {.why = "can't be read by this user: it belongs to ", .before = [&] { Forbid(LibraryFile()); }, .special = kOrdinaryUser},
+        renamed("%/ShDfW2.so", "%/shdfw2.SO", false),
+        forbidden("%/ShDfW2.so"),
         {.asked = "Lat",
          .why = "has no function Usr_GetPosition",
          .before = [&] { Lacks("Usr_GetPosition"), Set(u"Sys_i6", 3); },
@@ -317,11 +337,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .map = "no file of variables",
          .before = [&] { Remove(folder + "/Data"); },
          .mend = listRight},
-        {.why = "and capitals count",
-         .map = "capitals count",
-         .before = [&] { Rename(folder + "/Data", folder + "/data"); },
-         .mend = [&] { Rename(folder + "/data", folder + "/Data"); },
-         .special = kOnLinuxAlone},
+        renamed("%/Data", "%/data", true),
         {.why = "it has no line [variables]", .map = "no line [variables]", .before = lists(""), .mend = listRight},
         {.why = "it has no line [variables]", .map = "no line [variables]", .before = lists(rest), .mend = listRight},
         {.why = "it has no line [variables]", .before = lists("\xFF\xFE" + Utf16Bytes(u"[variables]\n", false)), .mend = listRight},
@@ -338,10 +354,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .why = "J_vars06.d:4: Deckman's list is read only up to here",
          .before = lists(row1 + rest),
          .mend = listRight},
-        {.why = "can't be read by this user: it belongs to ",
-         .map = "can't be read by this user",
-         .before = [&] { Forbid(folder + "/Data/J_vars06.d"); },
-         .special = kOrdinaryUser},
+        forbidden("%/Data/J_vars06.d", true),
         {.why = "found no list of variables in Deckman's folder when it looked",
          .check = "changed since the bridge read it",
          .before = lists(""),
@@ -396,19 +409,9 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .check = "changed since the bridge read it",
          .during = maps("<var twr='1' dfw='AWS'/>"),
          .special = kShown},
-        {.why = "and capitals count",
-         .map = "capitals count",
-         .before = [&] { Rename(kMappingFile, std::string(kInstruments) + "/Halyrig.xml"); },
-         .mend = [&] { Rename(std::string(kInstruments) + "/Halyrig.xml", kMappingFile); },
-         .special = kOnLinuxAlone},
-        {.why = "can't be read by this user: it belongs to ",
-         .map = "can't be read by this user",
-         .before = [&] { Forbid(kMappingFile); },
-         .special = kOrdinaryUser},
-        {.why = "can't be read by this user: ",
-         .map = "can't be read by this user",
-         .before = [&] { Forbid(kInstruments); },
-         .special = kOrdinaryUser},
+        renamed(kMappingFile, std::string(kInstruments) + "/Halyrig.xml", true),
+        forbidden(kMappingFile, true),
+        forbidden(kInstruments, true),
         {.why = "reading it fails (Input/output error)",
          .map = "Input/output error",
          .before =
@@ -422,16 +425,9 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .mend = mapRight,
          .special = kShown,
          .more = "Deckman's variable AWS (3)"},  // the last counts
-        {.why = "all is well",
-         .check = "the Time channel follows the clock",
-         .before = map("<var twr='1' dfw='BSP'/><var twr='0' dfw='AWS'/>"),
-         .mend = mapRight,
-         .special = kShown},
-        {.why = "all is well",
-         .check = "shows on remote 1 too",
-         .before = map("<var twr='1' dfw='BSP'/><remote remote='1' twr='1'/><remote remote='1' twr='1'/>"),
-         .mend = mapRight,
-         .special = kShown},
+        well("BSP", "the Time channel follows the clock", map("<var twr='1' dfw='BSP'/><var twr='0' dfw='AWS'/>"), mapRight),
+        well("BSP", "shows on remote 1 too",
+             map("<var twr='1' dfw='BSP'/><remote remote='1' twr='1'/><remote remote='1' twr='1'/>"), mapRight),
         // Deckman, the units of its list, and the boxes
         {.asked = "HDG",
          .why = "Deckman has never given a value for its variable HDG",
@@ -479,77 +475,33 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .why = "no variation (MagVar, channel 93) to make",
          .before = [&] { stored->degreesTrue = true; },
          .mend = box(&Settings::degreesTrue, false)},
-        {.asked = "HDG", .why = "all is well", .check = "note: ", .mend = released, .special = kShown},
-        {.asked = "HDG",
-         .why = "all is well",
-         .check = "has HDG in degT, and the box for degrees true is off",
-         .mend = released,
-         .special = kShown},
-        {.asked = "HDG",
-         .why = "all is well",
-         .check = "has HDG in degM, and the box for degrees true is on",
-         .before =
-             [&] {
-                 List(inMetres + "26 VARIATION deg 1 1 1\n"),
-                     stored->degreesTrue = true, MappingXml("<var twr='93' dfw='26'/><var twr='13' dfw='HDG'/>"), Gives(26, 1.0f);
-             },
-         .mend = box(&Settings::degreesTrue, false),
-         .special = kShown},
-        {.asked = "Depth",
-         .why = "all is well",
-         .check = "has DEPTH in m, and the box for feet is on",
-         .before = lists(inMetres),
-         .mend = listRight,
-         .special = kShown},
-        {.asked = "15",
-         .why = "all is well",
-         .check = "DEPTH feeds SeaTemp (15), and Deckman's list has it in ft",
-         .before = map("<var twr='15' dfw='DEPTH'/>"),
-         .mend = released,
-         .special = kShown},
-        {.why = "all is well",
-         .check = "and the list has no variable TIMER",
-         .before = [&] { List(inMetres), stored->useTimer = true; },
-         .mend = listRight,
-         .special = kShown},
+        well("HDG", "note: ", [] {}),
+        well("HDG", "has HDG in degT, and the box for degrees true is off", [] {}),
+        well(
+            "HDG", "has HDG in degM, and the box for degrees true is on",
+            [&] {
+                List(inMetres + "26 VARIATION deg 1 1 1\n"),
+                    stored->degreesTrue = true, MappingXml("<var twr='93' dfw='26'/><var twr='13' dfw='HDG'/>"), Gives(26, 1.0f);
+            },
+            box(&Settings::degreesTrue, false)),
+        well("Depth", "has DEPTH in m, and the box for feet is on", lists(inMetres), listRight),
+        well("15", "DEPTH feeds SeaTemp (15), and Deckman's list has it in ft", map("<var twr='15' dfw='DEPTH'/>")),
+        well(
+            "BSP", "and the list has no variable TIMER", [&] { List(inMetres), stored->useTimer = true; }, listRight),
         // the suite
-        {.asked = "TWS",
-         .why = "the channel is blocked",
-         .check = "",
-         .during = [&] { Mark(kTws, 1); },
-         .mend = released,
-         .again = [&] { Publish(kTws, 1.0); }},
-        {.asked = "TWS",
-         .why = "the channel is held",
-         .check = "",
-         .during = [&] { Mark(kTws, 4), record.SetFlag(52, true); },
-         .mend = released,
-         .again = [&] { Publish(kTws, 1.0); }},
+        later(
+            "TWS", "the channel is blocked", [&] { Mark(kTws, 1); }, kTws),
+        later(
+            "TWS", "the channel is held", [&] { Mark(kTws, 4), record.SetFlag(52, true); }, kTws),
         {.why = "all is well", .check = "", .during = [&] { Mark(kBsp, 4); }, .mend = released, .special = kShown},
-        {.asked = "TWA",
-         .why = "its source gives no value",
-         .check = "",
-         .during = [&] { Publish(kTwa, kNoValue); },
-         .mend = released,
-         .again = [&] { Publish(kTwa, 1.0); }},
-        {.asked = "TWA",
-         .why = "its source gives what is not a number",
-         .check = "",
-         .during = [&] { Publish(kTwa, NAN); },
-         .mend = released,
-         .again = [&] { Publish(kTwa, 1.0); }},
-        {.asked = "TWA",
-         .why = "it is stale: last published 20.",
-         .check = "",
-         .during = [&] { Publish(kTwa, 30.0, 0, 20.0); },
-         .mend = released,
-         .again = [&] { Publish(kTwa, 1.0); }},
-        {.asked = "TWA",
-         .why = "it is stale: last published 3600.",
-         .check = "",
-         .during = [&] { Publish(kTwa, 30.0, 0, -3600.0); },
-         .mend = released,
-         .again = [&] { Publish(kTwa, 1.0); }},
+        later(
+            "TWA", "its source gives no value", [&] { Publish(kTwa, kNoValue); }, kTwa),
+        later(
+            "TWA", "its source gives what is not a number", [&] { Publish(kTwa, NAN); }, kTwa),
+        later(
+            "TWA", "it is stale: last published 20.", [&] { Publish(kTwa, 30.0, 0, 20.0); }, kTwa),
+        later(
+            "TWA", "it is stale: last published 3600.", [&] { Publish(kTwa, 30.0, 0, -3600.0); }, kTwa),
         {.asked = "Cog",
          .why = "and the limit is 10 s",
          .check = "",
@@ -599,15 +551,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .special = kOnLinuxAlone},
         // the suite's files
         {.asked = "118", .why = "it stands for no channel now", .check = "", .mend = [&] { Alternates("1,1,1,1,1,1,1,1,1,1\n"); }},
-        {.asked = "118",
-         .why = "and capitals count",
-         .before =
-             [&] {
-                 Alternates("1,1,1,1,1,1,1,1,1,1\n"),
-                     Rename(std::string(kConfig) + "alternate.csv", std::string(kConfig) + "Alternate.csv");
-             },
-         .mend = [&] { Rename(std::string(kConfig) + "Alternate.csv", std::string(kConfig) + "alternate.csv"); },
-         .special = kOnLinuxAlone},
+        renamed(std::string(kConfig) + "alternate.csv", std::string(kConfig) + "Alternate.csv", false, "117"),
         {.asked = "118",
          .why = "alternate.csv:1: the line has semicolons in the place of commas",
          .check = "commas and is not read (and 1 line more)",
@@ -680,7 +624,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
         SCOPED_TRACE(std::to_string(number) + " " + row.asked + ": " + row.why + (row.check ? std::string(", ") + row.check : ""));
         TryOut(row, number);
     }
-    EXPECT_LE(77, number);
+    EXPECT_LE(80, number);
 }
 
 TEST_F(ExplainTest, TellsALibraryThatDoesNotReturnFromOneThatIsSlow) {

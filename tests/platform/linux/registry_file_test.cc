@@ -284,6 +284,7 @@ TEST(RegistryText, WhatWasSetIsFoundAgainBehindATextThatIsNotClosed) {
                 text.Set(kFullKey, u"", value);
                 const RegistryText again(text.Bytes());
                 EXPECT_EQ(value, again.Find(kFullKey, u"")) << text.Bytes();
+                EXPECT_EQ(std::string::npos, text.Bytes().find('\0')) << "no editor keeps what is behind it";
                 EXPECT_FALSE(again.Find(kFullKey, u"a")) << text.Bytes();
             }
         }
