@@ -61,10 +61,17 @@ public:
         return forgets ? stillGoesOn() : goOn();
     }
     void ForgetStop() override { forgets = true; }
+    // How the last text that holds it was drawn; nullopt if none does.
+    std::optional<Look> LookOf(std::string_view part) const {
+        std::optional<Look> look;
+        for (const ScreenText& text : drawn) look = text.text.find(part) == text.text.npos ? look : text.look;
+        return look;
+    }
 
     std::optional<ConsoleSize> size;
     std::u32string keys;                // typed at the screen, one for each wait
     std::vector<std::string> pictures;  // drawn there
+    std::vector<ScreenText> drawn;      // as the last of them
     bool screenTaken = false;
     std::string written;
     std::optional<std::string> answer;  // typed once
@@ -83,7 +90,10 @@ private:
         explicit Screen(FakeConsole& of) : console_(of) { console_.screenTaken = true; }
         ~Screen() override { console_.screenTaken = false; }
         ConsoleSize Size() override { return *console_.size; }
-        void Draw(const std::vector<ScreenText>& texts) override { console_.pictures.push_back(Shown(texts, Size())); }
+        void Draw(const std::vector<ScreenText>& texts) override {
+            console_.pictures.push_back(Shown(texts, Size()));
+            console_.drawn = texts;
+        }
         std::optional<char32_t> Wait(int milliseconds) override {
             if (!console_.keys.empty()) {
                 const char32_t key = console_.keys.front();

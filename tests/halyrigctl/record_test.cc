@@ -427,6 +427,8 @@ TEST_F(RecordTest, ReplayKeepsOutOfTheBridgesWay) {
     bridge.reset();
     const auto silent = SystemOf(test.Arguments());
     EXPECT_TRUE(silent->GetInstance().Claim(kBridgeName));
+    const auto unfinished = silent->GetStatusBoard().Post(kBridgeName, 12352);
+    EXPECT_TRUE(unfinished && !ReadBridgeStatus(*this)) << "its version comes last";
     ExpectIn(Said("replay " + File("long.jsonl"), 1), {"is running"});
     EXPECT_EQ(std::string::npos, Said("get aws", 1).find("not running"));
     UnseenName unseen;

@@ -89,6 +89,7 @@ TEST_F(WatchTest, ShowsWhatIsPublishedAndTheRemotesOfTheStandIn) {
                        "stale     3 AWS             it is stale: last published 2", "fresh     1>BSP                      7.25 kt",
                        "\u256D 3 \u2500", "\u256D 12 \u2500", "   7.25    ", "  3.00\u00B0W   "});
     ExpectAbsent(picture, {"12.5", "Depth", "\u256D 4"});
+    EXPECT_EQ(Look::kRed, console.LookOf("the bridge is not running  5"));
 }
 
 TEST_F(WatchTest, ChoosesChannels) {
@@ -139,13 +140,22 @@ TEST_F(WatchTest, TellsTheStateOfEachChannel) {
     bridge.LibraryLoaded(u"/dfw", {.loaded = true, .reads = true});
     bridge.MappingLoaded({.variables = 3, .varRows = 1}, std::vector<MappedLine>{{kTws, 0, 5}});
     bridge.Noted(0, 151.0f);
-    ExpectSaid(0, {{"watch --snapshots 1 bsp", {"  fresh\n", "  the bridge is running\n"}},
-                   {"watch --snapshots 1 tws", {"  refused: Deckman gives 151, outside"}},
-                   {"watch --snapshots 1 heel", {"  refused: the channel is blocked"}},
-                   {"watch --snapshots 1 trim", {"  refused: the channel is held"}},
-                   {"watch --snapshots 1 awa", {"  stale: it is stale"}},
-                   {"watch --snapshots 1 aws", {"  missing: "}},
-                   {"watch --snapshots 1 120", {"  missing: it stands for no channel"}}});
+    const std::tuple<std::string, const char*, Look> rows[] = {{"bsp", "  fresh\n", Look::kGreen},
+                                                               {"tws", "  refused: Deckman gives 151, outside", Look::kRed},
+                                                               {"heel", "  refused: the channel is blocked", Look::kRed},
+                                                               {"trim", "  refused: the channel is held", Look::kRed},
+                                                               {"awa", "  stale: it is stale", Look::kYellow},
+                                                               {"aws", "  missing: ", Look::kFaint},
+                                                               {"120", "  missing: it stands for no channel", Look::kFaint}};
+    for (const auto& [channel, said, look] : rows) {
+        console.size.reset();
+        ExpectIn(Said("watch --snapshots 1 " + channel), {said, "  the bridge is running\n"});
+        console.size = ConsoleSize{100, 24};
+        PictureAfter(U"q", "watch " + channel);
+        const std::string word = std::string(said).substr(2, std::string(said).find_first_of(":\n") - 2);
+        EXPECT_EQ(look, console.LookOf(word)) << word;
+    }
+    console.size.reset();
     bridge.Noted(0, 32767.0f);
     ExpectIn(Said("watch --snapshots 1 tws"), {"  missing: Deckman has never given a value"});
 }
@@ -167,6 +177,8 @@ TEST_F(WatchTest, ObeysItsKeys) {
         {"to the end", end, {"13-22 of 22"}, {}},
         {"to the start", end + std::u32string{K::kHome}, {"1-10 of 22"}, {}},
         {"by name", U"s", {"Sort (name)"}, {}},
+        {"by age", U"ss", {"Sort (age)"}, {}},
+        {"and by number again", U"sss", {"Sort (id)"}, {}},
         {"a filter, in which q and s are letters",
          U"/Qsx" + back + back + back + U"tw",
          {"/tw_", "TWA", "TWD", "TWS"},

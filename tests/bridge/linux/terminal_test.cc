@@ -192,14 +192,21 @@ TEST_F(TerminalTest, AFolderIsChosenFromTheList) {
     WriteSettings(Stored(), settings);
     Open();
     terminal->Type("\t\t\t\t\t\r");
+    constexpr std::string_view kSmall = "a smaller terminal";
     const std::pair<std::string_view, std::string_view> steps[] = {
         {"", "Choose this folder"}, {kDown, ".."},           {"\r", "Ashore/"},     {kDown, "*Deck/"},
         {kDown, " Deckman/"},       {kDown, "ProgramData/"}, {kDown, "Zlink/"},     {kDown, "config/"},
         {kDown, ".hidden/"},        {"d", "Deck/"},          {"D", "Deckman/"},     {"\033[6~", ".hidden/"},
         {"\033[5~", "Choose this"}, {"a", "Ashore/"},        {"\r", "Choose this"}, {kLeft, "Ashore/"},
-        {kDown, "Deck/"},           {kDown, "Deckman/"},     {"\r", "Choose this"}};
+        {kDown, "Deck/"},           {kSmall, "Deck/"},       {kDown, "Deckman/"},   {kDown, "ProgramData/"},
+        {kDown, "Zlink/"},          {kDown, "config/"},      {kDown, ".hidden/"},   {"dD", "Deckman/"},
+        {"\r", "Choose this"}};
     for (const auto& [keys, focuses] : steps) {
-        terminal->Type(keys);
+        if (keys == kSmall) {
+            terminal->Resize(10, 50);  // three rows of the list
+        } else {
+            terminal->Type(keys);
+        }
         EXPECT_TRUE(terminal->Focuses(focuses)) << focuses << '\n' << terminal->Picture();
     }
     terminal->Type("\r");

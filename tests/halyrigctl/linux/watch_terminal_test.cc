@@ -65,6 +65,10 @@ TEST_F(WatchTerminalTest, ScrollsFiltersAndEndsByKeysAtAnySize) {
 }
 
 TEST_F(WatchTerminalTest, EndsForTheUserAndTheSuiteAndGivesTheTerminalBack) {
+    for (const auto& [setting, colours] : {std::pair("X=", true), {"NO_COLOR=", true}, {"NO_COLOR=1", false}}) {
+        Open({setting});
+        EXPECT_EQ(colours, terminal->HasColours()) << setting;
+    }
     const std::pair<const char*, std::function<void()>> rows[] = {
         {"Ctrl-C", [&] { terminal->Type("\x03"); }},
         {"a signal", [&] { terminal->Signal(SIGTERM); }},

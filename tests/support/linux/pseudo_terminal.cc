@@ -102,6 +102,15 @@ std::string PseudoTerminal::Picture(bool onlyReversed) const {
     return text;
 }
 
+bool PseudoTerminal::HasColours() const {
+    VTermScreenCell cell{};
+    for (VTermPos at{0, 0}; at.row < rows_; at.col = (at.col + 1) % columns_, at.row += at.col == 0) {
+        vterm_screen_get_cell(screen_, at, &cell);
+        if (!VTERM_COLOR_IS_DEFAULT_FG(&cell.fg)) return true;
+    }
+    return false;
+}
+
 bool PseudoTerminal::WaitUntil(const std::function<bool()>& holds) {
     while (!holds()) {
         if (!ReadMore()) return holds();

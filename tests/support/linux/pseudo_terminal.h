@@ -41,6 +41,7 @@ public:
     bool GivenBack() const;
 
     std::string Picture(bool onlyReversed = false) const;  // UTF-8, rows end in line feeds
+    bool HasColours() const;                               // other than the terminal's own
     std::size_t Taken() const { return taken_; }           // bytes that the role has written and the picture shows
 
 private:
