@@ -181,6 +181,7 @@ TEST_F(ReadTest, ValueAndLabelFollowTheSelector) {
         }
     }
     double value = 0.0;
+    record.SetInt(9, 1);
     EXPECT_TRUE(core->GetChannel(kEngOilPres, value, 0, false, true, false));
     EXPECT_EQ(10.0, value) << "not asked to convert";
     record.SetInt(3, 1);

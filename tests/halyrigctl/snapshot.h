@@ -10,15 +10,19 @@
 
 namespace twr::testing {
 
-// Paths with their bytes, folders with none. The registry's values by their names, where it is no file.
+// Paths with their bytes, folders with none, and the registry's values, where it is no file.
 inline std::map<std::string, std::string> Snapshot(const TestSystem& test) {
     std::map<std::string, std::string> all;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(test.folder.Path())) {
         const std::string name = entry.path().lexically_relative(test.folder.Path()).generic_string();
         all[name] = entry.is_regular_file() ? test.folder.Read(name) : "";
     }
+    const Registry& registry = test.system->Core().registry;
     for (const auto& key : {u"Software\\Tidewright\\core", u"Software\\Tidewright\\Halyrig32\\settings"}) {
-        for (const std::u16string& name : test.system->Core().registry.Names(key)) all[ToUtf8(key) + ToUtf8(name)];
+        for (const std::u16string& name : registry.Names(key)) {
+            const auto data = registry.Read(key, name).value_or(RegistryValue{}).data;
+            all[ToUtf8(key) + ToUtf8(name)].assign(data.begin(), data.end());
+        }
     }
     return all;
 }
