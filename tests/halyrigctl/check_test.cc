@@ -308,7 +308,7 @@ TEST_F(CheckTest, NamesWhatIsNewerThanWhatIsInForce) {
     EXPECT_EQ(5, std::ranges::count(console.written, '\n')) << "the verdict, three faults, and where all are\n" << console.written;
     ExpectIn(Said("check --json", 1),
              {R"("status":"passed-over")", R"("line":null,"column":null,"flaw":"changed-since-read","note":false,"text":")"});
-    test.folder.Write("elsewhere/x", "");
+    test.folder.Write("elsewhere/config/channels.xml", "<channels><channel id='172' user='Jib'/></channels>");
     Core().registry.Write(kSavedSettingsKey, u"DataFolder", StringValue(test.folder.File("elsewhere")));
     Core().registry.Write(kSavedSettingsKey, u"Sys_v0", StringValue(u"15.85"));
     lines = Found(1);
