@@ -109,6 +109,7 @@ TEST_F(EqualityTest, SentencesAreThoseOfTheUsualExamples) {
         const std::string wrong = line.substr(0, line.size() - 1) + (line.ends_with('7') ? "8" : "7");
         for (const std::string& other : {wrong, line + "0"}) EXPECT_FALSE(ParseSentence(other)) << other;
     }
+    EXPECT_TRUE(ParseTimeOfDay("235960") && !ParseTimeOfDay("235961")) << "a day may have a leap second";
 }
 
 }  // namespace

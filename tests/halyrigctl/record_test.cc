@@ -263,6 +263,9 @@ TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
         }
     });
     EXPECT_LT(600, full) << "there is room for 30 seconds";
+    const auto kept =
+        std::ranges::count(Read(std::u16string(u"log")), ChannelId{kAwa}, [](const Recorded& one) { return one.change.channel; });
+    EXPECT_NEAR(full / 2, kept, 2) << "of which all is kept";
     const std::string behind = hanging.files.at(0).bytes.substr(hanging.files[0].bytes.find(R"({"gap":{"from":")"));
     ExpectIn(behind, {R"("name":"Mk Lat","boat":0,"value":null)", R"("name":"Mk Lon","boat":0,"value":-1)"});
 }

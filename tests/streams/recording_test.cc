@@ -3,13 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <future>
 #include <random>
 
 #include "streams/follow_fixture.h"
 #include "streams/json_lines.h"
 #include "streams/recording_name.h"
-#include "streams/recording_queue.h"
 #include "support/fakes.h"
 
 namespace twr::testing {
@@ -174,6 +172,8 @@ TEST_F(RecordingTest, KeepsAllUpToTheLastSecondWhereverItIsCut) {
         const std::string bytes = Bytes(path);
         EXPECT_NEAR(2.4, Read(bytes).all.back().seconds, 0.01);
         ExpectTold(Read(bytes).all, told.size());
+        const Read joined(bytes + (gzip ? Packed(Line("01:00:00", 9)) : Line("01:00:00", 9)));
+        EXPECT_TRUE(joined.fault.empty() && joined.all.size() == told.size() + 1) << "it has its end: " << joined.fault;
         for (int cut = 0; cut < 8; ++cut) {
             const std::size_t size = std::uniform_int_distribution<std::size_t>(0, bytes.size())(random);
             const Read read(bytes.substr(0, size));
@@ -223,25 +223,6 @@ TEST_F(RecordingTest, GoesOnInANewFileIfItsOwnHasGone) {
         EXPECT_EQ(12.0, left.front().change.value) << "the first that was not written";
         EXPECT_EQ(25.0, left.back().change.value);
     }
-}
-
-TEST_F(RecordingTest, ItsQueueTakesLooksWhileTheDiskHangs) {
-    std::promise<bool> works;
-    machine.files.onFlush = [works = works.get_future().share()] { return works.get(); };
-    RecordingQueue queue(machine.files, {u"/log", true, 0});
-    queue.Begin({Now(), Now()});
-    for (int look = 0; look < 40; ++look, Pass(0.1)) {
-        Publish(kBsp, look);
-        queue.Put(Lines(), {Now(), Now()});
-        EXPECT_TRUE(queue.HasRoom());
-    }
-    EXPECT_FALSE(queue.Finish(0));
-    EXPECT_EQ(0.0, queue.Now().kept);
-    works.set_value(true);
-    while (!queue.Finish(1000)) continue;
-    EXPECT_EQ(u"/log", queue.Now().path);
-    EXPECT_NEAR(Now(), queue.Now().kept, 0.2 / kSecondsPerDay);
-    ExpectTold(Read(Bytes(u"/log")).all, 40);
 }
 
 TEST_F(RecordingTest, SaysWhyItCannotWrite) {

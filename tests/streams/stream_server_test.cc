@@ -110,6 +110,18 @@ TEST_F(StreamServerTest, DropsWhoDoesNotReadAndLosesNothingForWhoDoes) {
     for (Reader& sleeper : sleepers) EXPECT_TRUE(Served([&] { return sleeper.Read(), sleeper.gone; }));
 }
 
+TEST_F(StreamServerTest, AShortDelayIsForgiven) {
+    Reader reader = Joined(4096);
+    std::string all;
+    while (server_.Backlog() < StreamServer::kMostBacklog / 2 && all.size() < 10'000'000) {
+        const std::string line = std::to_string(all.size()) + std::string(1000, 'x') + "\r\n";
+        EXPECT_TRUE(server_.Put(line));
+        all += line;
+    }
+    EXPECT_TRUE(Served([&] { return reader.Read(), reader.got.size() >= all.size() || reader.gone; }));
+    EXPECT_TRUE(reader.got == all && !reader.gone) << reader.got.size() << " of " << all.size();
+}
+
 TEST_F(StreamServerTest, GreetsAndThenSendsOnlyWhatComes) {
     std::string greeting(300'000, 'g');  // no reason to drop who has not read it yet
     server_.SetGreeting([&] { return greeting; });
