@@ -120,6 +120,22 @@ TEST_F(CheckTest, LooksAtAnotherFolder) {
     Said("check --json --summary", 2);
 }
 
+TEST_F(CheckTest, TheVerdictGoesByTheGravestFault) {
+    const std::tuple<std::function<void()>, int, const char*, const char*> rows[] = {
+        {[&] { Remove(kLibrary.c_str()); }, 1, "Nothing can come from Deckman; 1 fault, ", R"({"status":"nothing-comes",)"},
+        {[&] { Remove(kList); }, 1, "Nothing can come from Deckman; 1 fault, ", R"({"status":"nothing-comes",)"},
+        {[&] { Map(""); }, 1, "Nothing can come from Deckman; 1 fault, ", R"({"status":"nothing-comes",)"},
+        {[&] { Map("<var twr='1' dfw='BSP'/><x/>"); }, 1, "1 fault; all that is not named", R"({"status":"passed-over",)"},
+        {[&] { Map("<var twr='1' dfw='BSP'/><x/><y/>"); }, 1, "2 faults; all that is not named", R"({"status":"passed-over",)"},
+        {[&] { Map("<var twr='1' dfw='BSP'/>"); }, 0, "All is well: 1 of 1 variables mapped, 0 remotes", R"({"status":"well",)"}};
+    for (const auto& [change, status, text, json] : rows) {
+        SetUpWell();
+        change();
+        EXPECT_TRUE(Said("check", status).starts_with(text)) << console.written;
+        EXPECT_TRUE(Said("check --json", status).starts_with(json)) << console.written;
+    }
+}
+
 // What has one cause is told once.
 TEST_F(CheckTest, WithoutDeckmansListNoLineIsAtFault) {
     Remove(kList);

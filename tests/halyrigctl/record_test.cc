@@ -152,6 +152,13 @@ TEST_F(RecordTest, LooksOnABeatThatSeesEachTickOfTheBridge) {
     });
     EXPECT_NEAR(600, ticks, 1);
     EXPECT_NEAR(ticks, static_cast<int>(Read("beat").size()), 1) << "the last may come after the last look";
+    late = 0;
+    each = [] { return true; };
+    const int before = console.waited;
+    Said("stream --seconds 3 --rate 3");
+    EXPECT_NEAR(3000, console.waited - before, 150) << "in looks that are no whole tenths of a second apart";
+    Publish(kBsp, 6.5);
+    EXPECT_NEAR(5, std::ranges::count(Said("stream --seconds 5 --format nmea"), '$'), 1) << "sentences come once a second";
 }
 
 // Each file can be played alone: it begins with what stands. Its day is that on board.
@@ -170,7 +177,7 @@ TEST_F(RecordTest, TheDayOnBoardEndsAFileAndTheNextBeginsWithWhatStands) {
     Record("log-%d", 1e6, [&](int look) {
         Publish(kBsp, 1 + look % 20);
         std::this_thread::yield();
-        if (enough || look == 50'000) clock.AdvanceMs(2'000'000'000);
+        if (enough || look == 1'000'000) clock.AdvanceMs(2'000'000'000);
     });
     ASSERT_EQ(2u, fake.files.size());
     EXPECT_EQ(u"log-20", fake.files[1].path);

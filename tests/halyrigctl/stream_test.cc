@@ -49,10 +49,6 @@ TEST_F(StreamTest, WritesEachFormatAsItIsPublished) {
     Said("stream --seconds 3 --rate 0.5");
     EXPECT_EQ(3000, console.waited);
     EXPECT_EQ(0u, Count("halyrigctl:"));
-    Said("stream --seconds 3 --rate 3");
-    EXPECT_NEAR(6050, console.waited, 50) << "in looks that are no whole tenths of a second apart";
-    Said("stream --seconds 5 --format nmea");
-    EXPECT_NEAR(5, static_cast<double>(Count("VHW")), 1) << "sentences come once a second";
 }
 
 TEST_F(StreamTest, OutlivesTheRecord) {
