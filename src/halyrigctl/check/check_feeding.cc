@@ -138,7 +138,9 @@ void CheckFeeding(const CheckedSetup& setup) {
             FollowsPositionSource(channel) && !position ? std::string("Deckman does ") + kWhilePositionSource : "";
         setup.Add(weight, look.path, row.line,
                   Fault(Reason::kNotFed,
-                        {std::to_string(row.remote), ChannelInWords(setup.core, channel, static_cast<BoatSlot>(row.boat)), setup.live ? "" : " yet"}, todo));
+                        {std::to_string(row.remote), ChannelInWords(setup.core, channel, static_cast<BoatSlot>(row.boat)),
+                         setup.live ? "" : " yet"},
+                        todo));
     }
     CheckAlternates(setup, ofNothing, weight);
     const auto isBearing = [](const MappingVar& row) { return IsInstrumentBearing(static_cast<ChannelId>(row.channel)); };
