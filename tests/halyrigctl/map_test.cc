@@ -170,13 +170,12 @@ TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
         EXPECT_EQ(said.find(" reads it when"), said.rfind(" reads it when")) << "one reminder" << said;
         EXPECT_EQ(5u, Rows().varRows.size());
     }
-    const std::pair<const char16_t*, ChannelId> names[] = {{u"SeaTemp", 15}, {u"Mast_Angle", 24}, {u"PolBsp%", 58},
-                                                           {u"SET", 11},     {u"COURSE", 9},      {u"COG", 50}};
+    const std::pair<const char16_t*, ChannelId> names[] = {{u"SeaTemp", 15}, {u"Mast_Angle", 24}, {u"PolBsp%", 58}, {u"SET", 11},
+                                                           {u"COURSE", 9},   {u"COG", 50},        {u"PITCH", 19}};
     for (const auto& [name, channel] : names) {
         MappingVar variable;
         variable.dfwName = name;
-        const ChannelMatch match = MatchChannel(variable);
-        EXPECT_TRUE(match.sure && match.channels.front() == channel) << ToUtf8(name);
+        EXPECT_TRUE(SurelyMeans(variable, channel) && !SurelyMeans(variable, kBsp)) << ToUtf8(name);
     }
 }
 

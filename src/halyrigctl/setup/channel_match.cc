@@ -147,4 +147,14 @@ ChannelMatch MatchChannel(const DeckmanVariable& variable) {
     return match;
 }
 
+// Few names get past the first line, and to compare one with all channels takes long.
+bool SurelyMeans(const DeckmanVariable& variable, ChannelId channel) {
+    const ChannelInfo& info = ChannelCatalogue()[channel];
+    const std::u16string name = PlainName(variable.dfwName);
+    const bool known = std::ranges::find(kSynonyms, name, &Synonym::name) != std::end(kSynonyms);
+    if (!known && name != PlainName(info.name) && name != PlainName(info.longName)) return false;
+    const ChannelMatch match = MatchChannel(variable);
+    return match.sure && match.channels.front() == channel;
+}
+
 }  // namespace twr

@@ -20,6 +20,9 @@ struct ChannelMatch {
 // name is known to mean, if Deckman's unit is that of the channel or tells nothing.
 ChannelMatch MatchChannel(const DeckmanVariable& variable);
 
+// Whether that is sure, and this one. Much sooner told for the many that are not.
+bool SurelyMeans(const DeckmanVariable& variable, ChannelId channel);
+
 // False only if Deckman's unit is known and is not the channel's.
 bool UnitFits(const DeckmanVariable& variable, ChannelId channel);
 

@@ -185,10 +185,8 @@ private:
                        : "map it, or set Sys_b" + Digits(derived->flag) + " to 1 in the registry to have it computed from " + from;
         }
         const auto& variables = now_.Variables().rows;
-        const auto fits = std::ranges::find_if(variables, [&](const DeckmanVariable& variable) {
-            const ChannelMatch match = MatchChannel(variable);
-            return match.sure && match.channels.front() == channel_;
-        });
+        const auto fits =
+            std::ranges::find_if(variables, [&](const DeckmanVariable& variable) { return SurelyMeans(variable, channel_); });
         if (fits == variables.end()) return "'halyrigctl map suggest' shows what Deckman has";
         return "'halyrigctl map add " + TypedVariable(*fits) + " " + Digits(channel_) +
                (subject_.boat > 0 ? " --boat " + Digits(subject_.boat) : "") + "' adds one; then " + kReadAgain;
