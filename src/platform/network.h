@@ -29,6 +29,9 @@ public:
 
     // To be called now and then, so that it can answer.
     virtual void Go() {}
+
+    // Whether the network knows of it by now.
+    virtual bool IsHeard() const = 0;
 };
 
 struct AnnouncedService {

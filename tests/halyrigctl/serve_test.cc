@@ -323,6 +323,35 @@ TEST_F(ServeTest, SignalKIsToldAsItIsSubscribed) {
     EXPECT_EQ("m/s", Told("/signalk/v1/api/vessels/self/navigation/speedThroughWater/meta/units"));
 }
 
+TEST_F(ServeTest, TheOwnBoatHasSeveralNames) {
+    StartSuite();
+    Publish(kBsp, 3600.0 / 1852);
+    Restart();
+    const std::string own = Told("/signalk/v1/api/self").get<std::string>(), bare = own.substr(own.find('.') + 1);
+    const struct {
+        std::string named, ended;  // in a subscription, and in its end
+        bool isOwn = true;
+    } rows[] = {{"self", own},
+                {"vessels.self", bare},
+                {own, "vessels.self"},
+                {bare, "*"},
+                {"*", "*"},
+                {"vessels.urn:*", "vessels.urn:*"},
+                {"vessels.urn:mrn:imo:mmsi:1", "*", false},
+                {"selfish", "*", false},
+                {"", "*", false}};
+    for (const auto& [named, ended, isOwn] : rows) {
+        const auto talk = Talk("/signalk/v1/stream?subscribe=none");
+        SaidBy(*talk);
+        talk->Hear(R"({"context":")" + named + R"(","subscribe":[{"path":"navigation.*","policy":"fixed","period":0}]})");
+        const char* all = isOwn ? "navigation.speedThroughWater=1 " : "";
+        EXPECT_EQ(all, DeltasOf(*talk)) << named;
+        EXPECT_EQ(all, DeltasOf(*talk)) << named;
+        talk->Hear(R"({"context":")" + ended + R"(","unsubscribe":[{"path":"*"}]})");
+        EXPECT_EQ("", DeltasOf(*talk)) << ended << " of " << named;
+    }
+}
+
 TEST_F(ServeTest, EveryChannelHasItsOwnPathOfSignalK) {
     std::map<std::string, int> paths;
     for (const SignalKPath& path : SignalKPaths()) {

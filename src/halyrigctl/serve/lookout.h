@@ -33,7 +33,7 @@ class Lookout {
 public:
     explicit Lookout(System& system);
 
-    // A look, ten times a second. It outlives the programs of the suite, as LastingGuest does.
+    // A look, twenty times a second. It outlives the programs of the suite, as LastingGuest does.
     void Look();
     void Release() { Forget(), guest_.Release(); }
 

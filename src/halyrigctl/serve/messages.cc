@@ -24,10 +24,10 @@ std::string TextIn(const Json& object, const char* member, std::string otherwise
     return found != object.end() && found->is_string() ? found->get<std::string>() : std::move(otherwise);
 }
 
-// From milliseconds.
+// From milliseconds; a day at most.
 double SecondsIn(const Json& object, const char* member, double otherwise) {
     const auto found = object.find(member);
-    return found != object.end() && found->is_number() ? std::max(0.0, found->get<double>() / 1000) : otherwise;
+    return found != object.end() && found->is_number() ? std::clamp(found->get<double>() / 1000, 0.0, 86'400.0) : otherwise;
 }
 
 SignalKPolicy PolicyIn(const Json& object) {

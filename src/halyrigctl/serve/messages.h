@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What clients say to the server, none of which can be trusted.
 #pragma once
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,7 +18,7 @@ using ChannelPlace = std::pair<ChannelId, BoatSlot>;
 // The places in {"watch":[[id,boat],...]}; nullopt if the message isn't that, or a place does not exist.
 std::optional<std::vector<ChannelPlace>> ParseWatch(std::string_view message);
 
-enum class SignalKPolicy {
+enum class SignalKPolicy : std::uint8_t {
     kInstant,  // what changes, but not sooner than minPeriod after the last time
     kIdeal,    // the same, and what doesn't change once in a period
     kFixed,    // once in a period

@@ -9,7 +9,7 @@
 namespace twr {
 namespace {
 
-constexpr int kBeatMs = 100;  // as the bridge publishes
+constexpr int kBeatMs = 50;  // twice as often as the bridge publishes, so that none of that is missed, nor late
 constexpr const char* kSignalKText = "roles=main";
 
 Status Fail(Console& console, const std::string& fault, Status status = kFailed) {
@@ -37,17 +37,18 @@ std::string AsText(const QrCode& code) {
     return text;
 }
 
+std::string Url(const std::string& host, std::uint16_t port) { return "http://" + Endpoint{host, port}.Text() + "/"; }
+
+bool IsEachAddress(const Endpoint& at) { return at.address == "0.0.0.0" || at.address == "::"; }
+
 // What is to be typed on a tablet; the first is the surest.
-std::vector<std::string> Addresses(const Endpoint& at, bool announced) {
-    const auto url = [&](const std::string& address) { return "http://" + Endpoint{address, at.port}.Text() + "/"; };
-    if (at.address != "0.0.0.0" && at.address != "::") return {url(at.address)};
+std::vector<std::string> Addresses(const Endpoint& at) {
+    if (!IsEachAddress(at)) return {Url(at.address, at.port)};
     std::vector<std::string> addresses;
     for (const std::string& address : OwnAddresses()) {
-        if (at.address == "::" || address.find(':') == address.npos) addresses.push_back(url(address));
+        if (at.address == "::" || address.find(':') == address.npos) addresses.push_back(Url(address, at.port));
     }
-    const std::string machine = MachineName();
-    if (announced && !machine.empty()) addresses.push_back(url(machine.substr(0, machine.find('.')) + ".local"));
-    if (addresses.empty()) addresses.push_back(url("127.0.0.1"));
+    if (addresses.empty()) addresses.push_back(Url("127.0.0.1", at.port));
     return addresses;
 }
 
@@ -57,14 +58,37 @@ std::unique_ptr<Announcement> AnnounceAll(const std::string& name, const Endpoin
                     {{"_http._tcp", "path=/"}, {"_signalk-http._tcp", kSignalKText}, {"_signalk-ws._tcp", kSignalKText}});
 }
 
-void TellWhere(Console& console, const Endpoint& at, bool remote, bool announced) {
-    const auto addresses = Addresses(at, announced);
+void TellWhere(Console& console, const Endpoint& at, bool remote) {
+    const auto addresses = Addresses(at);
     std::string told = "serves the page until Ctrl-C, at";
     for (const std::string& address : addresses) told += (addresses.size() > 1 ? "\n  " : " ") + address;
     Complain(console, told);
     const auto code = remote ? DrawQrCode(addresses.front()) : std::nullopt;
     if (code) Print(console, AsText(*code));
 }
+
+// The announcement, which may come about late, or never.
+class Announcer {
+public:
+    Announcer(Console& console, const std::string& name, const Endpoint& at)
+        : console_(console), at_(at), announcement_(AnnounceAll(name.empty() ? "Halyrig" : name, at)) {}
+
+    void Go() {
+        if (!announcement_) return;
+        announcement_->Go();
+        if (told_ || !announcement_->IsHeard()) return;
+        told_ = true;
+        const std::string machine = MachineName();
+        if (!IsEachAddress(at_) || machine.empty()) return;
+        Complain(console_, "has a name in this network too: " + Url(machine.substr(0, machine.find('.')) + ".local", at_.port));
+    }
+
+private:
+    Console& console_;
+    const Endpoint at_;
+    const std::unique_ptr<Announcement> announcement_;
+    bool told_ = false;
+};
 
 }  // namespace
 
@@ -77,14 +101,15 @@ Status Serve(System& system, const ServeOptions& options) {
     WebServer server(site);
     if (const std::string fault = server.Listen(*at.endpoint, options.allowOrigin); !fault.empty()) return Fail(console, fault);
     const Endpoint served = server.At();
-    const auto announcement = options.allowRemote ? AnnounceAll(options.name.empty() ? "Halyrig" : options.name, served) : nullptr;
-    TellWhere(console, served, options.allowRemote, announcement != nullptr);
+    TellWhere(console, served, options.allowRemote);
+    std::optional<Announcer> announcer;
+    if (options.allowRemote) announcer.emplace(console, options.name, served);
     Beat beat(system.Core().clock);
     do {
         lookout.Look();
         site.Take();
         server.SayAll();
-        if (announcement) announcement->Go();
+        if (announcer) announcer->Go();
         server.Serve(std::chrono::milliseconds(beat.UntilNext(kBeatMs).left));
     } while (console.Wait(0));
     return kDone;

@@ -13,7 +13,7 @@ namespace twr {
 namespace {
 
 constexpr std::size_t kMostSubscriptions = 500;
-constexpr double kEarly = 0.05;  // seconds by which a look may come before its time
+constexpr double kEarly = 0.025;  // seconds by which a look may come before its time
 
 std::string Refusal(const std::string& requestId, int status) {
     return JsonLine({{"requestId", requestId}, {"state", "COMPLETED"}, {"statusCode", status}});
@@ -44,6 +44,9 @@ bool SignalKTalk::Hear(std::string_view message) {
     auto said = ParseSignalK(message);
     if (!said) return false;
     LeaveStep();
+    for (auto* rows : {&said->subscribe, &said->unsubscribe}) {
+        for (SignalKSubscription& row : *rows) row.context = ContextIn(row.context);
+    }
     if (said->refusal != 0) replies_.push_back(Refusal(said->requestId, said->refusal));
     for (const SignalKSubscription& ended : said->unsubscribe) {
         std::erase_if(subscriptions_, [&](const SignalKSubscription& one) {
@@ -54,6 +57,13 @@ bool SignalKTalk::Hear(std::string_view message) {
     // Each is followed as its last subscription wants it; what is no longer wanted is let go.
     seen_ = 0;
     return subscriptions_.size() <= kMostSubscriptions;
+}
+
+// As subscriptions have it. The own boat goes by several names, any boat with or without what she is.
+std::string SignalKTalk::ContextIn(const std::string& named) const {
+    constexpr std::string_view kOwn = "vessels.self";
+    const std::string context = named == "self" || named.starts_with("urn:") ? "vessels." + named : named;
+    return context == tree_.ContextOf(0) ? std::string(kOwn) : context;
 }
 
 const SignalKSubscription* SignalKTalk::WantedAs(const SignalKLeaf& leaf) const {
@@ -75,8 +85,10 @@ void SignalKTalk::FollowNew() {
         const SignalKSubscription* as = WantedAs(leaf);
         if (!as) continue;
         const auto known = std::ranges::find(before, &leaf, &Followed::leaf);
-        followed_.push_back(known == before.end() ? Followed{&leaf, *as, 0} : *known);
-        followed_.back().as = *as;
+        Followed& one = followed_.emplace_back(known == before.end() ? Followed{&leaf, 0} : *known);
+        one.period = static_cast<float>(as->period);
+        one.minPeriod = static_cast<float>(as->minPeriod);
+        one.policy = as->policy;
     }
     std::ranges::stable_sort(followed_, {}, [](const Followed& one) { return one.leaf->boat; });
 }
@@ -84,9 +96,9 @@ void SignalKTalk::FollowNew() {
 bool SignalKTalk::IsDue(const Followed& followed) const {
     const double since = std::fabs(lookout_.Time() - followed.toldAt) * kSecondsPerDay + kEarly;
     const bool changed = followed.changes != followed.leaf->changes;
-    const SignalKSubscription& as = followed.as;
-    if (as.policy == SignalKPolicy::kFixed) return since >= as.period;
-    return (changed && since >= as.minPeriod) || (as.policy == SignalKPolicy::kIdeal && since >= as.period);
+    const double period = followed.period, minPeriod = followed.minPeriod;
+    if (followed.policy == SignalKPolicy::kFixed) return since >= period;
+    return (changed && since >= minPeriod) || (followed.policy == SignalKPolicy::kIdeal && since >= period);
 }
 
 void SignalKTalk::Tell(Followed& followed, SignalKUpdates& updates, std::string& meta) const {

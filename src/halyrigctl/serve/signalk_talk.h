@@ -22,12 +22,14 @@ public:
     void Say(std::vector<WebMessage>& messages) override;
 
 private:
+    // Each client has hundreds, so they are small.
     struct Followed {
         const SignalKLeaf* leaf;
-        SignalKSubscription as;
-        std::uint64_t changes;  // as last told
-        double toldAt = 0.0;    // days
-        bool hasMeta = false;   // it was told
+        std::uint64_t changes;                  // as last told
+        double toldAt = 0.0;                    // days
+        float period = 0.0f, minPeriod = 0.0f;  // seconds
+        SignalKPolicy policy = SignalKPolicy::kIdeal;
+        bool hasMeta = false;  // it was told
     };
 
     void FollowNew();
@@ -36,6 +38,7 @@ private:
     void Tell(Followed& followed, SignalKUpdates& updates, std::string& meta) const;
     bool WantsEachChange() const;
     void LeaveStep();
+    std::string ContextIn(const std::string& named) const;
 
     const Lookout& lookout_;
     const SignalKTree& tree_;

@@ -60,8 +60,8 @@ using GroupCallback = void(AvahiEntryGroup*, int, void*);
 
 constexpr int kAnyInterface = -1, kAnyProtocol = -1;
 constexpr int kNoFail = 2;   // a daemon that comes later is waited for
-constexpr int kRunning = 2;  // states of a client and of a group
-constexpr int kCollision = 3;
+constexpr int kRunning = 2;  // of the states of a client; the others of a group
+constexpr int kEstablished = 2, kCollision = 3;
 
 class Avahi {
 public:
@@ -109,6 +109,8 @@ public:
         for (int i = 0; client_ && i < kMost && avahi_.iterate(poll_, 0) == 0; ++i) continue;
     }
 
+    bool IsHeard() const override { return heard_; }
+
 private:
     static void OnClient(AvahiClient* client, int state, void* self) { static_cast<ByAvahi*>(self)->Publish(client, state); }
     static void OnGroup(AvahiEntryGroup* group, int state, void* self) { static_cast<ByAvahi*>(self)->Settle(group, state); }
@@ -130,6 +132,7 @@ private:
 
     // Another machine has the name: it is made one that none has.
     void Settle(AvahiEntryGroup* group, int state) {
+        heard_ = state == kEstablished;
         if (state != kCollision) return;
         name_ += " 2";
         avahi_.reset(group);
@@ -142,6 +145,7 @@ private:
     const std::vector<AnnouncedService> services_;
     AvahiSimplePoll* const poll_;
     AvahiClient* client_ = nullptr;
+    bool heard_ = false;
 };
 
 }  // namespace

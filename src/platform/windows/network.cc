@@ -9,6 +9,7 @@
 #include "platform/windows/win32.h"
 // clang-format on
 
+#include <atomic>
 #include <deque>
 
 #include "base/wide_text.h"
@@ -48,9 +49,13 @@ private:
     }
 };
 
+std::atomic<bool> heard = false;
+
 // The system may use an instance for as long as the process runs, so it is never released. What comes of a request is told in a
-// thread of the system, and to nobody here.
-void WINAPI Ignore(DWORD, void*, ServiceInstance*) {}
+// thread of the system.
+void WINAPI Hear(DWORD status, void*, ServiceInstance*) {
+    if (status == ERROR_SUCCESS) heard = true;
+}
 
 class ByDnsApi final : public Announcement {
 public:
@@ -60,6 +65,8 @@ public:
     }
     ByDnsApi(const ByDnsApi&) = delete;
     ByDnsApi& operator=(const ByDnsApi&) = delete;
+
+    bool IsHeard() const override { return heard; }
 
     void Add(const std::string& name, const std::wstring& host, std::uint16_t port, const AnnouncedService& service) {
         const std::string text = service.text;
@@ -71,7 +78,7 @@ public:
         ServiceInstance* instance = api_.construct(whole.c_str(), machine.c_str(), nullptr, nullptr, port, 0, 0, 1, keys, values);
         if (!instance) return;
         requests_.emplace_back().instance = instance;
-        requests_.back().done = Ignore;
+        requests_.back().done = Hear;
         api_.add(&requests_.back(), nullptr);
     }
 
