@@ -3,6 +3,15 @@
 
 import {spawn} from 'node:child_process';
 import {once} from 'node:events';
+import {createServer} from 'node:net';
+
+export async function freePort() {
+  const taken = createServer().listen(0, '127.0.0.1');
+  await once(taken, 'listening');
+  const {port} = taken.address();
+  taken.close();
+  return port;
+}
 
 export class Program {
   #command;
