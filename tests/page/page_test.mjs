@@ -3,6 +3,8 @@
 //   PAGE_URL      where the page is, such as http://127.0.0.1:8377
 //   PAGE_BRIDGE   the command line of the bridge, without a terminal
 //   PAGE_SERVER   the command line of the server of the page
+//   PAGE_REPLAY   the command line of a replay beside the bridge
+//   PAGE_SHORT    what looks the same whoever serves it is left out
 //   PAGE_SHOTS    a folder for the pictures
 //   PAGE_MISSING  a channel's number that nothing feeds; 27 unless given
 //   PAGE_BROWSER  /usr/bin/chromium unless given
@@ -18,7 +20,7 @@ import puppeteer from 'puppeteer-core';
 import {Program} from './programs.mjs';
 
 const {PAGE_URL: url, PAGE_SHOTS: shots, PAGE_MISSING: missing = '27', PAGE_BROWSER: executablePath = '/usr/bin/chromium'} = process.env;
-const bridge = new Program(process.env.PAGE_BRIDGE), server = new Program(process.env.PAGE_SERVER);
+const bridge = new Program(process.env.PAGE_BRIDGE), server = new Program(process.env.PAGE_SERVER), replay = new Program(process.env.PAGE_REPLAY);
 const profile = mkdtempSync(join(tmpdir(), 'page-test-'));
 const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 
@@ -89,8 +91,7 @@ before(async () => {
 
 after(async () => {
   await browser?.close();
-  await server.kill();
-  await bridge.kill();
+  for (const program of [replay, server, bridge]) await program.kill();
   rmSync(profile, {recursive: true, force: true});
 });
 
@@ -176,18 +177,14 @@ test('pages turn by keyboard and by swipe', async () => {
   await page.waitForFunction(() => location.hash.includes('page=2'));
 });
 
-test('a replay is marked over everything', async () => {
-  const replayed = await browser.newPage();
-  await replayed.evaluateOnNewDocument(() => {
-    const parse = JSON.parse;
-    JSON.parse = (text) => ({...parse(text), replay: true});
-  });
-  await replayed.goto(`${url}/${kTiles}`);
-  await replayed.waitForSelector('#replay:not([hidden])', {timeout: kPatience});
-  const marks = await replayed.$$eval('.tile', (tiles) => tiles.map((tile) => getComputedStyle(tile, '::after').content));
+test('a replay is marked over everything while it plays', async () => {
+  replay.start();
+  await page.waitForSelector('#replay:not([hidden])');
+  const marks = await page.$$eval('.tile', (tiles) => tiles.map((tile) => getComputedStyle(tile, '::after').content));
   assert.ok(marks.length > 0 && marks.every((mark) => mark === '"REPLAY"'), marks.join());
-  await picture('replay', replayed);
-  await replayed.close();
+  await picture('replay');
+  await replay.kill();
+  await page.waitForSelector('#replay[hidden]');
 });
 
 // The pairs of ink and ground that lie on patterns or in pictures, where axe can't look.
@@ -251,7 +248,7 @@ const dialogs = {
   },
 };
 
-for (const theme of kThemes) {
+for (const theme of process.env.PAGE_SHORT ? [] : kThemes) {
   test(`axe finds nothing, and nothing is small or cut off: ${theme}`, async () => {
     await page.evaluate((name) => localStorage.setItem('halyrig.theme', name), theme);
     // Through another document: a changed hash alone would not load the page.
