@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "bridge.h"
+#include "deckman/remote_text.h"
 #include "streams/follower.h"
 #include "streams/json_lines.h"
 #include "support/fakes.h"
