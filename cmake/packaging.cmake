@@ -17,11 +17,12 @@ install(FILES ${CMAKE_SOURCE_DIR}/demo/halyrig.xml DESTINATION share/doc/halyrig
 
 # The user's texts as pages for a browser.
 set(pages ${CMAKE_BINARY_DIR}/pages)
+file(GLOB pictures CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/docs/*.png)
 foreach(name guide channels streams)
     add_custom_command(OUTPUT ${pages}/${name}.html
         COMMAND ${CMAKE_COMMAND} -E make_directory ${pages}
         COMMAND ${CMAKE_SOURCE_DIR}/docs/make_page ${CMAKE_SOURCE_DIR}/docs/${name}.md >${pages}/${name}.html
-        DEPENDS ${CMAKE_SOURCE_DIR}/docs/make_page ${CMAKE_SOURCE_DIR}/docs/${name}.md)
+        DEPENDS ${CMAKE_SOURCE_DIR}/docs/make_page ${CMAKE_SOURCE_DIR}/docs/${name}.md ${pictures})
     set_property(GLOBAL APPEND PROPERTY package_files ${pages}/${name}.html)
     install(FILES ${pages}/${name}.html DESTINATION share/doc/halyrig)
 endforeach()
