@@ -13,11 +13,14 @@ public:
     // Course through the water towards `point`, after another `seconds` of sailing.
     double CourseTo(Vector point, const YachtState& yacht, Vector current, double seconds);
 
+    // Of the wind that she is to sail on: 1 starboard, -1 port.
+    double Side() const { return side_; }
+
 private:
     bool ShouldTurn(double straight, double limit, double distance) const;
 
     const YachtPolar& polar_;
-    double side_ = 1.0;  // of the wind: 1 starboard, -1 port
+    double side_ = 1.0;
     double sinceTurn_ = 0.0;
     double meanDirection_ = 0.0;  // of the true wind over the last minutes
     bool hasMean_ = false;
