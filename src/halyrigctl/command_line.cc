@@ -39,6 +39,7 @@ struct Commands {
     ReplayOptions replay;
     InfoOptions info;
     ExportOptions exported;
+    ReportOptions report;
     QuitOptions quit;
     Status status = kDone;
 };
@@ -269,6 +270,12 @@ void AddInfo(Commands& all) {
     SetExample(command, "info race-20261125.jsonl.gz");
 }
 
+void AddSpan(CLI::App* command, std::string& from, std::string& to) {
+    command->add_option("--from", from, "From this time on board: 2026-11-25T12:30, 12:30, with Z if it is in UTC, or +2h")
+        ->type_name("TIME");
+    command->add_option("--to", to, "To this time, likewise")->type_name("TIME");
+}
+
 void AddExport(Commands& all) {
     CLI::App* command =
         all.app.add_subcommand("export", "Write recordings or logs of NMEA 0183 as a table or a track for other programs");
@@ -281,9 +288,7 @@ void AddExport(Commands& all) {
         ->type_name("STEP");
     AddChannelList(command, options.channels);
     command->add_option("--boat", options.boat, "Boat 0 to 99 alone; 0 is the own boat")->check(CLI::Range(0u, kBoatCount - 1));
-    command->add_option("--from", options.from, "From this time on board: 2026-11-25T12:30, 12:30, with Z if it is in UTC, or +2h")
-        ->type_name("TIME");
-    command->add_option("--to", options.to, "To this time, likewise")->type_name("TIME");
+    AddSpan(command, options.from, options.to);
     command->add_option("--units", options.units, "Those of the user, internal or si; the user's unless given")
         ->check(CLI::IsMember({"user", "internal", "si"}))
         ->type_name("UNITS");
@@ -302,6 +307,19 @@ void AddExport(Commands& all) {
         all.status = ExportRecording(all.system, all.exported);
     });
     SetExample(command, "export race-20261125.jsonl.gz --channels TWS,TWD,BSP -o race.csv");
+}
+
+void AddReport(Commands& all) {
+    CLI::App* command = all.app.add_subcommand(
+        "report", "Write what was sailed as a page that opens anywhere: track, charts, tacks and gybes, start, legs, speeds");
+    ReportOptions& options = all.report;
+    command->add_option("FILE", options.files, "A recording or a log; packed by gzip or not")->required();
+    command->add_option("-o,--output", options.output, "To this file, which must not be there yet")->type_name("FILE")->required();
+    command->add_option("--boat", options.boat, "Boat 0 to 99; 0, the own boat, unless given")
+        ->check(CLI::Range(0u, kBoatCount - 1));
+    AddSpan(command, options.from, options.to);
+    command->callback([&all] { all.status = ReportRace(all.system, all.report); });
+    SetExample(command, "report race-20261125.jsonl.gz --from 12:30 -o race.html");
 }
 
 void AddQuit(Commands& all) {
@@ -360,6 +378,7 @@ Status RunCommandLine(System& system, std::vector<std::string> arguments) {
     AddReplay(all);
     AddInfo(all);
     AddExport(all);
+    AddReport(all);
     AddQuit(all);
     CollectExamples(all.app);
     try {

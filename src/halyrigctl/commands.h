@@ -187,6 +187,16 @@ struct ExportOptions {
 // Writes recordings as a table over time or as a track.
 Status ExportRecording(System& system, const ExportOptions& options);
 
+struct ReportOptions {
+    std::vector<std::string> files;  // as of InfoOptions
+    BoatSlot boat = 0;               // below kBoatCount
+    std::string from, to;            // as of ExportOptions
+    std::string output;              // a file that is not there yet
+};
+
+// Writes what was sailed as a page in one file, for any browser.
+Status ReportRace(System& system, const ReportOptions& options);
+
 struct QuitOptions {
     bool wait = true;  // until all have closed, 10 s at most
 };

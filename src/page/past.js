@@ -2,9 +2,9 @@
 // The last ten minutes of the channels that are drawn: asked for once, then continued from the stream.
 
 import {askHistory} from './api.js';
+import {kSpan} from './plot.js';
 import {keyOf} from './readings.js';
 
-export const kSpan = 600;  // seconds
 const kStep = 1;
 
 export class Past {
@@ -45,17 +45,4 @@ export class Past {
       while (points[0][0] < readings.now - kSpan) points.shift();
     }
   }
-}
-
-export const isTurn = (kind) => kind === 'bearing' || kind === 'angle' || kind === 'wind-angle';
-
-// They go through north, or astern, without a jump to the other edge of the picture.
-export function unwrapped(points, kind) {
-  if (!isTurn(kind)) return points;
-  let last = null;
-  return points.map(([time, value]) => {
-    if (value === null) return [time, null];
-    last = last === null ? value : last + ((((value - last + 180) % 360) + 360) % 360) - 180;
-    return [time, last];
-  });
 }

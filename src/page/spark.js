@@ -2,7 +2,7 @@
 // The last ten minutes as a small line, drawn once a second, and at once when the time before this page has come.
 
 import {draw, setAttribute} from './dom.js';
-import {kSpan, unwrapped} from './past.js';
+import {kSpan, unwrapped} from './plot.js';
 
 const kWide = 200, kHigh = 40;
 

@@ -2,26 +2,13 @@
 // The last ten minutes of one channel, large, by uPlot (third_party/uplot), which index.html loads as a plain script.
 
 import {make, setAttribute, setText} from './dom.js';
-import {isTurn, kSpan, unwrapped} from './past.js';
+import {colourOf, kSpan, plotStyle, unwrapped} from './plot.js';
 import {keyOf} from './readings.js';
 import {whyNoNumber} from './words.js';
 
 const kTimeSteps = [60, 120, 300];  // seconds between the marks
-const kTurnSteps = [1, 2, 5, 10, 30, 45, 90, 180];  // degrees, likewise
 
 const clock = new Intl.DateTimeFormat(undefined, {hour: '2-digit', minute: '2-digit', hourCycle: 'h23'});
-
-const twoDigits = (number) => `${number}`.padStart(2, '0');
-
-// Only the numbers at the edge of the picture are written here; the value itself is always the boat's own text.
-function edgeText(value, kind) {
-  if (kind === 'bearing') return `${((Math.round(value) % 360) + 360) % 360}`.padStart(3, '0');
-  if (kind !== 'duration') return `${Number(value.toPrecision(6))}`;
-  const seconds = Math.round(Math.abs(value));
-  return `${value < 0 ? '-' : ''}${Math.floor(seconds / 60)}:${twoDigits(seconds % 60)}`;
-}
-
-const colourOf = (element, name) => getComputedStyle(element).getPropertyValue(name).trim();
 
 export class Strip {
   #boat;
@@ -55,16 +42,10 @@ export class Strip {
 
   #style() {
     const kind = this.#boat.channels.of(this.channel).kind;
-    const em = parseFloat(getComputedStyle(document.documentElement).fontSize);
-    const line = {stroke: colourOf(this.element, '--line'), width: 1};
-    const axis = {stroke: colourOf(this.element, '--ink'), grid: line, ticks: line, font: `${em * 0.875}px system-ui, sans-serif`};
-    const times = (_, seconds) => seconds.map((time) => clock.format(time * 1000));
-    const values = (_, numbers) => numbers.map((value) => edgeText(value, kind));
+    const style = plotStyle(this.element, kind, kTimeSteps, (time) => clock.format(time * 1000));
     return {
-      legend: {show: false}, cursor: {show: false}, padding: [10, 14, 0, 0],
+      ...style, cursor: {show: false},
       scales: {x: {range: () => [this.#boat.readings.now - kSpan, this.#boat.readings.now]}},
-      axes: [{...axis, size: em * 2.2, space: em * 5, incrs: kTimeSteps, values: times},
-             {...axis, size: em * 4, space: em * 2.5, values, ...(isTurn(kind) && {incrs: kTurnSteps})}],
       series: [{}, {stroke: colourOf(this.element, '--accent'), width: 3, points: {show: false}}],
     };
   }

@@ -120,4 +120,21 @@ std::size_t UnpackingSource::Read(char* to, std::size_t room) {
     return room - stream.avail_out;
 }
 
+std::string Unpacked(std::string_view packed) {
+    struct Packed : ByteSource {
+        explicit Packed(std::string_view bytes) : left(bytes) {}
+        std::size_t Read(char* to, std::size_t room) override {
+            const std::size_t count = left.copy(to, room);
+            left.remove_prefix(count);
+            return count;
+        }
+        std::string_view left;
+    };
+    UnpackingSource source(std::make_unique<Packed>(packed));
+    std::string all;
+    char bytes[16'384];
+    while (const std::size_t count = source.Read(bytes, sizeof bytes)) all.append(bytes, count);
+    return all;
+}
+
 }  // namespace twr

@@ -32,6 +32,9 @@ private:
     const std::unique_ptr<State> state_;
 };
 
+// Bytes in memory, unpacked if they are packed.
+std::string Unpacked(std::string_view packed);
+
 // The bytes of a file, unpacked if it is packed, which its first bytes tell. Packed parts may follow each other. A file that was
 // cut, by a kill or a power cut, gives all that can be unpacked, and is no fault.
 class UnpackingSource : public ByteSource {

@@ -236,11 +236,18 @@ TEST_F(ExportTest, SaysWhatIsWrongAndKeepsTheRest) {
         {2, "export " + file + " --channels Jibberish", "no channel Jibberish"},
         {2, "export " + file + " --format gpx --units si", "for csv and jsonl"},
         {2, "export " + file + " --format parquet", "--format"},
+        {1, "report " + file + " -o " + File("mine"), "mine is there already, and is not overwritten"},
+        {1, "report " + File("empty") + " -o " + File("page"), "empty line 1: it is neither"},
+        {1, "report " + file + " -o " + File("page") + " --boat 9", "no value of what a report shows"},
+        {2, "report " + file + " -o " + File("page") + " --from noon", "--from must be"},
+        {2, "report " + file, "--output is required"},
+        {1, "report " + File("broken") + " -o " + File("page"), "what comes before is in the report"},
         {1, "info " + File("broken"), "read no further"},
         {0, "info " + File("torn"), "its last line is torn"},
         {1, "info " + File("empty"), "neither"}};
     for (const auto& [status, command, said] : rows) ExpectIn(Said(command, status), {said});
     EXPECT_EQ("mine", test.folder.Read("mine"));
+    ExpectIn(test.folder.Read("page"), {R"("dated":true,)", R"("segments":[[1792886401,3]])", "Read no further than here: "});
     Said("export " + file + " -o " + File("new.csv"));
     EXPECT_EQ(Said("export " + file), test.folder.Read("new.csv"));
     FakeFiles full;

@@ -4,9 +4,8 @@
 
 #include "base/wide_text.h"
 #include "halyrigctl/commands.h"
-#include "halyrigctl/recordings/board_time.h"
+#include "halyrigctl/recordings/exporting.h"
 #include "halyrigctl/recordings/marks.h"
-#include "halyrigctl/recordings/recorded_files.h"
 #include "halyrigctl/recordings/survey.h"
 #include "halyrigctl/recordings/table_formats.h"
 #include "halyrigctl/setup/dry_run.h"
@@ -15,52 +14,7 @@
 namespace twr {
 namespace {
 
-constexpr std::size_t kAtOnce = 1 << 18;                  // bytes
 constexpr double kLeastStep = 0.01, kMostStep = 86400.0;  // seconds
-
-// Where the table goes: standard output, or a new file.
-class Sink {
-public:
-    Sink(System& system, std::string path) : system_(system), path_(std::move(path)) {}
-
-    bool Open() {
-        if (path_.empty()) return true;
-        Files& files = system_.Core().files;
-        file_ = files.Create(FromUtf8(path_));
-        if (file_) return true;
-        return Fail(files.Exists(FromUtf8(path_))
-                        ? "is there already, and is not overwritten; give another name."
-                        : "can't be made: its folder is missing or may not be written, or the disk is full.");
-    }
-
-    std::string& Bytes() { return bytes_; }
-
-    // False once nothing can be written any more; the reason is on standard error then.
-    bool Put(std::size_t atLeast = kAtOnce) {
-        if (failed_ || bytes_.size() < atLeast) return !failed_;
-        if (file_ && !file_->Write(bytes_)) Fail("can't be written any more: the disk is full, or has gone.");
-        if (!file_ && Print(system_.GetConsole(), bytes_) != kDone) failed_ = true;
-        bytes_.clear();
-        return !failed_;
-    }
-
-    bool Close() {
-        return Put(1) && (!file_ || file_->Flush() || Fail("can't be written to its end: the disk is full, or has gone."));
-    }
-
-private:
-    bool Fail(const char* why) {
-        Complain(system_.GetConsole(), Harmless(FromUtf8(path_)) + " " + why);
-        failed_ = true;
-        return false;
-    }
-
-    System& system_;
-    const std::string path_;
-    std::unique_ptr<FileWriter> file_;
-    std::string bytes_;
-    bool failed_ = false;
-};
 
 class Export {
 public:
@@ -80,7 +34,6 @@ private:
     bool Understands();
     bool TakesBounds();
     bool TakesChannels();
-    bool FilesFit();
     bool LooksThrough();
     void ReadRows(const TableWish& wish, const std::function<void(const TableRow&)>& tell);
     void WriteTable();
@@ -95,14 +48,13 @@ private:
     RecordedFiles files_;
     Survey survey_;
     MarksSeen marks_;
-    double start_ = 0.0;  // of the first file, days
     TableWish wish_{};
     Sink sink_;
     Status status_ = kDone;
 };
 
 Status Export::Run() {
-    if (!Understands() || !TakesChannels() || !FilesFit() || !TakesBounds() || !LooksThrough() || !sink_.Open())
+    if (!Understands() || !TakesChannels() || !TakesBounds() || !LooksThrough() || !sink_.Open())
         return status_ == kDone ? kFailed : status_;
     options_.format == "gpx" ? WriteGpx() : WriteTable();
     if (!sink_.Close()) return kFailed;
@@ -145,33 +97,11 @@ bool Export::TakesChannels() {
     return true;
 }
 
-bool Export::FilesFit() {
-    const RecordedFile* first = nullptr;
-    for (const RecordedFile& file : files_.All()) {
-        if (!file.start) continue;
-        if (!first) first = &file;
-        if (file.IsDated() != first->IsDated())
-            return Complains(kFailed, Harmless((file.IsDated() ? *first : file).path) +
-                                          " tells no date, so that its place among the others is not known; export it alone.");
-    }
-    if (first) start_ = *first->start;
-    const std::string fault = files_.Fault();
-    return first || Complains(kFailed, fault.empty() ? "there is no value in what you named." : fault);
-}
-
 bool Export::TakesBounds() {
-    const std::tuple<const char*, const std::string&, double&> bounds[] = {{"--from", options_.from, wish_.from},
-                                                                           {"--to", options_.to, wish_.to}};
-    double start = start_;
-    for (const auto& [name, typed, bound] : bounds) {
-        if (typed.empty()) continue;
-        const auto time = ParseTypedTime(typed);
-        if (!time) {
-            return Complains(kMisunderstood, std::string(name) + " must be " + kTypedTimes + "; not " + Harmless(FromUtf8(typed)));
-        }
-        bound = time->MomentFrom(time->fromStart ? start_ : start, board_);
-        start = std::max(start, bound);  // the end of a day is behind its beginning
-    }
+    Span span;
+    if (const auto refusal = TakeSpan(files_, board_, options_.from, options_.to, span))
+        return Complains(refusal->status, refusal->why);
+    wish_.from = span.from, wish_.to = span.to;
     return true;
 }
 

@@ -33,6 +33,10 @@ struct RaceRow {
     double Vmg() const;     // knots along the true wind, positive against it
 };
 
+// The side of the wind on which she sails: 1 starboard, -1 port. 0 where she does not, as far as can be told: drifting, closer to
+// the bow or to the stern than a boat sails, or faster in that wind than without an engine.
+int SideOf(const RaceRow& row);
+
 // Whether there is a gap between two rows.
 bool IsApart(const RaceRow& before, const RaceRow& after);
 
@@ -55,10 +59,10 @@ struct Turn {
     std::optional<TurnCost> cost = {};                     // nullopt if something for it is missing
 };
 
-// A turn leads from a board on one side of the wind to one on the other. She is on a board once the wind has come from that side
-// for five seconds, no closer to the bow and to the stern than a boat sails; and between the two she must have turned, so that
-// neither the wind that swings about the bow of a boat under engine nor a shift is one. What happened in a gap is not known, and no
-// turn.
+// A turn leads from a board on one side of the wind to one on the other. She is on a board once she has sailed on that side for
+// five seconds, and she must sail for most of the minute before and of the minute after; and between the two boards she must have
+// turned, so that neither the wind that swings about the bow of a boat under engine nor a shift is one. What happened in a gap is
+// not known, and no turn.
 std::vector<Turn> FindTurns(const std::vector<RaceRow>& rows);
 
 struct Gun {
@@ -89,7 +93,8 @@ struct Leg {
 };
 
 // Where the mark is known, a leg begins with a gun or with a mark, and ends at the next one: where the mark changes, or where she
-// was closest to it if that is near. Where it is not, a leg is a stretch of one point of sailing; `byMarks` tells which.
+// was closest to it if that is near. Where it is not, a leg is a stretch of two minutes or more of one point of sailing; `byMarks`
+// tells which.
 struct Legs {
     bool byMarks = false;
     std::vector<Leg> all;

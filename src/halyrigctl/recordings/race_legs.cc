@@ -94,18 +94,20 @@ private:
     bool any_ = false;
 };
 
-// The mean angle from the wind about each row.
+// By the mean angle from the wind of the seconds about each row in which she sails, if she does so in most of them.
 std::vector<PointOfSail> PointsOfSail(const std::vector<RaceRow>& rows) {
     std::vector<double> sums{0.0}, counts{0.0};
     for (const RaceRow& row : rows) {
-        const bool known = !std::isnan(row.twa);
-        sums.push_back(sums.back() + (known ? std::fabs(row.twa) : 0.0));
-        counts.push_back(counts.back() + (known ? 1.0 : 0.0));
+        const bool sails = SideOf(row) != 0;
+        sums.push_back(sums.back() + (sails ? std::fabs(row.twa) : 0.0));
+        counts.push_back(counts.back() + (sails ? 1.0 : 0.0));
     }
     std::vector<PointOfSail> points;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const std::size_t from = i - std::min(i, kSmooth), to = std::min(i + kSmooth, rows.size());
-        points.push_back(PointAt((sums[to] - sums[from]) / (counts[to] - counts[from])));
+        const double sails = counts[to] - counts[from];
+        points.push_back(2.0 * sails < static_cast<double>(to - from) ? PointOfSail::kNone
+                                                                      : PointAt((sums[to] - sums[from]) / sails));
     }
     return points;
 }
@@ -117,7 +119,7 @@ std::vector<Leg> Stretches(const std::vector<RaceRow>& rows) {
     for (std::size_t from = 0, to = 0; from < rows.size(); from = to) {
         while (to < rows.size() && points[to] == points[from] && (to == from || !IsApart(rows[to - 1], rows[to]))) ++to;
         const bool joins = !legs.empty() && legs.back().to == from && !IsApart(rows[from - 1], rows[from]) &&
-                           (points[from] == points[legs.back().from] || to - from < kSteady);
+                           (points[from] == points[legs.back().from] || to - from < kSteady) && points[from] != PointOfSail::kNone;
         if (joins) {
             legs.back().to = to;
         } else if (to - from >= kSteady && points[from] != PointOfSail::kNone) {

@@ -8,25 +8,14 @@
 namespace twr {
 namespace {
 
-constexpr double kClosest = 20.0, kSquarest = 177.0;    // degrees from the wind between which a boat sails on a side of it
-constexpr double kClosestApparent = 12.0;               // degrees; closer to the bow only an engine keeps it
-constexpr double kFastestForWind = 3.0;                 // times the true wind; likewise
-constexpr double kLeastSpeed = 1.0;                     // knots; a slower boat drifts
-constexpr std::size_t kToBoard = 5;                     // seconds
-constexpr double kLongestTurn = 60.0;                   // seconds between two boards
-constexpr double kLeastTack = 30.0, kLeastGybe = 15.0;  // degrees
+constexpr std::size_t kToBoard = 5;                                           // seconds
+constexpr std::size_t kAround = 60;                                           // seconds, for most of which she sails
+constexpr double kLongestTurn = 60.0;                                         // seconds between two boards
+constexpr double kLeastTack = 30.0, kLeastGybe = 15.0;                        // degrees
 constexpr std::size_t kCourseAhead = 12, kCourseClear = 4, kCourseAfter = 8;  // seconds
 constexpr double kSecondsPerHour = 3600.0, kMetresPerMile = 1852.0;
 
 constexpr std::size_t kSteadyFrom = 30, kCostFrom = 10, kCostTo = 50;  // seconds before and after a turn
-
-// The side of the wind on which she sails: 1 starboard, -1 port, 0 where that is not clear.
-int SideOf(const RaceRow& row) {
-    const double angle = std::fabs(row.twa);
-    if (!(angle >= kClosest && angle <= kSquarest) || !(row.Speed() >= kLeastSpeed)) return 0;
-    if (std::fabs(row.awa) < kClosestApparent || row.Speed() > kFastestForWind * row.tws) return 0;
-    return row.twa > 0.0 ? 1 : -1;
-}
 
 // Boards as they come, and the turn between two of them.
 class TurnFinder {
@@ -66,6 +55,14 @@ private:
         return count == 0 ? kUnknown : sum / count;
     }
 
+    // Whether she sails for most of the time that there is from one row to the other.
+    bool Sails(std::size_t from, std::size_t to) const {
+        std::size_t sails = 0, all = 0;
+        for (std::size_t i = from; i < std::min(to, rows_.size()) && (i == from || !IsApart(rows_[i - 1], rows_[i])); ++i, ++all)
+            sails += SideOf(rows_[i]) != 0 ? 1 : 0;
+        return 2 * sails >= all;
+    }
+
     // Whether what lies between the last row of the board before and this one is a turn.
     void Judge(std::size_t now) {
         const std::size_t ahead = std::max(last_ - std::min(last_, kCourseAhead), begin_);
@@ -79,7 +76,8 @@ private:
         turn.degrees = Course(now, now + kCourseAfter) - Course(ahead, clear);
         // Luffing up turns her towards the side from which the wind comes.
         const double turned = turn.degrees * (turn.tack ? board_ : -board_);
-        if (turned >= (turn.tack ? kLeastTack : kLeastGybe)) turns_.push_back(turn);
+        const bool sails = Sails(std::max(last_ - std::min(last_, kAround), begin_), last_) && Sails(now, now + kAround);
+        if (sails && turned >= (turn.tack ? kLeastTack : kLeastGybe)) turns_.push_back(turn);
     }
 
     const std::vector<RaceRow>& rows_;

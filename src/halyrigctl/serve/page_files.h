@@ -14,4 +14,8 @@ struct PageFile {
 
 std::span<const PageFile> PageFiles();
 
+// The page of a report, in one piece, by gzip; its data goes in the place of kReportData.
+std::string_view ReportPage();
+inline constexpr std::string_view kReportData = "{{data}}";
+
 }  // namespace twr

@@ -38,27 +38,6 @@ std::string_view TypeOf(std::string_view name) {
     return found == std::end(kTypes) ? "text/plain; charset=utf-8" : found->type;
 }
 
-class Packed : public ByteSource {
-public:
-    explicit Packed(std::string_view bytes) : left_(bytes) {}
-    std::size_t Read(char* to, std::size_t room) override {
-        const std::size_t count = left_.copy(to, room);
-        left_.remove_prefix(count);
-        return count;
-    }
-
-private:
-    std::string_view left_;
-};
-
-std::string Unpacked(std::string_view packed) {
-    UnpackingSource source(std::make_unique<Packed>(packed));
-    std::string all;
-    char bytes[16'384];
-    while (const std::size_t count = source.Read(bytes, sizeof bytes)) all.append(bytes, count);
-    return all;
-}
-
 WebAnswer FileOfPage(std::string_view name, bool takesGzip) {
     const auto files = PageFiles();
     const auto file = std::ranges::find(files, name, &PageFile::name);
