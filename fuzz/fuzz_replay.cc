@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "halyrigctl/recordings/race_log.h"
 #include "halyrigctl/recordings/recorded_files.h"
 #include "halyrigctl/recordings/replayer.h"
 #include "halyrigctl/recordings/survey.h"
@@ -12,10 +13,23 @@
 
 namespace {
 
+// Turns and legs are in their order, and in the rows.
+void LookForRace(const twr::RaceLog& log) {
+    const std::vector<twr::RaceRow>& rows = log.Rows();
+    auto turns = twr::FindTurns(rows);
+    const auto legs = twr::FindLegs(rows, log.Guns(), turns).all;
+    twr::FindCosts(rows, legs, turns);
+    twr::FindStarts(rows, log.Guns());
+    twr::FindPolarBands(rows, turns);
+    if (!std::ranges::is_sorted(turns, {}, &twr::Turn::row) || !std::ranges::is_sorted(legs, {}, &twr::Leg::from)) __builtin_trap();
+    if (!legs.empty() && legs.back().to > rows.size()) __builtin_trap();
+}
+
 // What is told of the file and made a table of: no more rows than its time has seconds, each in its form.
 void LookThrough(twr::testing::KeptCore& kept) {
     twr::RecordedFiles files(kept.machine.files, {"/file"}, [] { return true; });
     twr::Survey survey(kept.core);
+    twr::RaceLog log(kept.core, 0, -1e9, 1e9);
     std::size_t changes = 0, rows = 0;
     twr::TableRows table(kept.core, {1000, {twr::kBsp, twr::kHdg, twr::kMkLat}, {0, 7}}, [&](const twr::TableRow& row) {
         if (row.values.size() != 3 || !std::isfinite(row.time)) __builtin_trap();
@@ -24,8 +38,11 @@ void LookThrough(twr::testing::KeptCore& kept) {
     for (auto next = files.Next(); next; next = files.Next(), ++changes) {
         survey.Take(*next);
         table.Take(*next);
+        log.Take(*next);
     }
     table.Finish();
+    log.Finish();
+    LookForRace(log);
     if (rows > 122 * (changes + 1)) __builtin_trap();  // two boats, and a gap begins after a minute
     for (const twr::ChannelId channel : survey.Channels()) {
         const twr::ChannelSurvey* const found = survey.Of(channel, survey.Boats().front());

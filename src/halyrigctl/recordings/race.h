@@ -105,7 +105,7 @@ Legs FindLegs(const std::vector<RaceRow>& rows, const std::vector<Gun>& guns, co
 // cost, has none.
 void FindCosts(const std::vector<RaceRow>& rows, const std::vector<Leg>& legs, std::vector<Turn>& turns);
 
-// Speeds beside the targets, in bands of wind.
+// Speeds beside the targets, in bands of wind, of the seconds in which she sails and does not turn.
 struct PolarCell {
     int angle = 0;                    // its lower end, degrees from the wind
     std::size_t count = 0;            // of seconds

@@ -54,8 +54,9 @@ std::vector<PolarBand> FindPolarBands(const std::vector<RaceRow>& rows, const st
     auto turn = turns.begin();
     for (std::size_t i = 0; i < rows.size(); ++i) {
         while (turn != turns.end() && turn->row + kTurnTo < i) ++turn;
-        const bool turns_now = turn != turns.end() && i + kTurnFrom >= turn->row;
-        if (turns_now || std::isnan(rows[i].bsp + rows[i].twa) || !(rows[i].tws >= 0.0 && rows[i].tws < kMostWind)) continue;
+        const bool isInTurn = turn != turns.end() && i + kTurnFrom >= turn->row;
+        if (isInTurn || SideOf(rows[i]) == 0 || std::isnan(rows[i].bsp) || !(rows[i].tws >= 0.0 && rows[i].tws < kMostWind))
+            continue;
         Gather(rows[i], gathered[static_cast<int>(rows[i].tws) / kBandWide]);
     }
     std::vector<PolarBand> bands;

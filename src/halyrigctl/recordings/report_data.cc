@@ -16,6 +16,7 @@ namespace twr {
 namespace {
 
 constexpr std::size_t kMostRows = 30'000;  // eight hours of seconds; about a megabyte
+constexpr double kMostTold = 1e9;          // whatever a file says
 constexpr int kPlaceDigits = 6;            // of degrees: a tenth of a metre
 
 // What is drawn over time.
@@ -125,7 +126,7 @@ private:
         for (const std::size_t i : told_) {
             const double value = rows_[i].*column.value;
             const double told = std::isnan(value) || isPlace ? value : unit.Convert(value, Variation(rows_[i]));
-            if (std::isnan(told) || told == kNoValue) {
+            if (!(std::fabs(told) < kMostTold) || told == kNoValue) {
                 values.push_back(nullptr);
                 continue;
             }
