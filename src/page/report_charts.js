@@ -40,6 +40,7 @@ class Chart {
   #plot = null;
   #now = make('span', {class: 'now'});
   #picture = make('div', {class: 'picture', role: 'img'});
+  #place = 0;
   #from;
   #to;
 
@@ -76,6 +77,7 @@ class Chart {
       hooks: {setCursor: [(plot) => plot.cursor.event && plot.cursor.idx !== null && this.#moved(plot.cursor.idx)]},
     }, [data.times.map((time) => this.#x(time)), ...lines], this.#picture);
     this.show(this.#from, this.#to);
+    this.mark(this.#place);
   }
 
   #clock(x) {
@@ -85,10 +87,12 @@ class Chart {
 
   show(from, to) {
     [this.#from, this.#to] = [from, to];
-    if (from !== undefined) this.#plot?.setScale('x', {min: this.#x(from), max: this.#x(to)});
+    if (from === undefined || !this.#plot) return;
+    this.#plot.batch(() => this.#plot.setScale('x', {min: this.#x(from), max: this.#x(to)}));  // at once, so that the cursor finds its place
   }
 
   mark(place) {
+    this.#place = place;
     setText(this.#now, `${textOf(this.#chart.lines[0][place], this.#chart)} ${this.#chart.unit ?? ''}`);
     this.#plot?.setCursor({left: this.#plot.valToPos(this.#x(this.#data.times[place]), 'x'), top: 0}, false);
   }
