@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // One line of a log of NMEA 0183, taken apart.
 #pragma once
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <optional>
@@ -23,7 +24,7 @@ struct NmeaSentence {
 
     // Fields count from 1, as in every description of the sentences; one that isn't there is empty.
     std::string_view Field(std::size_t number) const {
-        return number >= 1 && number <= count ? fields[number - 1] : std::string_view();
+        return number >= 1 && number <= std::min(count, kMostFields) ? fields[number - 1] : std::string_view();
     }
 
     // nullopt if the field is empty or not a plain decimal number.

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/units.h"
 #include "halyrigctl/recordings/race.h"
 
 namespace twr {
@@ -17,7 +18,6 @@ constexpr std::size_t kShortestToMark = 10;
 constexpr double kBeatsTo = 65.0, kReachesTo = 125.0;  // degrees from the wind
 constexpr std::size_t kSteady = 120;                   // seconds of one point of sailing
 constexpr std::size_t kSmooth = 30;                    // seconds to either side
-constexpr double kMetresPerMile = 1852.0;
 
 PointOfSail PointAt(double angle) {
     if (std::isnan(angle)) return PointOfSail::kNone;
@@ -137,7 +137,7 @@ void Describe(const std::vector<RaceRow>& rows, const std::vector<Turn>& turns, 
         if (!std::isnan(row.twa)) angles += std::fabs(row.twa), ++count;
         if (i > leg.from && IsApart(rows[i - 1], row)) before = nullptr;
         if (std::isnan(row.latitude + row.longitude)) continue;
-        if (before) leg.miles += MetresBetween(before->latitude, before->longitude, row.latitude, row.longitude) / kMetresPerMile;
+        if (before) leg.miles += MetresBetween(before->latitude, before->longitude, row.latitude, row.longitude) / kMetresPerNauticalMile;
         before = &row;
     }
     leg.sailed = PointAt(angles / count);
@@ -150,7 +150,7 @@ void Describe(const std::vector<RaceRow>& rows, const std::vector<Turn>& turns, 
 
 double MetresToMark(const RaceRow& row) {
     const double metres = MetresBetween(row.latitude, row.longitude, row.markLatitude, row.markLongitude);
-    return std::isnan(metres) ? row.markRange * kMetresPerMile : metres;
+    return std::isnan(metres) ? row.markRange * kMetresPerNauticalMile : metres;
 }
 
 Legs FindLegs(const std::vector<RaceRow>& rows, const std::vector<Gun>& guns, const std::vector<Turn>& turns) {

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/angles.h"
+#include "core/units.h"
 #include "halyrigctl/recordings/race.h"
 
 namespace twr {
@@ -13,7 +14,7 @@ constexpr std::size_t kAround = 60;                                           //
 constexpr double kLongestTurn = 60.0;                                         // seconds between two boards
 constexpr double kLeastTack = 30.0, kLeastGybe = 15.0;                        // degrees
 constexpr std::size_t kCourseAhead = 12, kCourseClear = 4, kCourseAfter = 8;  // seconds
-constexpr double kSecondsPerHour = 3600.0, kMetresPerMile = 1852.0;
+constexpr double kSecondsPerHour = 3600.0;
 
 constexpr std::size_t kSteadyFrom = 30, kCostFrom = 10, kCostTo = 50;  // seconds before and after a turn
 
@@ -121,7 +122,7 @@ void FindCosts(const std::vector<RaceRow>& rows, const std::vector<Leg>& legs, s
             turn.speedLeast = std::min(turn.speedLeast, rows[i].Speed());
         }
         const double lost = before * static_cast<double>(to - steady) / kSecondsPerHour - made;  // miles
-        if (before > 0.0) turn.cost = TurnCost{lost * kMetresPerMile, lost / before * kSecondsPerHour};
+        if (before > 0.0) turn.cost = TurnCost{lost * kMetresPerNauticalMile, lost / before * kSecondsPerHour};
     }
 }
 

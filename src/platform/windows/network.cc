@@ -3,10 +3,9 @@
 
 // In the order that they need.
 // clang-format off
-#include <winsock2.h>
+#include "platform/windows/win32.h"
 #include <ws2tcpip.h>
 #include <iphlpapi.h>
-#include "platform/windows/win32.h"
 // clang-format on
 
 #include <atomic>

@@ -6,10 +6,12 @@
 #include <string_view>
 
 // clang-format off
+#include <winsock2.h>
 #include <windows.h>
 #include <commctrl.h>
 #include <shlobj.h>
 #include <shlwapi.h>
+#include <xmllite.h>
 // clang-format on
 
 namespace twr {

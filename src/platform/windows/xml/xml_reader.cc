@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <xmllite.h>
-
 #include <algorithm>
 
 #include "base/wide_text.h"

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <xmllite.h>
-
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
 #include "platform/windows/xml/xml.h"
