@@ -137,7 +137,8 @@ void Describe(const std::vector<RaceRow>& rows, const std::vector<Turn>& turns, 
         if (!std::isnan(row.twa)) angles += std::fabs(row.twa), ++count;
         if (i > leg.from && IsApart(rows[i - 1], row)) before = nullptr;
         if (std::isnan(row.latitude + row.longitude)) continue;
-        if (before) leg.miles += MetresBetween(before->latitude, before->longitude, row.latitude, row.longitude) / kMetresPerNauticalMile;
+        if (before)
+            leg.miles += MetresBetween(before->latitude, before->longitude, row.latitude, row.longitude) / kMetresPerNauticalMile;
         before = &row;
     }
     leg.sailed = PointAt(angles / count);

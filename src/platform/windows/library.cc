@@ -24,11 +24,19 @@ private:
     UniqueModule module_;
 };
 
+// Windows loads a program too, but does not connect it with the libraries that it calls.
+bool IsLibrary(HMODULE module) {
+    const auto* const start = reinterpret_cast<const unsigned char*>(module);
+    const auto* const headers =
+        reinterpret_cast<const IMAGE_NT_HEADERS*>(start + reinterpret_cast<const IMAGE_DOS_HEADER*>(start)->e_lfanew);
+    return (headers->FileHeader.Characteristics & IMAGE_FILE_DLL) != 0;
+}
+
 }  // namespace
 
 std::unique_ptr<Library> WindowsLibraries::Load(std::u16string_view path) {
     UniqueModule module(LoadLibraryW(ToWide(path).c_str()));
-    if (!module) return nullptr;
+    if (!module || !IsLibrary(module.get())) return nullptr;
     return std::make_unique<LoadedLibrary>(std::move(module));
 }
 
