@@ -130,7 +130,7 @@ private:
         if (leg == leg_) return;
         if (leg_) sailed_.legs.back().to = now;
         if (leg) sailed_.legs.push_back({now, now});
-        if (leg == 0) sailed_.guns.push_back({now, below, kUnknown});
+        if (leg == 0) sailed_.guns.push_back({now, below, kUnmeasured});
         leg_ = leg;
     }
 
@@ -233,11 +233,13 @@ TEST(RaceTest, TellsATurnFromWhatIsNone) {
         {"a small gybe", 0, 1, [](int s, RaceRow& row) { row.twa = WrappedAngle(Turning(s, 168, 192)); }},
         {"all the way round", 1, 1, [](int s, RaceRow& row) { row.twa = WrappedAngle(42 - std::clamp(s - 100, 0, 72) * 5.0); }},
         {"a tack without a heading", 1, 0,
-         [](int s, RaceRow& row) { row.twa = Turning(s, 42, -42), row.cog = WrappedBearing(3 - row.twa), row.heading = kUnknown; }},
+         [](int s, RaceRow& row) {
+             row.twa = Turning(s, 42, -42), row.cog = WrappedBearing(3 - row.twa), row.heading = kUnmeasured;
+         }},
         {"a gap in the tack", 0, 0, [](int s, RaceRow& row) { row.twa = Turning(s, 42, -42), row.time = s == 105 ? -1.0 : s; }},
         {"a clock set back in the tack", 0, 0, [](int s, RaceRow& row) { row.twa = Turning(s, 42, -42), row.seam = s == 105; }},
         {"no angle for three seconds of the tack", 1, 0,
-         [](int s, RaceRow& row) { row.twa = s > 103 && s < 107 ? kUnknown : Turning(s, 42, -42); }},
+         [](int s, RaceRow& row) { row.twa = s > 103 && s < 107 ? kUnmeasured : Turning(s, 42, -42); }},
         {"shot up into the wind, and back", 0, 0, [](int s, RaceRow& row) { row.twa = s < 110 ? Turning(s, 42, -4) : 42; }},
         {"held head to wind, swinging", 0, 0,
          [](int s, RaceRow& row) { row.twa = s < 60 ? 42 : 18 * std::sin(s / 3.0), row.bsp = 2; }},
@@ -246,7 +248,7 @@ TEST(RaceTest, TellsATurnFromWhatIsNone) {
         {"under engine in no wind", 0, 0,
          [](int s, RaceRow& row) { row.tws = 1, row.twa = Turning(s, 120, -120), row.awa = row.twa / 12; }},
         {"adrift", 0, 0, [](int s, RaceRow& row) { row.bsp = 0.3, row.twa = Turning(s, 42, -42); }},
-        {"no angle at all", 0, 0, [](int, RaceRow& row) { row.twa = kUnknown; }},
+        {"no angle at all", 0, 0, [](int, RaceRow& row) { row.twa = kUnmeasured; }},
     };
     for (const auto& [what, tacks, gybes, make] : rows) {
         const std::vector<Turn> turns = FindTurns(Rows(300, make));
@@ -271,7 +273,7 @@ TEST(RaceTest, CountsWhatATurnCosts) {
                 {"the leg ends", [](int, RaceRow&) {}, 150, false},
                 {"no speed at one second",
                  [](int s, RaceRow& row) {
-                     if (s == 120) row.bsp = kUnknown;
+                     if (s == 120) row.bsp = kUnmeasured;
                  },
                  300, false},
                 {"a gap",

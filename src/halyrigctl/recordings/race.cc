@@ -19,7 +19,7 @@ constexpr double kLatest = 600.0;                     // seconds after the gun
 
 // In metres from the port end: along the line, and below it, negative on the side of the course.
 struct OfLine {
-    double length = kUnknown, along = kUnknown, below = kUnknown;
+    double length = kUnmeasured, along = kUnmeasured, below = kUnmeasured;
 };
 
 OfLine PlaceAtLine(const RaceRow& row) {

@@ -9,24 +9,24 @@
 
 namespace twr {
 
-inline constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double kUnmeasured = std::numeric_limits<double>::quiet_NaN();
 
 // One second. Directions are true or magnetic, but all alike; angles to the wind are positive with the wind on the starboard side.
-// What was not fresh is kUnknown.
+// What was not fresh is kUnmeasured.
 struct RaceRow {
     double time = 0.0;  // seconds, rising from row to row
     bool seam = false;  // what lies ahead of it is missing, whatever the times say
-    double latitude = kUnknown, longitude = kUnknown;
-    double bsp = kUnknown, sog = kUnknown, tws = kUnknown;           // knots
-    double twa = kUnknown, awa = kUnknown, twd = kUnknown;           // degrees
-    double heading = kUnknown, cog = kUnknown;                       // degrees
-    double targetBsp = kUnknown, targetTwa = kUnknown;               // knots, degrees of the upwind or downwind target
-    double heel = kUnknown, depth = kUnknown, variation = kUnknown;  // degrees, metres
-    double markLatitude = kUnknown, markLongitude = kUnknown;        // where she sails to
-    double markRange = kUnknown;                                     // nautical miles, likewise
-    double lineDistance = kUnknown;                                  // metres to the start line, negative beyond it
-    double portLatitude = kUnknown, portLongitude = kUnknown;        // the ends of the start line
-    double starboardLatitude = kUnknown, starboardLongitude = kUnknown;
+    double latitude = kUnmeasured, longitude = kUnmeasured;
+    double bsp = kUnmeasured, sog = kUnmeasured, tws = kUnmeasured;           // knots
+    double twa = kUnmeasured, awa = kUnmeasured, twd = kUnmeasured;           // degrees
+    double heading = kUnmeasured, cog = kUnmeasured;                          // degrees
+    double targetBsp = kUnmeasured, targetTwa = kUnmeasured;                  // knots, degrees of the upwind or downwind target
+    double heel = kUnmeasured, depth = kUnmeasured, variation = kUnmeasured;  // degrees, metres
+    double markLatitude = kUnmeasured, markLongitude = kUnmeasured;           // where she sails to
+    double markRange = kUnmeasured;                                           // nautical miles, likewise
+    double lineDistance = kUnmeasured;                                        // metres to the start line, negative beyond it
+    double portLatitude = kUnmeasured, portLongitude = kUnmeasured;           // the ends of the start line
+    double starboardLatitude = kUnmeasured, starboardLongitude = kUnmeasured;
 
     double Speed() const;   // through the water, else over the ground
     double Course() const;  // the heading, else over the ground
@@ -52,11 +52,11 @@ struct TurnCost {
 };
 
 struct Turn {
-    std::size_t row = 0;                                   // the first on the new side of the wind
-    bool tack = false;                                     // through the wind; else a gybe
-    double degrees = kUnknown;                             // by which she turned, positive to starboard
-    double speedBefore = kUnknown, speedLeast = kUnknown;  // knots
-    std::optional<TurnCost> cost = {};                     // nullopt if something for it is missing
+    std::size_t row = 0;                                         // the first on the new side of the wind
+    bool tack = false;                                           // through the wind; else a gybe
+    double degrees = kUnmeasured;                                // by which she turned, positive to starboard
+    double speedBefore = kUnmeasured, speedLeast = kUnmeasured;  // knots
+    std::optional<TurnCost> cost = {};                           // nullopt if something for it is missing
 };
 
 // A turn leads from a board on one side of the wind to one on the other. She is on a board once she has sailed on that side for
@@ -73,10 +73,10 @@ struct Gun {
 struct Start {
     Gun gun;
     std::optional<std::size_t> row = {};  // at the gun; nullopt in a gap
-    double distance = kUnknown;           // metres to the line at the gun, negative beyond it
-    double lineLength = kUnknown;         // metres
-    double alongLine = kUnknown;          // at the gun, the share of the line from its port end; beyond 0 to 1 outside it
-    double crossed = kUnknown;            // seconds from the gun to the line
+    double distance = kUnmeasured;        // metres to the line at the gun, negative beyond it
+    double lineLength = kUnmeasured;      // metres
+    double alongLine = kUnmeasured;       // at the gun, the share of the line from its port end; beyond 0 to 1 outside it
+    double crossed = kUnmeasured;         // seconds from the gun to the line
 };
 
 // Looks at the line for each gun.

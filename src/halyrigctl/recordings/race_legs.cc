@@ -90,7 +90,7 @@ private:
     std::vector<Leg> legs_;
     std::optional<std::size_t> begin_, passed_, known_;
     std::size_t gun_ = 0, nearest_ = 0;
-    double metres_ = kUnknown, least_ = kUnknown;
+    double metres_ = kUnmeasured, least_ = kUnmeasured;
     bool any_ = false;
 };
 

@@ -95,8 +95,8 @@ void RaceLog::Append(const TableRow& told) {
         const double value = told.values[i];
         if (value != kNoValue && std::isfinite(value)) row.*kPlaces[i].value = value * kPlaces[i].factor;
     }
-    if (!IsPlace(row.latitude, row.longitude)) row.latitude = row.longitude = kUnknown;
-    if (!IsPlace(row.markLatitude, row.markLongitude)) row.markLatitude = row.markLongitude = kUnknown;
+    if (!IsPlace(row.latitude, row.longitude)) row.latitude = row.longitude = kUnmeasured;
+    if (!IsPlace(row.markLatitude, row.markLongitude)) row.markLatitude = row.markLongitude = kUnmeasured;
     if (told.variation != kNoValue) row.variation = told.variation;
     row.seam = std::exchange(seam_, false);
     rows_.push_back(row);

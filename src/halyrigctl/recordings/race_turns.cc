@@ -21,8 +21,8 @@ constexpr std::size_t kSteadyFrom = 30, kCostFrom = 10, kCostTo = 50;  // second
 // Boards as they come, and the turn between two of them.
 class TurnFinder {
 public:
-    explicit TurnFinder(const std::vector<RaceRow>& rows) : rows_(rows), course_(rows.size(), kUnknown) {
-        double last = kUnknown;
+    explicit TurnFinder(const std::vector<RaceRow>& rows) : rows_(rows), course_(rows.size(), kUnmeasured) {
+        double last = kUnmeasured;
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const double course = rows[i].Course();
             if (std::isnan(course)) continue;
@@ -53,7 +53,7 @@ private:
             if (i > from && IsApart(rows_[i - 1], rows_[i])) break;
             if (!std::isnan(course_[i])) sum += course_[i], ++count;
         }
-        return count == 0 ? kUnknown : sum / count;
+        return count == 0 ? kUnmeasured : sum / count;
     }
 
     // Whether she sails for most of the time that there is from one row to the other.

@@ -151,7 +151,7 @@ private:
         return {{"time", TimeOf(row)},
                 {"tack", turn.tack},
                 {"degrees", Number(turn.degrees, 1.0)},
-                {"tws", Number(std::isnan(row.tws) ? kUnknown : wind_.Convert(row.tws, kNoValue), 10.0)},
+                {"tws", Number(std::isnan(row.tws) ? kUnmeasured : wind_.Convert(row.tws, kNoValue), 10.0)},
                 {"before", Number(Speed(turn.speedBefore), 100.0)},
                 {"least", Number(Speed(turn.speedLeast), 100.0)},
                 {"metres", turn.cost ? Number(turn.cost->metres, 10.0) : Json()},

@@ -40,7 +40,7 @@ const int kLook = SIGRTMAX - 1;
 std::atomic<Signals> received = 0;
 static_assert(std::atomic<Signals>::is_always_lock_free);
 volatile sig_atomic_t looks = 0;
-std::optional<timer_t> timer;
+std::optional<timer_t> lookTimer;
 std::uint32_t waitsSince = 0;  // since a library was loaded
 
 sigset_t SetOf(Signals signals) {
@@ -52,7 +52,7 @@ sigset_t SetOf(Signals signals) {
 
 void SetLooks(const itimerspec& when) {
     looks = 0;
-    if (timer) timer_settime(*timer, 0, &when, nullptr);
+    if (lookTimer) timer_settime(*lookTimer, 0, &when, nullptr);
 }
 
 void EndBy(int number) {
@@ -141,7 +141,7 @@ void ExpectOtherHandlers() { waitsSince = 0; }
 // The others are blocked but while it waits, so that no change of a terminal's size interrupts what a library does.
 SignalQueue::SignalQueue(std::initializer_list<int> others) : canary_(open("/dev/null", O_RDONLY | O_CLOEXEC)) {
     BeOwnProcess();
-    if (!timer) timer = MakeTimer();
+    if (!lookTimer) lookTimer = MakeTimer();
     Signals blocked = 0;
     for (const int number : others) blocked |= Bit(number);
     const sigset_t block = SetOf(blocked);
