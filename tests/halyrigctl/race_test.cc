@@ -8,6 +8,7 @@
 
 #include "base/angles.h"
 #include "base/numbers.h"
+#include "core/units.h"
 #include "halyrigctl/recordings/race_log.h"
 #include "halyrigctl/recordings/recorded_files.h"
 #include "stand_in/sailing_simulation.h"
@@ -20,24 +21,25 @@ namespace {
 
 constexpr double kDay = 46320.0;  // on which it is recorded
 constexpr double kSecondsBefore = kDay * 86400.0;
-constexpr double kMetresPerMile = 1852.0, kMilesPerDegree = 60.0;
+constexpr double kMilesPerDegree = 60.0;
 constexpr double kLatitude = 50.5, kLongitude = -7.0;  // of the middle of the simulation's line
 constexpr double kHalfLine = 0.08;                     // nautical miles
 constexpr double kKeptFor = 5.0;                       // seconds that she is on a side before she sails on it
 
 // As the demo's mapping has them.
-constexpr std::pair<ChannelId, Quantity> kTold[] = {{kBsp, Quantity::kBsp},
-                                                    {kAwa, Quantity::kAwa},
-                                                    {kTwa, Quantity::kTwa},
-                                                    {kTws, Quantity::kTws},
-                                                    {kTwd, Quantity::kTwd},
-                                                    {kHdg, Quantity::kHdg},
-                                                    {kCog, Quantity::kCog},
-                                                    {kSog, Quantity::kSog},
-                                                    {kLat, Quantity::kLat},
-                                                    {kLon, Quantity::kLon},
-                                                    {kMkRng, Quantity::kMarkDistance},
-                                                    {kTmToGun, Quantity::kTimeToGun}};
+using Q = Quantity;
+constexpr std::pair<ChannelId, Q> kTold[] = {{kBsp, Q::kBsp},
+                                             {kAwa, Q::kAwa},
+                                             {kTwa, Q::kTwa},
+                                             {kTws, Q::kTws},
+                                             {kTwd, Q::kTwd},
+                                             {kHdg, Q::kHdg},
+                                             {kCog, Q::kCog},
+                                             {kSog, Q::kSog},
+                                             {kLat, Q::kLat},
+                                             {kLon, Q::kLon},
+                                             {kMkRng, Q::kMarkDistance},
+                                             {kTmToGun, Q::kTimeToGun}};
 
 // Seconds from the start, and metres.
 struct Sailed {
@@ -88,8 +90,8 @@ private:
     }
 
     double Below() const {
-        const Vector place{(Now(Quantity::kLon) - kLongitude) * CosDegrees(kLatitude), Now(Quantity::kLat) - kLatitude};
-        return -Length(place) * CosDegrees(BearingOf(place) - axis_) * kMilesPerDegree * kMetresPerMile;
+        const Vector place{(Now(Q::kLon) - kLongitude) * CosDegrees(kLatitude), Now(Q::kLat) - kLatitude};
+        return -Length(place) * CosDegrees(BearingOf(place) - axis_) * kMilesPerDegree * kMetresPerNauticalMile;
     }
 
     void Record() {
@@ -110,7 +112,7 @@ private:
     }
 
     void LookAtTurns() {
-        const float twa = Now(Quantity::kTwa);
+        const float twa = Now(Q::kTwa);
         const double side = twa > 0.0F ? 1.0 : -1.0, ordered = simulation_.Sailed().Side();
         if (side != sailing_ || side != ordered) since_ = Time();
         if (side != sailing_) tack_ = std::abs(twa) < 90.0F;
@@ -125,8 +127,8 @@ private:
         const double now = Time() + 0.1, below = Below();
         if (!sailed_.guns.empty() && leg == 0 && below_ > 0.0 && below <= 0.0) sailed_.guns.back().crossed = now;
         below_ = below;
-        if (Now(Quantity::kTimer) == 300.0F && timer_ == 0.0F) LayLine();
-        timer_ = Now(Quantity::kTimer);
+        if (Now(Q::kTimer) == 300.0F && timer_ == 0.0F) LayLine();
+        timer_ = Now(Q::kTimer);
         if (leg == leg_) return;
         if (leg_) sailed_.legs.back().to = now;
         if (leg) sailed_.legs.push_back({now, now});
@@ -192,7 +194,7 @@ std::string Difference(const Sailed& sailed, const Found& found) {
         // The count is told in whole seconds, once a second, in which she sails some metres.
         if (IsFar(time, start.gun.time - kSecondsBefore, 1.0) || IsFar(below, start.distance, 8.0) ||
             (std::abs(below) > 5.0 && IsFar(crossed - time, start.crossed, 1.5)) ||
-            IsFar(2 * kHalfLine * kMetresPerMile, start.lineLength, 0.5))
+            IsFar(2 * kHalfLine * kMetresPerNauticalMile, start.lineLength, 0.5))
             return Printed("the gun at %.1f, %.1f m below, crossed after %.1f; found %.1f, %.1f, %.1f, line of %.1f", time, below,
                            crossed - time, start.gun.time - kSecondsBefore, start.distance, start.crossed, start.lineLength);
     }
@@ -271,21 +273,9 @@ TEST(RaceTest, CountsWhatATurnCosts) {
         bool costs;
     } rows[] = {{"all is there", [](int, RaceRow&) {}, 300, true},
                 {"the leg ends", [](int, RaceRow&) {}, 150, false},
-                {"no speed at one second",
-                 [](int s, RaceRow& row) {
-                     if (s == 120) row.bsp = kUnmeasured;
-                 },
-                 300, false},
-                {"a gap",
-                 [](int s, RaceRow& row) {
-                     if (s == 120) row.time = -1.0;
-                 },
-                 299, false},
-                {"another tack",
-                 [](int s, RaceRow& row) {
-                     if (s >= 145) row.twa = 60.0;
-                 },
-                 300, false}};
+                {"no speed at one second", [](int s, RaceRow& row) { row.bsp = s == 120 ? kUnmeasured : row.bsp; }, 300, false},
+                {"a gap", [](int s, RaceRow& row) { row.time = s == 120 ? -1.0 : row.time; }, 299, false},
+                {"another tack", [](int s, RaceRow& row) { row.twa = s >= 145 ? 60.0 : row.twa; }, 300, false}};
     for (const auto& [what, more, legTo, costs] : rows) {
         const auto sailed = Rows(300, [&](int s, RaceRow& row) { tack(s, row), more(s, row); });
         auto turns = FindTurns(sailed);
@@ -293,7 +283,7 @@ TEST(RaceTest, CountsWhatATurnCosts) {
         FindCosts(sailed, {{.from = 0, .to = legTo}}, turns);
         ASSERT_EQ(costs, turns[0].cost.has_value()) << what;
         if (!costs) continue;
-        EXPECT_NEAR(2.0 * 0.5 * 30 / 3600 * kMetresPerMile, turns[0].cost->metres, 0.01);
+        EXPECT_NEAR(2.0 * 0.5 * 30 / 3600 * kMetresPerNauticalMile, turns[0].cost->metres, 0.01);
         EXPECT_NEAR(10.0, turns[0].cost->seconds, 0.01);
         EXPECT_NEAR(6.0, turns[0].speedBefore, 1e-6);
         EXPECT_EQ(4.0, turns[0].speedLeast);
