@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <atomic>
+#include <chrono>
 #include <cmath>
+#include <filesystem>
 #include <future>
 #include <thread>
 
@@ -216,6 +218,15 @@ TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
     // While another program makes them there is no second.
     auto others = TakeDays(Core().files, test.folder.File("ProgramData/Tidewright/recordings"));
     ExpectIn(Said("record", 1), {"is being made already"});
+    const auto writtenBefore = [&](int seconds) {
+        const std::chrono::sys_time<std::chrono::nanoseconds> then(
+            std::chrono::nanoseconds((clock.ticks - seconds * 10'000'000LL) * 100));
+        std::filesystem::last_write_time(test.folder.Path() / (at + "halyrig-20261119-4.jsonl.gz"),
+                                         std::chrono::file_clock::from_sys(then));
+    };
+    writtenBefore(60);
+    ExpectIn(Said("check", 1), {"recording    runs, but nothing is written since 2026-11-19T"});
+    writtenBefore(5);
     ExpectIn(Said("check", 1), {"recording    runs since 2026-11-19T", "halyrig-20261119-4.jsonl.gz, ", " GiB left"});
     ExpectIn(Said("check --json", 1), {R"("recording":{"running":true,"file":")", R"("since":"2026-11-19T)", R"("room":)"});
     others.reset();

@@ -68,11 +68,15 @@ std::string Gibibytes(std::uint64_t bytes) {
 
 std::string RecordingText(const CheckReport::RecordingPart& recording) {
     if (!recording.room) return "none; 'halyrigctl record' makes one";
-    const std::string since = recording.since.empty() ? "" : " since " + recording.since;
-    const std::string last =
-        recording.file.empty() ? "none yet" : "none now; the last from " + recording.since + " to " + recording.until;
-    const std::string room = ", " + Gibibytes(*recording.room) + " left" + (recording.full ? ", too little for a recording" : "");
-    return (recording.running ? "runs" + since : last) + (recording.file.empty() ? "" : ", " + Harmless(recording.file)) + room;
+    const auto& [running, file, since, until, left, full] = recording;
+    const std::string runs = !since.empty()  ? "runs since " + since
+                             : until.empty() ? "runs"
+                                             : "runs, but nothing is written since " + until;
+    const std::string last = file.empty()    ? "none yet"
+                             : since.empty() ? "none now"
+                                             : "none now; the last from " + since + " to " + until;
+    const std::string room = ", " + Gibibytes(*left) + " left" + (full ? ", too little for a recording" : "");
+    return (running ? runs : last) + (file.empty() ? "" : ", " + Harmless(file)) + room;
 }
 
 std::string Table(const CheckReport& report) {

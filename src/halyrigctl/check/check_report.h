@@ -54,7 +54,7 @@ struct CheckReport {
     struct RecordingPart {
         bool running = false;
         std::u16string file;                // the newest; empty if there is none
-        std::string since;                  // without a break; a time on board, and so is the next
+        std::string since;                  // without a break; a time on board, as the next; empty while nothing is written
         std::string until;                  // the last that it holds
         std::optional<std::uint64_t> room;  // bytes that are left for it; nullopt if there never was one
         bool full = false;                  // they are too few

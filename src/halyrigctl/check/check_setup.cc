@@ -21,7 +21,8 @@
 namespace twr {
 namespace {
 
-constexpr std::size_t kLongestQuote = 100;  // characters of a line
+constexpr std::size_t kLongestQuote = 100;            // characters of a line
+constexpr double kIdleAfter = 10.0 / kSecondsPerDay;  // days
 
 // The settings whose loss may be why the folders are wrong.
 bool NamesAFolder(const Finding& finding) {
@@ -116,7 +117,9 @@ void CheckRecording(const CheckedSetup& setup, const CoreServices& machine) {
         if (moment) board.Append(shown, std::floor(*moment * kSecondsPerDay) / kSecondsPerDay);
         return shown;
     };
-    const DaysKept days = LookAtDays(machine.files, RecordingsFolder(setup.report.dataFolder));
+    DaysKept days = LookAtDays(machine.files, RecordingsFolder(setup.report.dataFolder));
+    // A recorder that waits for the suite, or for the disk, has written the newest file long ago, if it was this one at all.
+    if (days.runs && days.until && UtcNowDays(machine.clock) - *days.until > kIdleAfter) days.since.reset();
     setup.report.recording = {days.runs, days.newest, text(days.since), text(days.until), days.room, days.isFull};
 }
 
