@@ -13,7 +13,7 @@ target_compile_options(halyrig_flags INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 wrongly reports an overlap in `"literal" + string`.
     target_compile_options(halyrig_flags INTERFACE -Wno-restrict)
-    # Where files are compiled together, which takes a third of the time, the anonymous namespace of one looks like that of a header.
+    # Where files are compiled together, which takes much less time, the anonymous namespace of one looks like that of a header.
     if(CMAKE_UNITY_BUILD)
         target_compile_options(halyrig_flags INTERFACE -Wno-subobject-linkage)
     endif()
