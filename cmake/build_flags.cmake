@@ -13,7 +13,8 @@ target_compile_options(halyrig_flags INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 wrongly reports an overlap in `"literal" + string`.
     target_compile_options(halyrig_flags INTERFACE -Wno-restrict)
-    # Where files are compiled together, which takes much less time, the anonymous namespace of one looks like that of a header.
+    # The files of a library are compiled together, which takes much less time; the anonymous namespace of one then looks like that of a
+    # header. The preset clang compiles each by itself, and so finds an include that is missing.
     if(CMAKE_UNITY_BUILD)
         target_compile_options(halyrig_flags INTERFACE -Wno-subobject-linkage)
     endif()
@@ -45,13 +46,16 @@ else()
     endif()
 endif()
 
-# Shipped programs are optimised as a whole. Objects also contain plain code, with which the tests are linked, whose own objects have
-# nothing else, hardly optimised: compiling them takes most of a build. GCC 12 wrongly reports texts that end outside of their arrays there.
+# What runs beside the instruments is optimised as a whole, and nothing else: the companion alone would take as long as all the rest.
+# Objects also contain plain code, with which the tests are linked, whose own objects have nothing else, hardly optimised: compiling them
+# takes most of a build. GCC 12 wrongly reports texts that end outside of their arrays there.
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    target_compile_options(halyrig_flags INTERFACE $<$<NOT:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>>:-flto=auto>
-        $<$<NOT:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>>:-ffat-lto-objects>
+    set(plain $<OR:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>,$<BOOL:$<TARGET_PROPERTY:HALYRIG_COMPANION>>>)
+    target_compile_options(halyrig_flags INTERFACE $<IF:${plain},-ffunction-sections,-flto=auto>
+        $<IF:${plain},-fdata-sections,-ffat-lto-objects>
         "$<$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>:-O1;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>")
-    target_link_options(halyrig_flags INTERFACE $<IF:$<BOOL:$<TARGET_PROPERTY:HALYRIG_SHIPPED>>,-flto=auto,-fno-lto>)
+    target_link_options(halyrig_flags INTERFACE $<IF:$<BOOL:$<TARGET_PROPERTY:HALYRIG_SHIPPED>>,-flto=auto,-fno-lto>
+        $<$<BOOL:$<TARGET_PROPERTY:HALYRIG_COMPANION>>:-Wl,--gc-sections>)
 endif()
 
 if(HALYRIG_SANITIZE)

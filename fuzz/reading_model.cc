@@ -39,7 +39,8 @@ double ReadingModel::OwnValue(std::uint32_t channel) const {
 
 std::int16_t ReadingModel::Type(std::uint32_t channel) const {
     const bool isUsers = channel >= 172 && channel <= 202;
-    return isUsers ? record_.Get<std::int16_t>(RecordBytes::Channel(channel) + 10) : ChannelCatalogue()[channel].type;
+    return isUsers ? record_.Get<std::int16_t>(RecordBytes::Channel(channel) + 10)
+                   : static_cast<std::int16_t>(ChannelCatalogue()[channel].type);
 }
 
 std::int32_t ReadingModel::TakenSlot(std::size_t row) const {
