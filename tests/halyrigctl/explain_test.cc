@@ -373,8 +373,9 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
         well("BSP", "shows on remote 1 too",
              map("<var twr='1' dfw='BSP'/><remote remote='1' twr='1'/><remote remote='1' twr='1'/>"), mapRight),
         // Deckman, the units of its list, and the boxes
-        {"HDG", "Deckman has never given a value for its variable HDG", "", nullptr, records("$IIVHW,,T,,M,6.5,N,,K\n"), none,
-         [&] { Recording("$IIHDT,90,T\n"), libraryRight(); }},
+        {"HDG", "Deckman has never given a value for its variable HDG", "", nullptr,
+         [&] { Recording("$IIVHW,,T,,M,6.5,N,,K\n"), MappingXml("<var twr='13' dfw='HDG'/><remote remote='2' twr='13' damp='1'/>"); },
+         none, [&] { Recording("$IIHDT,90,T\n"), libraryRight(), mapRight(); }, none, kUsual, "", "damps it"},
         {"Depth", "Deckman gives no value now for its variable DEPTH", "", nullptr, records("$IIHDT,90,T\n"), none,
          [&] { Recording("$SDDPT,3.0,0\n"), libraryRight(); }, none, kUsual, "a depth of 9987 m"},
         {"Depth", "Deckman has never given a value for its variable DEPTH", "", nullptr,
@@ -418,7 +419,8 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
             "TWA", "it is stale: last published 20.", [&] { Publish(kTwa, 30.0, 0, 20.0); }, kTwa),
         later(
             "TWA", "it is stale: last published 3600.", [&] { Publish(kTwa, 30.0, 0, -3600.0); }, kTwa),
-        {"Cog", "and the limit is 10 s", "", nullptr, none, [&] { Publish(kCog, 30.0, 0, 20.0); }, released,
+        {"Cog", "and the limit is 10 s", "COG (50) is taken from Deckman only while", nullptr,
+         map("<var twr='50' dfw='COG'/>"), [&] { Publish(kCog, 30.0, 0, 20.0); }, released,
          [&] { Publish(kCog, 1.0); }, kUsual, "Deckman gives it only"},
         {"Cog", "and the limit is 10 s", "", nullptr, [&] { Set(u"Sys_i6", 3); }, [&] { Publish(kCog, 30.0, 0, 20.0); }, released,
          [&] { Publish(kCog, 1.0); }, kUsual, "", "Deckman gives it only"},

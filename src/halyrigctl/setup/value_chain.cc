@@ -299,10 +299,11 @@ void AddUnit(Links& links, const Subject& subject, ChannelId shown) {
     links.Judge(LinkName::kShown, fault, Harmless(text + (unit.empty() ? u"" : u" ") + unit));
 }
 
-Fault DisplayFault(const MappingRemote& row, const std::string& remote, double value, Circumstances& now) {
+// `undamped`: it has a value, but no damped one.
+Fault DisplayFault(const std::string& remote, bool undamped, Circumstances& now) {
     const LibraryLook& library = now.Library();
     if (library.Lacks(kUsrSetData) || library.Lacks(kUsrSetName)) return Fault(Reason::kNoTexts, {kUsrSetData, kUsrSetName});
-    return row.damp != 0 && value == kNoValue ? Fault(Reason::kNotDamped, {remote}) : Fault();
+    return undamped ? Fault(Reason::kNotDamped, {remote}) : Fault();
 }
 
 }  // namespace
@@ -352,10 +353,14 @@ void AddRemoteLinks(Links& links, CCore& core, ChannelId channel, BoatSlot boat,
         const auto mapped = static_cast<ChannelId>(row.channel);
         const ChannelId resolved = core.ResolveAlternate(mapped, true);
         if (row.boat != static_cast<std::int32_t>(boat) || (mapped != channel && resolved != channel)) continue;
-        double value = kNoValue;
-        core.GetFreshChannel(resolved, value, boat, row.damp != 0, ShowsMagnetic(*core.View()), kNoValue);
+        const auto fresh = [&](bool damped) {
+            double value = kNoValue;
+            core.GetFreshChannel(resolved, value, boat, damped, ShowsMagnetic(*core.View()), kNoValue);
+            return value;
+        };
+        const double value = fresh(row.damp != 0);
         const std::string remote = PlaceInWords(look.path, row.line) + "remote " + Digits(row.remote);
-        links.Judge(LinkName::kRemote, DisplayFault(row, remote, value, circumstances),
+        links.Judge(LinkName::kRemote, DisplayFault(remote, value == kNoValue && fresh(false) != kNoValue, circumstances),
                     remote + " shows " + Harmless(RemoteValueText(core, resolved, value)) + (row.damp != 0 ? ", damped" : ""));
     }
 }
