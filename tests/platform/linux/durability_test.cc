@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
-// What a power cut leaves: the system's flushes and renames are watched on their way, and made to fail. And what a thousand uses
-// leave of a process's descriptors and mappings.
+// What a power cut leaves: the system's flushes and renames are watched on their way, and made to fail, and the power is cut ahead
+// of each and behind it. And what a thousand uses leave of a process's descriptors and mappings.
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <regex>
+#include <set>
 
 #include "base/wide_text.h"
 #include "support/test_system.h"
@@ -21,13 +24,48 @@ namespace fs = std::filesystem;
 
 struct Watch {
     fs::path folder;
-    std::vector<std::string> steps = {};  // with paths below the folder, without what is random in a name
-    std::string fails = {};               // the steps that begin so fail
+    std::string fails;               // the steps that begin so fail
+    std::vector<std::string> steps;  // with paths below the folder, without what is random in a name
+
+    // What the disk has for certain: the bytes of a file, and the names in a folder, as they were flushed last.
+    std::map<ino_t, std::string> bytes;
+    std::map<fs::path, ino_t> names;
+    std::map<fs::path, std::set<std::string>> left;  // in a file, by a power cut at any step
+
+    // All that is there has been flushed.
+    Watch(const fs::path& in, const char* failing) : folder(in), fails(failing), names(NamesIn(in)) {
+        for (const auto& [path, number] : names) Flushed(path);
+    }
+    static ino_t Number(const fs::path& path) {
+        struct stat found {};
+        return stat(path.c_str(), &found) == 0 ? found.st_ino : 0;
+    }
+    static std::map<fs::path, ino_t> NamesIn(const fs::path& in) {
+        std::map<fs::path, ino_t> all;
+        for (const auto& entry : fs::recursive_directory_iterator(in)) all[entry.path()] = Number(entry.path());
+        return all;
+    }
+    void Flushed(const fs::path& path) {
+        if (!fs::is_directory(path)) return void(bytes[Number(path)] = BytesOf(path));
+        std::erase_if(names, [&](const auto& name) { return name.first.parent_path() == path; });
+        for (const auto& entry : fs::directory_iterator(path)) names[entry.path()] = Number(entry.path());
+    }
+    // Names may be on the disk sooner, the bytes of a file that was never flushed are not.
+    void CutPower() {
+        for (const auto& onDisk : {names, NamesIn(folder)}) {
+            for (auto& [path, contents] : left) {
+                const auto name = onDisk.find(path);
+                const auto kept = name == onDisk.end() ? bytes.end() : bytes.find(name->second);
+                contents.insert(kept != bytes.end() ? kept->second : name == onDisk.end() || BytesOf(path).empty() ? "" : "lost");
+            }
+        }
+    }
 };
 Watch* watch = nullptr;
 
 bool Step(const char* what, const fs::path& path, const fs::path& to = {}) {
     if (!watch) return true;
+    watch->CutPower();
     static const std::regex random("\\.[A-Za-z0-9]{6}(?=\\.new$|$)");
     const auto below = [](const fs::path& file) {
         return std::regex_replace(file.lexically_relative(watch->folder).string(), random, ".*");
@@ -37,9 +75,11 @@ bool Step(const char* what, const fs::path& path, const fs::path& to = {}) {
 }
 
 int Flush(long call, int file) {
-    if (Step("flush", fs::read_symlink("/proc/self/fd/" + std::to_string(file)))) return static_cast<int>(syscall(call, file));
-    errno = EIO;
-    return -1;
+    const fs::path path = fs::read_symlink("/proc/self/fd/" + std::to_string(file));
+    if (!Step("flush", path)) return errno = EIO, -1;
+    const auto result = static_cast<int>(syscall(call, file));
+    if (watch && result == 0) watch->Flushed(path), watch->CutPower();
+    return result;
 }
 
 // Each name is on the disk only after the bytes behind it, and counts only after its folder is.
@@ -49,7 +89,6 @@ TEST(Durability, BytesAreFlushedBeforeTheirNameAndTheNameBeforeItCounts) {
     const std::u16string a = test.folder.Write("a.xml", "old"), log = test.folder.File("log");
     test.folder.Write("config/registry.reg", "");
     std::unique_ptr<FileWriter> writer;
-    std::u16string fresh;
     const auto setting = [&] { return core.registry.Write(u"Software\\x", u"a", DwordValue(1)); };
     using Steps = std::vector<std::string>;
     const Steps saved = {"flush config/registry.reg.*", "rename config/registry.reg.* config/registry.reg", "flush config"};
@@ -57,21 +96,32 @@ TEST(Durability, BytesAreFlushedBeforeTheirNameAndTheNameBeforeItCounts) {
         {"a new file", [&] { return (writer = core.files.Create(log)) != nullptr; }, "", {"flush ."}},
         {"more of it", [&] { return writer->Write("x") && writer->Flush(); }, "", {"flush log"}},
         {"on a bad disk", [&] { return !writer->Flush(); }, "flush", {"flush log"}},
-        {"beside", [&] { return !(fresh = core.files.WriteBeside(a, "new", a)).empty(); }, "", {"flush a.xml.*.new"}},
-        {"in its place", [&] { return core.files.Rename(fresh, a); }, "", {"rename a.xml.*.new a.xml", "flush ."}},
+        {"a file in another's place",
+         [&] { return core.files.Rename(core.files.WriteBeside(a, "new", a), a); },
+         "",
+         {"flush a.xml.*.new", "rename a.xml.*.new a.xml", "flush ."}},
         {"beside, on a bad disk", [&] { return core.files.WriteBeside(a, "x", a).empty(); }, "flush", {"flush a.xml.*.new"}},
         {"settings on a bad disk", [&] { return !setting(); }, "flush config/r", {saved.begin(), saved.begin() + 1}},
         {"settings that get no name", [&] { return !setting(); }, "rename", {saved.begin(), saved.begin() + 2}},
         {"settings", setting, "", saved}};
     for (const auto& [what, work, fails, steps] : rows) {
         SCOPED_TRACE(what);
-        Watch own{fs::path(test.folder.Path()), {}, fails};
+        Watch own(test.folder.Path(), fails);
+        std::map<fs::path, std::string> before;
+        for (const char* file : {"a.xml", "log", "config/registry.reg"})
+            own.left[own.folder / file] = {before[own.folder / file] = BytesOf(own.folder / file)};
         watch = &own;
         ::testing::internal::CaptureStderr();
         EXPECT_TRUE(work());
         watch = nullptr;
         ::testing::internal::GetCapturedStderr();
         EXPECT_EQ(steps, own.steps);
+        for (const auto& [path, old] : before) {
+            const std::string now = BytesOf(path);
+            own.left[path].insert(now);
+            EXPECT_EQ((std::set<std::string>{old, now}), own.left[path]) << path << ", which a power cut would leave";
+            EXPECT_EQ(now, own.bytes[own.names[path]]) << path << " afterwards";
+        }
         EXPECT_EQ(1, std::distance(fs::directory_iterator(test.folder.Path() / "config"), {})) << "nothing is left beside it";
     }
     EXPECT_EQ("new", BytesOf(a));
@@ -122,7 +172,8 @@ TEST(Leaks, AHundredOfEachLeaveNothing) {
 extern "C" int fsync(int file) { return twr::testing::Flush(SYS_fsync, file); }
 extern "C" int fdatasync(int file) { return twr::testing::Flush(SYS_fdatasync, file); }
 extern "C" int rename(const char* from, const char* to) noexcept {
-    if (twr::testing::Step("rename", from, to)) return renameat(AT_FDCWD, from, AT_FDCWD, to);
-    errno = EIO;
-    return -1;
+    if (!twr::testing::Step("rename", from, to)) return errno = EIO, -1;
+    const int result = renameat(AT_FDCWD, from, AT_FDCWD, to);
+    if (twr::testing::watch) twr::testing::watch->CutPower();
+    return result;
 }
