@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 // Set-ups with one fault each: what is said of it first, and that nothing is changed by looking.
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
+#include <map>
 
 #include "base/byte_source.h"
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
 #include "config/saved_settings.h"
 #include "halyrigctl/ctl_fixture.h"
-#include "halyrigctl/snapshot.h"
+#include "halyrigctl/setup/dry_run.h"
 #include "platform/files.h"
 #include "status/bridge_status.h"
 
@@ -20,13 +22,31 @@ constexpr const char* kList = "Deckman/Data/J_vars06.d";
 const std::string kLibrary = "Deckman/ShDfW2" + std::string(kLibrarySuffix.begin(), kLibrarySuffix.end());
 const bool kRegistryIsAFile = kPathSeparator == u'/';
 
+// Paths with the sizes of files and when they were written last, and the registry's values, where it is no file.
+std::map<std::string, std::string> Snapshot(const TestSystem& test) {
+    std::map<std::string, std::string> all;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(test.folder.Path())) {
+        const std::string name = entry.path().lexically_relative(test.folder.Path()).generic_string();
+        all[name] = entry.is_regular_file() ? std::to_string(entry.file_size()) + " " +
+                                                  std::to_string(entry.last_write_time().time_since_epoch().count())
+                                            : "";
+    }
+    const Registry& registry = test.system->Core().registry;
+    for (const auto& key : {u"Software\\Tidewright\\core", u"Software\\Tidewright\\Halyrig32\\settings"}) {
+        for (const std::u16string& name : registry.Names(key)) {
+            const auto data = registry.Read(key, name).value_or(RegistryValue{}).data;
+            all[ToUtf8(key) + ToUtf8(name)].assign(data.begin(), data.end());
+        }
+    }
+    return all;
+}
+
 class CheckTest : public CtlTest {
 protected:
     CheckTest() { SetUpWell(); }
 
     void SetUpWell() {
-        if (test.folder.Read(kLibrary).size() != BytesOf(STAND_IN_LIBRARY).size())
-            test.folder.Write(kLibrary, BytesOf(STAND_IN_LIBRARY));
+        if (!std::filesystem::exists(test.folder.Path() / kLibrary)) test.folder.Write(kLibrary, BytesOf(STAND_IN_LIBRARY));
         test.folder.Write(kList, "[variables]\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n3 VARIATION u 0 0 0\n9 TIMER u 0 0 0\n");
         Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<remote remote='1' twr='13'/>");
         settings = {.dfwFolder = test.folder.File("Deckman")};
@@ -365,6 +385,43 @@ TEST_F(CheckTest, ComparesEachAttributeAndEachKindOfSetting) {
         if (first) ExpectIn(lines[0], {"it says other than what is in force", first});
         Remove(file.c_str());
     }
+}
+
+TEST_F(CtlTest, ADryRunGivesTheRecordThatTheSuiteWillMakeAndLeavesNoTrace) {
+    test.folder.Write("ProgramData/x", "");
+    const auto compare = [&](const char* what) {
+        const auto before = Snapshot(test);
+        const DryRun dryRun(Core());
+        EXPECT_EQ(before, Snapshot(test)) << what;
+        EXPECT_FALSE(Held()) << what;
+        StartSuite();
+        EXPECT_EQ(0, std::memcmp(&dryRun.Record(), suite->View(), offsetof(CoreRecord, fullBlocks))) << what;
+        suite.reset();
+    };
+    compare("nothing there");
+    constexpr std::u16string_view kKey = u"Software\\Tidewright\\core";
+    test.folder.Write("elsewhere/config/channels.xml", R"(<channels><channel id="172" user="Jib" type="3"/></channels>)");
+    test.folder.Write("elsewhere/config/boats.xml", R"(<boats><boat id="3" name="Aurora" r="1"/></boats>)");
+    test.folder.Write("elsewhere/config/alternate.csv", "3,13,14,0,0,0,0,0,0,0\n");
+    Core().registry.Write(kKey, u"DataFolder", StringValue(test.folder.File("elsewhere")));
+    Core().registry.Write(kKey, u"Sys_i2", DwordValue(9));
+    Core().registry.Write(kKey, u"Sys_v0", StringValue(u"14.2"));
+    compare("all there");
+}
+
+TEST_F(CtlTest, WhatADryRunIsAskedToWriteIsNotWritten) {
+    test.folder.Write("ProgramData/x", "");
+    const auto before = Snapshot(test);
+    DryRun dryRun(Core());
+    const CoreServices services = dryRun.Services();
+    const std::u16string file = test.folder.File("ProgramData/x"), other = test.folder.File("ProgramData/y");
+    services.files.Remove(file);
+    EXPECT_FALSE(services.files.Append(file, "x") || services.files.Copy(file, other) || services.files.Rename(file, other));
+    EXPECT_FALSE(services.registry.Write(u"Software", u"x", DwordValue(1)));
+    EXPECT_EQ(nullptr, services.xml.OpenWriter(other));
+    EXPECT_EQ(nullptr, services.memory.OpenExisting(u"TwrCore_356_166784", sizeof(CoreRecord)));
+    dryRun.Core().WriteSystemLog(u"x");
+    EXPECT_EQ(before, Snapshot(test));
 }
 
 }  // namespace

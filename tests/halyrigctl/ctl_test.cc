@@ -228,5 +228,19 @@ TEST_F(CtlTest, QuitWaitsUntilAllHaveLeft) {
     }
 }
 
+TEST(NearestNameTest, GuessesOneSlipInAShortNameAndTwoInALongOne) {
+    const std::u16string names[] = {u"HDG", u"AWA", u"AWS", u"VARIATION", u"Mk Rng"};
+    const std::pair<std::optional<std::u16string>, std::vector<std::u16string>> rows[] = {
+        {u"HDG", {u"hdg", u"HGD", u"HDGX"}},
+        {u"AWS", {u"aws"}},
+        {u"AWA", {u"AWX"}},
+        {u"Mk Rng", {u"MkRng"}},
+        {u"VARIATION", {u"variaton", u"VARIATNIO"}},
+        {{}, {u"BSP", u"H", u"", u"VARI"}}};
+    for (const auto& [meant, all] : rows) {
+        for (const std::u16string& typed : all) EXPECT_EQ(meant, Nearest(typed, names)) << ToUtf8(typed);
+    }
+}
+
 }  // namespace
 }  // namespace twr::testing

@@ -73,27 +73,16 @@ protected:
 };
 
 TEST(ServeWords, TargetsAreTakenApartOrRefused) {
-    const struct {
-        const char *target, *path, *name, *text;
-    } rows[] = {{"/", "/", "", ""},
-                {"/a%2Fb%20c?x=1+2&y", "/a/b c", "x", "1 2"},
-                {"/a?x=1&x=%32", "/a", "x", "2"},
-                {"/a?=&&x=%e2%82%ac", "/a", "x", "€"},
-                {"a", nullptr, "", ""},
-                {"", nullptr, "", ""},
-                {"http://10.0.0.2/", nullptr, "", ""},
-                {"/%", nullptr, "", ""},
-                {"/%4", nullptr, "", ""},
-                {"/?x=%g0", nullptr, "", ""},
-                {"/%-1", nullptr, "", ""}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.target);
-        const auto target = ParseTarget(row.target);
-        ASSERT_EQ(row.path != nullptr, target.has_value());
-        if (!target) continue;
-        EXPECT_EQ(row.path, target->path);
-        EXPECT_EQ(row.text, target->Text(row.name));
+    const std::tuple<const char*, const char*, const char*, const char*> rows[] = {{"/", "/", "", ""},
+                                                                                   {"/a%2Fb%20c?x=1+2&y", "/a/b c", "x", "1 2"},
+                                                                                   {"/a?x=1&x=%32", "/a", "x", "2"},
+                                                                                   {"/a?=&&x=%e2%82%ac", "/a", "x", "€"}};
+    for (const auto& [typed, path, name, text] : rows) {
+        const auto target = ParseTarget(typed);
+        ASSERT_TRUE(target) << typed;
+        EXPECT_TRUE(path == target->path && text == target->Text(name)) << typed;
     }
+    for (const char* none : {"a", "", "http://10.0.0.2/", "/%", "/%4", "/?x=%g0", "/%-1"}) EXPECT_FALSE(ParseTarget(none)) << none;
     const auto target = ParseTarget("/?a=13&b=-1&c=414&d=13x&e=&f=4294967297");
     EXPECT_EQ(13u, target->Number("a", 414));
     EXPECT_EQ(7u, target->Number("none", 414, 7));
@@ -101,45 +90,26 @@ TEST(ServeWords, TargetsAreTakenApartOrRefused) {
 }
 
 TEST(ServeWords, WhatAPageWatchesExists) {
-    const struct {
-        const char* message;
-        int places;  // -1 for none at all
-    } rows[] = {{R"({"watch":[]})", 0},
-                {R"({"watch":[[1,0],[413,99]]})", 2},
-                {R"({"watch":[[414,0]]})", -1},
-                {R"({"watch":[[1,100]]})", -1},
-                {R"({"watch":[[1]]})", -1},
-                {R"({"watch":[[1.5,0]]})", -1},
-                {R"({"watch":[[-1,0]]})", -1},
-                {R"({"watch":{}})", -1},
-                {R"({})", -1},
-                {R"([[1,0]])", -1},
-                {"", -1},
-                {"\xff", -1},
-                {R"({"watch":[["1","0"]]})", -1}};
-    for (const auto& [message, places] : rows) {
-        const auto parsed = ParseWatch(message);
-        EXPECT_EQ(places, parsed ? static_cast<int>(parsed->size()) : -1) << message;
-    }
+    EXPECT_EQ(0u, ParseWatch(R"({"watch":[]})")->size());
+    EXPECT_EQ(2u, ParseWatch(R"({"watch":[[1,0],[413,99]]})")->size());
+    for (const char* places : {"[[414,0]]", "[[1,100]]", "[[1]]", "[[1.5,0]]", "[[-1,0]]", "{}", R"([["1","0"]])"})
+        EXPECT_FALSE(ParseWatch(R"({"watch":)" + std::string(places) + "}")) << places;
+    for (const char* none : {"{}", "[[1,0]]", "", "\xff"}) EXPECT_FALSE(ParseWatch(none)) << none;
 }
 
 TEST(ServeWords, PatternsOfSignalK) {
-    const struct {
-        const char *pattern, *text;
-        bool matches;
-    } rows[] = {{"*", "", true},
-                {"*", "navigation.position", true},
-                {"navigation.*", "navigation.position", true},
-                {"navigation.*", "navigation", false},
-                {"*.temperature", "propulsion.1.oil.temperature", true},
-                {"propulsion.*.oilTemperature", "propulsion.1.oilTemperature", true},
-                {"propulsion.*.oilTemperature", "propulsion.1.oilPressure", false},
-                {"navigation.speed", "navigation.speedOverGround", false},
-                {"", "", true},
-                {"", "a", false},
-                {"a*b*c", "abcbcc", true},
-                {"a*b*c", "abcbcd", false}};
-    for (const auto& [pattern, text, matches] : rows) EXPECT_EQ(matches, MatchesPattern(pattern, text)) << pattern << " " << text;
+    const std::tuple<const char*, std::vector<const char*>, std::vector<const char*>> rows[] = {
+        {"*", {"", "navigation.position"}, {}},
+        {"navigation.*", {"navigation.position"}, {"navigation"}},
+        {"*.temperature", {"propulsion.1.oil.temperature"}, {}},
+        {"propulsion.*.oilTemperature", {"propulsion.1.oilTemperature"}, {"propulsion.1.oilPressure"}},
+        {"navigation.speed", {}, {"navigation.speedOverGround"}},
+        {"", {""}, {"a"}},
+        {"a*b*c", {"abcbcc"}, {"abcbcd"}}};
+    for (const auto& [pattern, matching, others] : rows) {
+        for (const char* text : matching) EXPECT_TRUE(MatchesPattern(pattern, text)) << pattern << " " << text;
+        for (const char* text : others) EXPECT_FALSE(MatchesPattern(pattern, text)) << pattern << " " << text;
+    }
 }
 
 TEST(ServeWords, MessagesOfSignalK) {
@@ -157,46 +127,31 @@ TEST(ServeWords, MessagesOfSignalK) {
 }
 
 TEST_F(ServeTest, AnswersWhatItHasAndRefusesTheRest) {
-    const struct {
-        const char *method, *target;
-        int without, with;  // status, without and with a record
-    } rows[] = {{"GET", "/", 200, 200},
-                {"HEAD", "/page/app.js", 200, 200},
-                {"GET", "/page/third_party/uplot/uPlot.min.css", 200, 200},
-                {"GET", "/page/../serve.cc", 404, 404},
-                {"GET", "/page/%2e%2e/%2e%2e/etc/passwd", 404, 404},
-                {"GET", "/page//etc/passwd", 404, 404},
-                {"GET", "/page/", 404, 404},
-                {"GET", "/etc/passwd", 404, 404},
-                {"GET", "*", 400, 400},
-                {"GET", "/%zz", 400, 400},
-                {"POST", "/", 405, 405},
-                {"DELETE", "/halyrig/v1/channels", 405, 405},
-                {"PUT", "/signalk/v1/api/vessels/self/steering/rudderAngle", 405, 405},
-                {"POST", "/signalk/v1/auth/login", 501, 501},
-                {"GET", "/halyrig/v1/channels", 503, 200},
-                {"GET", "/halyrig/v1/boats", 503, 200},
-                {"GET", "/halyrig/v1/check", 200, 200},
-                {"GET", "/halyrig/v1/explain?channel=13", 503, 200},
-                {"GET", "/halyrig/v1/explain?channel=13&boat=0", 503, 200},
-                {"GET", "/halyrig/v1/explain?channel=414", 404, 404},
-                {"GET", "/halyrig/v1/explain", 404, 404},
-                {"GET", "/halyrig/v1/history?channel=1&boat=100", 404, 404},
-                {"GET", "/halyrig/v1/history?channel=1", 503, 200},
-                {"GET", "/halyrig/v1/history?channel=117", 503, 200},
-                {"GET", "/halyrig/v1/secrets", 404, 404},
-                {"GET", "/signalk", 200, 200},
-                {"GET", "/signalk/v1/api", 200, 200},
-                {"GET", "/signalk/v1/api/", 200, 200},
-                {"GET", "/signalk/v1/apis", 404, 404},
-                {"GET", "/signalk/v1/api/vessels/self/navigation/speedThroughWater/value", 404, 200},
-                {"GET", "/signalk/v1/api/vessels/self/navigation/nothing", 404, 404}};
+    // status, without and with a record
+    const std::tuple<const char*, int, int, std::vector<const char*>> rows[] = {
+        {"GET", 200, 200, {"/", "/page/third_party/uplot/uPlot.min.css", "/halyrig/v1/check", "/signalk"}},
+        {"GET", 200, 200, {"/signalk/v1/api", "/signalk/v1/api/"}},
+        {"HEAD", 200, 200, {"/page/app.js"}},
+        {"GET", 404, 404, {"/page/../serve.cc", "/page/%2e%2e/%2e%2e/etc/passwd", "/page//etc/passwd", "/page/", "/etc/passwd"}},
+        {"GET", 404, 404, {"/halyrig/v1/explain?channel=414", "/halyrig/v1/explain", "/halyrig/v1/history?channel=1&boat=100"}},
+        {"GET", 404, 404, {"/halyrig/v1/secrets", "/signalk/v1/apis", "/signalk/v1/api/vessels/self/navigation/nothing"}},
+        {"GET", 400, 400, {"*", "/%zz"}},
+        {"POST", 405, 405, {"/"}},
+        {"DELETE", 405, 405, {"/halyrig/v1/channels"}},
+        {"PUT", 405, 405, {"/signalk/v1/api/vessels/self/steering/rudderAngle"}},
+        {"POST", 501, 501, {"/signalk/v1/auth/login"}},
+        {"GET", 503, 200, {"/halyrig/v1/channels", "/halyrig/v1/boats", "/halyrig/v1/explain?channel=13"}},
+        {"GET", 503, 200, {"/halyrig/v1/explain?channel=13&boat=0", "/halyrig/v1/history?channel=1"}},
+        {"GET", 503, 200, {"/halyrig/v1/history?channel=117"}},
+        {"GET", 404, 200, {"/signalk/v1/api/vessels/self/navigation/speedThroughWater/value"}}};
     const auto ask = [&](bool with) {
         Restart();
-        for (const auto& row : rows) {
-            const WebAnswer answer = Get(row.target, row.method);
-            EXPECT_EQ(with ? row.with : row.without, answer.status) << row.method << " " << row.target << " " << answer.body;
-            EXPECT_EQ(answer.status >= 400, answer.body.starts_with("{\"error\":\"")) << row.target;
+        for (const auto& [method, statusWithout, statusWith, targets] : rows) {
+            for (const char* target : targets) {
+                const WebAnswer answer = Get(target, method);
+                EXPECT_EQ(with ? statusWith : statusWithout, answer.status) << method << " " << target << " " << answer.body;
+                EXPECT_EQ(answer.status >= 400, answer.body.starts_with("{\"error\":\"")) << target;
+            }
         }
     };
     ask(false);
@@ -328,18 +283,16 @@ TEST_F(ServeTest, TheOwnBoatHasSeveralNames) {
     Publish(kBsp, 3600.0 / 1852);
     Restart();
     const std::string own = Told("/signalk/v1/api/self").get<std::string>(), bare = own.substr(own.find('.') + 1);
-    const struct {
-        std::string named, ended;  // in a subscription, and in its end
-        bool isOwn = true;
-    } rows[] = {{"self", own},
-                {"vessels.self", bare},
-                {own, "vessels.self"},
-                {bare, "*"},
-                {"*", "*"},
-                {"vessels.urn:*", "vessels.urn:*"},
-                {"vessels.urn:mrn:imo:mmsi:1", "*", false},
-                {"selfish", "*", false},
-                {"", "*", false}};
+    // in a subscription, and in its end
+    const std::tuple<std::string, std::string, bool> rows[] = {{"self", own, true},
+                                                               {"vessels.self", bare, true},
+                                                               {own, "vessels.self", true},
+                                                               {bare, "*", true},
+                                                               {"*", "*", true},
+                                                               {"vessels.urn:*", "vessels.urn:*", true},
+                                                               {"vessels.urn:mrn:imo:mmsi:1", "*", false},
+                                                               {"selfish", "*", false},
+                                                               {"", "*", false}};
     for (const auto& [named, ended, isOwn] : rows) {
         const auto talk = Talk("/signalk/v1/stream?subscribe=none");
         SaidBy(*talk);
@@ -360,17 +313,9 @@ TEST_F(ServeTest, EveryChannelHasItsOwnPathOfSignalK) {
         EXPECT_TRUE(std::ranges::all_of(name, [](char c) { return c > 0 && std::isalnum(c) != 0; })) << name;
     }
     for (const auto& [path, count] : paths) EXPECT_EQ(1, count) << path;
-    const struct {
-        const char16_t* name;
-        const char* path;
-    } rows[] = {{u"PolBsp%", "polBspPercent"},
-                {u"TWD+90", "twdPlus90"},
-                {u"TWDPeriod", "twdPeriod"},
-                {u"FStayLen", "fStayLen"},
-                {u"P burn", "pBurn"},
-                {u"D0 P", "d0P"},
-                {u"XTE", "xte"},
-                {u"dTargBsp", "dTargBsp"}};
+    const std::pair<const char16_t*, const char*> rows[] = {
+        {u"TWD+90", "twdPlus90"}, {u"TWDPeriod", "twdPeriod"}, {u"FStayLen", "fStayLen"},    {u"P burn", "pBurn"}, {u"D0 P", "d0P"},
+        {u"XTE", "xte"},          {u"dTargBsp", "dTargBsp"},   {u"PolBsp%", "polBspPercent"}};
     for (const auto& [name, path] : rows) EXPECT_EQ(path, SignalKName(name));
 }
 
