@@ -70,13 +70,22 @@ protected:
         test.folder.Write(file, "<halyrig>" + elements + "</halyrig>");
     }
 
+    // Writes no more than it must, since the disk takes its time for each value.
+    void Save(const Settings& settings) {
+        const Settings saved = ReadSettings(Stored());
+        const bool boxes = saved.sendNames == settings.sendNames && saved.degreesTrue == settings.degreesTrue &&
+                           saved.depthInFeet == settings.depthInFeet && saved.useTimer == settings.useTimer;
+        if (!boxes) WriteSettings(Stored(), settings);
+        if (saved.dfwFolder != settings.dfwFolder) WriteFolder(Stored(), settings.dfwFolder);
+    }
+
     // Runs the program with what is stored while the script plays, beside another holder of a new record.
     void Run(std::function<void()> script) {
         other.reset();
         other = std::make_unique<CCore>(machine.Core());
         record = RecordBytes(other->View());
         beforeStart();
-        if (stored) WriteSettings(Stored(), *stored);
+        if (stored) Save(*stored);
         host.boxes.clear();
         host.remarks.clear();
         host.script = std::move(script);

@@ -20,7 +20,6 @@ namespace {
 constexpr const char* kMapping = "ProgramData/Tidewright/instruments/halyrig.xml";
 constexpr const char* kList = "Deckman/Data/J_vars06.d";
 const std::string kLibrary = "Deckman/ShDfW2" + std::string(kLibrarySuffix.begin(), kLibrarySuffix.end());
-const bool kRegistryIsAFile = kPathSeparator == u'/';
 
 // Paths with the sizes of files and when they were written last, and the registry's values, where it is no file.
 std::map<std::string, std::string> Snapshot(const TestSystem& test) {
@@ -43,15 +42,15 @@ std::map<std::string, std::string> Snapshot(const TestSystem& test) {
 
 class CheckTest : public CtlTest {
 protected:
-    CheckTest() { SetUpWell(); }
+    CheckTest() {
+        SetUpWell();
+        Save();
+    }
 
     void SetUpWell() {
         if (!std::filesystem::exists(test.folder.Path() / kLibrary)) test.folder.Write(kLibrary, BytesOf(STAND_IN_LIBRARY));
         test.folder.Write(kList, "[variables]\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n3 VARIATION u 0 0 0\n9 TIMER u 0 0 0\n");
         Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<remote remote='1' twr='13'/>");
-        settings = {.dfwFolder = test.folder.File("Deckman")};
-        Remove("config");  // where the registry is a file
-        Save();
     }
     void Map(const std::string& lines) { test.folder.Write(kMapping, "<halyrig>\n" + lines + "</halyrig>"); }
     void Save() { WriteSettings(Core().registry, settings); }
@@ -83,7 +82,7 @@ protected:
         bridge->BoxesInForce(settings);
     }
 
-    Settings settings;
+    Settings settings{.dfwFolder = test.folder.File("Deckman")};
     std::string verdict;
     std::unique_ptr<RunningBridge> bridge;
 };

@@ -53,10 +53,9 @@ protected:
     // A set-up that is right, in folders of its own: a library at the same place would not be loaded again.
     void SetUpAll(int row) {
         std::error_code left;
-        for (const char* files : {"ProgramData", "config"}) {
-            std::filesystem::remove_all(test.folder.Path() / files, left);
-            EXPECT_FALSE(left) << files << ": " << left.message() << ", behind row " << row - 1;
-        }
+        std::filesystem::remove_all(test.folder.Path() / "ProgramData", left);
+        EXPECT_FALSE(left) << left.message() << ", behind row " << row - 1;
+        if (!usual.empty()) test.folder.Write("config/registry.reg", usual);
         folder = "Deckman" + std::to_string(row);
         stored = Settings{.dfwFolder = test.folder.File(folder), .depthInFeet = true};
         InstallLibrary(BytesOf(STAND_IN_LIBRARY));
@@ -66,7 +65,8 @@ protected:
         Alternates("0,0,0,1,1,1,1,1,1,1\n");
         for (const auto& [name, value] : {std::pair(u"Sys_i6", 6u), {u"Sys_i1", 0u}, {u"Sys_b3", 1u}, {u"Sys_b27", 0u}})
             Set(name, value);
-        Stored().Write(kSavedSettingsKey, u"DataFolder", StringValue(u""));
+        Set(u"DataFolder", StringValue(u""));
+        usual = test.folder.Read("config/registry.reg");
         console.goOn = [this] { return machine.clock.AdvanceMs(100), true; };
         machine.libraries = &test.system->GetLibraries();
         machine.clock.ticks = test.system->Core().clock.Ticks() + 3600 * kTicksPerSecond;  // after all files were written
@@ -81,7 +81,10 @@ protected:
     void List(const std::string& bytes) { test.folder.Write(folder + "/Data/J_vars06.d", bytes); }
     void Recording(const std::string& lines) { test.folder.Write(folder + "/recording.nmea", lines); }
     void Alternates(const std::string& lines) { test.folder.Write(std::string(kConfig) + "alternate.csv", lines); }
-    void Set(std::u16string_view name, std::uint32_t value) { Stored().Write(kSavedSettingsKey, name, DwordValue(value)); }
+    void Set(std::u16string_view name, const RegistryValue& value) {
+        if (Stored().Read(kSavedSettingsKey, name) != value) Stored().Write(kSavedSettingsKey, name, value);
+    }
+    void Set(std::u16string_view name, std::uint32_t value) { Set(name, DwordValue(value)); }
     void Rename(const std::string& from, const std::string& to) {
         std::filesystem::rename(test.folder.Path() / from, test.folder.Path() / to);
     }
@@ -121,7 +124,7 @@ protected:
         "<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/><var twr='3' dfw='AWS'/><var twr='17' dfw='DEPTH'/>\n"
         "<remote remote='1' twr='1'/>";
     FakeConsole console;
-    std::string folder;
+    std::string folder, usual;         // Deckman's; what the registry holds at first, where it is a file
     Status status = kDone;             // of the last command
     std::unique_ptr<SharedBlock> odd;  // in the record's place
 };
@@ -244,7 +247,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
     };
     // Kinds of rows: what another program has done, until it publishes the channel in a new record; what is well, though something
     // is to be said of it; files whose rights or capitals are wrong. % is Deckman's folder.
-    const auto later = [&](const char* asked, const char* why, const std::function<void()>& during, ChannelId channel) {
+    const auto later = [&](const char* asked, const char* why, ChannelId channel, const std::function<void()>& during) {
         return SetUpRow{asked, why, "", nullptr, [] {}, during, released, [this, channel] { Publish(channel, 1.0); }};
     };
     const auto well = [&](
@@ -406,19 +409,13 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
         well(
             "BSP", "and the list has no variable TIMER", [&] { List(inMetres), stored->useTimer = true; }, listRight),
         // the suite
-        later(
-            "TWS", "the channel is blocked", [&] { Mark(kTws, 1); }, kTws),
-        later(
-            "TWS", "the channel is held", [&] { Mark(kTws, 4), record.SetFlag(52, true); }, kTws),
+        later("TWS", "the channel is blocked", kTws, [&] { Mark(kTws, 1); }),
+        later("TWS", "the channel is held", kTws, [&] { Mark(kTws, 4), record.SetFlag(52, true); }),
         {.why = "all is well", .check = "", .during = [&] { Mark(kBsp, 4); }, .mend = released, .special = kShown},
-        later(
-            "TWA", "its source gives no value", [&] { Publish(kTwa, kNoValue); }, kTwa),
-        later(
-            "TWA", "its source gives what is not a number", [&] { Publish(kTwa, NAN); }, kTwa),
-        later(
-            "TWA", "it is stale: last published 20.", [&] { Publish(kTwa, 30.0, 0, 20.0); }, kTwa),
-        later(
-            "TWA", "it is stale: last published 3600.", [&] { Publish(kTwa, 30.0, 0, -3600.0); }, kTwa),
+        later("TWA", "its source gives no value", kTwa, [&] { Publish(kTwa, kNoValue); }),
+        later("TWA", "its source gives what is not a number", kTwa, [&] { Publish(kTwa, NAN); }),
+        later("TWA", "it is stale: last published 20.", kTwa, [&] { Publish(kTwa, 30.0, 0, 20.0); }),
+        later("TWA", "it is stale: last published 3600.", kTwa, [&] { Publish(kTwa, 30.0, 0, -3600.0); }),
         {"Cog", "and the limit is 10 s", "COG (50) is taken from Deckman only while", nullptr,
          map("<var twr='50' dfw='COG'/>"), [&] { Publish(kCog, 30.0, 0, 20.0); }, released,
          [&] { Publish(kCog, 1.0); }, kUsual, "Deckman gives it only"},
@@ -451,7 +448,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          [&] { Alternates("1,1,1,1,1,1,1,1,1,1\n"); }},
         {"AWA", "made before the data folder became", "(DataFolder)", nullptr, none, [&] {
                  test.folder.Write("Ashore/instruments/halyrig.xml", "<halyrig><var twr='2' dfw='AWA'/></halyrig>");
-                 Stored().Write(kSavedSettingsKey, u"DataFolder", StringValue(test.folder.File("Ashore")));
+                 Set(u"DataFolder", StringValue(test.folder.File("Ashore")));
              }},
         {.asked = "AWA",
          .why = "made before the data folder became",
@@ -459,7 +456,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
          .during =
              [&] {  // from the start of the former one's path
                  test.folder.Write("ProgramData/instruments/halyrig.xml", "<halyrig><var twr='2' dfw='AWA'/></halyrig>");
-                 Stored().Write(kSavedSettingsKey, u"DataFolder", StringValue(test.folder.File("ProgramData")));
+                 Set(u"DataFolder", StringValue(test.folder.File("ProgramData")));
              }},
         // the settings
         {"BSP", "lost: ", "registry.reg", nullptr,

@@ -283,7 +283,7 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
     }
 }
 
-TEST_F(MapTest, AThousandChangesLoseNothingElse) {
+TEST_F(MapTest, ManyChangesLoseNothingElse) {
     test.folder.Write(kPath, kMapping);
     Said("map remove HDG");
     Said("map remove-remote 1");
@@ -292,7 +292,7 @@ TEST_F(MapTest, AThousandChangesLoseNothingElse) {
     std::map<int, int> shown;
     std::mt19937 random(7);
     const auto below = [&](int bound) { return static_cast<int>(random() % static_cast<unsigned>(bound)); };
-    for (int step = 0; step < 1000; ++step) {
+    for (int step = 0; step < 200; ++step) {
         const int channel = 1 + below(6), boat = below(3), remote = 1 + below(5);
         const std::string name = names[below(4)], onBoat = std::to_string(channel) + " --boat " + std::to_string(boat);
         switch (below(4)) {
