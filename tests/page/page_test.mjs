@@ -5,46 +5,28 @@
 //   PAGE_SERVER   the command line of the server of the page
 //   PAGE_REPLAY   the command line of a replay beside the bridge
 //   PAGE_SHORT    what looks the same whoever serves it is left out
-//   PAGE_SHOTS    a folder for the pictures
 //   PAGE_MISSING  a channel's number that nothing feeds; 27 unless given
-//   PAGE_BROWSER  /usr/bin/chromium unless given
+// and what browser.mjs needs.
 
 import assert from 'node:assert/strict';
-import {mkdirSync, mkdtempSync, readFileSync, rmSync} from 'node:fs';
-import {createRequire} from 'node:module';
-import {tmpdir} from 'node:os';
-import {join} from 'node:path';
 import {after, before, test} from 'node:test';
-import puppeteer from 'puppeteer-core';
 
+import {close, complaints, expectToFit, kPatience, kThemes, launch, openAt, runAxe, shotPath, withAxe} from './browser.mjs';
 import {Program} from './programs.mjs';
 
-const {PAGE_URL: url, PAGE_SHOTS: shots, PAGE_MISSING: missing = '27', PAGE_BROWSER: executablePath = '/usr/bin/chromium'} = process.env;
+const {PAGE_URL: url, PAGE_MISSING: missing = '27'} = process.env;
 const bridge = new Program(process.env.PAGE_BRIDGE), server = new Program(process.env.PAGE_SERVER), replay = new Program(process.env.PAGE_REPLAY);
-const profile = mkdtempSync(join(tmpdir(), 'page-test-'));
-const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 
-const kPatience = 60000;  // milliseconds: the machine may be slow, the page may not
 const kTiles = `#view=tiles&page=1&tiles=L1,M5,S6,S${missing}~M18&strips=6,5`;
 const kViews = ['tiles', 'wind', 'start', 'chart', 'boats', 'setup'];
 const kSizes = [[360, 640], [640, 360], [1024, 768], [2560, 1440]];
-const kThemes = ['day', 'sun', 'night'];
 
 let browser, page;
-const complaints = [];
 
+// A lost server is no fault of the page; anything else that the browser complains of is.
 async function openPage(context = browser, address = `${url}/${kTiles}`) {
-  const opened = await context.newPage();
-  opened.setDefaultTimeout(kPatience);
-  opened.on('pageerror', ({message}) => complaints.push(message));
-  // A lost server is no fault of the page; anything else that the browser complains of is.
-  opened.on('console', (said) => said.type() === 'error' && !/ERR_|WebSocket/.test(said.text()) && complaints.push(said.text()));
-  opened.on('request', (request) => {
-    const {protocol, host} = new URL(request.url());
-    if (protocol !== 'data:' && host !== new URL(url).host) complaints.push(`asked for ${request.url()}`);
-  });
-  await opened.goto(address, {waitUntil: 'load'});
-  return opened;
+  const isOwn = (asked) => new URL(asked).protocol === 'data:' || new URL(asked).host === new URL(url).host;
+  return openAt(context, address, isOwn, /ERR_|WebSocket/);
 }
 
 const textOf = (selector) => page.$eval(selector, (element) => element.textContent);
@@ -52,7 +34,7 @@ const digitsOf = (channel) => textOf(`.tile[data-channel="${channel}-0"] .digits
 const stateIs = (channel, state) =>
   page.waitForSelector(`.tile[data-channel="${channel}-0"][data-state="${state}"]`, {timeout: kPatience});
 const ask = (path) => page.evaluate((what) => fetch(what).then((answer) => answer.json()), path);
-const picture = (name, of = page) => shots && of.screenshot({path: join(shots, `${name}.png`)});
+const picture = (name) => shotPath('') && page.screenshot({path: shotPath(`${name}.png`)});
 const closeDialog = () => page.click('dialog[open] [aria-label="Close"]');
 
 // The slowest machine manages it once; a page that waits for something else never does.
@@ -77,22 +59,16 @@ const allGrey = (state) => page.waitForFunction((wanted) => {
 }, {polling: 20}, state);
 
 before(async () => {
-  if (shots) mkdirSync(shots, {recursive: true});
   bridge.start();
   server.start();
-  browser = await puppeteer.launch({
-    executablePath, headless: true, userDataDir: profile,
-    args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking', '--disable-component-update',
-           '--disable-sync'],
-  });
+  browser = await launch();
   for (let answered = false; !answered;) answered = await fetch(url).then(({ok}) => ok, () => new Promise((wait) => setTimeout(wait, 200)));
   page = await openPage();
 });
 
 after(async () => {
-  await browser?.close();
+  await close(browser);
   for (const program of [replay, server, bridge]) await program.kill();
-  rmSync(profile, {recursive: true, force: true});
 });
 
 test('values move, in the units that the server tells', async () => {
@@ -212,22 +188,11 @@ function luminance(colour) {
 }
 
 async function lookOver(name) {
-  const small = await page.$$eval('button, input, select, summary', (controls) => controls.filter((control) => control.checkVisibility())
-    .map((control) => [control.id || control.textContent, control.getBoundingClientRect()])
-    .filter(([, {width, height}]) => width < 47.9 || height < 47.9).map(([what, {width, height}]) => `${what}: ${width} x ${height}`));
-  assert.deepEqual(small, [], name);
+  await expectToFit(page, name);
   const cut = await page.$$eval('.tile', (tiles) => tiles.flatMap((tile) => [...tile.querySelectorAll('.digits, .past')])
     .filter(({scrollWidth, clientWidth}) => scrollWidth > clientWidth + 1).map(({textContent}) => textContent));
   assert.deepEqual(cut, [], name);
-  const wide = await page.evaluate(() => [document.documentElement.scrollWidth, innerWidth]);
-  assert.ok(wide[0] <= wide[1], `${name} is ${wide[0]} wide`);
   await picture(name);
-}
-
-async function runAxe(name) {
-  const findings = await page.evaluate(() => axe.run({resultTypes: ['violations']}).then(({violations}) =>
-    violations.map(({id, nodes}) => `${id}: ${nodes[0].html.slice(0, 160)} ${nodes[0].any[0]?.message ?? ''}`)));
-  assert.deepEqual(findings, [], name);
 }
 
 async function showView(view) {
@@ -254,20 +219,20 @@ for (const theme of process.env.PAGE_SHORT ? [] : kThemes) {
     // Through another document: a changed hash alone would not load the page.
     await page.goto('about:blank');
     await page.goto(`${url}/#view=tiles&page=1&tiles=L1,M4,M5,S2,S13,S51,S${missing}&strips=6,5`, {waitUntil: 'load'});
-    await page.evaluate(axe);
+    await withAxe(page);
     for (const [place, [width, height]] of kSizes.entries()) {
       await page.setViewport({width, height});
       for (const view of kViews) {
         await showView(view);
         await lookOver(`${view}-${theme}-${width}x${height}`);
-        if (place === 0) await runAxe(`${view}-${theme}`);
+        if (place === 0) await runAxe(page, `${view}-${theme}`);
       }
       if (place > 0) continue;  // what axe looks at differs little with the size
       await showView('tiles');
       for (const [name, open] of Object.entries(dialogs)) {
         await open();
         await lookOver(`${name}-${theme}-${width}x${height}`);
-        await runAxe(`${name}-${theme}`);
+        await runAxe(page, `${name}-${theme}`);
         await page.keyboard.press('Escape');
       }
     }

@@ -1,24 +1,18 @@
 // SPDX-License-Identifier: MIT
 // The page that `halyrigctl report` writes, opened from the disk in a real browser. What it needs comes from the environment:
 //   PAGE_CTL      halyrigctl
-//   PAGE_SHOTS    a folder for the pictures
-//   PAGE_BROWSER  /usr/bin/chromium unless given
+// and what browser.mjs needs.
 
 import assert from 'node:assert/strict';
 import {execFileSync} from 'node:child_process';
-import {mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync} from 'node:fs';
-import {createRequire} from 'node:module';
-import {tmpdir} from 'node:os';
+import {writeFileSync} from 'node:fs';
 import {join} from 'node:path';
 import {after, before, test} from 'node:test';
 import {pathToFileURL} from 'node:url';
-import puppeteer from 'puppeteer-core';
 
-const {PAGE_CTL: ctl, PAGE_SHOTS: shots, PAGE_BROWSER: executablePath = '/usr/bin/chromium'} = process.env;
-const folder = mkdtempSync(join(tmpdir(), 'report-test-'));
-const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
+import {close, complaints, expectToFit, folder, kThemes, launch, openAt, runAxe, shotPath, withAxe} from './browser.mjs';
+
 const kSizes = [[360, 640], [1024, 768], [2560, 1440], [3840, 2160]];
-const kThemes = ['day', 'sun', 'night'];
 const kStart = Date.parse('2026-11-25T10:00:00Z');
 const kGun = 300, kRounding = 1200, kEnd = 2000;  // seconds
 
@@ -50,36 +44,22 @@ const bare = Array.from({length: 120}, (_, s) => [[0, 46351 + s / 86400], [48, 5
 function report(name, recording) {
   const from = join(folder, name), to = `${from}.html`;
   writeFileSync(from, recording);
-  execFileSync(ctl, ['report', from, '-o', to]);
+  execFileSync(process.env.PAGE_CTL, ['report', from, '-o', to]);
   return to;
 }
 
 let browser, page;
-const complaints = [];
-
-async function open(file) {
-  const opened = await browser.newPage();
-  opened.on('pageerror', ({message}) => complaints.push(message));
-  opened.on('console', (said) => said.type() === 'error' && complaints.push(said.text()));
-  opened.on('request', (request) => request.url() !== pathToFileURL(file).href && complaints.push(`asked for ${request.url()}`));
-  await opened.goto(pathToFileURL(file).href, {waitUntil: 'load'});
-  return opened;
-}
+const open = (file) => openAt(browser, pathToFileURL(file).href, (asked) => asked === pathToFileURL(file).href);
 
 const textOf = (selector, of = page) => of.$eval(selector, (element) => element.textContent);
 const part = (title) => `section[aria-label="${title}"]`;
 
 before(async () => {
-  if (shots) mkdirSync(shots, {recursive: true});
-  browser = await puppeteer.launch({executablePath, headless: true, userDataDir: join(folder, 'profile'),
-                                    args: ['--no-sandbox', '--disable-gpu', '--no-first-run', '--disable-background-networking', '--disable-sync']});
+  browser = await launch();
   page = await open(report('<!--<script>.jsonl', race()));
 });
 
-after(async () => {
-  await browser?.close();
-  rmSync(folder, {recursive: true, force: true});
-});
+after(() => close(browser));
 
 test('what was sailed is told', async () => {
   const rows = (title) => page.$$eval(`${part(title)} tbody tr`, (found) => found.map((row) => row.textContent));
@@ -124,19 +104,13 @@ for (const theme of kThemes) {
   test(`axe finds nothing, and nothing is wider than the screen: ${theme}`, async () => {
     await page.evaluate((name) => localStorage.setItem('halyrig.theme', name), theme);
     await page.reload({waitUntil: 'load'});
-    await page.evaluate(axe);
+    await withAxe(page);
     for (const [width, height] of kSizes) {
       await page.setViewport({width, height});
-      const wide = await page.evaluate(() => [document.documentElement.scrollWidth, innerWidth]);
-      assert.ok(wide[0] <= wide[1], `${width}: ${wide[0]}`);
-      const small = await page.$$eval('button, input', (controls) => controls.map((control) => [control.textContent, control.getBoundingClientRect()])
-        .filter(([, box]) => box.width < 47.9 || box.height < 47.9).map(([text]) => text));
-      assert.deepEqual(small, []);
+      await expectToFit(page, `${theme} ${width}`);
       await page.waitForFunction(() => [...document.querySelectorAll('.strip')].every((strip) => strip.querySelector('canvas')?.clientWidth <= strip.clientWidth));
-      if (shots) await page.screenshot({path: join(shots, `report-${theme}-${width}x${height}.png`), fullPage: true});
-      const findings = await page.evaluate(() => axe.run({resultTypes: ['violations']}).then(({violations}) =>
-        violations.map(({id, nodes}) => `${id}: ${nodes[0].html.slice(0, 160)} ${nodes[0].any[0]?.message ?? ''}`)));
-      assert.deepEqual(findings, [], `${theme} ${width}`);
+      if (shotPath('')) await page.screenshot({path: shotPath(`report-${theme}-${width}x${height}.png`), fullPage: true});
+      await runAxe(page, `${theme} ${width}`);
     }
   });
 }
@@ -150,7 +124,7 @@ test('on paper it is dark on light, without controls, and nothing is cut off', a
   assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), 'day');
   const wide = await page.$$eval('canvas', (all) => Math.max(...all.map(({clientWidth}) => clientWidth)));
   assert.ok(wide <= 700, `${wide}`);
-  await page.pdf({format: 'A4', ...(shots && {path: join(shots, 'report.pdf')})});
+  await page.pdf({format: 'A4', ...(shotPath('') && {path: shotPath('report.pdf')})});
 });
 
 test('the browser has nothing to complain of, and no request leaves the file', () => assert.deepEqual(complaints, []));
