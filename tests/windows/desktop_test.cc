@@ -28,8 +28,7 @@ Step Once(std::function<void()> action) {
     return [action] { return action(), true; };
 }
 
-class DesktopTest : public ::testing::Test {
-protected:
+struct DesktopTest : ::testing::Test {
     // Runs a dialog and gives its events; `steps` come one by one, each from a tick of its own, so that all that was posted before
     // has arrived. At the end of the last one the dialog ends.
     std::string Run(std::vector<Step> steps, std::function<void()> onInit = {}, std::function<void()> onButton = {}) {

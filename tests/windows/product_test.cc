@@ -36,8 +36,7 @@ bool Until(const std::function<bool()>& seen) {
     return true;
 }
 
-class ProductTest : public ::testing::Test {
-protected:
+struct ProductTest : ::testing::Test {
     void SetUp() override {
         if (!UnderWine()) GTEST_SKIP() << "would touch the settings of the user";
         const fs::path deckman(folder.File(kDeckman)), mapping = fs::path(UserRoots().programData) / "Tidewright/instruments";
@@ -45,8 +44,7 @@ protected:
         for (const char* file : {"ShDfW2.dll", "Data/J_vars06.d"}) fs::copy(bin / file, deckman / file);
         std::ofstream(mapping / "halyrig.xml") << "<halyrig><var twr='5' dfw='TWS'/><var twr='17' dfw='DEPTH'/></halyrig>";
         registry().Write(kSettings, u"DfwFolder", StringValue(folder.File(kDeckman)));
-        for (const char16_t* name : {u"DfwTags", u"DfwTrue", u"DfwDepth", u"DfwTimer"})
-            registry().Write(kSettings, name, DwordValue(0));
+        for (const auto* box : {u"DfwTags", u"DfwTrue", u"DfwDepth", u"DfwTimer"}) registry().Write(kSettings, box, DwordValue(0));
     }
 
     void TearDown() override { guest.reset(), program.reset(); }
@@ -142,30 +140,7 @@ TEST_F(ProductTest, OpensWithTheStoredSettingsPublishesWhatDeckmanReadsAndHeedsA
     Quit();
 }
 
-TEST_F(ProductTest, AsksBeforeItClosesAndSavesOnlyByItsButton) {
-    const std::tuple<const char*, std::function<void()>, unsigned> rows[] = {{"Close", [&] { window->PostPress(kCloseButton); }, 1},
-                                                                             {"window closed", [&] { window->PostClose(); }, 0}};
-    for (const auto& [name, leave, saved] : rows) {
-        SCOPED_TRACE(name);
-        registry().Write(kSettings, u"DfwTags", DwordValue(0));
-        Start();
-        window->PostPress(kNamesCheck);
-        ASSERT_TRUE(Until([&] { return window->Checked(kNamesCheck); }));
-        for (const int answer : {IDNO, IDYES}) {
-            leave();
-            const WindowProbe box = Box();
-            EXPECT_EQ(u"Halyrig32", box.Caption());
-            EXPECT_FALSE(IsWindowEnabled(window->Handle()));
-            EXPECT_TRUE(Lives(kTws)) << "ticks go on while it asks";
-            box.PostPress(answer);
-            EXPECT_TRUE(Until([&] { return !window->Popup(); }));
-        }
-        ExpectEnd();
-        EXPECT_EQ(saved, DwordOf(registry().Read(kSettings, u"DfwTags")));
-    }
-}
-
-TEST_F(ProductTest, OutlivesALibraryThatRunsALoopOfMessagesAndNamesOneThatCrashes) {
+TEST_F(ProductTest, OutlivesALibraryThatRunsALoopOfMessagesAsksBeforeItClosesAndNamesWhatCrashes) {
     const fs::path first(folder.File(kDeckman)), second(folder.File("Second"));
     fs::copy(first, second, fs::copy_options::recursive);
     for (const fs::path& deckman : {first, second}) {
@@ -180,11 +155,17 @@ TEST_F(ProductTest, OutlivesALibraryThatRunsALoopOfMessagesAndNamesOneThatCrashe
             EXPECT_TRUE(Lives(kTws));
         }
     }
-    window->PostPress(kImportButton);
-    const WindowProbe box = Box();
-    EXPECT_TRUE(Lives(kTws)) << "ticks go on";
-    box.PostPress(IDNO);
-    Quit();
+    window->PostPress(kNamesCheck);
+    for (const int answer : {IDNO, IDYES}) {
+        window->PostPress(kCloseButton);
+        const WindowProbe box = Box();
+        EXPECT_TRUE(box.Caption() == u"Halyrig32" && !IsWindowEnabled(window->Handle()));
+        EXPECT_TRUE(Lives(kTws)) << "ticks go on";
+        box.PostPress(answer);
+        EXPECT_TRUE(Until([&] { return !window->Popup(); }));
+    }
+    ExpectEnd();
+    EXPECT_EQ(1u, DwordOf(registry().Read(kSettings, u"DfwTags")));
 
     const fs::path log = fs::path(UserRoots().programData) / "Tidewright/log_system/halyrig_crash.log";
     fs::remove(log);
