@@ -8,6 +8,7 @@
 #include "base/bounded_lines.h"
 #include "base/numbers.h"
 #include "base/wide_text.h"
+#include "support/fakes.h"
 
 namespace twr {
 namespace {
@@ -40,18 +41,6 @@ TEST(Scan, ReadsALeadingNumber) {
     }
 }
 
-// Gives its bytes a few at a time, so that every line end falls across a border once.
-struct Bytes final : ByteSource {
-    Bytes(std::string_view bytes, std::size_t most) : rest(bytes), step(most) {}
-    std::size_t Read(char* to, std::size_t room) override {
-        const std::size_t count = rest.copy(to, std::min(room, step));
-        rest.remove_prefix(count);
-        return count;
-    }
-    std::string_view rest;
-    std::size_t step;
-};
-
 TEST(BoundedLines, ReadsAsInTextMode) {
     const std::string longLine(10000, 'x');  // than the buffer
     const std::string longest(kLongestLine, 'x');
@@ -68,8 +57,8 @@ TEST(BoundedLines, ReadsAsInTextMode) {
         {"one\n" + longest + "\r\n" + longest + "x\r\nthree\n", {"one", longest, longest, "three"}},
         {longest + longest + longest, {longest}}};
     for (const auto& [bytes, expected] : rows) {
-        for (const std::size_t step : {1u, 2u, 3u, 4096u}) {
-            Bytes source(bytes, step);
+        for (const std::size_t step : {1u, 2u, 3u, 4096u}) {  // every line end falls across a border once
+            testing::TextSource source(bytes, step);
             BoundedLines text(source, kTextMode);
             std::vector<std::string> lines;
             while (text.Next()) {
@@ -84,8 +73,7 @@ TEST(BoundedLines, ReadsAsInTextMode) {
 
 TEST(BoundedLines, ReadsNoFurtherThanAnyHonestFile) {
     // Endless.
-    class Line final : public ByteSource {
-    public:
+    struct Line final : ByteSource {
         std::size_t Read(char* to, std::size_t room) override {
             std::fill_n(to, room, 'x');
             to[room - 1] = '\n';

@@ -53,8 +53,7 @@ private:
     System& real_;
 };
 
-class BridgeTest : public ::testing::Test {
-protected:
+struct BridgeTest : ::testing::Test {
     static constexpr const char* kMappingFile = "ProgramData/Tidewright/instruments/halyrig.xml";
 
     BridgeTest() { deckman.Install(stored->dfwFolder); }

@@ -14,8 +14,7 @@ namespace {
 using R = RecordBytes;
 using Reads = std::vector<int>;
 
-class DialogTest : public BridgeTest {
-protected:
+struct DialogTest : BridgeTest {
     std::optional<BridgeStatus> Status() { return ReadBridgeStatus(machine); }
 };
 
@@ -26,8 +25,7 @@ TEST_F(DialogTest, OpensWithTheStoredSettingsAndSavesWhatItShows) {
                                                                             {u"DfwTimer", kTimerCheck, &Settings::useTimer}};
     stored.reset();
     Run([&] {
-        for (const auto& [name, control, setting] : boxes)
-            EXPECT_EQ(control == kDepthCheck, host.Checked(control)) << "the default";
+        for (const auto& [name, control, setting] : boxes) EXPECT_EQ(control == kDepthCheck, host.Checked(control)) << "default";
         EXPECT_EQ(u"C:\\Program Files (x86)\\BandG\\Deckman", host.Text(kFolderField));
         EXPECT_EQ(100u, host.timerPeriod);
     });
@@ -95,8 +93,8 @@ TEST_F(DialogTest, EachWayOutAsksAndSavesAsItShould) {
         EXPECT_EQ(quit == Quit::kBeforeItCame && ends, host.remarks.size() == 1);
         EXPECT_EQ(boxes, host.boxes.size());
         for (const FakeDesktop::Box& box : host.boxes) {
-            EXPECT_EQ(std::string_view(name).ends_with("import asks") ? u"Import legacy Halyrig mappings?" : u"Exit Halyrig?",
-                      box.text);
+            const bool imports = std::string_view(name).ends_with("import asks");
+            EXPECT_EQ(imports ? u"Import legacy Halyrig mappings?" : u"Exit Halyrig?", box.text);
             EXPECT_TRUE(box.caption == u"Halyrig32" && box.buttons == BoxButtons::kYesNo && box.icon == BoxIcon::kQuestion);
         }
     }
@@ -207,8 +205,7 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
     stored->useTimer = true;
     deckman.variables = {{12, 6.0f}, {20, 6.0f}, {50, 300.0f}};
     deckman.onLoad = [&](std::u16string_view path) {
-        EXPECT_TRUE(machine.calling && machine.crashCalls.find(path) != machine.crashCalls.npos)
-            << "a crash of its start is its own";
+        EXPECT_TRUE(machine.calling && machine.crashCalls.find(path) != path.npos) << "a crash of its start is its own";
     };
     Run([&] {
         EXPECT_EQ((Reads{12, 50}), TickReads());
@@ -221,8 +218,8 @@ TEST_F(DialogTest, AFolderChangeSwapsLibraryAndMapping) {
         EXPECT_EQ(1.0, record.F64(R::SysValue(36))) << "the first reading of the timer sets no gun";
         const auto status = Status();
         EXPECT_EQ(second, status->settings.dfwFolder);
-        EXPECT_TRUE(status->settings.useTimer && status->library.reads && status->mapping.variables == 1 &&
-                    status->mapping.varRows == 1);
+        const auto& rows = status->mapping;
+        EXPECT_TRUE(status->settings.useTimer && status->library.reads && rows.variables == 1 && rows.varRows == 1);
         EXPECT_EQ(6.0f, status->LineOf(kBsp, 0)->reading);
         EXPECT_FALSE(status->LineOf(kBsp, 1) || status->LineOf(kHdg, 0));
         EXPECT_EQ(1, std::round((UtcNowDays(machine.clock) - status->mapping.readAt) * 864000)) << "tick ago";

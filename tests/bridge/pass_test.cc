@@ -20,8 +20,7 @@ MappingVar Mapped(ChannelId channel, std::int32_t variable, std::int32_t boat = 
     return row;
 }
 
-class PassTest : public CoreTest {
-protected:
+struct PassTest : CoreTest {
     PassTest() { LoadLibrary(); }
 
     void LoadLibrary(const std::string& withoutFunction = "") {
@@ -189,8 +188,7 @@ TEST_F(InstrumentPassTest, ReadsOnlyWhatItCan) {
 
 using Sent = std::vector<std::string>;
 
-class RemotePassTest : public PassTest {
-protected:
+struct RemotePassTest : PassTest {
     void Remote(ChannelId channel) { remotes = {{.channel = static_cast<std::int32_t>(channel), .remote = 3}}; }
 };
 
@@ -218,7 +216,7 @@ TEST_F(RemotePassTest, TheTextIsCutToFourWhereItHasAPoint) {
         {kUser0, 12345.0, u"12345"}, {kBsp, kNoValue, u"-0"},        {kTmToGun, 45.0 / 86400, u"0.45"}, {kTime, 46345.5, u"4634"},
         {kLat, 45.2057, u"45 1"},    {kGpsMethod, 8.0, u"SIMULATE"}, {kMagVar, 0.5, u"0.50"},           {kDMkBrgCog, -4.0, u"4L"}};
     for (const auto& [channel, value, text] : rows)
-        EXPECT_EQ(text, RemoteValueText(*core, channel, value)) << channel << " at " << value;
+        EXPECT_EQ(text, RemoteValueText(*core, channel, value)) << channel << ": " << value;
 }
 
 TEST_F(RemotePassTest, SendsOnChangeAndBlanksOnceWhenStaleWithNamesWhenTheyAreDue) {

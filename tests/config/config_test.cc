@@ -28,8 +28,7 @@ std::string Cell(const RecordBytes& record, std::size_t at, std::size_t size) {
     return std::to_string(size == 1 ? record.U8(at) : size == 2 ? record.Get<std::uint16_t>(at) : record.Get<std::uint32_t>(at));
 }
 
-class ConfigTest : public CoreTest {
-protected:
+struct ConfigTest : CoreTest {
     ConfigTest() { Write("keep", ""); }
     void TearDown() override { EXPECT_TRUE(machine.desktop.boxes.empty()) << "configuration is read in silence"; }
 

@@ -11,8 +11,7 @@ namespace {
 
 using R = RecordBytes;
 
-class AttachTest : public CoreTest {
-protected:
+struct AttachTest : CoreTest {
     // A new record, after the registry has been given this value alone.
     void Start(std::u16string_view name, const RegistryValue& value) {
         core.reset();
@@ -49,6 +48,15 @@ TEST_F(AttachTest, AGuestWaitsForTheEndOfTheFilling) {
     EXPECT_EQ(nullptr, Guest()) << "another has stamped it meanwhile";
     core->View()->filledMark = mark;
     EXPECT_EQ(core->View(), Guest());
+    int early = 0;  // looks of the creator for what is saved
+    machine.files.folders = {u"/elsewhere"};
+    machine.files.onLook = [&] {
+        CoreRecord* const seen = Guest();
+        early += !seen;
+        EXPECT_TRUE(!seen || R(seen).Text(1068) == u"/elsewhere");
+    };
+    Start(u"DataFolder", StringValue(u"/elsewhere"));
+    EXPECT_LT(0, early);
 }
 
 TEST_F(AttachTest, WithoutSharedMemoryTheUserIsToldAndEveryOperationIsHarmless) {
@@ -65,8 +73,7 @@ TEST_F(AttachTest, WithoutSharedMemoryTheUserIsToldAndEveryOperationIsHarmless) 
         EXPECT_TRUE(broken.files.Exists(JoinPath(u"", u"log_system_19Nov2026.log"))) << "the log of the day";
 
         double value = 1.0;
-        EXPECT_FALSE(none.View() || none.QuitRequested() || none.SetChannel(kBsp, 0, 1.0, 0.0) ||
-                     none.SetOwnChannel(kBsp, 1.0, 0.0));
+        EXPECT_FALSE(none.View() || none.QuitRequested() || none.SetChannel(kBsp, 0, 1.0, 0) || none.SetOwnChannel(kBsp, 1.0, 0));
         EXPECT_FALSE(none.SetSystemValue(36, 1.0) || none.LoadBoatsFile() || none.LoadChannelsFile());
         EXPECT_FALSE(none.GetChannel(kBsp, value, 0, false, true, true) || none.CalibrationLookup(2, value, 5.0));
         EXPECT_FALSE(none.GetFreshChannel(kBsp, value = 1.0, 0, false, true, kNoValue) || value != kNoValue);
@@ -93,7 +100,7 @@ TEST(InitialRecord, IsTheSameByteForByte) {
     for (const std::size_t gps : {2000, 2008, 2016}) fill(gps, 64, 48, kNoValue);
     for (std::size_t at = 5048; const char c : std::string("Tidewright suite.")) bytes.Set(at++, c);
     fill(5080, 90, 4, 32767);
-    for (std::size_t i = 0; const double value : {15.85, 15.8, 4.4, 0.0, 3.0, 1.0, 1.0, 10.0, 5.0, 5.0, 5.0, 3.0})
+    for (std::size_t i = 0; const double value : {15.85, 15.8, 4.4, 0., 3., 1., 1., 10., 5., 5., 5., 3.})
         bytes.SetValue(i++, value);
     fill(5568, 77, 8, kNoValue);
     bytes.SetInt(6, 7), bytes.SetInt(10, 60);

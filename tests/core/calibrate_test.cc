@@ -6,8 +6,7 @@ namespace {
 
 constexpr std::size_t kOffset = 4, kTable = 5, kTwaTable = 7;  // the first two correct the apparent wind angle
 
-class CalibrateTest : public CoreTest {
-protected:
+struct CalibrateTest : CoreTest {
     void Mark(ChannelId channel, bool on = true) { record.Set<std::uint8_t>(RecordBytes::Channel(channel), on); }
     CalibrationObject& Object(std::size_t index) { return core->Calibrations()[index]; }
 

@@ -13,8 +13,7 @@ using R = RecordBytes;
 constexpr double X = kNoValue;
 constexpr double kSecond = 1.0 / 86400.0;
 
-class ReadTest : public CoreTest {
-protected:
+struct ReadTest : CoreTest {
     ReadTest() { record.SetBoatCount(5); }
 
     void Hold(BoatSlot boat, ChannelId channel, double value, double ageSeconds = 0.0) {
@@ -93,7 +92,7 @@ TEST_F(ReadTest, AValueCountsUntilItsLimitOfAge) {
         record.Set(R::Boat(boat), ageLimit), record.Set(R::Boat(boat) + 72, mmsi);
         Hold(boat, channel, 7.0, age);
         EXPECT_EQ(fresh, Fresh(channel, boat, maxAge) != X)
-            << channel << " of boat " << boat << ", " << age << " s old, by " << ageLimit;
+            << channel << " of " << boat << ", " << age << " s old, by " << ageLimit;
     }
     for (const ChannelId channel : {kBsp, kMkLat}) record.SetEntry(0, channel, 7.0, 0.0, X);
     EXPECT_EQ(X, Fresh(kBsp, 0, 1e6)) << "never written";

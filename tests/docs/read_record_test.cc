@@ -19,8 +19,7 @@ namespace {
 constexpr const char* kNone = "There is no record.";
 
 // Runs the example of the documents.
-class ReadRecordTest : public ::testing::Test {
-protected:
+struct ReadRecordTest : ::testing::Test {
     std::string Printed() {
         const auto example = StartProgram((std::filesystem::path(OwnProgram()).parent_path() / "read_record").string(), {name});
         std::string line = example->ReadLine();

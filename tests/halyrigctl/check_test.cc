@@ -40,8 +40,7 @@ std::map<std::string, std::string> Snapshot(const TestSystem& test) {
     return all;
 }
 
-class CheckTest : public CtlTest {
-protected:
+struct CheckTest : CtlTest {
     CheckTest() {
         SetUpWell();
         Save();
@@ -168,24 +167,18 @@ TEST_F(CheckTest, WithoutDeckmansListNoLineIsAtFault) {
 TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
     const std::string longer(kLongestLine, ' ');
     const std::tuple<const char*, std::string, const char*, int> rows[] = {
-        {"halyrig.xml:4", "<var twr='0' dfw='BSP'/>", "the Time channel follows the clock", 1},
         {"halyrig.xml:4", "<var twr='117' dfw='BSP'/>", "stands for other channels", 1},
         {"halyrig.xml:4", "<var twr='13' dfw='BSP' boat='1'/>", "line 3 feeds HDG (13) too", 1},
         {"halyrig.xml:4", "<var twr='172' dfw='BSP' boat='2'/>", "boat 2 has no place for User 0 (172)", 1},
-        {"halyrig.xml:4", "<var twr='51' dfw='BSP'/>",
-         "is taken from Deckman only while the position source (Sys_i6) is 3, and it is 6", 1},
+        {"halyrig.xml:4", "<var twr='51' dfw='BSP'/>", "from Deckman only while the position source (Sys_i6) is 3, and it is 6", 1},
         {"halyrig.xml:4", "<var twr='93' dfw='VARIATION' x='1'/>", "there is no attribute x", 1},
-        {"halyrig.xml:4", "<remote remote='7' twr='1'/><remote remote='7' twr='13'/>", "line 4 shows on remote 7 too", 1},
-        {"halyrig.xml:4", "<remote remote='7' twr='1' damp='1'/>", "remote 7 is to show the damped value, which another program",
-         0},
+        {"halyrig.xml:4", "<remote remote='7' twr='1' damp='1'/>", "remote 7 is to show the damped value, which another", 0},
         {"halyrig.xml:5", "<remote remote='7' twr='1'/>\n<remote remote='7' twr='13'/>", "line 4 shows on remote 7 too", 1},
         {"halyrig.xml:4", "<remote remote='0' twr='1'/>", "there is no remote 0", 1},
         {"halyrig.xml:4", "<vra twr='1' dfw='BSP'/>", "there is no element vra", 1},
-        {"halyrig.xml:4:", "<<", "it is not XML", 1},
         {"halyrig.xml:4", "<remote remote='7' twr='31'/>", "nothing feeds that yet", 0},
         {"halyrig.xml:4", "<remote remote='7' twr='48'/>", "while the position source (Sys_i6) is 3", 0},
         {"", "<remote remote='7' twr='0'/>", nullptr, 0},
-        {"alternate.csv:2", "!x\n3;13;14;0;0;0;0;0;0;0\n", "the line has semicolons in the place of commas", 1},
         {"alternate.csv:1", "3,13,14\n", "the line can't be read; write it as row,slot", 1},
         {"alternate.csv:1", "3,x,14,0,0,0,0,0,0,0\n", "the line can't be read", 1},
         {"alternate.csv:1",

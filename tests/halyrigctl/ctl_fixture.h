@@ -117,16 +117,14 @@ struct ClaimedName {
     std::unique_ptr<System> system;
     FakeClock clock = {};
 };
-class RunningBridge : ClaimedName, public BridgeStatusWriter {
-public:
+struct RunningBridge : ClaimedName, BridgeStatusWriter {
     explicit RunningBridge(const TestSystem& test)
         : ClaimedName{SystemOf(test.Arguments())}, BridgeStatusWriter(system->GetStatusBoard(), clock) {
         EXPECT_TRUE(system->GetInstance().Claim(kBridgeName));
     }
 };
 
-class CtlTest : public ::testing::Test, public System {
-protected:
+struct CtlTest : ::testing::Test, System {
     CoreServices Core() override { return test.system->Core(); }
     Libraries& GetLibraries() override { return test.system->GetLibraries(); }
     Instance& GetInstance() override { return instance ? *instance : test.system->GetInstance(); }
@@ -135,8 +133,11 @@ protected:
     Console& GetConsole() override { return console; }
     CrashReports& GetCrashReports() override { return test.system->GetCrashReports(); }
 
-    // Another program of the suite starts.
-    void StartSuite() { suite = std::make_unique<CCore>(Core()); }
+    // Another program of the suite starts and publishes these.
+    void StartSuite(const std::vector<std::pair<ChannelId, double>>& published = {}) {
+        suite = std::make_unique<CCore>(Core());
+        for (const auto& [channel, value] : published) Publish(channel, value);
+    }
     RecordBytes Record() { return RecordBytes(suite->View()); }
     void Publish(ChannelId channel, double value, double secondsAgo = 0.0) {
         suite->SetChannel(channel, 0, value, UtcNowDays(Core().clock) - secondsAgo / 86400);

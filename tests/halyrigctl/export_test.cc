@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <charconv>
-#include <cmath>
 #include <map>
 
 #include "base/numbers.h"
@@ -38,12 +37,8 @@ struct Course {
     bool IsOff(std::int64_t ms) const { return channel == kDepth && ms % kMinute >= 19500 && ms % kMinute < 40 * kSecond; }
     std::int64_t LastBefore(std::int64_t ms) const { return (ms - at) / every * every + at; }
 };
-constexpr Course kCourses[] = {{kBsp, 0, 100, 0},
-                               {kHdg, 0, kSecond, 300},
-                               {kDepth, 0, kSecond, 0},
-                               {kAirTemp, 0, 30 * kSecond, 0},
-                               {kRot, 0, 15 * kSecond, 400},
-                               {kSog, 7, kSecond, 900}};
+constexpr Course kCourses[] = {{kBsp, 0, 100, 0},       {kDepth, 0, kSecond, 0},      {kHdg, 0, kSecond, 300},
+                               {kSog, 7, kSecond, 900}, {kRot, 0, 15 * kSecond, 400}, {kAirTemp, 0, 30 * kSecond, 0}};
 
 // What a recorder keeps that looks each tenth of a second, 30 ms late.
 std::string Race(std::int64_t from, std::int64_t to, bool header) {
@@ -62,8 +57,7 @@ std::string Race(std::int64_t from, std::int64_t to, bool header) {
     return lines;
 }
 
-class ExportTest : public CtlTest {
-protected:
+struct ExportTest : CtlTest {
     ExportTest() {
         test.folder.Write("ProgramData/any", "");
         console.goOn = [] { return true; };
@@ -77,8 +71,7 @@ protected:
     std::string File(const char* name) { return ToUtf8(test.folder.File(name)); }
     std::vector<std::vector<std::string>> Table(const std::string& command, char separator = ',', int status = 0) {
         std::vector<std::vector<std::string>> table;
-        std::istringstream lines(Said(command, status));
-        for (std::string line; std::getline(lines, line);) {
+        for (std::string line : LinesOf(Said(command, status))) {
             if (!line.ends_with('\r')) continue;  // a complaint
             line.back() = separator;
             table.emplace_back();

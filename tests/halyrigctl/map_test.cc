@@ -90,8 +90,7 @@ private:
     Files& real_;
 };
 
-class MapTest : public CtlTest {
-protected:
+struct MapTest : CtlTest {
     void SetUp() override {
         test.folder.Write("dfw/Data/J_vars06.d", kVariables);
         test.folder.Write("ProgramData/any", "");
@@ -120,8 +119,7 @@ TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
                            "\n    7  1                    117 Alt 0           0  -       no record\n",
                            "Passed over:\n    5  there is no element note", "\n    6  there is no attribute x",
                            "\n    6  Deckman's list has no variable course"});
-    StartSuite();
-    Publish(kHdg, 90.0);
+    StartSuite({{kHdg, 90.0}});
     Record().SetText(RecordBytes::Channel(kHdg) + 76, u"Kurs");
     Record().SetSlot(0, 1, kHdg);
     Said("map add-remote 2 kurs --damped");
@@ -135,7 +133,7 @@ TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
     WriteSettings(Core().registry, {.dfwFolder = u"/none"});
     ExpectIn(Said("map"), {"the Dfw folder /none does not exist; choose"});
     for (const char* command : {"map suggest", "map add HDG 13"})
-        ExpectIn(Said(command, 1), {"the Dfw folder /none does not exist;"});
+        ExpectIn(Said(command, 1), {"the Dfw folder /none does not exist"});
 }
 
 TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
@@ -150,9 +148,7 @@ TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
         "halyrigctl map add VARIATION 93\nhalyrigctl map add BSP 1\nhalyrigctl map add HDG 13\nhalyrigctl map add TWD 6\n"
         "halyrigctl map add TARGTWA 237\n",
         commands);
-    std::istringstream lines(commands);
-    for (std::string line; std::getline(lines, line);)
-        ExpectIn(Said(line.substr(11)), {HALYRIG_PROGRAM " reads it when it starts"});
+    for (const std::string& line : LinesOf(commands)) ExpectIn(Said(line.substr(11)), {HALYRIG_PROGRAM " reads it when it starts"});
     EXPECT_EQ(5u, Rows().varRows.size());
     ExpectIn(Said("map suggest"), {"Every variable whose name leaves no doubt is mapped.\n"});
     test.folder.Write(kPath, "<x><var twr='1' dfw='TWD' boat='1'/></x>");

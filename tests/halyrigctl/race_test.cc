@@ -28,18 +28,9 @@ constexpr double kKeptFor = 5.0;                       // seconds that she is on
 
 // As the demo's mapping has them.
 using Q = Quantity;
-constexpr std::pair<ChannelId, Q> kTold[] = {{kBsp, Q::kBsp},
-                                             {kAwa, Q::kAwa},
-                                             {kTwa, Q::kTwa},
-                                             {kTws, Q::kTws},
-                                             {kTwd, Q::kTwd},
-                                             {kHdg, Q::kHdg},
-                                             {kCog, Q::kCog},
-                                             {kSog, Q::kSog},
-                                             {kLat, Q::kLat},
-                                             {kLon, Q::kLon},
-                                             {kMkRng, Q::kMarkDistance},
-                                             {kTmToGun, Q::kTimeToGun}};
+constexpr std::pair<ChannelId, Q> kTold[] = {
+    {kBsp, Q::kBsp}, {kAwa, Q::kAwa}, {kTwa, Q::kTwa}, {kTws, Q::kTws}, {kTwd, Q::kTwd},           {kHdg, Q::kHdg},
+    {kCog, Q::kCog}, {kSog, Q::kSog}, {kLat, Q::kLat}, {kLon, Q::kLon}, {kTmToGun, Q::kTimeToGun}, {kMkRng, Q::kMarkDistance}};
 
 // Seconds from the start, and metres.
 struct Sailed {
@@ -225,11 +216,8 @@ std::vector<RaceRow> Rows(int seconds, const std::function<void(int second, Race
 double Turning(int second, double from, double to) { return std::lerp(from, to, std::clamp((second - 100) / 10.0, 0.0, 1.0)); }
 
 TEST(RaceTest, TellsATurnFromWhatIsNone) {
-    const struct {
-        const char* what;
-        std::size_t tacks, gybes;
-        std::function<void(int, RaceRow&)> make;
-    } rows[] = {
+    // tacks, gybes
+    const std::tuple<const char*, std::size_t, std::size_t, std::function<void(int, RaceRow&)>> rows[] = {
         {"a tack", 1, 0, [](int s, RaceRow& row) { row.twa = Turning(s, 42, -42); }},
         {"a gybe", 0, 1, [](int s, RaceRow& row) { row.twa = WrappedAngle(Turning(s, -150, -210)); }},
         {"a small gybe", 0, 1, [](int s, RaceRow& row) { row.twa = WrappedAngle(Turning(s, 168, 192)); }},
@@ -266,16 +254,13 @@ TEST(RaceTest, CountsWhatATurnCosts) {
         row.twa = s < 105 ? 60.0 : -60.0;
         if (s >= 105 && s < 135) row.bsp = 4.0;
     };
-    const struct {
-        const char* what;
-        std::function<void(int, RaceRow&)> more;
-        std::size_t legTo;
-        bool costs;
-    } rows[] = {{"all is there", [](int, RaceRow&) {}, 300, true},
-                {"the leg ends", [](int, RaceRow&) {}, 150, false},
-                {"no speed at one second", [](int s, RaceRow& row) { row.bsp = s == 120 ? kUnmeasured : row.bsp; }, 300, false},
-                {"a gap", [](int s, RaceRow& row) { row.time = s == 120 ? -1.0 : row.time; }, 299, false},
-                {"another tack", [](int s, RaceRow& row) { row.twa = s >= 145 ? 60.0 : row.twa; }, 300, false}};
+    // legTo: where the leg ends
+    const std::tuple<const char*, std::function<void(int, RaceRow&)>, std::size_t, bool> rows[] = {
+        {"all is there", [](int, RaceRow&) {}, 300, true},
+        {"the leg ends", [](int, RaceRow&) {}, 150, false},
+        {"no speed at one second", [](int s, RaceRow& row) { row.bsp = s == 120 ? kUnmeasured : row.bsp; }, 300, false},
+        {"a gap", [](int s, RaceRow& row) { row.time = s == 120 ? -1.0 : row.time; }, 299, false},
+        {"another tack", [](int s, RaceRow& row) { row.twa = s >= 145 ? 60.0 : row.twa; }, 300, false}};
     for (const auto& [what, more, legTo, costs] : rows) {
         const auto sailed = Rows(300, [&](int s, RaceRow& row) { tack(s, row), more(s, row); });
         auto turns = FindTurns(sailed);

@@ -25,8 +25,7 @@ struct UnseenName : Instance {
     void RaiseOther(std::u16string_view) override {}
 };
 
-class RecordTest : public CtlTest {
-protected:
+struct RecordTest : CtlTest {
     RecordTest() {
         test.folder.Write("ProgramData/any", "");
         console.goOn = [this] { return Step(); };
@@ -86,8 +85,7 @@ std::string At(const std::string& time, int id, const std::string& value) {
 
 std::string WithoutTimes(const std::string& lines) {
     std::string rest;
-    std::istringstream all(lines);
-    for (std::string line; std::getline(all, line);) {
+    for (const std::string& line : LinesOf(lines)) {
         if (line.find(R"("id":0)") == line.npos && line.find("format") == line.npos)
             rest += line.substr(line.find(R"("id")")) + "\n";
     }
@@ -263,8 +261,7 @@ struct HangingDisk : FakeFiles {
 TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
     HangingDisk hanging;
     disk = &hanging;
-    StartSuite();
-    Publish(kMkLat, 50.0);
+    StartSuite({{kMkLat, 50.0}});
     int full = 0;
     Record("log --boat 0", 1e6, [&](int look) {
         if (full == 0 && HasSaid("is lost until it does")) {
@@ -291,8 +288,7 @@ TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
 TEST_F(RecordTest, EndsThoughTheDiskHangs) {
     HangingDisk hanging;
     disk = &hanging;
-    StartSuite();
-    Publish(kBsp, 6.0);
+    StartSuite({{kBsp, 6.0}});
     console.stillGoesOn = [] { return false; };
     each = [&] { return console.waited == 0 || (hanging.hangs.get_future().wait(), false); };
     ExpectIn(Said("record log", 1), {"log: the disk takes nothing; what was published after 2026-", " is lost"});
@@ -302,8 +298,7 @@ TEST_F(RecordTest, EndsThoughTheDiskHangs) {
 TEST_F(RecordTest, ARecordingThatIsRemovedGoesOnInTheNext) {
     FakeFiles fake;
     disk = &fake;
-    StartSuite();
-    Publish(kMkLat, 50.0);
+    StartSuite({{kMkLat, 50.0}});
     fake.onFlush = [&] {
         if (fake.files.front().bytes.find("Mk Lat") != std::string::npos) fake.Remove(u"log");
         return true;

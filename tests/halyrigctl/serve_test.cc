@@ -19,8 +19,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-class ServeTest : public CtlTest {
-protected:
+struct ServeTest : CtlTest {
     // The server as it is at its start.
     struct Server {
         explicit Server(System& system) : lookout(system), site(system, lookout, "") {}
@@ -155,8 +154,7 @@ TEST_F(ServeTest, AnswersWhatItHasAndRefusesTheRest) {
         }
     };
     ask(false);
-    StartSuite();
-    Publish(kBsp, 6.5);
+    StartSuite({{kBsp, 6.5}});
     ask(true);
 }
 
@@ -179,8 +177,7 @@ TEST_F(ServeTest, FilesOfThePageAreTypedAndKnownAgain) {
 }
 
 TEST_F(ServeTest, ThePageHearsEachChangeAndEveryStateOfWhatItWatches) {
-    StartSuite();
-    Publish(kBsp, 6.5);
+    StartSuite({{kBsp, 6.5}});
     Publish(kTws, 12.0, 11.0);
     Restart();
     const auto talk = Talk("/halyrig/v1/stream");
@@ -200,32 +197,27 @@ TEST_F(ServeTest, ThePageHearsEachChangeAndEveryStateOfWhatItWatches) {
 }
 
 TEST_F(ServeTest, ItSaysHowTheBridgeIsAndLetsGoOfARecordThatCloses) {
-    const auto talk = Talk("/halyrig/v1/stream");
+    std::unique_ptr<WebTalk> talk;
     const auto bridge = [&] {
         Look();
         const auto said = SaidBy(*talk);
-        return said.empty() ? std::string("as before") : said[0]["bridge"].get<std::string>();
-    };
-    EXPECT_EQ("none", bridge());
-    StartSuite();
-    Publish(kBsp, 6.5);
-    Restart();
-    const auto later = Talk("/halyrig/v1/stream");
-    later->Hear(R"({"watch":[[1,0]]})");
-    const auto laterBridge = [&] {
-        Look();
-        const auto said = SaidBy(*later);
         return said.empty() ? Json("as before") : Json::array({said[0]["bridge"], said[0]["values"].size()});
     };
-    EXPECT_EQ(Json::array({"stopped", 1}), laterBridge());
+    talk = Talk("/halyrig/v1/stream");
+    EXPECT_EQ(Json::array({"none", 0}), bridge());
+    StartSuite({{kBsp, 6.5}});
+    Restart();
+    talk = Talk("/halyrig/v1/stream");
+    talk->Hear(R"({"watch":[[1,0]]})");
+    EXPECT_EQ(Json::array({"stopped", 1}), bridge());
     {
         const RunningBridge running(test);
-        EXPECT_EQ(Json::array({"running", 0}), laterBridge()) << "told at once, with nothing else to tell";
-        EXPECT_EQ("as before", laterBridge());
+        EXPECT_EQ(Json::array({"running", 0}), bridge()) << "told at once, with nothing else to tell";
+        EXPECT_EQ("as before", bridge());
     }
-    EXPECT_EQ(Json::array({"stopped", 0}), laterBridge());
+    EXPECT_EQ(Json::array({"stopped", 0}), bridge());
     Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1});
-    EXPECT_EQ(Json::array({"none", 1}), laterBridge()) << "the value is missing";
+    EXPECT_EQ(Json::array({"none", 1}), bridge()) << "the value is missing";
     suite.reset();
     EXPECT_FALSE(Held()) << "the guest would keep the request alive";
 }
@@ -249,8 +241,7 @@ TEST_F(ServeTest, TheLastTenMinutesAreInTheUsersUnits) {
 }
 
 TEST_F(ServeTest, SignalKIsToldAsItIsSubscribed) {
-    StartSuite();
-    Publish(kBsp, 1.0), Publish(kUser0, 2.0), Publish(kForestay, 3.0);
+    StartSuite({{kBsp, 1.0}, {kUser0, 2.0}, {kForestay, 3.0}});
     Restart();
     const auto instant = Talk("/signalk/v1/stream?sendMeta=all"), none = Talk("/signalk/v1/stream?subscribe=none");
     const auto hello = SaidBy(*none);
@@ -279,8 +270,7 @@ TEST_F(ServeTest, SignalKIsToldAsItIsSubscribed) {
 }
 
 TEST_F(ServeTest, TheOwnBoatHasSeveralNames) {
-    StartSuite();
-    Publish(kBsp, 3600.0 / 1852);
+    StartSuite({{kBsp, 3600.0 / 1852}});
     Restart();
     const std::string own = Told("/signalk/v1/api/self").get<std::string>(), bare = own.substr(own.find('.') + 1);
     // in a subscription, and in its end

@@ -10,8 +10,7 @@
 namespace twr::testing {
 namespace {
 
-class StreamTest : public CtlTest {
-protected:
+struct StreamTest : CtlTest {
     // Goes on until so many milliseconds have passed, with one step at the given ones.
     void Steps(int end, std::map<int, std::function<void()>> steps) {
         console.waited = 0;
@@ -29,9 +28,7 @@ protected:
 };
 
 TEST_F(StreamTest, WritesEachFormatAsItIsPublished) {
-    StartSuite();
-    Publish(kBsp, 6.5);
-    Publish(kMagVar, 3.0);
+    StartSuite({{kBsp, 6.5}, {kMagVar, 3.0}});
     Publish(kAws, 3.0, 20.0);
     const auto publish = [&] { Publish(kHdg, 90.0); };
     const std::pair<const char*, std::vector<const char*>> rows[] = {
@@ -61,8 +58,8 @@ TEST_F(StreamTest, OutlivesTheRecord) {
     };
     const auto start = [&] { StartSuite(), Publish(kBsp, 7.0), Publish(kMkLat, 50.0); };
     const auto silence = [&] {
-        for (const std::size_t boat : {0u, 1u})
-            Record().Set(RecordBytes::Time(boat, kTime), UtcNowDays(Core().clock) - 11.0 / 86400);
+        const double then = UtcNowDays(Core().clock) - 11.0 / 86400;
+        for (const std::size_t boat : {0u, 1u}) Record().Set(RecordBytes::Time(boat, kTime), then);
     };
     Steps(12000, {{1000, start}, {3000, [&] { AskToClose(); }}, {3300, end}, {5000, start}, {8000, silence}, {8300, end}});
     const std::string said = Said("stream");
@@ -75,8 +72,7 @@ TEST_F(StreamTest, OutlivesTheRecord) {
 }
 
 TEST_F(StreamTest, LeavesARecordThatClosesWhileNobodyTakesTheOutput) {
-    StartSuite();
-    Publish(kBsp, 7.0);
+    StartSuite({{kBsp, 7.0}});
     console.held = true;
     console.goOn = [&, asked = 0]() mutable {
         if (++asked == 3) AskToClose();
@@ -90,8 +86,7 @@ TEST_F(StreamTest, LeavesARecordThatClosesWhileNobodyTakesTheOutput) {
 }
 
 TEST_F(StreamTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
-    StartSuite();
-    Publish(kBsp, 7.0);
+    StartSuite({{kBsp, 7.0}});
     console.goOn = [&] { return console.waited < 60000; };
     ExpectSaid(2, {{"stream --channels BSP,speed", {"there is no channel speed;"}},
                    {"stream --channels BSP,time", {"Time"}},

@@ -11,8 +11,7 @@
 namespace twr::testing {
 namespace {
 
-class WatchTest : public CtlTest {
-protected:
+struct WatchTest : CtlTest {
     void ExpectAbsent(const std::string& text, const std::vector<const char*>& parts) {
         for (const char* part : parts) EXPECT_EQ(std::string::npos, text.find(part)) << part << "\nis in\n" << text;
     }
@@ -45,8 +44,7 @@ TEST_F(WatchTest, EndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
         console.goOn = userEnds;
         Said(kWatch);
         EXPECT_EQ(700, console.waited);
-        EXPECT_EQ(3u, live ? console.pictures.size() : static_cast<std::size_t>(console.writes))
-            << "one look for each interval begun";
+        EXPECT_EQ(3, live ? static_cast<int>(console.pictures.size()) : console.writes) << "one look for each interval begun";
         console.goOn = suiteEnds;
         ExpectIn(Said(kWatch), {"asked to close"});
         EXPECT_EQ(800, console.waited);
@@ -69,8 +67,7 @@ TEST_F(WatchTest, EndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
 }
 
 TEST_F(WatchTest, ShowsWhatIsPublishedAndTheRemotesOfTheStandIn) {
-    StartSuite();
-    Publish(kBsp, 7.25);
+    StartSuite({{kBsp, 7.25}});
     Publish(kAws, 12.5, 20.0);
     Publish(kMagVar, -3.0);
     const std::u16string folder = test.folder.File("Deckman");
@@ -130,9 +127,7 @@ TEST_F(WatchTest, ChoosesChannels) {
 }
 
 TEST_F(WatchTest, TellsTheStateOfEachChannel) {
-    StartSuite();
-    Publish(kTws, kNoValue);
-    Publish(kBsp, 7.0);
+    StartSuite({{kTws, kNoValue}, {kBsp, 7.0}});
     Publish(kAwa, 30.0, 20.0);
     for (const ChannelId channel : {kHeel, kTrim}) Publish(channel, 5.0, 70.0);
     Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
@@ -167,8 +162,8 @@ TEST_F(WatchTest, ObeysItsKeys) {
     for (ChannelId channel = 1; channel <= 20; ++channel) Publish(channel, 1.0);
     console.size = ConsoleSize{80, 13};  // ten of the rows
     using K = Key;
-    const std::u32string down{K::kDown}, page{K::kPageDown}, end{K::kEnd}, escape{K::kEscape}, enter{K::kEnter},
-        back{K::kBackspace};
+    const std::u32string down{K::kDown}, page{K::kPageDown}, end{K::kEnd}, escape{K::kEscape}, enter{K::kEnter};
+    const std::u32string back{K::kBackspace};
     const std::tuple<const char*, std::u32string, std::vector<const char*>, std::vector<const char*>> rows[] = {
         {"at first", U"", {"1-10 of 22", " 1>BSP", "q End", "Sort (id)"}, {"20 Rudder"}},
         {"a line down", down + down + std::u32string{K::kUp}, {"1-10 of 22", "2>AWA"}, {"1>BSP"}},

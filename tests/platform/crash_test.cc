@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <thread>
-#include <utility>
 
 #include "base/wide_text.h"
 #include "platform/crash_line.h"

@@ -12,16 +12,14 @@
 namespace twr {
 namespace {
 
-class FilesTest : public ::testing::Test {
-protected:
+struct FilesTest : ::testing::Test {
     testing::TestSystem test_;
     Files& files_ = test_.system->Core().files;
 };
 
 TEST_F(FilesTest, AreReadWrittenCopiedRenamedAndRemoved) {
-    const std::u16string from = test_.folder.File("M\xC3\xA4rz \xE2\x82\xAC"),
-                         to = test_.folder.Write("to", std::string(90000, 'y'));
     const std::string bytes = std::string("a\0b\r\n\x1A\xFF", 7) + std::string(40000, 'x'), older(90000, 'y');
+    const std::u16string from = test_.folder.File("M\xC3\xA4rz \xE2\x82\xAC"), to = test_.folder.Write("to", older);
     const auto content = [&](const std::u16string& path) {
         const auto source = files_.Open(path);
         if (!source) return std::string("none");
@@ -38,8 +36,7 @@ TEST_F(FilesTest, AreReadWrittenCopiedRenamedAndRemoved) {
         {"copy over itself", [&] { return files_.Copy(from, from); }, bytes + "tail", older, false},
         {"copy over an older one", [&] { return files_.Copy(from, to); }, bytes + "tail", bytes + "tail", true},
         {"append to the copy", [&] { return files_.Append(to, "x"); }, bytes + "tail", bytes + "tailx", true},
-        {"rename to nowhere", [&] { return files_.Rename(to, test_.folder.File("missing/to")); }, bytes + "tail", bytes + "tailx",
-         false},
+        {"rename to nowhere", [&] { return files_.Rename(to, to + u"/no/to"); }, bytes + "tail", bytes + "tailx", false},
         {"rename over an older one", [&] { return files_.Rename(from, to); }, "none", bytes + "tail", true},
         {"rename none", [&] { return files_.Rename(from, to); }, "none", bytes + "tail", false},
         {"remove", [&] { return reader.reset(), files_.Remove(to), files_.Exists(to); }, "none", "none", false},

@@ -122,8 +122,7 @@ TEST(Library, GivesItsExportsAndHarmsNothingWhereItIsNone) {
     }
 }
 
-class RegistryTest : public ::testing::Test {
-protected:
+struct RegistryTest : ::testing::Test {
     const std::u16string key_ = u"Software\\Tidewright\\core";
     testing::TestSystem test_;
     Registry& registry_ = test_.system->Core().registry;

@@ -59,8 +59,7 @@ const testing::Role storm("storm block", [](const Arguments& arguments) {
     return 0;
 });
 
-class SharedMemoryTest : public ::testing::Test {
-protected:
+struct SharedMemoryTest : ::testing::Test {
     // Looking for a block clears away what a killed holder has left of it.
     ~SharedMemoryTest() override { memory_.OpenExisting(kName, kSize); }
 

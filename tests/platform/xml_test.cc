@@ -20,8 +20,7 @@ using Row = std::pair<std::string, std::string>;  // the bytes of a file, and wh
 
 std::string Declared(const std::string& encoding) { return "<?xml version='1.0' encoding='" + encoding + "'?>"; }
 
-class XmlTest : public ::testing::Test {
-protected:
+struct XmlTest : ::testing::Test {
     // The outline of a file of these bytes.
     std::string Read(std::string_view bytes) {
         test_.folder.Write("file.xml", bytes);

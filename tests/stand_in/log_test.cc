@@ -7,6 +7,7 @@
 #include "stand_in/log_survey.h"
 #include "stand_in/variables.h"
 #include "support/fakes.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
@@ -14,8 +15,7 @@ namespace {
 // What lines, separated by bars, say together.
 Moment Told(const std::string& lines) {
     Readings readings;
-    std::istringstream in(lines);
-    for (std::string line; std::getline(in, line, '|');) {
+    for (const std::string& line : LinesOf(lines, '|')) {
         if (const auto sentence = ParseSentence(line)) readings.Take(*sentence, 0.0);
     }
     return readings.At(0.0);

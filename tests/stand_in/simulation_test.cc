@@ -35,8 +35,7 @@ std::vector<Moment> Sailed() {
     return day;
 }
 
-class ADay : public ::testing::Test {
-protected:
+struct ADay : ::testing::Test {
     bool Next() { return ++second_ < kDay; }
     float Now(Quantity quantity) const { return day_[second_][quantity]; }
     float Before(Quantity quantity) const { return day_[second_ - 1][quantity]; }

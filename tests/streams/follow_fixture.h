@@ -9,8 +9,7 @@
 
 namespace twr::testing {
 
-class FollowTest : public CoreTest {
-protected:
+struct FollowTest : CoreTest {
     FollowTest() { Follow(); }
 
     void Follow(const FollowOptions& options = {}) { follower.emplace(*core, machine.clock, options); }

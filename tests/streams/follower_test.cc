@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <cmath>
 #include <limits>
 
 #include "streams/follow_fixture.h"

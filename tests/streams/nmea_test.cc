@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include <cstdio>
-#include <sstream>
 
 #include "streams/follow_fixture.h"
 #include "streams/stream_format.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
 
-class NmeaTest : public FollowTest {
-protected:
+struct NmeaTest : FollowTest {
     // The sentences without talker and checksum, which are checked.
     std::string Sentences() {
         std::string out, all;
         StreamFormatOf("nmea").make()->Append(out, follower->Look(), *follower);
-        std::istringstream lines(out);
-        for (std::string line; std::getline(lines, line);) {
+        for (const std::string& line : LinesOf(out)) {
             EXPECT_TRUE(line.starts_with("$II") && line.ends_with('\r') && line.size() <= 81) << line.size() << line;
             unsigned sum = 0, told = 0;
             for (const char c : line.substr(1, line.find('*') - 1)) sum ^= static_cast<unsigned char>(c);
@@ -132,8 +130,7 @@ TEST_F(NmeaTest, ComesFromTheTalkersThatAreWanted) {
         EXPECT_EQ(begins, found);
     }
     Talkers talkers;
-    for (const char* typed : {"", "G", "GPS", "gp", "PX", "gps=", "wind=WI", "G,"})
-        EXPECT_FALSE(TakeTalker(talkers, typed)) << typed;
+    for (const char* no : {"", "G", "GPS", "gp", "PX", "gps=", "wind=WI", "G,"}) EXPECT_FALSE(TakeTalker(talkers, no)) << no;
 }
 
 }  // namespace

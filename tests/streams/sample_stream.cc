@@ -6,12 +6,12 @@
 // - without: for each channel the sentences without its value, each behind the channel's number
 // - paths: the rows of the table of paths
 #include <cstdio>
-#include <sstream>
 
 #include "base/wide_text.h"
 #include "streams/signalk_paths.h"
 #include "streams/stream_format.h"
 #include "support/fakes.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
@@ -55,8 +55,7 @@ void PrintPaths() {
 void PrintWithout(Sample& sample) {
     for (ChannelId channel = 1; channel < kChannelCount; ++channel) {
         sample.core.SetChannel(channel, 0, kNoValue, 0.0);
-        std::istringstream lines(sample.Sentences());
-        for (std::string line; std::getline(lines, line);) std::printf("%u %s\n", channel, line.c_str());
+        for (const std::string& line : LinesOf(sample.Sentences())) std::printf("%u %s\n", channel, line.c_str());
         sample.PublishNormal(channel);
     }
 }

@@ -1,27 +1,24 @@
 // SPDX-License-Identifier: MIT
-#include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <numbers>
-#include <sstream>
 
 #include "streams/follow_fixture.h"
 #include "streams/stream_format.h"
+#include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
 
 using Json = nlohmann::json;
 
-class SignalKTest : public FollowTest {
-protected:
+struct SignalKTest : FollowTest {
     // The messages of a look.
     std::vector<Json> Messages() {
         std::string out;
         deltas->Append(out, follower->Look(), *follower);
         std::vector<Json> messages;
-        std::istringstream lines(out);
-        for (std::string line; std::getline(lines, line);) messages.push_back(Json::parse(line));
+        for (const std::string& line : LinesOf(out)) messages.push_back(Json::parse(line));
         return messages;
     }
     // The values of a look by path and member; those of other boats after their context.

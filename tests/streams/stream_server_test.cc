@@ -2,18 +2,15 @@
 // Streams in the network: real sockets of 127.0.0.1, both ends of which are served by the one thread of the test.
 #include <gtest/gtest.h>
 
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ip/udp.hpp>
 #include <deque>
 
 #include "streams/network.h"
+#include "streams/tcp_client.h"
 
-namespace twr {
+namespace twr::testing {
 namespace {
 
-namespace asio = boost::asio;
-using asio::ip::tcp;
 using asio::ip::udp;
 
 TEST(Endpoint, IsReadOrRefused) {
@@ -48,34 +45,13 @@ bool Until(const std::function<bool()>& so) {
     return so();
 }
 
-struct Reader {
-    // Takes what has come.
-    void Read() {
-        char bytes[8192];
-        boost::system::error_code none;
-        while (!none) got.append(bytes, socket.read_some(asio::buffer(bytes), none));
-        gone = none != asio::error::would_block;
-    }
-
-    tcp::socket socket;
-    std::string got = {};
-    bool gone = false;
-};
-
-class StreamServerTest : public ::testing::Test {
-protected:
+struct StreamServerTest : ::testing::Test {
     void SetUp() override { ASSERT_EQ("", server_.Listen({"127.0.0.1", 0})); }
 
-    Reader Connected(int receiveBuffer = 256 * 1024) {
-        Reader reader{tcp::socket(context_, tcp::v4())};
-        reader.socket.set_option(asio::socket_base::receive_buffer_size(receiveBuffer));
-        reader.socket.connect({asio::ip::address_v4::loopback(), server_.At().port});
-        reader.socket.non_blocking(true);
-        return reader;
-    }
+    TcpClient Connected(int receiveBuffer = 256 * 1024) { return {context_, server_.At().port, receiveBuffer}; }
 
-    Reader Joined(int receiveBuffer = 256 * 1024) {
-        Reader reader = Connected(receiveBuffer);
+    TcpClient Joined(int receiveBuffer = 256 * 1024) {
+        TcpClient reader = Connected(receiveBuffer);
         EXPECT_TRUE(Served([&, before = server_.Clients()] { return server_.Clients() > before; }));
         return reader;
     }
@@ -89,7 +65,7 @@ protected:
 };
 
 TEST_F(StreamServerTest, DropsWhoDoesNotReadAndLosesNothingForWhoDoes) {
-    std::deque<Reader> readers, sleepers;
+    std::deque<TcpClient> readers, sleepers;
     for (int i = 0; i < 50; ++i) {
         readers.push_back(Joined());
         sleepers.push_back(Joined(4096));
@@ -99,41 +75,41 @@ TEST_F(StreamServerTest, DropsWhoDoesNotReadAndLosesNothingForWhoDoes) {
         const std::string line = std::to_string(i) + std::string(1000, 'x') + "\r\n";
         EXPECT_TRUE(server_.Put(line));
         all += line;
-        for (Reader& reader : readers) reader.Read();
+        for (TcpClient& reader : readers) reader.Read();
         EXPECT_LE(server_.Backlog(), StreamServer::kMostBacklog + line.size());
     }
     ASSERT_EQ(server_.Clients(), readers.size());
-    for (Reader& reader : readers) {
-        EXPECT_TRUE(Served([&] { return reader.Read(), reader.got.size() >= all.size() || reader.gone; }));
-        EXPECT_TRUE(reader.got == all && !reader.gone) << reader.got.size() << " of " << all.size();
+    for (TcpClient& reader : readers) {
+        EXPECT_TRUE(Served([&] { return reader.Read(), reader.got.size() >= all.size() || reader.ended; }));
+        EXPECT_TRUE(reader.got == all && !reader.ended) << reader.got.size() << " of " << all.size();
     }
-    for (Reader& sleeper : sleepers) EXPECT_TRUE(Served([&] { return sleeper.Read(), sleeper.gone; }));
+    for (TcpClient& sleeper : sleepers) EXPECT_TRUE(Served([&] { return sleeper.Read(), sleeper.ended; }));
 }
 
 TEST_F(StreamServerTest, AShortDelayIsForgiven) {
-    Reader reader = Joined(4096);
+    TcpClient reader = Joined(4096);
     std::string all;
     while (server_.Backlog() < StreamServer::kMostBacklog / 2 && all.size() < 10'000'000) {
         const std::string line = std::to_string(all.size()) + std::string(1000, 'x') + "\r\n";
         EXPECT_TRUE(server_.Put(line));
         all += line;
     }
-    EXPECT_TRUE(Served([&] { return reader.Read(), reader.got.size() >= all.size() || reader.gone; }));
-    EXPECT_TRUE(reader.got == all && !reader.gone) << reader.got.size() << " of " << all.size();
+    EXPECT_TRUE(Served([&] { return reader.Read(), reader.got.size() >= all.size() || reader.ended; }));
+    EXPECT_TRUE(reader.got == all && !reader.ended) << reader.got.size() << " of " << all.size();
 }
 
 TEST_F(StreamServerTest, GreetsAndThenSendsOnlyWhatComes) {
     std::string greeting(300'000, 'g');  // no reason to drop who has not read it yet
     server_.SetGreeting([&] { return greeting; });
     server_.Put("before\n");
-    Reader reader = Joined(4096);
+    TcpClient reader = Joined(4096);
     for (int i = 0; i < 50; ++i) server_.Put(std::string(1000, 'a'));
     EXPECT_TRUE(Served([&] { return reader.Read(), reader.got.size() >= greeting.size() + 50'000; }));
     EXPECT_TRUE(reader.got == greeting + std::string(50'000, 'a'));
 }
 
 TEST_F(StreamServerTest, DiscardsWhatIsSentAndLetsGoWhoCloses) {
-    Reader reader = Joined(), talker = Joined();
+    TcpClient reader = Joined(), talker = Joined();
     std::size_t talked = 0;
     EXPECT_TRUE(Served([&] {
         boost::system::error_code full;
@@ -152,10 +128,10 @@ TEST_F(StreamServerTest, DiscardsWhatIsSentAndLetsGoWhoCloses) {
 }
 
 TEST_F(StreamServerTest, TakesNoMoreClientsThanItCanServe) {
-    std::deque<Reader> readers;
+    std::deque<TcpClient> readers;
     for (std::size_t i = 0; i < StreamServer::kMostClients; ++i) readers.push_back(Joined());
-    Reader late = Connected();
-    EXPECT_TRUE(Served([&] { return late.Read(), late.gone; }));
+    TcpClient late = Connected();
+    EXPECT_TRUE(Served([&] { return late.Read(), late.ended; }));
     EXPECT_EQ(server_.Clients(), StreamServer::kMostClients);
 }
 
@@ -164,9 +140,9 @@ TEST_F(StreamServerTest, SaysWhyItCanNotListenAndStartsAgainOnItsPort) {
     StreamServer second;
     EXPECT_NE(second.Listen(at).find("in use"), std::string::npos);
     EXPECT_NE(second.Listen({"192.0.2.1", at.port}).find("an address of this machine?"), std::string::npos);
-    Reader reader = Joined();
+    TcpClient reader = Joined();
     EXPECT_EQ("", server_.Listen(at));  // while what is left of the connection fades
-    EXPECT_TRUE((reader.Read(), reader.gone));
+    EXPECT_TRUE((reader.Read(), reader.ended));
 }
 
 TEST(UdpSender, SendsWholeLines) {
@@ -196,4 +172,4 @@ TEST(UdpSender, SendsWholeLines) {
 }
 
 }  // namespace
-}  // namespace twr
+}  // namespace twr::testing

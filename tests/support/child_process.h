@@ -10,8 +10,7 @@
 
 namespace twr::testing {
 
-class ChildProcess {
-public:
+struct ChildProcess {
     virtual ~ChildProcess() = default;  // kills it if it still runs
 
     // The next line of its standard output, without its end; empty if the output has ended.

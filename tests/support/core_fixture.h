@@ -11,8 +11,7 @@
 
 namespace twr::testing {
 
-class CoreTest : public ::testing::Test {
-protected:
+struct CoreTest : ::testing::Test {
     CoreTest() : core(std::make_unique<CCore>(machine.Services())), record(core->View()) {}
 
     bool Publish(ChannelId channel, double value, BoatSlot boat = 0, double time = 0.0) {

@@ -16,16 +16,6 @@ struct FakeBlock : SharedBlock {
     const bool existed, mapped;
 };
 
-struct FakeSource : ByteSource {
-    explicit FakeSource(std::string bytes) : rest(std::move(bytes)) {}
-    std::size_t Read(char* to, std::size_t room) override {
-        const std::size_t count = rest.copy(to, room);
-        rest.erase(0, count);
-        return count;
-    }
-    std::string rest;
-};
-
 struct FakeWriter : FileWriter {
     FakeWriter(FakeFiles& disk, std::u16string_view file) : files(disk), path(file) {}
     bool Write(std::string_view bytes) override {
@@ -92,7 +82,7 @@ bool FakeRegistry::Write(std::u16string_view key, std::u16string_view name, cons
 
 std::unique_ptr<ByteSource> FakeFiles::Open(std::u16string_view path) {
     const File* file = Find(path);
-    return file && !file->locked ? std::make_unique<FakeSource>(file->bytes) : nullptr;
+    return file && !file->locked ? std::make_unique<TextSource>(file->bytes) : nullptr;
 }
 
 bool FakeFiles::Append(std::u16string_view path, std::string_view bytes) {

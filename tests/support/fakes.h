@@ -16,8 +16,7 @@
 
 namespace twr::testing {
 
-class FakeClock : public Clock {
-public:
+struct FakeClock : Clock {
     std::int64_t Ticks() const override {
         ++readings;
         return ticks;
@@ -29,8 +28,7 @@ public:
     mutable int readings = 0;
 };
 
-class FakeZone : public Zone {
-public:
+struct FakeZone : Zone {
     std::optional<ZoneState> Now() const override { return state; }
     std::optional<std::int32_t> BiasAt(std::int64_t ticks) const override {
         if (!state) return std::nullopt;
@@ -53,8 +51,7 @@ private:
     std::map<std::u16string, std::weak_ptr<std::vector<std::uint64_t>>> blocks_;
 };
 
-class FakeRegistry : public Registry {
-public:
+struct FakeRegistry : Registry {
     bool OpenOrCreate(std::u16string_view key) override;
     std::optional<RegistryValue> Read(std::u16string_view key, std::u16string_view name) const override;
     bool Write(std::u16string_view key, std::u16string_view name, const RegistryValue& value) override;
@@ -66,8 +63,7 @@ public:
 };
 
 // A desktop without a dialog: boxes are recorded and answered as the test says.
-class FakeDesktop : public Desktop {
-public:
+struct FakeDesktop : Desktop {
     struct Box {
         std::u16string text, caption;
         BoxButtons buttons;
@@ -88,6 +84,19 @@ public:
     std::function<BoxAnswer(const Box&)> answer = [](const Box&) { return BoxAnswer::kNone; };
     std::u16string about;
     bool quit = false;
+};
+
+// A text, of which at most so many bytes are given at once.
+struct TextSource : ByteSource {
+    explicit TextSource(std::string all, std::size_t atMost = std::string::npos) : text(std::move(all)), most(atMost) {}
+    std::size_t Read(char* to, std::size_t room) override {
+        const std::size_t count = text.copy(to, std::min(room, most), given);
+        given += count;
+        return count;
+    }
+    const std::string text;
+    const std::size_t most;
+    std::size_t given = 0;
 };
 
 // The first bytes of a source, as of a file on a disk that is broken behind them.
@@ -164,8 +173,7 @@ private:
 };
 
 // No file can be read and none written.
-class NoXml : public Xml {
-public:
+struct NoXml : Xml {
     std::unique_ptr<XmlReader> OpenReader(std::u16string_view) override { return nullptr; }
     std::unique_ptr<XmlWriter> OpenWriter(std::u16string_view) override { return nullptr; }
 };

@@ -47,6 +47,13 @@ std::string BytesOf(const fs::path& path) {
     return bytes;
 }
 
+std::vector<std::string> LinesOf(const std::string& text, char end) {
+    std::vector<std::string> lines;
+    std::istringstream all(text);
+    for (std::string line; std::getline(all, line, end);) lines.push_back(line);
+    return lines;
+}
+
 std::string UniqueName() {
     std::random_device random;
     std::string name;

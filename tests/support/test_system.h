@@ -43,6 +43,9 @@ void LeaveOut(const std::string& row, const std::string& why);
 // The bytes of a file; empty when there is none.
 std::string BytesOf(const std::filesystem::path& path);
 
+// Without their ends.
+std::vector<std::string> LinesOf(const std::string& text, char end = '\n');
+
 // Letters and digits that no other running test has.
 std::string UniqueName();
 

@@ -72,8 +72,7 @@ TEST(RemoteLabel, FitsANameIntoEightCharacters) {
     for (const auto& [name, label] : rows) EXPECT_EQ(label, ToUtf8(RemoteLabelOf(name))) << ToUtf8(name);
 }
 
-class ChannelTextTest : public CoreTest {
-protected:
+struct ChannelTextTest : CoreTest {
     ChannelTextTest() { record.SetSlot(0, 1, kTwd); }  // Alt 0 stands for it
 
     void Prec(ChannelId channel, std::uint16_t prec) { record.Set(RecordBytes::Channel(channel) + 6, prec); }

@@ -52,8 +52,7 @@ const Role bridge("bridge", [](const std::vector<std::string>& arguments) {
     return system->ExitStatus();
 });
 
-class TerminalTest : public ::testing::Test {
-protected:
+struct TerminalTest : ::testing::Test {
     void Open() {
         terminal = std::make_unique<PseudoTerminal>("bridge", test.Arguments());
         ASSERT_TRUE(terminal->Shows("Esc Exit")) << terminal->Picture();
@@ -182,9 +181,9 @@ TEST_F(TerminalTest, BeforeThereIsAScreenOrWithoutAnyItTellsOnALine) {
 }
 
 TEST_F(TerminalTest, AFolderIsChosenFromTheList) {
-    for (const char* name : {"Ashore", ".hidden", "Deck", "Deckman", "x\xFF"})
-        std::filesystem::create_directory(test.folder.Path() / name);
-    std::filesystem::create_directory_symlink(test.folder.Path() / "Ashore", test.folder.Path() / "Zlink");
+    const auto& root = test.folder.Path();
+    for (const char* name : {"Ashore", ".hidden", "Deck", "Deckman", "x\xFF"}) std::filesystem::create_directory(root / name);
+    std::filesystem::create_directory_symlink(root / "Ashore", root / "Zlink");
     test.folder.Write("Decoy", "a file");
     test.folder.Write("Deck/ShDfW2.so", "");
     Settings settings;

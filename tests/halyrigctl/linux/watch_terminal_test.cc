@@ -21,11 +21,10 @@ const Role kWatch("watch", [](const std::vector<std::string>& arguments) {
     return static_cast<int>(RunCommandLine(*system, {"watch", "--interval", "3600000"}));
 });
 
-class WatchTerminalTest : public ::testing::Test {
-protected:
+struct WatchTerminalTest : ::testing::Test {
     WatchTerminalTest() {
-        for (ChannelId channel = 1; channel <= 40; ++channel)
-            suite.SetChannel(channel, 0, 1.0, UtcNowDays(test.system->Core().clock));
+        const double now = UtcNowDays(test.system->Core().clock);
+        for (ChannelId channel = 1; channel <= 40; ++channel) suite.SetChannel(channel, 0, 1.0, now);
     }
     void Open(const std::vector<std::string>& environment = {}) {
         terminal = std::make_unique<PseudoTerminal>("watch", test.Arguments(), environment);

@@ -16,11 +16,10 @@
 #include "support/linux/signals.h"
 #include "support/test_system.h"
 
-namespace twr {
+namespace twr::testing {
 namespace {
 
-class PlainFilesTest : public ::testing::Test {
-protected:
+struct PlainFilesTest : ::testing::Test {
     testing::TestSystem test_;
     Files& files_ = test_.system->Core().files;
 };
@@ -136,4 +135,4 @@ TEST_F(PlainFilesTest, FoldersAreMadeForTheirUserAlone) {
 }
 
 }  // namespace
-}  // namespace twr
+}  // namespace twr::testing

@@ -21,8 +21,7 @@ namespace {
 constexpr std::u16string_view kKey = u"Software\\Tidewright\\core";
 constexpr const char* kFile = "config/registry.reg";
 
-class RegistryFileTest : public ::testing::Test {
-protected:
+struct RegistryFileTest : ::testing::Test {
     std::string Path(const char* name = kFile) const { return ToUtf8(test_.folder.File(name)); }
     unsigned ModeOf(const char* name) const {
         struct stat status {};

@@ -284,8 +284,7 @@ TEST(StatusFiles, AreOfARunningProgramOfThisUser) {
     }
 }
 
-class HeadlessDesktopTest : public ::testing::Test {
-protected:
+struct HeadlessDesktopTest : ::testing::Test {
     // A dialog that asks before it closes, whose events are given with the answers and the number of ticks.
     std::string Run(std::function<void()> onInit, std::function<void()> onTimer = {}) {
         dialog_ = {};

@@ -42,8 +42,7 @@ constexpr bool kNeedsTheMemory = true;
 constexpr bool kNeedsTheMemory = false;
 #endif
 
-class SharedMemoryObjectTest : public ::testing::Test {
-protected:
+struct SharedMemoryObjectTest : ::testing::Test {
     ~SharedMemoryObjectTest() override { shm_unlink(ObjectName().c_str()); }
 
     std::string ObjectName() const {

@@ -98,8 +98,7 @@ const Role shell("shell", [](const std::vector<std::string>& arguments) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 });
 
-class TerminalHostTest : public ::testing::Test {
-protected:
+struct TerminalHostTest : ::testing::Test {
     void Open(const std::string& play, const std::vector<std::string>& environment = {}, int told = -1,
               const char* role = "terminal host") {
         terminal = std::make_unique<PseudoTerminal>(role, std::vector<std::string>{play, std::to_string(told)}, environment);
