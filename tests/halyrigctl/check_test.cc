@@ -130,8 +130,8 @@ TEST_F(CheckTest, LooksAtAnotherFolder) {
     // What the running bridge has loaded, and when it has read its list, is no fault of a folder that is asked about.
     Start();
     bridge->LibraryLoaded(settings.dfwFolder, {});
-    std::filesystem::last_write_time(test.folder.Path() / kList,
-                                     std::filesystem::file_time_type::clock::now() + std::chrono::hours(48));
+    const auto late = std::filesystem::file_time_type::clock::now() + std::chrono::hours(48);
+    std::filesystem::last_write_time(test.folder.Path() / kList, late);
     EXPECT_EQ(2u, Found(1).size()) << console.written;
     EXPECT_TRUE(Found(0, "check " + folder).empty()) << console.written;
     EXPECT_EQ(0, RunCommandLine(*this, {"check", " " + folder + "\t"})) << "as it was pasted: " << console.written;

@@ -62,6 +62,9 @@ struct RecordTest : CtlTest {
         EXPECT_EQ("", reader.Fault());
         return all;
     }
+    std::ptrdiff_t CountOf(ChannelId channel, const std::u16string& path) {
+        return std::ranges::count(Read(path), channel, [](const Recorded& one) { return one.change.channel; });
+    }
     void AskToClose() { Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1}); }
     double Value(ChannelId channel) {
         double value = 0;
@@ -86,8 +89,8 @@ std::string At(const std::string& time, int id, const std::string& value) {
 std::string WithoutTimes(const std::string& lines) {
     std::string rest;
     for (const std::string& line : LinesOf(lines)) {
-        if (line.find(R"("id":0)") == line.npos && line.find("format") == line.npos)
-            rest += line.substr(line.find(R"("id")")) + "\n";
+        const bool isTold = line.find(R"("id":0)") == line.npos && line.find("format") == line.npos;
+        rest += isTold ? line.substr(line.find(R"("id")")) + "\n" : "";
     }
     return rest;
 }
@@ -182,9 +185,7 @@ TEST_F(RecordTest, TheDayOnBoardEndsAFileAndTheNextBeginsWithWhatStands) {
     ASSERT_EQ(2u, fake.files.size());
     EXPECT_EQ(u"log-20", fake.files[1].path);
     EXPECT_NEAR(30, Read(std::u16string(u"log-19")).back().seconds, 0.2);
-    for (const auto& file : fake.files)
-        EXPECT_EQ(1,
-                  std::ranges::count(Read(file.path), ChannelId{kMkLat}, [](const Recorded& one) { return one.change.channel; }));
+    for (const auto& file : fake.files) EXPECT_EQ(1, CountOf(kMkLat, file.path));
 }
 
 // A file a day, of which the oldest are removed, and nothing else; not into the last of the disk's room.
@@ -217,10 +218,9 @@ TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
     auto others = TakeDays(Core().files, test.folder.File("ProgramData/Tidewright/recordings"));
     ExpectIn(Said("record", 1), {"is being made already"});
     const auto writtenBefore = [&](int seconds) {
-        const std::chrono::sys_time<std::chrono::nanoseconds> then(
-            std::chrono::nanoseconds((clock.ticks - seconds * 10'000'000LL) * 100));
-        std::filesystem::last_write_time(test.folder.Path() / (at + "halyrig-20261119-4.jsonl.gz"),
-                                         std::chrono::file_clock::from_sys(then));
+        const std::chrono::nanoseconds then((clock.ticks - seconds * 10'000'000LL) * 100);
+        const auto path = test.folder.Path() / (at + "halyrig-20261119-4.jsonl.gz");
+        std::filesystem::last_write_time(path, std::chrono::file_clock::from_sys(std::chrono::sys_time(then)));
     };
     writtenBefore(60);
     ExpectIn(Said("check", 1), {"recording    runs, but nothing is written since 2026-11-19T"});
@@ -278,9 +278,7 @@ TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
         }
     });
     EXPECT_LT(600, full) << "there is room for 30 seconds";
-    const auto kept =
-        std::ranges::count(Read(std::u16string(u"log")), ChannelId{kAwa}, [](const Recorded& one) { return one.change.channel; });
-    EXPECT_NEAR(full / 2, kept, 2) << "of which all is kept";
+    EXPECT_NEAR(full / 2, CountOf(kAwa, u"log"), 2) << "of which all is kept";
     const std::string behind = hanging.files.at(0).bytes.substr(hanging.files[0].bytes.find(R"({"gap":{"from":")"));
     ExpectIn(behind, {R"("name":"Mk Lat","boat":0,"value":null)", R"("name":"Mk Lon","boat":0,"value":-1)"});
 }
@@ -307,13 +305,12 @@ TEST_F(RecordTest, ARecordingThatIsRemovedGoesOnInTheNext) {
     Record("log", 1e6, [&](int look) {
         Publish(kBsp, 1 + look % 20);
         std::this_thread::yield();
-        if (HasSaid("log was removed, renamed or replaced; the recording goes on in log-2") && ++said == 4)
-            clock.AdvanceMs(2'000'000'000);
+        const bool hasSaid = HasSaid("log was removed, renamed or replaced; the recording goes on in log-2");
+        if (hasSaid && ++said == 4) clock.AdvanceMs(2'000'000'000);
     });
     ASSERT_EQ(1u, fake.files.size());
     EXPECT_EQ(u"log-2", fake.files.front().path);
-    EXPECT_EQ(
-        1, std::ranges::count_if(Read(std::u16string(u"log-2")), [](const Recorded& one) { return one.change.channel == kMkLat; }));
+    EXPECT_EQ(1, CountOf(kMkLat, u"log-2"));
 }
 
 TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
@@ -386,8 +383,7 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
 // recording.
 TEST_F(RecordTest, ReplayIsLedByKeys) {
     std::string lines;
-    for (int second = 0; second < 300; ++second)
-        lines += At(Printed("01:%02d:%02d", second / 60, second % 60), 1, std::to_string(second));
+    for (int i = 0; i < 300; ++i) lines += At(Printed("01:%02d:%02d", i / 60, i % 60), 1, std::to_string(i));
     test.folder.Write("race", lines);
     console.size = ConsoleSize{100, 10};
     const auto played = [&](std::map<int, std::u32string> keys, double seconds) {

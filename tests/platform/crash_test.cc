@@ -17,12 +17,12 @@ namespace twr::testing {
 namespace {
 
 const int inThisProgram = 0;
+std::u16string Loadable() { return JoinPath(ModuleFolder(&inThisProgram), u"loadable" + std::u16string(kLibrarySuffix)); }
 
 const Role crash("crash", [](const std::vector<std::string>& arguments) {
     const auto system = SystemOf(arguments);
     CrashReports& crashes = system->GetCrashReports();
-    const std::u16string path = JoinPath(ModuleFolder(&inThisProgram), u"loadable" + std::u16string(kLibrarySuffix));
-    const auto library = system->GetLibraries().Load(path);
+    const auto library = system->GetLibraries().Load(Loadable());
     crashes.Prepare(JoinPath(JoinPath(FromUtf8(arguments[1]), u"log"), u"crash.log"), u"while it called it");
     const auto call = [&] {
         crashes.Calling(true);
@@ -81,8 +81,7 @@ TEST(Crash, NamesTheLibraryInALineAndEndsAsItWouldButNeverAsIfAllWereWell) {
 const Role runsOn("runs on", [](const std::vector<std::string>& arguments) {
     static std::atomic<int> steps = 0;
     const auto system = SystemOf(arguments);
-    auto library =
-        system->GetLibraries().Load(JoinPath(ModuleFolder(&inThisProgram), u"loadable" + std::u16string(kLibrarySuffix)));
+    auto library = system->GetLibraries().Load(Loadable());
     system->GetCrashReports().Prepare(JoinPath(FromUtf8(arguments[1]), u"crash.log"), u"");
     reinterpret_cast<void (*)(std::atomic<int>*)>(library->Find("RunOn"))(&steps);
     while (steps == 0) std::this_thread::yield();

@@ -50,8 +50,7 @@ TEST_F(StandInTest, ReadsOneMomentWithinATickAndLosesNoTime) {
     SailingSimulation simulation(1, 300);
     EXPECT_NE(simulation.Now()[Quantity::kTws], SailingSimulation(2, 300).Now()[Quantity::kTws]) << "another day";
     simulation.Advance(100.0);
-    for (const Variable& variable : Variables())
-        EXPECT_EQ(simulation.Now()[variable.quantity], standIn.Read(variable.number)) << variable.name;
+    for (const Variable& of : Variables()) EXPECT_EQ(simulation.Now()[of.quantity], standIn.Read(of.number)) << of.name;
     EXPECT_NE(before, standIn.Read(kBspNumber));
 }
 

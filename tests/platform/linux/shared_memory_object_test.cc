@@ -43,7 +43,8 @@ constexpr bool kNeedsTheMemory = false;
 #endif
 
 struct SharedMemoryObjectTest : ::testing::Test {
-    ~SharedMemoryObjectTest() override { shm_unlink(ObjectName().c_str()); }
+    ~SharedMemoryObjectTest() override { Unlink(); }
+    void Unlink() const { shm_unlink(ObjectName().c_str()); }
 
     std::string ObjectName() const {
         return "/" + ToUtf8(testing::TestRoots(test_.name, test_.folder.Text()).namePrefix) + "Block";
@@ -108,8 +109,7 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
     const std::tuple<const char*, std::function<void()>, std::function<void()>, std::function<void()>, bool, bool> rows[] = {
         {"left in another size", [&] { EXPECT_EQ(0, ftruncate(other.Get(), 12)); }, [] {}, [] {}, false, true},
         {"the name is taken away", [] {}, [&] { shm_unlink(ObjectName().c_str()); }, [] {}, false, true},
-        {"another takes the name", [] {}, [&] { shm_unlink(ObjectName().c_str()), Descriptor(creat(path.c_str(), 0600)); }, [] {},
-         false, true},
+        {"another takes the name", [] {}, [&] { Unlink(), Descriptor(creat(path.c_str(), 0600)); }, [] {}, false, true},
         {"held", [&] { lock(F_RDLCK, 0, 0); }, [] {}, [] {}, true, true},
         {"held, and left", [&] { lock(F_RDLCK, 0, 0); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, true},
         {"looked at", [&] { lock(F_RDLCK, 0, kLast); }, [] {}, [&] { lock(F_UNLCK, 0, 0); }, false, false},
@@ -140,12 +140,11 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
 
 TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
     std::unique_ptr<SharedBlock> held;
+    const auto opened = [&](mode_t mode) { return [this, mode] { fchmod(Object(O_RDWR | O_CREAT).Get(), mode); }; };
     const std::tuple<const char*, std::function<void()>, std::string> rows[] = {
         {"too large", [] {}, "there is no room for it: "},
-        {"open to its group", [&] { fchmod(Object(O_RDWR | O_CREAT).Get(), 0640); },
-         "other users have access by its mode 0640; remove it"},
-        {"open to others", [&] { fchmod(Object(O_RDWR | O_CREAT).Get(), 0666); },
-         "other users have access by its mode 0666; remove it"},
+        {"open to its group", opened(0640), "other users have access by its mode 0640; remove it"},
+        {"open to others", opened(0666), "other users have access by its mode 0666; remove it"},
         {"another user's", [&] { EXPECT_TRUE(geteuid() != 0 || fchown(Object(O_RDWR | O_CREAT).Get(), 12345, 12345) == 0); },
          geteuid() == 0 ? "it belongs to another user, with uid 12345; have that user" : ""},
         {"a link", [&] { EXPECT_EQ(0, symlink("/dev/null", ("/dev/shm" + ObjectName()).c_str())); }, "it can't be opened: "},
