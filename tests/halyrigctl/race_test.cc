@@ -261,7 +261,7 @@ TEST(RaceTest, CountsWhatATurnCosts) {
         {"a gap", [](int s, RaceRow& row) { row.time = s == 120 ? -1.0 : row.time; }, 299, false},
         {"another tack", [](int s, RaceRow& row) { row.twa = s >= 145 ? 60.0 : row.twa; }, 300, false}};
     for (const auto& [what, more, legTo, costs] : rows) {
-        const auto sailed = Rows(300, [&](int s, RaceRow& row) { tack(s, row), more(s, row); });
+        const auto sailed = Rows(300, [&, &also = more](int s, RaceRow& row) { tack(s, row), also(s, row); });
         auto turns = FindTurns(sailed);
         ASSERT_FALSE(turns.empty()) << what;
         FindCosts(sailed, {{.from = 0, .to = legTo}}, turns);
