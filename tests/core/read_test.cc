@@ -11,13 +11,13 @@ namespace {
 
 using R = RecordBytes;
 constexpr double X = kNoValue;
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kOneSecond = 1.0 / 86400.0;
 
 struct ReadTest : CoreTest {
     ReadTest() { record.SetBoatCount(5); }
 
     void Hold(BoatSlot boat, ChannelId channel, double value, double ageSeconds = 0.0) {
-        record.SetEntry(boat, channel, value, machine.clock.Days() - ageSeconds * kSecond, X);
+        record.SetEntry(boat, channel, value, machine.clock.Days() - ageSeconds * kOneSecond, X);
     }
     double Read(ChannelId channel, BoatSlot boat = 0, bool angleFlag = true, bool damped = false) {
         double value = 1.0;
@@ -83,8 +83,8 @@ TEST_F(ReadTest, AValueCountsUntilItsLimitOfAge) {
     // age, maxAge: seconds, days
     const std::tuple<BoatSlot, std::uint32_t, std::int32_t, ChannelId, double, double, bool> rows[] = {
         {0, 0, 0, kBsp, 9.99, X, true},      {0, 0, 0, kBsp, 10.01, X, false},      {0, 0, 0, kBsp, -9.99, X, true},
-        {0, 0, 0, kBsp, -10.01, X, false},   {0, 0, 0, kBsp, 10.0, 0.001, true},    {0, 0, 0, kBsp, 10.0, kSecond, false},
-        {0, 0, 0, kAirTemp, 59.9, X, true},  {0, 0, 0, kAirTemp, 61.0, X, false},   {0, 0, 0, kMkLat, 1e9, kSecond, true},
+        {0, 0, 0, kBsp, -10.01, X, false},   {0, 0, 0, kBsp, 10.0, 0.001, true},    {0, 0, 0, kBsp, 10.0, kOneSecond, false},
+        {0, 0, 0, kAirTemp, 59.9, X, true},  {0, 0, 0, kAirTemp, 61.0, X, false},   {0, 0, 0, kMkLat, 1e9, kOneSecond, true},
         {1, 0, 32767, kBsp, 11.0, X, false}, {1, 5, 32767, kBsp, 32760.0, X, true}, {1, 5, 32767, kBsp, 32770.0, X, false},
         {1, 5, 3, kBsp, 9.0, X, true},       {1, 5, -1, kBsp, 1e6, X, true},        {1, 5, 65556, kBsp, 19.0, X, true},
         {1, 5, 65556, kBsp, 21.0, X, false}, {0, 5, 32767, kBsp, 11.0, X, false},   {1, 5, 65536, kBsp, 1e6, X, true}};

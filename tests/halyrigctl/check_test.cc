@@ -17,7 +17,7 @@
 namespace twr::testing {
 namespace {
 
-constexpr const char* kMapping = "ProgramData/Tidewright/instruments/halyrig.xml";
+constexpr const char* kMappingFile = "ProgramData/Tidewright/instruments/halyrig.xml";
 constexpr const char* kList = "Deckman/Data/J_vars06.d";
 const std::string kLibrary = "Deckman/ShDfW2" + std::string(kLibrarySuffix.begin(), kLibrarySuffix.end());
 
@@ -51,7 +51,7 @@ struct CheckTest : CtlTest {
         test.folder.Write(kList, "[variables]\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n3 VARIATION u 0 0 0\n9 TIMER u 0 0 0\n");
         Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<remote remote='1' twr='13'/>");
     }
-    void Map(const std::string& lines) { test.folder.Write(kMapping, "<halyrig>\n" + lines + "</halyrig>"); }
+    void Map(const std::string& lines) { test.folder.Write(kMappingFile, "<halyrig>\n" + lines + "</halyrig>"); }
     void Save() { WriteSettings(Core().registry, settings); }
     void Remove(const char* name) { std::filesystem::remove_all(test.folder.Path() / name); }
 

@@ -22,7 +22,7 @@ constexpr const char* kVariables =
     "[variables]\n1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 TWD degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n"
     "7 MKBRG degT 0 0 1\n8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING deg 0 0 1\n"
     "14 COG degT 0 0 1\n15 AW deg 0 0 1\n16 LON deg 4 1 1\n";
-constexpr const char* kMapping =
+constexpr const char* kMapped =
     "<?xml version=\"1.0\"?>\n<halyrig>\n  <!-- one -->\n  <var twr=\"13\" dfw=\"HDG\" />  <!-- two -->\n"
     "  <note>kept</note>\n  <var twr=\"9\" dfw=\"course\" x=\"1\"/>\n  <remote remote=\"1\" twr=\"117\"/>\n  <!-- three -->\n"
     "</halyrig>\n<!-- four -->\n";
@@ -114,7 +114,7 @@ struct MapTest : CtlTest {
 
 TEST_F(MapTest, ListsBothSidesWithTheValuesOfNowAndWhatIsPassedOver) {
     ExpectIn(Said("map"), {"instruments", "there is no mapping yet; 'halyrigctl map suggest --apply'"});
-    test.folder.Write(kPath, kMapping);
+    test.folder.Write(kPath, kMapped);
     ExpectIn(Said("map"), {"\n    4  HDG (2)              13 HDG              0          no record\n",
                            "\n    7  1                    117 Alt 0           0  -       no record\n",
                            "Passed over:\n    5  there is no element note", "\n    6  there is no attribute x",
@@ -185,7 +185,7 @@ TEST_F(MapTest, ChangesOneLineAndSaysHowItIsRead) {
     RunningBridge bridge(test);
     bridge.LibraryLoaded(test.folder.File("dfw"), {});
     WriteSettings(Core().registry, {.dfwFolder = u"/none"});
-    test.folder.Write(kPath, kMapping);
+    test.folder.Write(kPath, kMapped);
     ExpectSaid(0, {{"map add BSP bsp", {"BSP feeds channel 1 BSP now.\n", "press ... beside the Dfw folder"}},
                    {"map add HDG 13 --boat 1", {"line 4 feeds the same channel of the own boat"}},
                    {"map add LAT lat", {"only while the position source (Sys_i6) is 3"}},
@@ -223,7 +223,7 @@ TEST_F(MapTest, FindsTheDataFolderAsTheBridgeWould) {
 }
 
 TEST_F(MapTest, RefusesWhatWouldNotWork) {
-    test.folder.Write(kPath, kMapping);
+    test.folder.Write(kPath, kMapped);
     ExpectSaid(
         1, {{"map add TWD 13", {"channel 13 HDG is already fed by HDG, in line 4; to take that away: halyrigctl map remove 13\n"}},
             {"map add BSP 0", {"channel 0 Time can't be fed"}},
@@ -247,7 +247,7 @@ TEST_F(MapTest, RefusesWhatWouldNotWork) {
                    {"map add HDG 13 --boat 100", {"not in range 0 to 99"}},
                    {"map remove 1 2 3", {"see 'halyrigctl map remove --help'\n"}},
                    {"map bogus", {"bogus; see 'halyrigctl map --help'\n"}}});
-    EXPECT_EQ(kMapping, File());
+    EXPECT_EQ(kMapped, File());
     EXPECT_EQ("", test.folder.Read(kBak));
 }
 
@@ -280,7 +280,7 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
 }
 
 TEST_F(MapTest, ManyChangesLoseNothingElse) {
-    test.folder.Write(kPath, kMapping);
+    test.folder.Write(kPath, kMapped);
     Said("map remove HDG");
     Said("map remove-remote 1");
     const char* names[] = {"BSP", "HDG", "TWD", "HEADING"};
@@ -320,14 +320,14 @@ TEST_F(MapTest, ManyChangesLoseNothingElse) {
 }
 
 TEST_F(MapTest, AtEveryMomentTheOldOrTheNewFileIsWhole) {
-    test.folder.Write(kPath, kMapping);
+    test.folder.Write(kPath, kMapped);
     Said("map add BSP 1");
     const std::string changed = File();
     for (const bool stopped : {false, true}) {
         files.stopped = stopped;
         int tried = 0;
         for (std::string said = "halyrigctl: "; said.starts_with("halyrigctl: "); ++tried) {
-            test.folder.Write(kPath, kMapping);
+            test.folder.Write(kPath, kMapped);
             test.folder.Write(kBak, "older");
             files.calls = 0;
             files.failing = tried;
@@ -337,9 +337,9 @@ TEST_F(MapTest, AtEveryMomentTheOldOrTheNewFileIsWhole) {
             said = console.written;
             EXPECT_EQ(said.starts_with("halyrigctl: ") ? kFailed : kDone, status);
             const std::string bak = test.folder.Read(kBak);
-            EXPECT_EQ(status == kDone ? changed : kMapping, File()) << tried;
-            EXPECT_TRUE(bak == "older" || bak == kMapping) << tried << bak;
-            EXPECT_TRUE(status != kDone || bak == kMapping);
+            EXPECT_EQ(status == kDone ? changed : kMapped, File()) << tried;
+            EXPECT_TRUE(bak == "older" || bak == kMapped) << tried << bak;
+            EXPECT_TRUE(status != kDone || bak == kMapped);
             EXPECT_TRUE((stopped && status != kDone) || LeftOver().empty()) << tried;
             if (status != kDone) ExpectIn(said, {"; nothing is changed\n"});
             ASSERT_LT(tried, 20);
@@ -349,13 +349,13 @@ TEST_F(MapTest, AtEveryMomentTheOldOrTheNewFileIsWhole) {
 }
 
 TEST_F(MapTest, OneChangeAtATime) {
-    test.folder.Write(kPath, kMapping);
+    test.folder.Write(kPath, kMapped);
     const std::u16string path = test.folder.File(kPath);
     console.goOn = [] { return true; };
     auto lock = Core().files.Lock(path);
     ExpectIn(Said("map add BSP 1", 1), {"another halyrigctl is changing ", "halyrig.xml; try again"});
     EXPECT_LE(5000, console.waited);
-    EXPECT_EQ(kMapping, File());
+    EXPECT_EQ(kMapped, File());
     lock.reset();
     EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(std::filesystem::path(path).parent_path()), {})) << "litter";
     files.lockedFor = 3;
@@ -365,22 +365,22 @@ TEST_F(MapTest, OneChangeAtATime) {
     console.goOn = [] { return false; };
     Said("map add TWD 6", 1);
     files.lockedFor = 0;
-    files.beforeRename = [&] { test.folder.Write(kPath, kMapping); };
+    files.beforeRename = [&] { test.folder.Write(kPath, kMapped); };
     ExpectIn(Said("map add TWD 6", 1), {"has changed ", " meanwhile; try again; nothing is changed"});
-    EXPECT_EQ(kMapping, File());
+    EXPECT_EQ(kMapped, File());
     EXPECT_TRUE(LeftOver().empty());
 }
 
 TEST_F(MapTest, WhatCanNotBeReadIsSaidAndNeverChanged) {
     StartSuite();
-    test.folder.Write(kPath, kMapping);
+    test.folder.Write(kPath, kMapped);
     const std::string list =
         "J_vars06.d:" + std::to_string(std::count(kVariables, kVariables + 60, '\n') + 1) + ": reading it fails (broken disk)";
     for (const char* command : {"map", "map suggest", "map add BSP 1", "map remove HDG", "explain", "check"}) {
         files.readable = 60;
         ExpectIn(Said(command, 1), {list.c_str()});
     }
-    EXPECT_EQ(kMapping, File());
+    EXPECT_EQ(kMapped, File());
     files.readable = std::string::npos;
     // What is no file stands for one that this user may not read, which an administrator always may.
     std::filesystem::remove(test.folder.File(kPath));

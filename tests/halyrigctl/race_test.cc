@@ -19,8 +19,8 @@
 namespace twr::testing {
 namespace {
 
-constexpr double kDay = 46320.0;  // on which it is recorded
-constexpr double kSecondsBefore = kDay * 86400.0;
+constexpr double kRaceDay = 46320.0;  // on which it is recorded
+constexpr double kSecondsBefore = kRaceDay * 86400.0;
 constexpr double kMilesPerDegree = 60.0;
 constexpr double kLatitude = 50.5, kLongitude = -7.0;  // of the middle of the simulation's line
 constexpr double kHalfLine = 0.08;                     // nautical miles
@@ -54,7 +54,7 @@ struct Sailed {
 class Watch {
 public:
     explicit Watch(std::uint64_t seed) : simulation_(seed, 300) {
-        AppendHeader(sailed_.recording, kDay);
+        AppendHeader(sailed_.recording, kRaceDay);
         LayLine();
     }
 
@@ -87,11 +87,11 @@ private:
 
     void Record() {
         std::string time;
-        AppendIsoTime(time, kDay + Time() / 86400.0);
+        AppendIsoTime(time, kRaceDay + Time() / 86400.0);
         const auto tell = [&](ChannelId channel, double value) {
             sailed_.recording += R"({"time":")" + time + Printed(R"(","id":%u,"value":%.9g})", channel, value) + "\n";
         };
-        tell(kTime, kDay + Time() / 86400.0);
+        tell(kTime, kRaceDay + Time() / 86400.0);
         for (const auto& [channel, quantity] : kTold) {
             if (Now(quantity) != kAbsent) tell(channel, Now(quantity));
         }
@@ -315,11 +315,11 @@ TEST(RaceTest, ReadsGunsAndRows) {
         std::string lines;
         for (int s = from; s < to; ++s) {
             std::string time;
-            AppendIsoTime(time, kDay + s / 86400.0);
+            AppendIsoTime(time, kRaceDay + s / 86400.0);
             const auto tell = [&](int id, double value) {
                 lines += R"({"time":")" + time + Printed(R"(","id":%d,"value":%.12g})", id, value) + "\n";
             };
-            tell(0, kDay + s / 86400.0);
+            tell(0, kRaceDay + s / 86400.0);
             tell(1, 6.0);
             if (s < gun) tell(204, (gun - s) / 86400.0);
         }

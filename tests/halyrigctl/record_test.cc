@@ -334,25 +334,25 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
         found.first = std::round(found.first);
         return found;
     };
-    using Found = std::pair<double, std::vector<double>>;
-    EXPECT_EQ((Found{40, {6, 7, kNoValue}}), replay(""));
+    using Played = std::pair<double, std::vector<double>>;
+    EXPECT_EQ((Played{40, {6, 7, kNoValue}}), replay(""));
     ExpectIn(console.written, {"live record"});
     EXPECT_FALSE(Held());
-    const std::pair<const char*, Found> rows[] = {{"--speed 10", {4, {6, 7, kNoValue}}},
-                                                  {"--speed 0.5", {80, {6, 7, kNoValue}}},
-                                                  {"--from 01:00:20Z", {20, {7, kNoValue}}},
-                                                  {"--from 2026-11-25T03:00:20+02:00", {20, {7, kNoValue}}},
-                                                  {"--from +20s", {20, {7, kNoValue}}},
-                                                  {"--from 2026-11-25T01:00:19Z", {20, {7, kNoValue}}},
-                                                  {"--from 01:00:21Z --channels MagVar", {0, {kNoValue}}}};
+    const std::pair<const char*, Played> rows[] = {{"--speed 10", {4, {6, 7, kNoValue}}},
+                                                   {"--speed 0.5", {80, {6, 7, kNoValue}}},
+                                                   {"--from 01:00:20Z", {20, {7, kNoValue}}},
+                                                   {"--from 2026-11-25T03:00:20+02:00", {20, {7, kNoValue}}},
+                                                   {"--from +20s", {20, {7, kNoValue}}},
+                                                   {"--from 2026-11-25T01:00:19Z", {20, {7, kNoValue}}},
+                                                   {"--from 01:00:21Z --channels MagVar", {0, {kNoValue}}}};
     for (const auto& [options, found] : rows) EXPECT_EQ(found, replay(options)) << options;
     test.folder.Write("night.jsonl",
                       At("23:59:50", 1, "6") + At("2026-11-26T00:00:20", 1, "7") + At("2026-11-26T00:00:40", 1, "null"));
-    const std::tuple<int, const char*, Found> nights[] = {{0, "00:00:10", {20, {7, kNoValue}}},
-                                                          {0, "23:59:30", {0, {kNoValue}}},
-                                                          {-60, "01:00:10", {20, {7, kNoValue}}},
-                                                          {300, "19:00:10", {20, {7, kNoValue}}},
-                                                          {-60, "00:00:10Z", {20, {7, kNoValue}}}};
+    const std::tuple<int, const char*, Played> nights[] = {{0, "00:00:10", {20, {7, kNoValue}}},
+                                                           {0, "23:59:30", {0, {kNoValue}}},
+                                                           {-60, "01:00:10", {20, {7, kNoValue}}},
+                                                           {300, "19:00:10", {20, {7, kNoValue}}},
+                                                           {-60, "00:00:10Z", {20, {7, kNoValue}}}};
     for (const auto& [bias, from, found] : nights) {
         zone.state = ZoneState{bias, 0, false};
         EXPECT_EQ(found, replay(std::string("--from ") + from, found.first > 0 ? 0 : 1, "night.jsonl")) << from << " by " << bias;

@@ -44,10 +44,10 @@ constexpr Course kCourses[] = {{kBsp, Quantity::kBsp, 1, kKnot, "BSP", "/navigat
                                {kHeel, Quantity::kHeel, -1, kDegree, "Heel", "/navigation/attitude/value/roll", "XDR", 2},
                                {kDepth, Quantity::kDepth, kFoot, 1, "Depth", "/environment/depth/belowTransducer/value", "DPT", 1}};
 constexpr const char* kNames = "BSP HDG AWA TWS TWD Heel Depth";
-constexpr const char* kMapping =
+constexpr const char* kSailedBy =
     "<remote remote='1' twr='1'/><remote remote='2' twr='51' boat='2'/><var twr='1' dfw='BSP'/><var twr='13' dfw='HDG'/>"
     "<var twr='2' dfw='AWA'/><var twr='5' dfw='TWS'/><var twr='6' dfw='TWD'/><var twr='18' dfw='Heel'/><var twr='17' dfw='Depth'/>";
-constexpr const char* kWatch = R"({"watch":[[1,0],[13,0],[2,0],[5,0],[6,0],[18,0],[17,0]]})";
+constexpr const char* kWatched = R"({"watch":[[1,0],[13,0],[2,0],[5,0],[6,0],[18,0],[17,0]]})";
 
 using Values = std::map<ChannelId, double>;  // kNoValue, or not there, without one
 
@@ -90,7 +90,7 @@ protected:
         machine.console = &console;
         console.goOn = [this] { return GoOn(); };
         host.beforeTick = [] {};
-        MappingXml(kMapping);
+        MappingXml(kSailedBy);
         for (const int folder : {0, 1}) {
             std::string list;
             for (int i = kFarther * folder; const Course& course : kCourses) list += std::to_string(++i) + " " + course.name + "\n";
@@ -297,7 +297,7 @@ TEST_F(VoyageTest, EachVoiceSaysWhatIsTrue) {
     Run([&] {
         lookout.emplace(machine), site.emplace(machine, *lookout, "");
         talk = site->Talk({.method = "GET", .target = "/halyrig/v1/stream"});
-        talk->Hear(kWatch);
+        talk->Hear(kWatched);
         Sail(0);
         Leg("record " + recording + " --boat 0");
         recorded = published;

@@ -16,7 +16,7 @@ namespace {
 
 using testing::Utf16Bytes;
 
-using Row = std::pair<std::string, std::string>;  // the bytes of a file, and what is read of it
+using XmlRow = std::pair<std::string, std::string>;  // the bytes of a file, and what is read of it
 
 std::string Declared(const std::string& encoding) { return "<?xml version='1.0' encoding='" + encoding + "'?>"; }
 
@@ -41,7 +41,7 @@ struct XmlTest : ::testing::Test {
 };
 
 TEST_F(XmlTest, GivesTheElementsInTheirOrderUpToTheFirstFault) {
-    std::vector<Row> rows = {
+    std::vector<XmlRow> rows = {
         {"<a/>", "a()"},
         {" \n<a/>", "a()"},
         {"<?xml version=\"1.0\"?>\n<!-- x --><a><b/><c><d/></c></a>\n<!-- y -->", "a() b() c() d()"},
@@ -91,7 +91,7 @@ TEST_F(XmlTest, TellsTheLineOfEachElementAndOfTheFault) {
 }
 
 TEST_F(XmlTest, ReadsTheEncodingThatIsDeclaredOrMarked) {
-    std::vector<Row> rows = {
+    std::vector<XmlRow> rows = {
         {"\xEF\xBB\xBF<a b='\xC3\xA4'/>", "a(b=\xC3\xA4)"},
         {"\xEF\xBB\xBF<?xml version='1.0' encoding='windows-1252'?><a b='\xC3\xA4'/>", "a(b=\xC3\xA4)"},  // the mark counts
         {Declared("us-ascii") + "<a>\x80</a>", "a()"},

@@ -16,7 +16,7 @@
 namespace twr::testing {
 namespace {
 
-const Role kWatch("watch", [](const std::vector<std::string>& arguments) {
+const Role kWatchRole("watch", [](const std::vector<std::string>& arguments) {
     const auto system = SystemOf(arguments);
     return static_cast<int>(RunCommandLine(*system, {"watch", "--interval", "3600000"}));
 });
