@@ -11,11 +11,11 @@ namespace twr::testing {
 namespace {
 
 struct StreamTest : CtlTest {
-    // Goes on until so many milliseconds have passed, with one step at the given ones.
+    // Goes on until so many milliseconds have passed, with one step at the given ones, or as soon as a busy machine gets there.
     void Steps(int end, std::map<int, std::function<void()>> steps) {
         console.waited = 0;
         console.goOn = [this, end, steps = std::move(steps)]() mutable {
-            if (const auto step = steps.find(console.waited); step != steps.end()) step->second(), steps.erase(step);
+            if (!steps.empty() && steps.begin()->first <= console.waited) steps.begin()->second(), steps.erase(steps.begin());
             return console.waited < end;
         };
     }
@@ -47,7 +47,7 @@ TEST_F(StreamTest, WritesEachFormatAsItIsPublished) {
     console.goOn = [] { return true; };
     console.waited = 0;
     Said("stream --seconds 3 --rate 0.5");
-    EXPECT_EQ(3000, console.waited);
+    EXPECT_TRUE(console.waited > 2000 && console.waited <= 3000) << console.waited;
     EXPECT_EQ(0u, Count("halyrigctl:"));
 }
 
