@@ -145,6 +145,9 @@ TEST_F(CheckTest, TheVerdictGoesByTheGravestFault) {
         {[&] { Map(""); }, 1, "Nothing can come from Deckman; 1 fault, ", R"({"status":"nothing-comes",)"},
         {[&] { Map("<var twr='1' dfw='BSP'/><x/>"); }, 1, "1 fault; all that is not named", R"({"status":"passed-over",)"},
         {[&] { Map("<var twr='1' dfw='BSP'/><x/><y/>"); }, 1, "2 faults; all that is not named", R"({"status":"passed-over",)"},
+        // the list is cut short, which costs no line
+        {[&] { test.folder.Write(kList, "[variables]\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n9 TIMER u 0 0 0\n8 X u 0 0 0\n"); }, 1,
+         "1 fault; all that is not named", R"({"status":"passed-over",)"},
         {[&] { Map("<var twr='1' dfw='BSP'/>"); }, 0, "All is well: 1 of 1 variables mapped, 0 remotes", R"({"status":"well",)"}};
     for (const auto& [change, status, text, json] : rows) {
         SetUpWell();
@@ -297,6 +300,7 @@ TEST_F(CheckTest, KnowsWhatFeedsWhatIsShown) {
         const auto lines = Found(fragment ? 1 : 0);
         ASSERT_EQ(fragment ? 1u : 0u, lines.size()) << console.written;
         if (fragment) ExpectIn(lines[0], {fragment});
+        EXPECT_EQ(std::string::npos, console.written.find("Sys_i6")) << "it is as it must be\n" << console.written;
     }
     Map("<var twr='13' dfw='HDG'/><remote remote='7' twr='" + std::to_string(kRot) + "'/>");
     EXPECT_TRUE(Found(0).empty()) << console.written;
@@ -311,6 +315,9 @@ TEST_F(CheckTest, KnowsWhatFeedsWhatIsShown) {
     test.folder.Write(kList, "[variables]\n2 BSP u 0 0 0\n9 TIMER u 0 0 0\n");
     Map("<var twr='1' dfw='BSP'/>");
     EXPECT_TRUE(Found(0).empty()) << "there is no bearing to be made magnetic\n" << console.written;
+    bridge.reset();  // what will feed it may not run yet
+    Map("<var twr='1' dfw='BSP'/><remote remote='7' twr='31'/>");
+    ExpectIn(Found(0).at(0), {"note: ", "nothing feeds that"});
 }
 
 TEST_F(CheckTest, NamesWhatIsNewerThanWhatIsInForce) {

@@ -282,6 +282,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
         well("BSP", "remote 5 is to show BSP (1) of boat 2, and nothing feeds that",
              map("<var twr='1' dfw='BSP'/><remote remote='5' twr='1' boat='2'/>"), mapRight, "", "remote 5"),
         well("117", "", [] {}),
+        well("BSP", "", map("<var twr='1' dfw='BSP'/><remote remote='1' twr='117'/>"), mapRight, "remote 1 shows 6.50"),
         {"AWA", "all is well", "", nullptr, none, [&] { Publish(kAwa, 30.0); }, released, [&] { Publish(kAwa, 30.0); }, kShown},
         // the folder
         {"BSP", "nowhere does not exist", nullptr, "nowhere does not exist", choose(test.folder.File("nowhere"))},
@@ -522,6 +523,16 @@ TEST_F(ExplainTest, TellsOfAllThatIsMappedGroupedByWhatIsToBeDone) {
     ExpectIn(Explained("nosuch"), {"nosuch"});
     Set(u"Sys_i6", 6);
     Run([&] { EXPECT_EQ(std::string::npos, Explained("").find("Lat (48)")) << "another program's"; });
+    MappingXml("<var twr='1' dfw='BSP'/>\n<var/>");
+    Run([&] {
+        host.Tick(2);
+        ExpectIn(Explained(""), {"all is well: BSP (1)\n", "1 line of the mapping can't be used"});
+        EXPECT_EQ(kFailed, status);
+        test.folder.Write(kMappingFile, "<halyrig><var twr='1' dfw='BSP'/>\n<var twr='13");
+        EXPECT_EQ(std::string::npos, Explained("").find("can't be used")) << "the rest is not read, which is told as such";
+        MappingXml(std::string(kLines) + "<var twr='2' dfw='AWA'/>");
+    });
+    ExpectIn(Explained(""), {"BSP (1), HDG (13), AWS (3), Depth (17) and 1 more: "});  // the bridge has ended
     MappingXml("");
     ExpectIn(Explained(""), {"no line of the mapping", "halyrigctl check"});
 }

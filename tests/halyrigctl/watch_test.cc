@@ -129,6 +129,7 @@ TEST_F(WatchTest, ChoosesChannels) {
 TEST_F(WatchTest, TellsTheStateOfEachChannel) {
     StartSuite({{kTws, kNoValue}, {kBsp, 7.0}});
     Publish(kAwa, 30.0, 20.0);
+    Publish(kTwa, kNoValue, 20.0);
     for (const ChannelId channel : {kHeel, kTrim}) Publish(channel, 5.0, 70.0);
     Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
     Record().Set<std::uint8_t>(RecordBytes::Channel(kTrim) + 4, 1);
@@ -143,6 +144,7 @@ TEST_F(WatchTest, TellsTheStateOfEachChannel) {
                                                                {"trim", "  refused: the channel is held", Look::kRed},
                                                                {"awa", "  stale: it is stale", Look::kYellow},
                                                                {"aws", "  missing: ", Look::kFaint},
+                                                               {"twa", "  missing: its source gives no value", Look::kFaint},
                                                                {"120", "  missing: it stands for no channel", Look::kFaint}};
     for (const auto& [channel, said, look] : rows) {
         console.size.reset();
