@@ -128,6 +128,10 @@ TEST_F(ExportTest, EachCellIsWhatHeldThen) {
     ExpectIn(Said("info " + File("joined.jsonl")),
              {"a recording", "from   2026-10-25T01:59:00.03+02:00 (2026-10-24T23:59:00.03Z)", "gaps   2\n", "0:56:30\n",
               "the clock was set back", "lasts  0:07:30, without"});
+    std::string lost = Race(kMidnight, kMidnight + kSecond, true);
+    AppendGap(lost, Days(kMidnight + kSecond), Days(kMidnight + 2 * kSecond));
+    test.folder.Write("lost", lost + Race(kMidnight + 2 * kSecond, kMidnight + 3 * kSecond, false));
+    ExpectIn(Said("info " + File("lost")), {"gaps   1\n"});  // however short
 }
 
 TEST_F(ExportTest, TakesTimesAsTheyAreTyped) {
@@ -137,6 +141,8 @@ TEST_F(ExportTest, TakesTimesAsTheyAreTyped) {
         {"--from 02:59:30 --to 00:59:31Z", "00:59:30Z", "00:59:31Z"},
         {"--from 2026-10-25T02:59:30+02:00 --to 2026-10-25T02:00:10+01:00", "00:59:30Z", "01:00:10Z"},
         {"--from 2026-10-25T01:01:00Z --to 01:02Z", "01:01:00Z", "01:02:00Z"},
+        {"--from 2026-10-24T19:59:30-05:00 --to 2026-10-24T20:00:10-05:00", "00:59:30Z", "01:00:10Z"},
+        {"--from 2026-10-25T00:59:00Z --to 00:58:30Z", "00:59:00Z", "01:02:00Z"},  // that of the next day
         {"--to 2026-10-25T02:58:01", "00:58:01Z", "00:58:01Z"}};
     for (const auto& [options, first, last] : rows) {
         const auto table = Table("export " + File("race") + " " + options + " --boat 0");
@@ -144,6 +150,10 @@ TEST_F(ExportTest, TakesTimesAsTheyAreTyped) {
         EXPECT_EQ(std::string("2026-10-25T") + first, table[1][0]) << options;
         EXPECT_EQ(std::string("2026-10-25T") + last, table.back()[0]) << options;
     }
+    const auto early = Table("export " + File("race") + " --every 100ms --to 2026-10-25T00:58:00.5Z");
+    EXPECT_EQ((std::vector<std::string>{"time", "BSP", "HDG", "AirTemp", "Depth", "ROT"}), early.at(0)) << "no boat 7 yet";
+    Said("report " + File("race") + " -o " + File("page"));
+    ExpectIn(test.folder.Read("page"), {R"("zone":[[1792889881,120],[1792890001,60]])"});
     for (const char* typed : {"", "noon", "24:00", "+", "+2x", "12:30+0200", "2026-10-25X12:30", "2026-13-01"})
         EXPECT_FALSE(ParseTypedTime(typed)) << typed;
     const std::pair<const char*, double> durations[] = {{"1h30m", 5400}, {"100ms", 0.1}, {"0.5", 0.5}, {"2min", 120}};
@@ -188,6 +198,21 @@ TEST_F(ExportTest, HasTheUnitsAndTheFormThatAreAskedFor) {
             << options << "\n"
             << said;
     }
+    for (const char* theirs : {R"(161,"boat":1,"value":10)", R"(162,"boat":1,"value":11)"})
+        lines += R"({"time":")" + TimeText(kMidnight) + R"(","id":)" + theirs + "}\n";
+    test.folder.Write("two", lines);
+    ExpectIn(Said("export " + File("two") + " --format gpx"), {"<wpt lat=\"61.00000000\""});  // not another boat's mark
+    std::string next;
+    AppendHeader(next, Days(kMidnight));
+    for (const std::int64_t ms : {kSecond, 2 * kSecond}) {
+        AppendMark(next, Days(kMidnight + ms));
+        next += R"({"time":")" + TimeText(kMidnight + ms) + Printed(R"(","id":1,"value":%d})", static_cast<int>(ms)) + "\n";
+    }
+    test.folder.Write("next", next);
+    EXPECT_TRUE(
+        Said("export " + File("race") + " " + File("next") + " --units internal --channels 161,1").ends_with("02Z,,2000\r\n"))
+        << "what a file does not begin with has ended\n"
+        << console.written;
 }
 
 TEST_F(ExportTest, TakesLogsWithTheirOwnTimes) {
@@ -204,6 +229,10 @@ TEST_F(ExportTest, TakesLogsWithTheirOwnTimes) {
     test.folder.Write("dateless", "$IIVHW,,T,,M,4,N,,K\n$GPGLL,6005.071,N,02332.346,E,095559,A,D\n$IIVHW,,T,,M,5,N,,K\n");
     EXPECT_EQ("time,BSP\r\n09:55:59Z,5\r\n", Said("export " + File("dateless") + " --channels BSP"));
     EXPECT_EQ(std::string::npos, Said("export " + File("dateless") + " --format gpx").find("<time>"));
+    std::string tenths = "$GPRMC,235959.9,A,5000.00,N,00100.00,W,6.0,90.0,241026,,\n";
+    for (int i = 0; i < 30; ++i) tenths += Printed("$GPGLL,5000.00,N,00100.00,W,0000%02d.%d,A,A\n", i / 10, i % 10);
+    test.folder.Write("tenths", tenths);
+    ExpectIn(Said("info " + File("tenths")), {"gaps   none\n", "(2026-10-25T00:00:02.9Z)"});
     ExpectSaid(1, {{("export " + File("dateless") + " " + File("log.nmea")).c_str(), {"dateless tells no date"}}});
 }
 
@@ -214,6 +243,7 @@ TEST_F(ExportTest, SaysWhatIsWrongAndKeepsTheRest) {
     test.folder.Write("broken", race + "{}\n" + race);
     test.folder.Write("torn", race + R"({"time":"2026)");
     test.folder.Write("empty", "");
+    test.folder.Write("header", "{\"format\":\"halyrig-record\",\"version\":1}\n");
     test.folder.Write("mine", "mine");
     const std::string file = File("race");
     EXPECT_EQ(7u, Table("export " + File("broken"), ',', 1).size());
@@ -237,6 +267,7 @@ TEST_F(ExportTest, SaysWhatIsWrongAndKeepsTheRest) {
         {1, "report " + File("broken") + " -o " + File("page"), "what comes before is in the report"},
         {1, "info " + File("broken"), "read no further"},
         {0, "info " + File("torn"), "its last line is torn"},
+        {1, "info " + File("header"), "no value in it"},
         {1, "info " + File("empty"), "neither"}};
     for (const auto& [status, command, said] : rows) ExpectIn(Said(command, status), {said});
     EXPECT_EQ("mine", test.folder.Read("mine"));
@@ -248,6 +279,9 @@ TEST_F(ExportTest, SaysWhatIsWrongAndKeepsTheRest) {
     full.room = 100;
     disk = &full;
     ExpectIn(Said("export race -o new", 1), {"new can't be written any more: the disk is full"});
+    full.room = 1 << 20;
+    full.onFlush = [] { return false; };
+    ExpectIn(Said("export race -o other", 1), {"other can't be written to its end: the disk is full"});
     disk = nullptr;
     console.goOn = [] { return false; };
     ExpectIn(Said("export " + file, 1), {"as you asked"});

@@ -232,6 +232,10 @@ TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
     ExpectSaid(2, {{"record --keep 0", {"--keep must be"}},
                    {"record --keep 4x", {"--keep must be"}},
                    {"record f --keep 4", {"does not go with FILE"}}});
+    const std::u16string folder = test.folder.File("ProgramData/Tidewright/recordings");
+    const auto current = Core().files.List(folder, u"halyrig-20261119*").front();
+    DayFiles(Core().files, folder, {.bytes = 1}).Tend(current, 46345);
+    EXPECT_EQ(std::vector{current}, Core().files.List(folder, u"halyrig-20261119*")) << "that which grows stays";
     FakeFiles full;
     disk = &full;
     full.diskRoom = (1ULL << 30) - 1;
@@ -283,13 +287,27 @@ TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
     ExpectIn(behind, {R"("name":"Mk Lat","boat":0,"value":null)", R"("name":"Mk Lon","boat":0,"value":-1)"});
 }
 
+TEST_F(RecordTest, TellsAGapThatLastsToTheEnd) {
+    HangingDisk hanging;
+    disk = &hanging;
+    StartSuite();
+    Record("log --boat 0", 1e6, [&](int look) {
+        suite->StampTime();
+        for (ChannelId channel = kAwa; channel < kChannelCount && look % 2 == 0; ++channel) Publish(channel, 1 + look / 1024.0);
+        if (HasSaid("is lost until it does")) hanging.works.set_value(true), clock.AdvanceMs(2'000'000'000);
+    });
+    ExpectIn(hanging.files.at(0).bytes, {R"({"gap":{"from":")"});
+}
+
 TEST_F(RecordTest, EndsThoughTheDiskHangs) {
     HangingDisk hanging;
     disk = &hanging;
     StartSuite({{kBsp, 6.0}});
-    console.stillGoesOn = [] { return false; };
+    int asked = 0;
+    console.stillGoesOn = [&] { return ++asked, false; };
     each = [&] { return console.waited == 0 || (hanging.hangs.get_future().wait(), false); };
     ExpectIn(Said("record log", 1), {"log: the disk takes nothing; what was published after 2026-", " is lost"});
+    EXPECT_EQ(1, asked) << "the user need not wait for the disk";
     hanging.works.set_value(false);  // the thread that was given up ends without the disk
 }
 
@@ -363,6 +381,14 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
     };
     Said("replay " + File("two.jsonl") + " --from 01:00:20Z");
     EXPECT_EQ(9, Value(kMagVar)) << "which stood then";
+    suite.reset();
+    each = [&, looks = 0]() mutable {
+        if (!suite) StartSuite();
+        if (++looks == 3) clock.AdvanceMs(60'000);
+        return looks < 9;
+    };
+    Said("replay " + File("two.jsonl"));
+    EXPECT_EQ(6, Value(kBsp)) << "a machine that slept plays on where it was";
     suite.reset();
     EXPECT_EQ(100, replay("--loop --speed 2").first);
     replay("--from 01:01Z", 1);

@@ -71,6 +71,16 @@ TEST_F(StreamTest, OutlivesTheRecord) {
     EXPECT_TRUE(said.ends_with("}\n"));
 }
 
+TEST_F(StreamTest, TellsTheEndOfARecordAtOnceHoweverSeldomItLooks) {
+    StartSuite({{kBsp, 7.0}});
+    console.goOn = [&] {
+        if (console.waited >= 1000 && suite) AskToClose(), suite.reset();
+        return console.waited < 8000 && Count(R"("text":null})") == 0;
+    };
+    Said("stream --rate 0.1");
+    EXPECT_GT(2000, console.waited);
+}
+
 TEST_F(StreamTest, LeavesARecordThatClosesWhileNobodyTakesTheOutput) {
     StartSuite({{kBsp, 7.0}});
     console.held = true;
