@@ -2,11 +2,9 @@
 // What halyrigctl serve answers and says, without a network.
 #include <algorithm>
 #include <cctype>
-#include <chrono>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <thread>
 
 #include "ctl_fixture.h"
 #include "halyrigctl/serve/page_files.h"
@@ -20,6 +18,10 @@ namespace {
 using Json = nlohmann::json;
 
 struct ServeTest : CtlTest {
+    CoreServices Core() override {
+        const CoreServices real = test.system->Core();
+        return {clock, real.zone, real.memory, real.registry, real.files, real.xml, real.desktop};
+    }
     // The server as it is at its start.
     struct Server {
         explicit Server(System& system) : lookout(system), site(system, lookout, "") {}
@@ -68,6 +70,7 @@ struct ServeTest : CtlTest {
         return list;
     }
 
+    FakeClock clock;
     std::optional<Server> server{std::in_place, *this};
 };
 
@@ -189,6 +192,8 @@ TEST_F(ServeTest, ThePageHearsEachChangeAndEveryStateOfWhatItWatches) {
     EXPECT_EQ("", ValuesOf(*talk)) << "nor has what is shown, and its age is known for a second";
     Publish(kBsp, 7.0), Publish(kHdg, 90.0);
     EXPECT_EQ("1:fresh:\"7.00\" 13:fresh:\"090\" ", ValuesOf(*talk));
+    clock.AdvanceMs(1500), Publish(kBsp, 7.0);
+    EXPECT_EQ("1:fresh:\"7.00\" ", ValuesOf(*talk)) << "which is of another age now";
     Publish(kBsp, kNoValue);
     EXPECT_EQ("1:missing:null ", ValuesOf(*talk));
     ASSERT_TRUE(talk->Hear(R"({"watch":[[13,0]]})"));
@@ -216,6 +221,11 @@ TEST_F(ServeTest, ItSaysHowTheBridgeIsAndLetsGoOfARecordThatCloses) {
         EXPECT_EQ("as before", bridge());
     }
     EXPECT_EQ(Json::array({"stopped", 0}), bridge());
+    const auto replaying = SystemOf(test.Arguments());
+    EXPECT_TRUE(replaying->GetInstance().Claim(kReplayName));
+    clock.AdvanceMs(1000), Look();
+    EXPECT_EQ(true, SaidBy(*talk).at(0)["replay"]);
+    EXPECT_EQ("as before", bridge());
     Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1});
     EXPECT_EQ(Json::array({"none", 1}), bridge()) << "the value is missing";
     suite.reset();
@@ -227,7 +237,7 @@ TEST_F(ServeTest, TheLastTenMinutesAreInTheUsersUnits) {
     Put(suite->View()->sysFlag[kFlagMagnetic], std::uint8_t{1});
     Publish(kHdg, 350.0), Publish(kTmToGun, 90.0 / 86400);
     Restart();
-    std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+    clock.AdvanceMs(1000);
     Publish(kHdg, 10.0);
     Look();
     const Json points = Told("/halyrig/v1/history?channel=13")["points"];
@@ -238,6 +248,11 @@ TEST_F(ServeTest, TheLastTenMinutesAreInTheUsersUnits) {
     const auto talk = Talk("/halyrig/v1/stream");
     talk->Hear(R"({"watch":[[13,0]]})");
     EXPECT_EQ(Json::parse(R"(["350","010"])"), SaidBy(*talk)[0]["values"][0]["spark"]) << "as one turns";
+    Publish(kHdg, kNoValue);
+    clock.AdvanceMs(1000), Look();
+    EXPECT_TRUE(Told("/halyrig/v1/history?channel=13")["points"].at(2)[1].is_null()) << "where it ended";
+    clock.AdvanceMs(-3'600'000), Publish(kHdg, 20.0), Look();
+    EXPECT_EQ(1u, Told("/halyrig/v1/history?channel=13")["points"].size()) << "a clock that is set back begins it again";
 }
 
 TEST_F(ServeTest, SignalKIsToldAsItIsSubscribed) {
@@ -267,6 +282,11 @@ TEST_F(ServeTest, SignalKIsToldAsItIsSubscribed) {
     none->Hear(R"({"requestId":"7","put":{"path":"a","value":1}})");
     EXPECT_EQ(405, SaidBy(*none)[0]["statusCode"]);
     EXPECT_EQ("m/s", Told("/signalk/v1/api/vessels/self/navigation/speedThroughWater/meta/units"));
+    const auto usual = Talk("/signalk/v1/stream");
+    SaidBy(*usual);
+    Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1});
+    clock.AdvanceMs(5000), Look();
+    ExpectIn(SaidBy(*usual).at(0).dump(), {R"("timestamp":"2026-11-19T00:00:05Z")", R"("value":null)"});
 }
 
 TEST_F(ServeTest, TheOwnBoatHasSeveralNames) {
