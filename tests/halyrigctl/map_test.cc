@@ -265,7 +265,8 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
             ExpectIn(Said(command, 1), {"halyrig.xml can't be changed by command: ", why});
         EXPECT_EQ(text, File()) << why;
     }
-    test.folder.Write("dfw/Data/J_vars06.d", "[variables]\n2 HDG deg 0 0 1\n32767 NONE kn 0 0 1\n32768 LOST kn 0 0 1\n");
+    test.folder.Write("dfw/Data/J_vars06.d",
+                      "[variables]\n2 HDG deg 0 0 1\n3 2 kn 0 0 1\n32767 NONE kn 0 0 1\n32768 LOST kn 0 0 1\n");
     const std::string nested = "<r>\n<var twr='13' dfw='HDG'><note/></var></r>";
     test.folder.Write(kPath, nested);
     ExpectIn(Said("map remove HDG", 1), {"line 2 of ", "holds more than the mapping"});
@@ -277,6 +278,7 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
         Said("map add HDG 13");
         EXPECT_EQ(text.substr(0, text.size() - 2) + ">\n  <var twr=\"13\" dfw=\"HDG\" />\n</r>", File());
     }
+    ExpectIn(Said("map add 2 5"), {"variable 2 feeds channel 5"});  // a name comes before a number
 }
 
 TEST_F(MapTest, ManyChangesLoseNothingElse) {
