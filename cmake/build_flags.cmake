@@ -46,7 +46,7 @@ else()
     endif()
 endif()
 
-# What runs beside the instruments is optimised as a whole, and nothing else: the companion alone would take as long as all the rest.
+# What runs beside the instruments is optimised as a whole, and nothing else: the link of the companion took longer than all others.
 # Objects also contain plain code, with which the tests are linked, whose own objects have nothing else, hardly optimised: compiling them
 # takes most of a build. GCC 12 wrongly reports texts that end outside of their arrays there.
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
