@@ -73,6 +73,12 @@ void AppendIsoTime(std::string& out, double days) {
     out.append(text, length) += 'Z';
 }
 
+std::string IsoTime(double days) {
+    std::string text;
+    AppendIsoTime(text, days);
+    return text;
+}
+
 std::optional<double> ParseIsoTime(std::string_view text) {
     Digits digits(text);
     const int year = digits.Take(4);

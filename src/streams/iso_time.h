@@ -16,6 +16,7 @@ inline bool HasIsoTime(double days) { return days >= 0.0 && days < 2958465.0; }
 
 // Appends a moment that has a text, to the millisecond; zeros at its end are left out.
 void AppendIsoTime(std::string& out, double days);
+std::string IsoTime(double days);
 
 // The same text as days; any number of decimals. nullopt for anything else.
 std::optional<double> ParseIsoTime(std::string_view text);

@@ -21,14 +21,14 @@ namespace {
 using Json = nlohmann::json;
 
 constexpr unsigned kSeed = 20261119;
-constexpr int kLegMs = 288'000, kSpeed = 100;   // three legs are a day
-constexpr std::int64_t kHour = 36'000'000'000;  // in ticks of the clock
-constexpr BoatSlot kBoats = 5;                  // of which 2 and more may come
+constexpr int kLegMs = 288'000, kSpeed = 100;          // three legs are a day
+constexpr std::int64_t kHourOfTicks = 36'000'000'000;  // in ticks of the clock
+constexpr BoatSlot kBoats = 5;                         // of which 2 and more may come
 constexpr const char* kFolders[] = {"Deckman", "Second", "nowhere"};
 constexpr int kFarther = 100;  // are the numbers of the variables in the second
 
 // What is sailed by, and where it is told: "MWVR" is the sentence MWV with reference R.
-struct Course {
+struct Sensor {
     ChannelId channel;
     Quantity quantity;
     double factor, signalKUnit;  // from what Deckman gives to the channel's unit; in the channel's
@@ -36,7 +36,7 @@ struct Course {
     std::size_t field;
 };
 constexpr double kKnot = 1852.0 / 3600, kDegree = 3.14159265358979 / 180, kFoot = 1 / 3.2808;
-constexpr Course kCourses[] = {{kBsp, Quantity::kBsp, 1, kKnot, "BSP", "/navigation/speedThroughWater/value", "VHW", 5},
+constexpr Sensor kSensors[] = {{kBsp, Quantity::kBsp, 1, kKnot, "BSP", "/navigation/speedThroughWater/value", "VHW", 5},
                                {kHdg, Quantity::kHdg, 1, kDegree, "HDG", "/navigation/headingMagnetic/value", "VHW", 3},
                                {kAwa, Quantity::kAwa, 1, kDegree, "AWA", "/environment/wind/angleApparent/value", "MWVR", 1},
                                {kTws, Quantity::kTws, 1, kKnot, "TWS", "/environment/wind/speedTrue/value", "MWVT", 3},
@@ -73,7 +73,7 @@ protected:
     const std::vector<std::pair<const char*, std::function<void()>>> faults = {
         {"Deckman's library goes, or is back", [this] { aboard = !aboard, Choose(); }},
         {"another folder is chosen", [this] { second = !second, Choose(); }},
-        {"a value is lost, or is back", [this] { lost = lost ? nullptr : &kCourses[random() % std::size(kCourses)]; }},
+        {"a value is lost, or is back", [this] { lost = lost ? nullptr : &kSensors[random() % std::size(kSensors)]; }},
         {"a boat comes, or goes", [this] { boats.flip(2 + random() % (kBoats - 2)); }},
         {"the clock is set on", [this] { machine.clock.AdvanceMs(60'000); }},
         {"the wind shifts", [this] { windShift = static_cast<float>(random() % 40); }}};
@@ -93,14 +93,15 @@ protected:
         MappingXml(kSailedBy);
         for (const int folder : {0, 1}) {
             std::string list;
-            for (int i = kFarther * folder; const Course& course : kCourses) list += std::to_string(++i) + " " + course.name + "\n";
+            for (int i = kFarther * folder; const Sensor& sensor : kSensors) list += std::to_string(++i) + " " + sensor.name + "\n";
             Variables(list, kFolders[folder]);
             deckman.Install(test.folder.File(kFolders[folder]));
             test.folder.Write(kFolders[folder] + ("/ShDfW2" + ToUtf8(kLibrarySuffix)), BytesOf(STAND_IN_LIBRARY));
         }
         stored->depthInFeet = true;
-        Stored().Write(kSavedSettingsKey, u"Sys_b3", DwordValue(1));                    // bearings are shown magnetic
-        machine.clock.ticks = (test.system->Core().clock.Ticks() / kHour + 2) * kHour;  // after all files were written
+        Stored().Write(kSavedSettingsKey, u"Sys_b3", DwordValue(1));  // bearings are shown magnetic
+        machine.clock.ticks =
+            (test.system->Core().clock.Ticks() / kHourOfTicks + 2) * kHourOfTicks;  // after all files were written
     }
 
     // The world.
@@ -115,12 +116,12 @@ protected:
             const auto& [name, happens] = faults[random() % faults.size()];
             happens(), ++happened[name];
         }
-        for (int i = kFarther * second; const Course& course : kCourses) {
-            float given = simulation.Now()[course.quantity];
-            if (course.channel == kTwd) given = std::fmod(given + windShift, 360.0f);
-            if (lost == &course) given = kAbsent;
+        for (int i = kFarther * second; const Sensor& sensor : kSensors) {
+            float given = simulation.Now()[sensor.quantity];
+            if (sensor.channel == kTwd) given = std::fmod(given + windShift, 360.0f);
+            if (lost == &sensor) given = kAbsent;
             deckman.variables[++i] = given;
-            if (aboard) last[course.channel] = given == kAbsent ? kNoValue : given * course.factor;
+            if (aboard) last[sensor.channel] = given == kAbsent ? kNoValue : given * sensor.factor;
         }
         if (aboard) published[lastAt = Now()] = last;
         for (BoatSlot boat = 2; boat < kBoats; ++boat) {
@@ -143,9 +144,9 @@ protected:
     static void Take(const Json& one, Values& said) { said[one["id"].get<ChannelId>()] = NumberIn(one["value"]); }
     static void TakeSentence(const std::vector<std::string>& fields, Values& said) {
         const std::string sentence = fields[0].substr(3) + (fields[0].ends_with("MWV") ? fields[2] : "");
-        for (const Course& course : kCourses) {
-            if (sentence == course.sentence && !fields.at(course.field).empty())
-                said[course.channel] = std::stod(fields[course.field]);
+        for (const Sensor& sensor : kSensors) {
+            if (sentence == sensor.sentence && !fields.at(sensor.field).empty())
+                said[sensor.channel] = std::stod(fields[sensor.field]);
         }
     }
     static Values InLines(const std::string& lines, Values said = {}) {
@@ -166,9 +167,9 @@ protected:
         const WebRequest request{.method = "GET", .target = "/signalk/v1/api/vessels/self", .host = "10.0.0.2:8377"};
         const Json self = Json::parse(site->Answer(request).body);
         Values said;
-        for (const Course& course : kCourses) {
-            const double value = NumberIn(self.value(Json::json_pointer(course.path), Json()));
-            said[course.channel] = value == kNoValue ? value : value / course.signalKUnit;
+        for (const Sensor& sensor : kSensors) {
+            const double value = NumberIn(self.value(Json::json_pointer(sensor.path), Json()));
+            said[sensor.channel] = value == kNoValue ? value : value / sensor.signalKUnit;
         }
         return said;
     }
@@ -221,9 +222,9 @@ protected:
         if (const auto fresh = IsFresh(lastAt)) Expect(*fresh ? last : Values(), voice, said, within);
     }
     void Expect(const Values& known, const std::string& voice, const Values& said, double within = 0.01) {
-        for (const Course& course : kCourses) {
-            const double value = ValueIn(known, course.channel), told = ValueIn(said, course.channel);
-            EXPECT_TRUE(Same(value, told, within)) << voice << " says " << told << " of " << course.name << ", which is " << value;
+        for (const Sensor& sensor : kSensors) {
+            const double value = ValueIn(known, sensor.channel), told = ValueIn(said, sensor.channel);
+            EXPECT_TRUE(Same(value, told, within)) << voice << " says " << told << " of " << sensor.name << ", which is " << value;
             ++(value == kNoValue ? nones : values)[voice];
         }
     }
@@ -241,7 +242,7 @@ protected:
              Parts(Answered("export --format jsonl --every 50ms " + recording + " --channels " + kNames), '\n')) {
             const Json row = Json::parse(line);
             Values& at = rows[ToMillisecond(ParseIsoTime(row["time"].get<std::string>()).value())];
-            for (const Course& course : kCourses) at[course.channel] = NumberIn(row[course.name]);
+            for (const Sensor& sensor : kSensors) at[sensor.channel] = NumberIn(row[sensor.name]);
         }
         for (const auto& [at, row] : rows) {
             const auto after = published.upper_bound(at);
@@ -273,7 +274,7 @@ protected:
     SailingSimulation simulation{kSeed, 300};
     bool aboard = true, second = false;  // Deckman's library; in the second folder
     float windShift = 0;
-    const Course* lost = nullptr;
+    const Sensor* lost = nullptr;
     std::bitset<kBoats> boats{1 << 2};
     std::array<std::int64_t, kBoats> boatAt{};  // published; milliseconds
     Values last;                                // published of the own boat

@@ -13,7 +13,7 @@ constexpr double kMetresPerDegree = 111'120.0;        // sixty miles
 constexpr double kClosest = 20.0, kSquarest = 177.0;  // degrees from the wind between which a boat sails on a side of it
 constexpr double kClosestApparent = 12.0;             // degrees; closer to the bow only an engine keeps it
 constexpr double kFastestForWind = 3.0;               // times the true wind; likewise
-constexpr double kLeastSpeed = 1.0;                   // knots; a slower boat drifts
+constexpr double kLeastWay = 1.0;                     // knots; a slower boat drifts
 constexpr double kAside = 0.1;                        // of the line beyond its ends, where she still crosses it
 constexpr double kLatest = 600.0;                     // seconds after the gun
 
@@ -64,7 +64,7 @@ double RaceRow::Vmg() const { return bsp * CosDegrees(twa); }
 
 int SideOf(const RaceRow& row) {
     const double angle = std::fabs(row.twa);
-    if (!(angle >= kClosest && angle <= kSquarest) || !(row.Speed() >= kLeastSpeed)) return 0;
+    if (!(angle >= kClosest && angle <= kSquarest) || !(row.Speed() >= kLeastWay)) return 0;
     if (std::fabs(row.awa) < kClosestApparent || row.Speed() > kFastestForWind * row.tws) return 0;
     return row.twa > 0.0 ? 1 : -1;
 }

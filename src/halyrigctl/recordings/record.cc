@@ -18,12 +18,6 @@ namespace {
 constexpr int kCallsBetweenTending = 10;  // of one a second
 constexpr int kMostDrainMs = 30'000;      // what waits is 30 s of every channel, and a service is killed after 90 s
 
-std::string MomentText(double days) {
-    std::string text;
-    AppendIsoTime(text, days);
-    return text;
-}
-
 class RecordingOutlet : public Outlet {
 public:
     RecordingOutlet(System& system, const RecordingOptions& options, Streamer& streamer)
@@ -38,7 +32,7 @@ public:
         hasRoom_ = queue_.HasRoom();
         if (!hasRoom_ && !gapFrom_) {
             gapFrom_ = last_;
-            Complain(console_, "the disk takes nothing; what is published from " + MomentText(last_) +
+            Complain(console_, "the disk takes nothing; what is published from " + IsoTime(last_) +
                                    " on is lost until it does. Is it too slow, or failing?");
         }
         return hasRoom_;
@@ -61,8 +55,7 @@ public:
         const auto state = queue_.Now();
         const std::string file = Harmless(state.path.empty() ? name_ : state.path);
         const double kept = std::max(state.kept, first_.value_or(0.0));
-        if (!ended)
-            Complain(console_, file + ": the disk takes nothing; what was published after " + MomentText(kept) + " is lost.");
+        if (!ended) Complain(console_, file + ": the disk takes nothing; what was published after " + IsoTime(kept) + " is lost.");
         if (!state.fault.empty()) Complain(console_, file + " " + state.fault);
         return ended && state.fault.empty();
     }
@@ -75,7 +68,7 @@ private:
         if (!first_) first_ = now.utc;
         std::string gap;
         if (gapFrom_) {
-            Complain(console_, "what was published from " + MomentText(*gapFrom_) + " to " + MomentText(now.utc) +
+            Complain(console_, "what was published from " + IsoTime(*gapFrom_) + " to " + IsoTime(now.utc) +
                                    " is lost, since the disk took nothing; the recording tells so.");
             AppendGap(gap, *gapFrom_, now.utc);
             gapFrom_.reset();

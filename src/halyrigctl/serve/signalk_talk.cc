@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kMostSubscriptions = 500;
 constexpr double kEarly = 0.025;  // seconds by which a look may come before its time
 
-std::string Refusal(const std::string& requestId, int status) {
+std::string RefusalLine(const std::string& requestId, int status) {
     return JsonLine({{"requestId", requestId}, {"state", "COMPLETED"}, {"statusCode", status}});
 }
 
@@ -47,7 +47,7 @@ bool SignalKTalk::Hear(std::string_view message) {
     for (auto* rows : {&said->subscribe, &said->unsubscribe}) {
         for (SignalKSubscription& row : *rows) row.context = ContextIn(row.context);
     }
-    if (said->refusal != 0) replies_.push_back(Refusal(said->requestId, said->refusal));
+    if (said->refusal != 0) replies_.push_back(RefusalLine(said->requestId, said->refusal));
     for (const SignalKSubscription& ended : said->unsubscribe) {
         std::erase_if(subscriptions_, [&](const SignalKSubscription& one) {
             return MatchesPattern(ended.context, one.context) && MatchesPattern(ended.path, one.path);

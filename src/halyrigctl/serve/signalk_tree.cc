@@ -23,12 +23,6 @@ std::string OwnUuid() {
                    part(0, 0, 0xFFF), part(1, 0, 0xFFF), part(1, 32, 0xFFFFFFFF), part(1, 16, 0xFFFF));
 }
 
-std::string MomentText(double days) {
-    std::string text;
-    AppendIsoTime(text, days);
-    return text;
-}
-
 // The part of a path up to `end`, which is taken off with it.
 std::string TakeStep(std::string_view& path, char end) {
     const std::string step(path.substr(0, path.find(end)));
@@ -37,7 +31,7 @@ std::string TakeStep(std::string_view& path, char end) {
 }
 
 Json AsJson(const SignalKLeaf& leaf, const std::string& meta) {
-    Json json{{"value", Json::parse(leaf.value)}, {"timestamp", MomentText(leaf.time)}, {"$source", "halyrig"}};
+    Json json{{"value", Json::parse(leaf.value)}, {"timestamp", IsoTime(leaf.time)}, {"$source", "halyrig"}};
     if (!meta.empty()) json["meta"] = Json::parse(meta);
     return json;
 }

@@ -76,7 +76,7 @@ std::string TextTable(const std::vector<BoatReading>& boats) {
     return table;
 }
 
-Json JsonRow(const BoatReading& boat) {
+Json JsonBoat(const BoatReading& boat) {
     return {{"boat", boat.slot},
             {"name", TextOrNull(boat.name)},
             {"mmsi", Told(boat.mmsi != 0, boat.mmsi)},
@@ -97,7 +97,7 @@ std::vector<BoatReading> ReadBoats(CoreRecord& record, double now, bool all) {
 
 std::string AsJson(const std::vector<BoatReading>& boats) {
     std::vector<Json> rows;
-    std::ranges::transform(boats, std::back_inserter(rows), JsonRow);
+    std::ranges::transform(boats, std::back_inserter(rows), JsonBoat);
     return JsonTable(rows);
 }
 

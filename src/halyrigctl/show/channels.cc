@@ -46,7 +46,7 @@ std::string TsvRow(const ChannelInfo& info) {
                    info.type, info.min, info.max, info.staleSeconds, info.prec, info.shortIndex, Flags(info).c_str());
 }
 
-Json JsonRow(const ChannelInfo& info) {
+Json JsonInfo(const ChannelInfo& info) {
     const std::string flags = Flags(info);
     return {{"id", info.id},
             {"name", TextOrNull(info.name)},
@@ -74,7 +74,7 @@ std::string TsvTable() {
 
 std::string JsonCatalogue() {
     std::vector<Json> rows;
-    for (const ChannelInfo& info : ChannelCatalogue()) rows.push_back(JsonRow(info));
+    for (const ChannelInfo& info : ChannelCatalogue()) rows.push_back(JsonInfo(info));
     return JsonTable(rows);
 }
 

@@ -121,7 +121,7 @@ std::string TsvRow(const LiveChannel& channel) {
                    channel.log, channel.published, channel.blocked, channel.held);
 }
 
-Json JsonRow(const LiveChannel& channel) {
+Json JsonChannel(const LiveChannel& channel) {
     return {{"id", channel.id},
             {"name", TextOrNull(ChannelCatalogue()[channel.id].name)},
             {"userName", TextOrNull(channel.userName)},
@@ -139,7 +139,7 @@ Json JsonRow(const LiveChannel& channel) {
 std::string Table(const std::vector<LiveChannel>& channels, TableForm form) {
     if (form == TableForm::kJson) {
         std::vector<Json> rows(channels.size());
-        std::ranges::transform(channels, rows.begin(), JsonRow);
+        std::ranges::transform(channels, rows.begin(), JsonChannel);
         return JsonTable(rows);
     }
     const bool tsv = form == TableForm::kTsv;

@@ -45,7 +45,7 @@ private:
     std::optional<std::string> old_;
 };
 
-const Role kSize("console size", [](const std::vector<std::string>& arguments) {
+const Role kConsoleSize("console size", [](const std::vector<std::string>& arguments) {
     if (!arguments.empty()) dup2(open(arguments[0].c_str(), O_RDONLY), STDIN_FILENO);
     const auto screen = MakeConsole()->TakeScreen();
     const ConsoleSize size = screen ? screen->Size() : ConsoleSize{};
@@ -93,7 +93,7 @@ TEST(PosixConsole, ReadsALineAndTellsAReaderThatHasGone) {
     EXPECT_EQ(0, child->Wait());
 }
 
-const Role kAnswers("answers", [](const std::vector<std::string>& arguments) {
+const Role kArguments("answers", [](const std::vector<std::string>& arguments) {
     std::string name = "halyrig32", typed = arguments.at(0);
     char* argv[] = {name.data(), typed.data()};
     std::puts(AnswerArguments(2, argv) ? "answered" : "starts");

@@ -21,7 +21,7 @@
 namespace twr {
 namespace {
 
-constexpr std::size_t kSize = 166784;
+constexpr std::size_t kBlockSize = 166784;
 
 // The tests' hand in each opening of an object by name. Openings are counted from 1.
 std::function<void(int)> afterOpening;
@@ -76,12 +76,12 @@ std::string LockOfOthers(const Descriptor& object, off_t start) {
 }
 
 TEST_F(SharedMemoryObjectTest, IsReadLockedAsAWholeAndGoneWithItsLastHolder) {
-    auto creator = memory_.CreateOrOpen(u"Block", kSize), other = memory_.CreateOrOpen(u"Block", kSize);
+    auto creator = memory_.CreateOrOpen(u"Block", kBlockSize), other = memory_.CreateOrOpen(u"Block", kBlockSize);
     const Descriptor object = Object();
     struct stat status {};
     ASSERT_EQ(0, fstat(object.Get(), &status));
     EXPECT_EQ(0600u, status.st_mode & 07777);
-    EXPECT_EQ(static_cast<off_t>(kSize), status.st_size);
+    EXPECT_EQ(static_cast<off_t>(kBlockSize), status.st_size);
     EXPECT_EQ("read 0 0", LockOfOthers(object, 0));
     creator.reset();
     EXPECT_EQ("read 0 0", LockOfOthers(object, 0)) << "one that joined";
@@ -94,7 +94,7 @@ TEST_F(SharedMemoryObjectTest, IsReadLockedAsAWholeAndGoneWithItsLastHolder) {
     holder->Kill();
     holder->Wait();
     EXPECT_TRUE(Object()) << "a killed holder takes nothing away itself";
-    EXPECT_EQ(nullptr, memory_.OpenExisting(u"Block", kSize));
+    EXPECT_EQ(nullptr, memory_.OpenExisting(u"Block", kBlockSize));
     EXPECT_FALSE(Object());
 }
 
@@ -117,7 +117,7 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
     for (const auto& [what, before, first, second, existed, looks] : rows) {
         SCOPED_TRACE(what);
         other = Object(O_RDWR | O_CREAT);
-        ASSERT_EQ(0, ftruncate(other.Get(), kSize));
+        ASSERT_EQ(0, ftruncate(other.Get(), kBlockSize));
         before();
         openings = 0;
         afterOpening = [&, &at = first, &then = second, held = existed](int opening) {
@@ -127,13 +127,13 @@ TEST_F(SharedMemoryObjectTest, IsHadWhateverOthersDoMeanwhile) {
             ownHold = held && !LockOfOthers(other, kLast).empty();
             then();
         };
-        const auto block = memory_.CreateOrOpen(u"Block", kSize);
+        const auto block = memory_.CreateOrOpen(u"Block", kBlockSize);
         afterOpening = nullptr;
         ASSERT_TRUE(block && block->Data());
         EXPECT_EQ(existed, block->Existed());
         EXPECT_EQ(looks, ownLook) << "it locks nothing before it has seen a holder";
         EXPECT_FALSE(ownHold) << "who only looks is no holder";
-        EXPECT_NE(nullptr, memory_.OpenExisting(u"Block", kSize)) << "its name leads to it";
+        EXPECT_NE(nullptr, memory_.OpenExisting(u"Block", kBlockSize)) << "its name leads to it";
         other.Close();
     }
 }
@@ -152,7 +152,7 @@ TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
         {"no descriptor left", [] { openingThatFails = 1; }, "it can't be opened: Too many open files"},
         {"one descriptor left", [] { openingThatFails = 2; }, "it can't be opened: Too many open files"},
         {"no room to map it", [] { LimitMemory(1); }, kNeedsTheMemory ? "" : "it can't be mapped: Cannot allocate memory"},
-        {"held in another size", [&] { held = memory_.CreateOrOpen(u"Block", kSize / 2); },
+        {"held in another size", [&] { held = memory_.CreateOrOpen(u"Block", kBlockSize / 2); },
          "a program that holds it created it with another size; end that program"}};
     for (const auto& [what, plant, why] : rows) {
         if (why.empty()) {
@@ -162,7 +162,7 @@ TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
         SCOPED_TRACE(what);
         shm_unlink(ObjectName().c_str());
         plant();
-        const std::size_t size = why.starts_with("there is no room") ? std::size_t{1} << 62 : kSize;
+        const std::size_t size = why.starts_with("there is no room") ? std::size_t{1} << 62 : kBlockSize;
         const auto system = testing::SystemOf(test_.Arguments());
         const bool canBeSeen = openingThatFails == 0 && !why.starts_with("it can't be mapped");
         const MemoryFault seen = system->Core().memory.FaultOf(u"Block", size);
@@ -187,13 +187,13 @@ TEST_F(SharedMemoryObjectTest, WhyItCantBeHadIsToldAndMakesTheProgramFail) {
 TEST_F(SharedMemoryObjectTest, ANameThatIsTakenFromItIsNoticedAndTold) {
     for (const bool another : {false, true}) {
         const auto system = testing::SystemOf(test_.Arguments());
-        auto block = system->Core().memory.CreateOrOpen(u"Block", kSize);
+        auto block = system->Core().memory.CreateOrOpen(u"Block", kBlockSize);
         ::testing::internal::CaptureStderr();
         EXPECT_FALSE(block->IsLost());
         EXPECT_TRUE(memory_.HasName(u"Block"));
         shm_unlink(ObjectName().c_str());
         EXPECT_FALSE(memory_.HasName(u"Block"));
-        const auto next = another ? memory_.CreateOrOpen(u"Block", kSize) : nullptr;
+        const auto next = another ? memory_.CreateOrOpen(u"Block", kBlockSize) : nullptr;
         EXPECT_TRUE(block->IsLost() && block->IsLost());
         const std::string told = ::testing::internal::GetCapturedStderr();
         EXPECT_EQ(1, std::ranges::count(told, '\n')) << told;
@@ -207,12 +207,12 @@ TEST_F(SharedMemoryObjectTest, ANameThatIsTakenFromItIsNoticedAndTold) {
 TEST_F(SharedMemoryObjectTest, IsGoneAfterManyHaveLeftAtOnce) {
     for (int round = 0; round < 1000; ++round) {
         std::barrier together(2);
-        const auto hold = [&](std::unique_ptr<SharedBlock> block) {
+        const auto keep = [&](std::unique_ptr<SharedBlock> block) {
             together.arrive_and_wait();
             block.reset();
         };
-        std::thread other(hold, memory_.CreateOrOpen(u"Block", kSize));
-        hold(memory_.CreateOrOpen(u"Block", kSize));
+        std::thread other(keep, memory_.CreateOrOpen(u"Block", kBlockSize));
+        keep(memory_.CreateOrOpen(u"Block", kBlockSize));
         other.join();
         ASSERT_FALSE(Object()) << "round " << round;
     }

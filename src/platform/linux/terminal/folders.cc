@@ -15,7 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kRowsAroundList = 5;  // two of the frame, the path, and two empty ones
-constexpr int kMargin = 3;          // columns from the panel's edge to the list
 constexpr CellSize kSmallest{kRowsAroundList + 3, 30}, kLargest{18, 64};
 
 // The first two entries: this folder itself, and the one above. Its sub-folders follow.

@@ -10,7 +10,6 @@ namespace twr {
 namespace {
 
 constexpr int kUnitsPerRow = 8;  // dialog units
-constexpr int kMargin = 3;       // columns from the panel's edge to the controls
 constexpr int kNarrowestField = 16, kWidestForm = 72;
 constexpr std::wstring_view kBrowse = L" [...]";
 

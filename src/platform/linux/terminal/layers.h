@@ -13,6 +13,8 @@
 
 namespace twr {
 
+inline constexpr int kMargin = 3;  // columns from a panel's edge to what is in it
+
 class Layer {
 public:
     virtual ~Layer() = default;
