@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// What commands say in a scene, word for word, compared with tests/halyrigctl/said/NAME.txt. With HALYRIG_KEEP=1 in the environment
+// it is kept anew: then read the difference like code.
+#pragma once
+#include <cstdlib>
+#include <fstream>
+#include <regex>
+
+#include "ctl_fixture.h"
+
+namespace twr::testing {
+
+class Transcript {
+public:
+    Transcript(const char* name, CtlTest& test) : path_(std::string(SAID) + "/" + name + ".txt"), test_(test) {}
+    ~Transcript() {
+        if (std::getenv("HALYRIG_KEEP")) std::ofstream(path_, std::ios::binary) << said_;
+        const auto kept = LinesOf(BytesOf(path_)), said = LinesOf(said_);
+        EXPECT_EQ(kept.size(), said.size()) << path_;
+        std::string last;  // what was typed
+        for (std::size_t i = 0, wrong = 0; i < std::min(kept.size(), said.size()) && wrong < 5; ++i) {
+            if (kept[i].starts_with('$')) last = kept[i];
+            EXPECT_EQ(kept[i], said[i]) << path_ << ":" << i + 1 << ", behind " << last;
+            if (kept[i] != said[i]) ++wrong;
+        }
+    }
+    Transcript(const Transcript&) = delete;
+    Transcript& operator=(const Transcript&) = delete;
+
+    // A command, in which ~ is the test's folder, all that it says, and its status if that isn't 0.
+    void Type(const std::string& command) {
+        std::istringstream words(command);
+        std::vector<std::string> arguments;
+        for (std::string word; words >> word;)
+            arguments.push_back(std::regex_replace(word, std::regex("~"), ToUtf8(test_.test.folder.Text())));
+        test_.console.written.clear();
+        test_.console.forgets = false;
+        const int status = RunCommandLine(test_, arguments);
+        Tell("$ " + command, test_.console.written + (status == 0 ? "" : "[" + std::to_string(status) + "]"));
+    }
+    // What has happened, or what the text behind it is.
+    void Tell(const std::string& what, const std::string& text = "") {
+        said_ += what + "\n" + Alike(text);
+        if (!said_.ends_with('\n')) said_ += '\n';
+    }
+
+private:
+    // As it is on each system and in each folder.
+    std::string Alike(std::string text) const {
+        const auto replace = [&](const std::string& from, const std::string& to) {
+            for (std::size_t at = 0; !from.empty() && (at = text.find(from, at)) != text.npos; at += to.size())
+                text.replace(at, from.size(), to);
+        };
+        if (kPathSeparator == u'\\') {
+            replace("\\\\", "/");
+            for (std::size_t at = 0; (at = text.find('\\', at)) != text.npos; ++at)
+                if (at + 1 < text.size() && text[at + 1] != '"') text[at] = '/';
+        }
+        std::string folder = ToUtf8(test_.test.folder.Text());
+        std::ranges::replace(folder, '\\', '/');
+        replace(folder, "~");
+        replace(HALYRIG_PROGRAM, "halyrig32");
+        replace("ShDfW2" + ToUtf8(kLibrarySuffix), "ShDfW2.so");
+        replace("\r", "\\r");
+        return text;
+    }
+
+    const std::string path_;
+    CtlTest& test_;
+    std::string said_;
+};
+
+}  // namespace twr::testing
