@@ -179,28 +179,6 @@ TEST_F(ServeTest, FilesOfThePageAreTypedAndKnownAgain) {
     EXPECT_EQ("application/manifest+json", Get("/page/manifest.webmanifest").type);
 }
 
-TEST_F(ServeTest, ThePageHearsEachChangeAndEveryStateOfWhatItWatches) {
-    StartSuite({{kBsp, 6.5}});
-    Publish(kTws, 12.0, 11.0);
-    Restart();
-    const auto talk = Talk("/halyrig/v1/stream");
-    EXPECT_EQ(1u, SaidBy(*talk).size()) << "that nothing is watched yet, but the server is there";
-    ASSERT_TRUE(talk->Hear(R"({"watch":[[1,0],[5,0],[13,0],[18,50]]})"));
-    EXPECT_EQ("1:fresh:\"6.50\" 5:stale:null 13:missing:null 18:missing:null ", ValuesOf(*talk));
-    EXPECT_EQ("", ValuesOf(*talk)) << "nothing has changed";
-    Publish(kBsp, 6.501);
-    EXPECT_EQ("", ValuesOf(*talk)) << "nor has what is shown, and its age is known for a second";
-    Publish(kBsp, 7.0), Publish(kHdg, 90.0);
-    EXPECT_EQ("1:fresh:\"7.00\" 13:fresh:\"090\" ", ValuesOf(*talk));
-    clock.AdvanceMs(1500), Publish(kBsp, 7.0);
-    EXPECT_EQ("1:fresh:\"7.00\" ", ValuesOf(*talk)) << "which is of another age now";
-    Publish(kBsp, kNoValue);
-    EXPECT_EQ("1:missing:null ", ValuesOf(*talk));
-    ASSERT_TRUE(talk->Hear(R"({"watch":[[13,0]]})"));
-    EXPECT_EQ("13:fresh:\"090\" ", ValuesOf(*talk)) << "all that is watched, changed or not";
-    EXPECT_FALSE(talk->Hear("{}"));
-}
-
 TEST_F(ServeTest, ItSaysHowTheBridgeIsAndLetsGoOfARecordThatCloses) {
     std::unique_ptr<WebTalk> talk;
     const auto bridge = [&] {
@@ -230,63 +208,6 @@ TEST_F(ServeTest, ItSaysHowTheBridgeIsAndLetsGoOfARecordThatCloses) {
     EXPECT_EQ(Json::array({"none", 1}), bridge()) << "the value is missing";
     suite.reset();
     EXPECT_FALSE(Held()) << "the guest would keep the request alive";
-}
-
-TEST_F(ServeTest, TheLastTenMinutesAreInTheUsersUnits) {
-    StartSuite();
-    Put(suite->View()->sysFlag[kFlagMagnetic], std::uint8_t{1});
-    Publish(kHdg, 350.0), Publish(kTmToGun, 90.0 / 86400);
-    Restart();
-    clock.AdvanceMs(1000);
-    Publish(kHdg, 10.0);
-    Look();
-    const Json points = Told("/halyrig/v1/history?channel=13")["points"];
-    ASSERT_EQ(2u, points.size()) << points;
-    EXPECT_EQ(350.0, points[0][1]);
-    EXPECT_EQ(10.0, points[1][1]);
-    EXPECT_NEAR(90.0, Told("/halyrig/v1/history?channel=204")["points"][0][1].get<double>(), 1e-6) << "seconds";
-    const auto talk = Talk("/halyrig/v1/stream");
-    talk->Hear(R"({"watch":[[13,0]]})");
-    EXPECT_EQ(Json::parse(R"(["350","010"])"), SaidBy(*talk)[0]["values"][0]["spark"]) << "as one turns";
-    Publish(kHdg, kNoValue);
-    clock.AdvanceMs(1000), Look();
-    EXPECT_TRUE(Told("/halyrig/v1/history?channel=13")["points"].at(2)[1].is_null()) << "where it ended";
-    clock.AdvanceMs(-3'600'000), Publish(kHdg, 20.0), Look();
-    EXPECT_EQ(1u, Told("/halyrig/v1/history?channel=13")["points"].size()) << "a clock that is set back begins it again";
-}
-
-TEST_F(ServeTest, SignalKIsToldAsItIsSubscribed) {
-    StartSuite({{kBsp, 1.0}, {kUser0, 2.0}, {kForestay, 3.0}});
-    Restart();
-    const auto instant = Talk("/signalk/v1/stream?sendMeta=all"), none = Talk("/signalk/v1/stream?subscribe=none");
-    const auto hello = SaidBy(*none);
-    ASSERT_EQ(1u, hello.size());
-    EXPECT_EQ(Told("/signalk/v1/api")["self"], hello[0]["self"]);
-    EXPECT_EQ("1.7.0", hello[0]["version"]);
-    const auto first = SaidBy(*instant);
-    ASSERT_EQ(2u, first.size()) << "the hello, and what is known";
-    EXPECT_EQ(hello[0]["self"], first[1]["context"]);
-    const std::string said = first[1].dump();
-    ExpectIn(said, {R"({"path":"navigation.speedThroughWater","value":0.5144444444444445})",
-                    R"({"path":"halyrig.user0","value":{"description":"User 0","displayName":"User 0"}})",
-                    R"({"path":"halyrig.forestay","value":3})"});
-    EXPECT_EQ("", DeltasOf(*instant));
-    none->Hear(R"({"context":"vessels.self","subscribe":[{"path":"navigation.*","policy":"instant","minPeriod":60000}]})");
-    EXPECT_EQ("navigation.speedThroughWater=0.5144444444444445 ", DeltasOf(*none)) << "what is known";
-    Publish(kBsp, 3600.0 / 1852), Publish(kUser0, kNoValue);
-    EXPECT_EQ("navigation.speedThroughWater=1 halyrig.user0=null ", DeltasOf(*instant));
-    EXPECT_EQ("", DeltasOf(*none)) << "not yet";
-    instant->Hear(R"({"context":"*","unsubscribe":[{"path":"*"}]})");
-    Publish(kBsp, 2.0);
-    EXPECT_EQ("", DeltasOf(*instant));
-    none->Hear(R"({"requestId":"7","put":{"path":"a","value":1}})");
-    EXPECT_EQ(405, SaidBy(*none)[0]["statusCode"]);
-    EXPECT_EQ("m/s", Told("/signalk/v1/api/vessels/self/navigation/speedThroughWater/meta/units"));
-    const auto usual = Talk("/signalk/v1/stream");
-    SaidBy(*usual);
-    Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1});
-    clock.AdvanceMs(5000), Look();
-    ExpectIn(SaidBy(*usual).at(0).dump(), {R"("timestamp":"2026-11-19T00:00:05Z")", R"("value":null)"});
 }
 
 TEST_F(ServeTest, TheOwnBoatHasSeveralNames) {

@@ -27,30 +27,6 @@ struct StreamTest : CtlTest {
     }
 };
 
-TEST_F(StreamTest, WritesEachFormatAsItIsPublished) {
-    StartSuite({{kBsp, 6.5}, {kMagVar, 3.0}});
-    Publish(kAws, 3.0, 20.0);
-    const auto publish = [&] { Publish(kHdg, 90.0); };
-    const std::pair<const char*, std::vector<const char*>> rows[] = {
-        {"stream", {R"("id":1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"6.50"})", "\n{", R"("name":"HDG")"}},
-        {"stream --channels hdg --boat 0", {R"("id":13)"}},
-        {"stream --all --channels 13,1", {R"("id":13)", R"("id":1,)"}},
-        {"stream --format signalk --channels BSP,HDG", {R"("context":"vessels.self")", "headingMagnetic", "headingTrue"}},
-        {"stream --format nmea", {"$IIVHW,", "$IIHDT,93.0,T*"}}};
-    for (const auto& [typed, said] : rows) {
-        SCOPED_TRACE(typed);
-        Publish(kHdg, kNoValue);
-        Steps(2500, {{1200, publish}});
-        ExpectIn(Said(typed), said);
-        EXPECT_EQ(0u, Count("AWS"));
-    }
-    console.goOn = [] { return true; };
-    console.waited = 0;
-    Said("stream --seconds 3 --rate 0.5");
-    EXPECT_TRUE(console.waited > 2000 && console.waited <= 3000) << console.waited;
-    EXPECT_EQ(0u, Count("halyrigctl:"));
-}
-
 TEST_F(StreamTest, OutlivesTheRecord) {
     const auto end = [&] {
         suite.reset();
