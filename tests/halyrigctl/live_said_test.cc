@@ -84,10 +84,11 @@ TEST_F(LiveTest, EachWordOfAStream) {
     Set(2, {{kBsp, 5.25}});  // a boat without an MMSI
     const std::vector<std::function<void()>> changes = {
         [&] {
-            Set(0, {{kBsp, 6.5}, {kHdg, 1.5}, {kTwd, kNoValue}}), Set(1, {{kBsp, 7.25}, {172, 1013.5}}), Set(3, {{kSog, 11.5}});
+            Set(0, {{kBsp, 6.5}, {kHdg, 1.5}, {kTwd, kNoValue}, {kLat, 50.0}, {kLon, -0.5}, {kGpsMethod, 6.0}}),
+                Set(1, {{kBsp, 7.25}, {172, 1013.5}}), Set(3, {{kSog, 11.5}});
         },
         [&] {
-            Set(0, {{kHdg, 1.5}, {kMagVar, -1.25}}), Set(1, {{kBsp, kNoValue}, {kSog, 4.5}});
+            Set(0, {{kHdg, 1.5}, {kMagVar, -1.25}, {kMkRng, 1.5}, {kMkBrg, 359.0}}), Set(1, {{kBsp, kNoValue}, {kSog, 4.5}});
         },
         [&] {
             Set(0, {{173, 8.125}, {174, 101325.0}, {175, -90.0}, {176, 46345.75}, {177, -0.001}, {178, 55.5}});

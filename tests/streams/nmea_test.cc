@@ -96,25 +96,6 @@ TEST_F(NmeaTest, TellsTheChosenBoatAndChannels) {
     EXPECT_EQ("HDG,90.0,,,3.0,E\nHDM,90.0,M\nHDT,93.0,T\nVHW,93.0,T,90.0,M,,,,\n", Sentences());
 }
 
-// To the mark, by satellites, as long as a sentence gets; a position by dead reckoning is never sent as a fix.
-TEST_F(NmeaTest, TellsOfSatellitesAndTheMark) {
-    const std::pair<ChannelId, double> published[] = {
-        {kLat, 50.503456}, {kLon, -146.996},  {kMagVar, -3.0},   {kGpsMethod, 4.0}, {kGpsNum, 9.0}, {kHdop, 0.9},
-        {kPdop, 1.5},      {kVdop, 1.2},      {kAltitude, 12.5}, {kGeoSep, 19.6},   {kGpsAge, 3.0}, {kDiffStn, 12.0},
-        {kMkLat, -50.5},   {kMkLon, -151.25}, {kMkRng, 9999.99}, {kMkBrg, 190.0},   {kVmc, -12.3}};
-    for (const auto& [channel, value] : published) Publish(channel, value);
-    const std::string all = Sentences();
-    for (const char* part :
-         {"GGA,000000.00,5030.20736,N,14659.76000,W,4,09,0.9,12.5,M,19.6,M,3.0,0012\n", "GSA,A,3,,,,,,,,,,,,,1.5,0.9,1.2\n",
-          "BWC,000000.00,5030.00000,S,15115.00000,W,187.0,T,190.0,M,9999.99,N,MARK,R\n",
-          "RMB,A,,,,MARK,5030.00000,S,15115.00000,W,9999.99,187.0,-12.3,V,R\n"})
-        EXPECT_NE(all.npos, all.find(part)) << part << "is not in\n" << all;
-    Publish(kGpsMethod, 6.0);
-    const std::string reckoned = Sentences();
-    for (const char* part : {"RMC,000000.00,V,", ",V,E\n", "RMB,V,"}) EXPECT_NE(all.npos, reckoned.find(part)) << part << reckoned;
-    for (const char* part : {"GGA", "GSA"}) EXPECT_EQ(all.npos, reckoned.find(part)) << part << reckoned;
-}
-
 TEST_F(NmeaTest, ComesFromTheTalkersThatAreWanted) {
     Publish(kCog, 90.0), Publish(kBsp, 5.0);
     const std::pair<std::vector<const char*>, const char*> rows[] = {

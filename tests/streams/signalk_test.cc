@@ -97,20 +97,5 @@ TEST_F(SignalKTest, NamesBoatsByTheirMmsi) {
               Listed(Values()));
 }
 
-TEST_F(SignalKTest, TellsUnitsOnceAndValuesUnderTheirOwnTime) {
-    const double now = Now();
-    Publish(kDepth, 3.6), Publish(kGpsNum, 9.0), Publish(kLat, 50.0), Publish(kLon, 7.0);
-    Publish(kTws, 10.0, 0, now - 1.5 / 86400);
-    const Json first = Messages().at(0)["updates"];
-    EXPECT_EQ(2u, first.at(0)["meta"].size()) << "neither for an object nor for a plain number";
-    EXPECT_EQ(2u, first.at(1)["values"].size());
-    EXPECT_EQ("2026-11-18T23:59:58.5Z", first.at(2)["timestamp"]);
-    Pass(0.1);
-    Publish(kDepth, 13.5);
-    EXPECT_EQ(R"({"context":"vessels.self","updates":[{"$source":"halyrig","timestamp":"2026-11-19T00:00:00.1Z",)"
-              R"("values":[{"path":"environment.depth.belowTransducer","value":13.5}]}]})",
-              Messages().at(0).dump());
-}
-
 }  // namespace
 }  // namespace twr::testing
