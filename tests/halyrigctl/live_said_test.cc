@@ -189,7 +189,8 @@ TEST_F(LiveTest, EachWordOfTheServer) {
     Set(0, {{kHdg, 120.0}, {kBsp, 2.0}, {kTwd, 100.0}});
     everyone(2000);
     all->Hear(R"({"context":"*","unsubscribe":[{"path":"*"}]})");
-    for (const char* of : {"1", "13", "17", "204", "118", "13&boat=1"}) get(std::string("/halyrig/v1/history?channel=") + of);
+    for (const char* of : {"1", "13", "17", "204", "118", "13&boat=1", "1&boat=2"})
+        get(std::string("/halyrig/v1/history?channel=") + of);
     Flag(kFlagMagnetic, false), Unit(2, 0);
     everyone(9000);
     get("/halyrig/v1/history?channel=13"), get("/halyrig/v1/history?channel=6&boat=1");

@@ -210,6 +210,28 @@ TEST_F(ServeTest, ItSaysHowTheBridgeIsAndLetsGoOfARecordThatCloses) {
     EXPECT_FALSE(Held()) << "the guest would keep the request alive";
 }
 
+TEST_F(ServeTest, WhatCheckFindsIsLookedForAnewEachSecond) {
+    const auto found = [&](int ms) {
+        clock.AdvanceMs(ms), Look();
+        return Told("/halyrig/v1/check").dump();
+    };
+    const std::string before = found(0);
+    test.folder.Write("ProgramData/Tidewright/config/channels.xml", "<chanels/>");
+    EXPECT_EQ(before, found(900));
+    EXPECT_NE(std::string::npos, found(200).find("begin it with <channels>"));
+}
+
+TEST_F(ServeTest, SaysWhereItIsFound) {
+    const std::string here = Said("serve --listen 127.0.0.1:0");
+    EXPECT_TRUE(here.starts_with("halyrigctl: serves the page until Ctrl-C, at http://127.0.0.1:")) << here;
+    EXPECT_TRUE(here.ends_with("/\n") && std::ranges::count(here, '\n') == 1) << here;
+    const auto lines = LinesOf(Said("serve --listen 0.0.0.0:0 --allow-remote"));
+    EXPECT_TRUE(std::ranges::none_of(lines, [](const std::string& line) { return line.find("http://[") != line.npos; }))
+        << "nobody is served there\n"
+        << console.written;
+    ExpectSaid(2, {{"serve --listen 0.0.0.0:0", {"--allow-remote"}}, {"serve --listen nowhere:1", {"nowhere"}}});
+}
+
 TEST_F(ServeTest, TheOwnBoatHasSeveralNames) {
     StartSuite({{kBsp, 3600.0 / 1852}});
     Restart();

@@ -133,11 +133,15 @@ TEST_F(WebServerTest, AnswersARequestAndRefusesABadOne) {
         EXPECT_TRUE(Until([&, end = ends] { return client.Read(), end ? client.ended : got.find("\r\n\r\n") != got.npos; }));
         EXPECT_TRUE(got.starts_with(answer) && got.find(holds) != got.npos && (*lacks == 0 || got.find(lacks) == got.npos)) << got;
         EXPECT_EQ(ends, client.ended);
+        if (ends) continue;
+        client.got.clear();
+        client.Put("GET /next HTTP/1.1\r\n" + host + "\r\n");
+        EXPECT_TRUE(Until([&] { return client.Read(), got.ends_with("\r\n\r\n/next"); })) << got;
     }
 }
 
 TEST_F(WebServerTest, DropsWhoDoesNotReadAndTheOthersLoseNothing) {
-    site.message = std::make_shared<const std::string>(50'000, 'x');
+    site.message = std::make_shared<const std::string>(100'000, 'x');
     Client& slow = Talk();
     Client& good = Talk();
     std::size_t said = 0;
@@ -149,7 +153,7 @@ TEST_F(WebServerTest, DropsWhoDoesNotReadAndTheOthersLoseNothing) {
         return server.Clients() == 1;
     }));
     site.message = nullptr;
-    EXPECT_TRUE(Until([&] { return good.Read(), good.got.size() == said * (50'000 + 4); })) << good.got.size() << " of " << said;
+    EXPECT_TRUE(Until([&] { return good.Read(), good.got.size() == said * (100'000 + 10); })) << good.got.size() << " of " << said;
     slow.Read();
     EXPECT_TRUE(Until([&] { return slow.Read(), slow.ended; }));
 }
@@ -173,6 +177,15 @@ TEST_F(WebServerTest, HearsWholeMessagesAndDropsWhoBreaksTheRules) {
         client.Put(bytes.substr(3));
         EXPECT_TRUE(Until([&, stay = stays] { return server.SayAll(), client.Read(), stay ? !client.got.empty() : client.ended; }));
         EXPECT_EQ(!stays, client.ended);
+        if (stays) {
+            client.Put(Frame("again"));
+            EXPECT_TRUE(Until([&] {
+                return server.SayAll(), client.Read(),
+                       client.got.ends_with(
+                           "\x81\x05"
+                           "again");
+            })) << "and nothing of the first";
+        }
         client.socket.close();
         EXPECT_TRUE(Until([&] { return server.SayAll(), server.Clients() == 0; }));
     }
