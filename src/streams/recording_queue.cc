@@ -43,8 +43,9 @@ struct RecordingQueue::Shared {
 void RecordingQueue::Shared::Queue(QueuedLook look) {
     const std::lock_guard guard(mutex);
     if (ended) return;
-    // Of looks that found nothing only the last counts.
-    const bool replaces = look.lines.empty() && !look.begins && !waiting.empty() && waiting.back().lines.empty();
+    // Of looks that found nothing only the last counts; but the file begins when it was begun.
+    const bool hasLast = !waiting.empty() && waiting.back().lines.empty() && !waiting.back().begins;
+    const bool replaces = hasLast && look.lines.empty() && !look.begins;
     if (replaces) {
         waiting.back().moment = look.moment;
     } else {
