@@ -45,9 +45,10 @@ int BoardZone::MinutesAhead(double utc) const {
     return -zone_.BiasAt(TicksAt(utc)).value_or(0);
 }
 
-double BoardZone::Utc(double shown) const {
+double BoardZone::Utc(double shown, bool later) const {
     const int before = MinutesAhead(shown - 1.0), after = MinutesAhead(shown + 1.0);
-    for (const int ahead : {std::max(before, after), std::min(before, after)}) {
+    const int most = std::max(before, after), least = std::min(before, after);
+    for (const int ahead : {later ? least : most, later ? most : least}) {
         const double utc = shown - ahead / kMinutesPerDay;
         if (MinutesAhead(utc) == ahead) return utc;
     }
@@ -73,8 +74,12 @@ double TypedTime::MomentFrom(double start, const BoardZone& board) const {
     if (!ofDay) return ahead ? days - *ahead / kMinutesPerDay : board.Utc(days);
     const double shownAhead = ahead.value_or(board.MinutesAhead(start)) / kMinutesPerDay;
     const double shown = std::floor(start + shownAhead) + days;
-    const auto utc = [&](double then) { return ahead ? then - shownAhead : board.Utc(then); };
-    return ToMillisecond(utc(shown)) < ToMillisecond(start) ? utc(shown + 1) : utc(shown);
+    const auto utc = [&](double then, bool later) { return ahead ? then - shownAhead : board.Utc(then, later); };
+    // What starts within the hour that comes twice has the second of it.
+    for (const bool later : {false, true}) {
+        if (ToMillisecond(utc(shown, later)) >= ToMillisecond(start)) return utc(shown, later);
+    }
+    return utc(shown + 1, false);
 }
 
 std::optional<TypedTime> ParseTypedTime(std::string_view text) {

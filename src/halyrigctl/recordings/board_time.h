@@ -19,8 +19,8 @@ public:
 
     int MinutesAhead(double utc) const;  // of UTC, at that moment
 
-    // The moment, in days of UTC, that was shown so: of two the earlier, for one that never was the hour before.
-    double Utc(double shown) const;
+    // The moment, in days of UTC, that was shown so: of two the earlier or the later, for one that never was the hour before.
+    double Utc(double shown, bool later = false) const;
 
     // As ISO 8601, with the zone behind it; the time of day alone if the moment has no date.
     void Append(std::string& out, double utc) const;
