@@ -49,7 +49,7 @@ private:
     std::set<ChannelId> channels_;
     std::unique_ptr<CCore> core_;
     int sinceCheck_ = 0;          // milliseconds
-    std::optional<double> back_;  // to this moment, as the user wants; days
+    std::optional<double> back_;  // to so many seconds from the beginning of the file, as the user wants
     Status status_ = kDone;
 };
 
@@ -124,9 +124,8 @@ bool Replay::PlayOnce() {
     const auto source = OpenSource();
     if (!source) return false;
     ReplayStart start;
-    if (from_) start = [&](double first) { return from_->MomentFrom(first, BoardZone(*core_, system_.Core().zone)); };
-    if (const auto back = std::exchange(back_, std::nullopt)) start = [back](double) { return *back; };
-    Replayer replayer(*core_, *source, channels_, start);
+    if (from_ && !back_) start = [&](double first) { return from_->MomentFrom(first, BoardZone(*core_, system_.Core().zone)); };
+    Replayer replayer(*core_, *source, channels_, start, std::exchange(back_, std::nullopt).value_or(0.0));
     const bool ended = PlayUntilEnd(replayer);
     if (source->Tally()) file_.tally = *source->Tally();
     if (!ended) return false;
@@ -164,7 +163,7 @@ bool Replay::PlayUntilEnd(Replayer& replayer) {
 // Ahead, what lies between is published at once; back, the file is read from its start. True if it is.
 bool Replay::Steps(const Replayer& replayer, double& played) {
     const double step = replayer.Started() ? desk_.TakeStep() : 0.0;
-    if (step < 0.0) back_ = replayer.MomentAt(played) + step / kSecondsPerDay;
+    if (step < 0.0) back_ = replayer.SecondsAt(played) + step;
     played += std::max(step, 0.0);
     return back_.has_value();
 }

@@ -28,16 +28,17 @@ Replayer::Result Replayer::PlayTo(double seconds) {
 }
 
 bool Replayer::Reaches(const Recorded& recorded) {
-    if (!start_) return true;
+    if (!start_) return recorded.seconds >= startedAt_;
     if (!startsAt_) startsAt_ = start_(recorded.time);
     return recorded.time >= *startsAt_;
 }
 
 void Replayer::Start() {
     started_ = true;
-    startedAt_ = next_->seconds;
+    const bool isBack = !start_ && startedAt_ > 0.0;  // what had ended by then may have come again since
+    if (!isBack) startedAt_ = next_->seconds;
     for (const auto& [key, change] : beforehand_) {
-        if (change.value != kNoValue) Publish(change);
+        if (change.value != kNoValue || isBack) Publish(change);
     }
     beforehand_.clear();
 }

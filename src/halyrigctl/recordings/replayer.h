@@ -24,9 +24,10 @@ public:
         kEnded,  // by the end, or by a fault of the source
     };
 
-    // Publishes these channels alone, if there are any. The record must be attached, and all must outlive this.
-    Replayer(CCore& core, RecordedSource& source, const std::set<ChannelId>& channels, ReplayStart start)
-        : core_(core), source_(source), channels_(channels), start_(std::move(start)) {}
+    // Publishes these channels alone, if there are any. The record must be attached, and all must outlive this. If nothing says at
+    // which moment to start, it does so many seconds from the beginning of the source.
+    Replayer(CCore& core, RecordedSource& source, const std::set<ChannelId>& channels, ReplayStart start, double seconds = 0.0)
+        : core_(core), source_(source), channels_(channels), start_(std::move(start)), startedAt_(seconds) {}
 
     // Publishes what is due, stamped with the time of now. At the start it publishes what each channel had then.
     Result PlayTo(double seconds);
@@ -36,6 +37,9 @@ public:
 
     // What was recorded so many seconds from the start: its moment, days. 0.0 before that is known.
     double MomentAt(double seconds) const { return next_ ? next_->time - (Due() - seconds) / kSecondsPerDay : 0.0; }
+
+    // The same in seconds from the beginning of the source.
+    double SecondsAt(double seconds) const { return startedAt_ + seconds; }
 
     bool Started() const { return started_; }  // something of the source was to be played
 
@@ -51,7 +55,7 @@ private:
     std::optional<double> startsAt_;  // days
     std::optional<Recorded> next_;
     bool started_ = false;
-    double startedAt_ = 0.0;                                       // seconds since the start of the recording
+    double startedAt_;                                             // seconds since the start of the recording
     std::map<std::pair<BoatSlot, ChannelId>, Change> beforehand_;  // the latest of each, before the start
 };
 
