@@ -292,23 +292,6 @@ TEST(RaceTest, TellsLegsByThePointOfSailWhereNoMarkIsKnown) {
     }
 }
 
-TEST(RaceTest, TellsSpeedsBesideTheTargets) {
-    const auto rows = Rows(900, [](int s, RaceRow& row) {
-        row.tws = s < 600 ? 9.0 : 13.0;
-        row.twa = s < 300 ? 44.0 : s < 600 ? -146.0 : 90.0;
-        row.bsp = s % 2 == 0 ? 6.0 : 7.0;
-        if (s < 600) row.targetTwa = s < 300 ? 42.0 : 150.0, row.targetBsp = 7.5;
-    });
-    const std::vector<PolarBand> bands = FindPolarBands(rows, {});
-    ASSERT_EQ(2u, bands.size());
-    EXPECT_TRUE(bands[0].from == 8.0 && bands[0].to == 12.0 && bands[0].cells.size() == 2 && bands[0].count == 600);
-    EXPECT_TRUE(bands[0].cells[1].angle == 140 && bands[0].cells[1].middle == 7.0 && bands[0].cells[1].fast == 7.0);
-    ASSERT_TRUE(bands[0].upwind && bands[0].downwind);
-    EXPECT_TRUE(bands[0].upwind->sailedTwa == 44.0 && bands[0].upwind->twa == 42.0 && bands[0].downwind->sailedBsp == 6.5);
-    EXPECT_FALSE(bands[1].upwind || bands[1].downwind);
-    EXPECT_TRUE(FindPolarBands({}, {}).empty() && FindTurns({}).empty() && FindLegs({}, {}, {}).all.empty());
-}
-
 // A count that was stopped, or whose end is not in the file, is no start; the clock's rows come once.
 TEST(RaceTest, ReadsGunsAndRows) {
     const auto count = [](int from, int to, int gun) {

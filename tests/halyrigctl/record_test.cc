@@ -86,64 +86,6 @@ std::string At(const std::string& time, int id, const std::string& value) {
            R"(,"value":)" + value + "}\n";
 }
 
-std::string WithoutTimes(const std::string& lines) {
-    std::string rest;
-    for (const std::string& line : LinesOf(lines)) {
-        const bool isTold = line.find(R"("id":0)") == line.npos && line.find("format") == line.npos;
-        rest += isTold ? line.substr(line.find(R"("id")")) + "\n" : "";
-    }
-    return rest;
-}
-
-// All that was recorded is published again, as far apart, and recorded again the same.
-TEST_F(RecordTest, WhatIsReplayedIsRecordedTheSame) {
-    StartSuite();
-    Record(File("sea") + " --boat 0", 30, [&](int look) {
-        if (look % 7 == 0) Publish(kBsp, 6 + look / 128.0);
-        if (look % 10 == 0) Publish(kHdg, std::fmod(350.1 + look, 360));
-        if (look % 10 == 5) Publish(kAwa, 30 + look / 8.0);
-        if (look < 98) Publish(kMastAng, 7.5);  // goes stale 10 s later or a look after, when nothing else is told
-        if (look == 150) suite->SetChannel(kHdg, 0, kNoValue, 0.0);
-    });
-    const auto first = Read("sea");
-    ASSERT_LT(100u, first.size());
-    suite.reset();
-    StartSuite();
-    Put(suite->View()->sysFlag[kFlagMastAngle], std::uint8_t{1});
-
-    RecordingReader reader(std::make_unique<UnpackingSource>(Core().files.Open(test.folder.File("sea"))));
-    Replayer replayer(*suite, reader, {}, {});
-    double start = 0.0;
-    // Half a look apart, so that none tells two at once.
-    const std::string said = Record(File("ashore") + " --boat 0", 32, [&](int look) {
-        if (look == 0) start = clock.Days();
-        replayer.PlayTo((clock.Days() - start) * 86400 + 0.025);
-    });
-    const auto second = Read("ashore");
-    ASSERT_EQ(first.size(), second.size()) << said;
-    for (std::size_t i = 0; i < first.size(); ++i) EXPECT_NEAR(first[i].seconds, second[i].seconds, 0.15) << i;
-    EXPECT_EQ(WithoutTimes(test.folder.Read("sea")), WithoutTimes(test.folder.Read("ashore")));
-    EXPECT_EQ(0u, test.folder.Read("sea").find(R"({"format":"halyrig-record","version":1,"halyrig":")"));
-}
-
-TEST_F(RecordTest, RecordOutlivesRecordsAndNeverOverwrites) {
-    test.folder.Write("log.jsonl", "mine");
-    ExpectIn(Record(File("log.jsonl") + " --gzip", 40,
-                    [&](int look) {
-                        if (look == 10 || look == 200) StartSuite();
-                        if (suite) Publish(kBsp, look);
-                        if (look == 100) AskToClose(), suite.reset();
-                    }),
-             {"no record yet", "the record is there", "asked to close"});
-    EXPECT_EQ("mine", test.folder.Read("log.jsonl"));
-    EXPECT_EQ("\x1F\x8B", test.folder.Read("log-2.jsonl").substr(0, 2));
-    const auto all = Read("log-2.jsonl");
-    ASSERT_LT(100u, all.size());
-    EXPECT_EQ(1, std::ranges::count_if(all, [](const Recorded& one) { return one.change.value == kNoValue; }));
-    ExpectIn(Said("record " + File("missing/log"), 1), {"missing", "can't be made"});
-    ExpectIn(Said("record " + File("%q"), 2), {"FILE has %q", "%Y"});
-}
-
 // The bridge publishes ten times a second, whatever a look takes.
 TEST_F(RecordTest, LooksOnABeatThatSeesEachTickOfTheBridge) {
     StartSuite();
@@ -230,13 +172,17 @@ TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
     ExpectIn(Said("check --json", 1), {R"("recording":{"running":true,"file":")", R"("since":"2026-11-19T)", R"("room":)"});
     others.reset();
     ExpectIn(Said("check", 1), {"recording    none now; the last from 2026-11-19T"});
-    ExpectSaid(2, {{"record --keep 0", {"--keep must be"}},
-                   {"record --keep 4x", {"--keep must be"}},
-                   {"record f --keep 4", {"does not go with FILE"}}});
     const std::u16string folder = test.folder.File("ProgramData/Tidewright/recordings");
     const auto current = Core().files.List(folder, u"halyrig-20261119*").front();
     DayFiles(Core().files, folder, {.bytes = 1}).Tend(current, 46345);
     EXPECT_EQ(std::vector{current}, Core().files.List(folder, u"halyrig-20261119*")) << "that which grows stays";
+    each = [&, looks = 0]() mutable {
+        Publish(kBsp, ++looks % 20);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return Core().files.List(folder, u"halyrig-20261119*").size() < 3 && looks < 100'000;
+    };
+    Said("record --max-size 1");
+    EXPECT_EQ(3u, Core().files.List(folder, u"halyrig-20261119*").size());
     FakeFiles full;
     disk = &full;
     full.diskRoom = (1ULL << 30) - 1;
@@ -268,7 +214,7 @@ TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
     disk = &hanging;
     StartSuite({{kMkLat, 50.0}});
     int full = 0;
-    Record("log --boat 0", 1e6, [&](int look) {
+    const std::string said = Record("log --boat 0", 1e6, [&](int look) {
         if (full == 0 && HasSaid("is lost until it does")) {
             full = look;
             suite->SetChannel(kMkLat, 0, kNoValue, 0.0);
@@ -282,6 +228,7 @@ TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
             if (channel != kMkLat && channel != kMkLon) Publish(channel, 1 + look / 1024.0);
         }
     });
+    EXPECT_EQ(said.find("is lost until it does"), said.rfind("is lost until it does")) << "at one look, not at each";
     EXPECT_LT(600, full) << "there is room for 30 seconds";
     EXPECT_NEAR(full / 2, CountOf(kAwa, u"log"), 2) << "of which all is kept";
     const std::string behind = hanging.files.at(0).bytes.substr(hanging.files[0].bytes.find(R"({"gap":{"from":")"));
@@ -335,54 +282,6 @@ TEST_F(RecordTest, ARecordingThatIsRemovedGoesOnInTheNext) {
 TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
     test.folder.Write("two.jsonl",
                       At("01:00:00", 1, "6") + At("01:00:00", 93, "9") + At("01:00:20", 1, "7") + At("01:00:40", 1, "null") + "{");
-    // Seconds that pass until its end; the boat's speeds seen.
-    const auto replay = [&](const std::string& options, int status = 0, const char* file = "two.jsonl") {
-        std::pair<double, std::vector<double>> found;
-        const double start = clock.Days();
-        each = [&] {
-            if (!suite) StartSuite();
-            if (found.second.empty() || found.second.back() != Value(kBsp))
-                found.second.push_back(Value(kBsp));
-            else
-                EXPECT_NEAR(clock.Days(), Load(suite->View()->fullBlocks[0].time[kTime]), 0.5 / 86400) << "others see it live";
-            found.first = (clock.Days() - start) * 86400;
-            return found.first < 100;
-        };
-        Said("replay " + File(file) + " " + options, status);
-        suite.reset();
-        found.first = std::round(found.first);
-        return found;
-    };
-    using Played = std::pair<double, std::vector<double>>;
-    EXPECT_EQ((Played{40, {6, 7, kNoValue}}), replay(""));
-    ExpectIn(console.written, {"live record"});
-    EXPECT_FALSE(Held());
-    const std::pair<const char*, Played> rows[] = {{"--speed 10", {4, {6, 7, kNoValue}}},
-                                                   {"--speed 0.5", {80, {6, 7, kNoValue}}},
-                                                   {"--from 01:00:20Z", {20, {7, kNoValue}}},
-                                                   {"--from 2026-11-25T03:00:20+02:00", {20, {7, kNoValue}}},
-                                                   {"--from +20s", {20, {7, kNoValue}}},
-                                                   {"--from 2026-11-25T01:00:19Z", {20, {7, kNoValue}}},
-                                                   {"--from 01:00:21Z --channels MagVar", {0, {kNoValue}}}};
-    for (const auto& [options, found] : rows) EXPECT_EQ(found, replay(options)) << options;
-    test.folder.Write("night.jsonl",
-                      At("23:59:50", 1, "6") + At("2026-11-26T00:00:20", 1, "7") + At("2026-11-26T00:00:40", 1, "null"));
-    const std::tuple<int, const char*, Played> nights[] = {{0, "00:00:10", {20, {7, kNoValue}}},
-                                                           {0, "23:59:30", {0, {kNoValue}}},
-                                                           {-60, "01:00:10", {20, {7, kNoValue}}},
-                                                           {300, "19:00:10", {20, {7, kNoValue}}},
-                                                           {-60, "00:00:10Z", {20, {7, kNoValue}}}};
-    for (const auto& [bias, from, found] : nights) {
-        zone.state = ZoneState{bias, 0, false};
-        EXPECT_EQ(found, replay(std::string("--from ") + from, found.first > 0 ? 0 : 1, "night.jsonl")) << from << " by " << bias;
-    }
-    each = [&, looks = 0]() mutable {
-        if (!suite) StartSuite();
-        return ++looks < 3;
-    };
-    Said("replay " + File("two.jsonl") + " --from 01:00:20Z");
-    EXPECT_EQ(9, Value(kMagVar)) << "which stood then";
-    suite.reset();
     each = [&, looks = 0]() mutable {
         if (!suite) StartSuite();
         if (++looks == 3) clock.AdvanceMs(60'000);
@@ -391,10 +290,6 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
     Said("replay " + File("two.jsonl"));
     EXPECT_EQ(6, Value(kBsp)) << "a machine that slept plays on where it was";
     suite.reset();
-    EXPECT_EQ(100, replay("--loop --speed 2").first);
-    replay("--from 01:01Z", 1);
-    ExpectIn(console.written, {"ends before 01:01Z"});
-    ExpectSaid(2, {{"replay f --from noon", {"--from must be"}}, {"replay f --speed 0", {"--speed"}}});
     each = [&] {
         StartSuite();
         AskToClose();
@@ -404,47 +299,6 @@ TEST_F(RecordTest, ReplayPublishesAsAProgramOfTheSuite) {
     EXPECT_EQ(9, Value(kMagVar));
     EXPECT_EQ(6, Value(kBsp)) << "it has ended at once";
     ExpectIn(Said("replay " + File("two.jsonl"), 1), {"asked to close"});
-}
-
-// Keys at a terminal, typed when so many seconds have passed: what the boat's speed is then, a line for each second of the
-// recording.
-TEST_F(RecordTest, ReplayIsLedByKeys) {
-    std::string lines;
-    for (int i = 0; i < 300; ++i) lines += At(Printed("01:%02d:%02d", i / 60, i % 60), 1, std::to_string(i));
-    test.folder.Write("race", lines);
-    console.size = ConsoleSize{100, 10};
-    const auto played = [&](std::map<int, std::u32string> keys, double seconds) {
-        const double start = clock.Days();
-        double last = kNoValue;
-        each = [&] {
-            if (!suite) StartSuite();
-            const double passed = (clock.Days() - start) * 86400;
-            for (auto& [at, typed] : keys) {
-                if (passed >= at) console.keys += std::exchange(typed, U"");
-            }
-            last = Value(kBsp);
-            return passed < seconds;
-        };
-        Said("replay " + File("race"));
-        suite.reset();
-        return last;
-    };
-    const std::u32string left{Key::kLeft}, right{Key::kRight}, up{Key::kUp}, down{Key::kDown};
-    EXPECT_NEAR(10, played({}, 10), 1);
-    ExpectIn(console.pictures.back(), {"REPLAY of ", "recorded at  2026-11-25T", "% of the file", "as it was"});
-    EXPECT_NEAR(5, played({{5, U" "}}, 15), 1);
-    ExpectIn(console.pictures.back(), {"paused"});
-    EXPECT_NEAR(10, played({{5, U" "}, {10, U" "}}, 15), 1);
-    EXPECT_NEAR(30, played({{0, U"]]"}}, 7.5), 3);
-    EXPECT_NEAR(5, played({{0, U"["}}, 10), 1);
-    EXPECT_NEAR(90, played({{5, right + up}}, 20), 5);
-    EXPECT_NEAR(40, played({{5, up}, {10, left + left + left}}, 10.5), 6);
-    EXPECT_NEAR(20, played({{5, up}, {10, down}}, 20), 5);
-    const double start = clock.Days();
-    played({{3, U"q"}}, 100);
-    EXPECT_NEAR(3, (clock.Days() - start) * 86400, 1);
-    EXPECT_FALSE(console.screenTaken);
-    console.size.reset();
 }
 
 TEST_F(RecordTest, ReplayKeepsOutOfTheBridgesWay) {
@@ -475,35 +329,6 @@ TEST_F(RecordTest, ReplayKeepsOutOfTheBridgesWay) {
     ExpectIn(Said("replay " + File("long.jsonl"), 1), {"can't be seen", "it is a link; remove it", "--into"});
     ExpectIn(Said("get aws", 1), {"can't be seen: it is a link; remove it"});
     EXPECT_EQ(6, Value(kBsp));
-}
-
-TEST_F(RecordTest, ReplayTakesNmeaLogsAndRefusesWhatIsNone) {
-    StartSuite();
-    each = [] { return true; };
-    test.folder.Write("log.nmea",
-                      "garbage\n$IIVHW,,T,,M,5.00,N,,K\n$GPRMC,120000,A,5000.00,N,00100.00,W,6.0,90.0,251126,10.0,E\n"
-                      "$IIHDT,100.0,T\n$IIDBT,32.808,f,,M,,F\n$IIXDR,A,-12.0,D,HEEL\n$IIVHW,,T,,M,9.99,N*00\n"
-                      "$GPRMC,120008,A,5000.00,N,00100.00,W,7.0,90.0,251126,10.0,E\n");
-    const double start = clock.Days();
-    ExpectIn(Said("replay " + File("log.nmea")),
-             {"log.nmea: 8 lines, of which 2 (25.0 %) are broken\n  used: DBT 1, HDT 1, RMC 2, VHW 1, XDR 1\n"});
-    EXPECT_NEAR(8, (clock.Days() - start) * 86400, 0.2);
-    Said("replay " + File("log.nmea") + " --from 12:00:05Z");
-    EXPECT_NEAR(8, (clock.Days() - start) * 86400, 0.4) << "from its last second on, though it begins without a clock";
-    const std::pair<ChannelId, double> rows[] = {{kBsp, 5},  {kHdg, 90}, {kMagVar, 10}, {kLat, 50},  {kSog, 7},
-                                                 {kCog, 80}, {kLon, -1}, {kDepth, 10},  {kHeel, -12}};
-    for (const auto& [channel, value] : rows) EXPECT_NEAR(value, Value(channel), 1e-3) << channel;
-    test.folder.Write("broken", At("01:00:00", 1, "3") + "{\"id\":\"\x1B[2J\"}\n");
-    test.folder.Write("binary", std::string("\0\xFF$\n\x1B", 5));
-    test.folder.Write("empty", "");
-    test.folder.Write("header", "{\"format\":\"halyrig-record\",\"version\":1}\n");
-    const std::pair<const char*, const char*> faults[] = {{"broken", "line 2: it is no JSON"},
-                                                          {"binary", "line 1: it is neither"},
-                                                          {"empty", "neither"},
-                                                          {"header", "no value"},
-                                                          {"none", "can't be read"}};
-    for (const auto& [file, fault] : faults) ExpectIn(Said("replay " + File(file), 1), {file, fault});
-    EXPECT_EQ(3, Value(kBsp)) << "what stands above a broken line";
 }
 
 }  // namespace
