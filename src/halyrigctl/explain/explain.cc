@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -68,9 +69,12 @@ std::string AsOverview(std::vector<Explained> left) {
 
 // What of the mapping no channel's way shows: a fault of the file, and lines that name no channel.
 std::string BesideChannels(const MappingLook& look) {
-    const auto lost = static_cast<std::size_t>(std::ranges::count_if(look.faults, [&](const Finding& finding) {
-        return !EndsReading(finding.flaw) && std::ranges::find(look.meant, finding.line, &MappingVar::line) == look.meant.end();
-    }));
+    std::set<std::size_t> lines;  // each may have several faults
+    for (const Finding& finding : look.faults) {
+        if (!EndsReading(finding.flaw) && std::ranges::find(look.meant, finding.line, &MappingVar::line) == look.meant.end())
+            lines.insert(finding.line);
+    }
+    const std::size_t lost = lines.size();
     std::string text = look.fault ? look.fault.Line() + "\n" : "";
     if (lost > 0) {
         text += std::to_string(lost) + (lost == 1 ? " line" : " lines") +

@@ -19,7 +19,9 @@ Status ChooseFolder(System& system, const std::string& folder) {
     // A running bridge has its own choice, and keeps that when it ends.
     if (LookForBridge(system).state == NameLook::kTaken)
         return refuse(HALYRIG_PROGRAM " is running: choose the folder in its dialog, or end it first, by 'halyrigctl quit'");
-    const std::u16string whole = std::filesystem::absolute(std::filesystem::path(FromUtf8(folder))).lexically_normal().u16string();
+    std::filesystem::path path = std::filesystem::absolute(std::filesystem::path(FromUtf8(folder))).lexically_normal();
+    if (!path.has_filename()) path = path.parent_path();  // as completed by a shell, with a separator behind
+    const std::u16string whole = path.u16string();
     Guest guest(system, WithoutRecord::kGoOn);
     Circumstances now(system, guest.Core(), whole);
     guest.Leave();

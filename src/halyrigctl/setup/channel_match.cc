@@ -125,6 +125,7 @@ std::vector<ChannelId> Similar(const DeckmanVariable& variable, const std::u16st
 }  // namespace
 
 bool UnitFits(const DeckmanVariable& variable, ChannelId channel) {
+    if (channel >= kUser0 && channel <= kUser31) return true;  // what it holds is the user's choice
     const std::u16string unit = UpperCase(variable.dfwColumn3);
     const auto row = std::ranges::find(Units(), unit, &UnitOfType::unit);
     return row == Units().end() || std::ranges::find(row->types, ChannelCatalogue()[channel].type) != row->types.end();
