@@ -16,61 +16,12 @@ TEST_F(CtlTest, WithoutARecordEveryCommandSaysWhatToStart) {
     EXPECT_FALSE(Held()) << "and none creates one";
 }
 
-// The form with tabs is compared with the documents, row by row.
-TEST_F(CtlTest, ListsTheCatalogueForPeopleAndPrograms) {
-    ExpectSaid(0, {{"channels",
-                    {"\n   0  Time         Time ",
-                     "  13  HDG          Heading                           6      0    360     10     0     11  dl\n",
-                     "  34  Tm on S      Layline time on starb             2      -      -     10     -      -  \n",
-                     " 161  Mk Lat       Mark latitude                     8    -90     90      -     -      -  l\n"}},
-                   {"channels --json",
-                    {R"({"id":13,"name":"HDG","longName":"Heading","type":6,"min":0,"max":360,"staleSeconds":10,)"
-                     R"("prec":0,"shortIndex":11,"flags":"dl"},)",
-                     R"({"id":0,"name":null,"longName":"Time")",
-                     R"("type":2,"min":null,"max":null,"staleSeconds":10,"prec":null,"shortIndex":null,"flags":null},)"}}});
-    EXPECT_TRUE(console.written.starts_with("[\n") && console.written.ends_with("\"flags\":\"dl\"}\n]\n"));
-}
-
-TEST_F(CtlTest, ListsWhatIsInForceForChannels) {
-    test.folder.Write("ProgramData/Tidewright/config/channels.xml",
-                      R"(<channels><channel id="1" prec="1" damp="4" log="false"/><channel id="172" type="12" user="Jib lead"/>)"
-                      R"(<channel id="173" type="99"/></channels>)");
-    StartSuite({{kTws, 10.0}});
-    Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
+TEST_F(CtlTest, AChannelIsHeldOnlyWhileHoldingIsInForce) {
+    StartSuite();
     Record().Set<std::uint8_t>(RecordBytes::Channel(kAws) + 4, 1);
-    Record().SetText(RecordBytes::Channel(173) + 76, u"A\tB");
     ExpectIn(Said("channels --live --tsv"), {"\n3\tAWS\t\t\t21\twind speed\t1\t0\t1\t0\t0\t0\n"});
     Record().SetFlag(52, true);
-    ExpectSaid(0,
-               {{"channels --live",
-                 {"\n   1  BSP          12 boat speed         1     4  -    -         -       -     -\n",
-                  "\n   3  AWS          21 wind speed         1     -  yes  -         -       yes   -\n",
-                  "\n   5  TWS          21 wind speed         1     -  yes  yes       -       -     -\n",
-                  "\n  18  Heel          7 angle              1     -  yes  -         yes     -     -\n",
-                  "\n 172  User 0       12 boat speed ", "  Jib lead\n", "99 plain number"}},
-                {"channels --live --tsv", {"\n3\tAWS\t\t\t21\twind speed\t1\t0\t1\t0\t0\t1\n", "\n173\tUser 1\t\tA\u00B7B\t99\t"}},
-                {"channels --json --live",
-                 {R"({"id":0,"name":null,"userName":null,"userShortName":null,"type":1,"typeWord":"date and time","prec":null,)",
-                  R"({"id":172,"name":"User 0","userName":"Jib lead","userShortName":"Jib lead","type":12,)"
-                  R"("typeWord":"boat speed","prec":)"}}});
-}
-
-TEST_F(CtlTest, ListsTheBoatsThatHaveSomethingToTell) {
-    test.folder.Write(
-        "ProgramData/Tidewright/config/boats.xml",
-        R"(<boats><boat id="3" name="Aurora" mmsi="11234560" r="255" g="80" b="1"/><boat id="5" name="Zephyr"/></boats>)");
-    StartSuite();
-    const auto listed = [&](const char* typed) { return std::ranges::count(Said(typed), '\n') - 1; };
-    ExpectIn(Said("boats --json"), {R"([
-  {"boat":3,"name":"Aurora","mmsi":11234560,"colour":"#FF5001","ageLimit":32767,"inUse":false,"age":null},
-  {"boat":5,"name":"Zephyr","mmsi":null,)"});
-    suite->SetChannel(kHdg, 1, 90.0, UtcNowDays(Core().clock) - 20.0 / 86400);
-    suite->SetChannel(kBsp, 1, kNoValue, 0.0);
-    suite->StampTime();
-    ExpectIn(Said("boats"), {"\n   0          -  #", "\n   1          -  #", "        -  yes        20.", " s  Boat 1\n",
-                             "\n   3  011234560  #FF5001   32767 s  -               -  Aurora\n", "  Zephyr\n"});
-    EXPECT_EQ(4, listed("boats"));
-    EXPECT_EQ(100, listed("boats --all"));
+    ExpectIn(Said("channels --live --tsv"), {"\n3\tAWS\t\t\t21\twind speed\t1\t0\t1\t0\t0\t1\n"});
 }
 
 TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
@@ -85,36 +36,6 @@ TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
     for (const auto& [channel, names] : rows) {
         for (const std::string& name : names) EXPECT_EQ(channel, FindChannel(*suite, name)) << name;
     }
-}
-
-TEST_F(CtlTest, GetsAValueInTheUsersUnits) {
-    StartSuite();
-    Record().SetInt(2, 2);
-    const std::pair<std::size_t, ChannelId> chain[] = {{0, kAlt1}, {1, kAlt2}, {2, kBsp}};
-    for (const auto& [row, next] : chain) Record().SetSlot(row, 1, next);
-    const std::pair<ChannelId, double> published[] = {{kBsp, 10.0},  {kMkLat, 45.2057}, {kMagVar, -3.0},
-                                                      {kTmOnS, 0.5}, {kSail, 1.0},      {kHdg, 90.0}};
-    for (const auto& [channel, value] : published) Publish(channel, value);
-    Record().SetFlag(3, false);
-    ExpectSaid(0, {{"get 1", {"channel  1 BSP\nboat     0\nvalue    10 kn\ntext     18.52 km/hr\nage      0."}},
-                   {"get 117", {"value    10 kn\ntext     18.52 km/hr\n"}},
-                   {"get 161", {"value    45.2057 deg\ntext     45 12.3420n\n", "limit    none\n"}},
-                   {"get magvar", {"value    -3 deg\ntext     3.00\u00B0w\n"}},
-                   {"get 34", {"value    0.5 days\ntext     12h 00m\n"}},
-                   {"get hdg", {"value    90 deg\ntext     087 \u00B0T\n"}},
-                   {"get time", {"channel  0 Time\n"}},
-                   {"get bsp --json",
-                    {R"({"id":1,"name":"BSP","boat":0,"value":10.0,"valueUnit":"kn","text":"18.52","textUnit":"km/hr","age":)",
-                     R"(,"limit":10,"state":"fresh","reason":null,"missing":null})"}},
-                   {"get 161 --json", {R"("valueUnit":"deg","text":"45 12.3420n","textUnit":null)", R"("limit":null)"}},
-                   {"get sail --json", {R"("valueUnit":null,"text":null,)"}}});
-    EXPECT_TRUE(Said("get 1").starts_with("channel"));
-    ExpectIn(Said("get 1 161"), {"limit    10 s\n\nchannel  161 Mk Lat\n"});
-    EXPECT_EQ(2, std::ranges::count(Said("get 1 161 --json"), '\n'));
-    ExpectIn(Said("get tws 1 awa", 1),
-             {"channel  1 BSP", "limit    10 s\nhalyrigctl: TWS has no value", "\nhalyrigctl: AWA has no"});
-    ExpectIn(Said("get tws 1 --json", 1), {R"("missing":"the bridge)", "\n{\"id\":1,"});
-    EXPECT_EQ(0u, Said("get 1 xyz", 2).find("halyrigctl: there is no channel xyz;"));
 }
 
 TEST_F(CtlTest, NoTextOfTheRecordCommandsTheTerminal) {

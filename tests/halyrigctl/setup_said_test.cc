@@ -1,9 +1,267 @@
 // SPDX-License-Identifier: MIT
-// Scenes of which every word is looked at: what is wrong anywhere in what a navigator reads shows here.
+// Set-ups in which much is wrong at once, or just right: every word of what check, explain, map, get, watch, boats and channels say
+// of them.
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+#include "config/bridge_settings.h"
+#include "config/saved_settings.h"
+#include "displays/displays.h"
+#include "halyrigctl/failing_files.h"
 #include "halyrigctl/transcript.h"
 
 namespace twr::testing {
 namespace {
+
+// The same place on each system.
+struct SceneRegistry : FakeRegistry {
+    RegistryPlace PlaceOf(std::u16string_view, std::u16string_view) const override { return {u"registry"}; }
+};
+
+struct SetUpSaidTest : CtlTest {
+    SetUpSaidTest() {
+        test.folder.Write("Deckman/ShDfW2" + ToUtf8(kLibrarySuffix), BytesOf(STAND_IN_LIBRARY));
+        test.folder.Write("ProgramData/any", "");
+        clock.AdvanceMs(66'599'000);  // 18:29:59 UTC; a second before midnight at UTC+5:30
+        Save();
+    }
+    CoreServices Core() override {
+        const CoreServices real = test.system->Core();
+        return {clock, zone, real.memory, registry, files, real.xml, real.desktop};
+    }
+    void Save() { WriteSettings(registry, settings); }
+    void Set(std::u16string_view name, std::uint32_t to) { registry.Write(kSavedSettingsKey, name, DwordValue(to)); }
+    void List(const std::string& lines) { test.folder.Write("Deckman/Data/J_vars06.d", "[variables]\n" + lines); }
+    void Map(const std::string& lines) { test.folder.Write(kMapping, "<halyrig>\n" + lines + "</halyrig>\n"); }
+    void Config(const std::string& name, const std::string& content) {
+        test.folder.Write("ProgramData/Tidewright/config/" + name, content);
+    }
+    void Give(ChannelId channel, BoatSlot boat, double value, double secondsAgo) {
+        suite->SetChannel(channel, boat, value, clock.Days() - secondsAgo / kSecondsPerDay);
+    }
+    // 1e6 days is after all files were written.
+    void StartBridge(const std::vector<MappedLine>& lines, double readAt = 1e6) {
+        bridge = std::make_unique<RunningBridge>(test);
+        bridge->clock.ticks = clock.ticks;
+        bridge->Ticked();
+        bridge->LibraryLoaded(settings.dfwFolder, {true, true});
+        bridge->MappingLoaded({14, static_cast<std::int32_t>(lines.size()), readAt}, lines);
+        bridge->BoxesInForce(settings);
+    }
+    static void TypeAll(Transcript& told, std::initializer_list<const char*> commands) {
+        for (const char* command : commands) told.Type(command);
+    }
+    // What a screen of the size shows behind the keys.
+    void Draw(Transcript& told, const std::string& command, const std::u32string& keys, ConsoleSize size) {
+        console.size = size;
+        console.keys = keys;
+        Said(command);
+        console.size.reset();
+        std::string picture;
+        for (std::string line : LinesOf(console.pictures.back())) picture += line.substr(0, line.find_last_not_of(' ') + 1) + "|\n";
+        told.Tell("$ " + command + " on a screen", picture);
+    }
+
+    static constexpr const char* kMapping = "ProgramData/Tidewright/instruments/halyrig.xml";
+    Settings settings{.dfwFolder = test.folder.File("Deckman")};
+    FakeClock clock;
+    FakeZone zone;
+    SceneRegistry registry;
+    FailingFiles files{test.system->Core().files};
+    std::unique_ptr<RunningBridge> bridge;
+};
+
+TEST_F(SetUpSaidTest, MuchIsWrongAtOnce) {
+    zone.state->bias = -330;
+    List(
+        "1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 AWS kn 1 0 1\n4 AWA deg 0 0 1\n5 DEPTH m 1 0 3\n6 TWD degM 0 0 1\n7 COG degT 0 0 1\n"
+        "8 X;Y kn 2 0 1\n9 LOG nm 2 0 1\n10 SEATEMP degC 1 0 1\n11 TARGTWA deg 0 0 1\n");
+    Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<var twr='17' dfw='DEPTH'/>\n<var twr='3' dfw='AWS' boat='7'/>\n"
+        "<var twr='2' dfw='awa'/>\n<var twr='5' dfw='98'/>\n<var twr='1300' dfw='HDG'/>\n<var twr='1' dfw='BSP' boat='12'/>\n"
+        "<var twr='50' dfw='COG'/>\n<var twr='15' dfw='LOG' x='1'/>\n<var twr='172' dfw='AWA' boat='7'/>\n<var twr='0' "
+        "dfw='AWS'/>\n"
+        "<var twr='118' dfw='AWS'/>\n<vra twr='1' dfw='BSP'/>\n<var twr='18' boat='100' dfw='AWA'/>\n<var twr='' dfw='AWA'/>\n"
+        "<var twr='6' dfw='TWD'/>\n<var twr='237' dfw='TARGTWA'/><var twr='172' dfw='X;Y'/><var twr='4' dfw='AWA'/>\n"
+        "<remote remote='1' twr='1'/>\n<remote remote='2' twr='13' damp='true'/>\n<remote remote='1' twr='3' boat='7'/>\n"
+        "<remote remote='0' twr='17'/>\n<remote remote='3' twr='117'/>\n<remote remote='4' twr='58'/>\n<remote remote='5' "
+        "twr='119'/>\n"
+        "<remote remote='6' twr='50'/>\n<remote twr='1'/>\n<remote remote='7' twr='16' boat='1'/><remote remote='8' twr='11'/>\n"
+        "<remote remote='9' twr='12'/><remote remote='10' twr='5'/><remote remote='11' twr='32'/>\n<remote remote='12' "
+        "twr='140'/><remote remote='13' twr='0'/>\n");
+    const std::string alternates = "0,0,1,58,0,0,0,0,0,0\n1,5,31,0,0,0,0,0,0,0\n";  // the last of the first is not fed
+    Config("alternate.csv", alternates);
+    Config("channels.xml", "<channels><channel id='1' prec='1'/><channel id='172' type='12' user='Jib lead'/></channels>");
+    Config("boats.xml", "<boats><boat id='7' name='Aurora' mmsi='211000007'/></boats>");
+    for (const auto& [name, to] : {std::pair(u"Sys_i1", 1u), {u"Sys_i2", 2u}, {u"Sys_b3", 1u}, {u"Sys_b27", 1u}}) Set(name, to);
+    StartSuite();
+    settings.useTimer = true;
+    StartBridge({{1, 0, 1},
+                 {13, 0, 2},
+                 {17, 0, 5},
+                 {3, 7, 3},
+                 {1, 12, 1},
+                 {50, 0, 7},
+                 {15, 0, 9},
+                 {172, 7, 4},
+                 {6, 0, 6},
+                 {237, 0, 11},
+                 {0, 0, 3},
+                 {118, 0, 3},
+                 {172, 0, 8},
+                 {4, 0, 4}},
+                1.0);
+    settings = {settings.dfwFolder, true, true, false, true};  // saved, but not in force: all boxes but that for feet
+    Save();
+    for (const auto& [line, given] : {std::pair(0, 6.5f), {1, NAN}, {2, 32767.0f}, {3, 151.0f}, {8, 185.0f}, {9, 400.0f}})
+        bridge->Noted(static_cast<std::size_t>(line), given);
+    const std::tuple<ChannelId, BoatSlot, double, double> values[] = {{kBsp, 0, 6.5, 0.4},   {kTwd, 0, 185.0, 21.0},
+                                                                      {kTws, 0, 14.2, 2.0},  {kBsp, 12, 5.25, 3.0},
+                                                                      {kAws, 7, 12.5, 30.0}, {kSet, 0, 40.0, 65.0}};
+    for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
+    Config("alternate.csv", alternates + "4,0,2,0,0,0,0,0,0,0\n3,x,1,0,0,0,0,0,0,0\n");
+    Config("channels.xml", "<channels><channel id='1' prec='2'/><channel id='172' user='Jib'/><channel prec='3'/></channels>");
+    Config("boats.xml", "<boats><boat id='7' name='Aurora' mmsi='211000008'/></boats>");
+    registry.Write(kSavedSettingsKey, u"Sys_v0", StringValue(u"long"));
+    registry.Write(kSavedSettingsKey, u"Sys_v1", StringValue(u"3.5"));
+    Set(u"Sys_i2", 3);
+    test.folder.Write("ProgramData/Tidewright/halyrig/halyrig.csv", "1,13\n77,13,0\n1,0,0\nx\n1,13,100\n");
+    test.folder.Write("ProgramData/Tidewright/halyrig/halyrigremotes.csv", "0,13,0,1\n0,13,0\n");
+    test.folder.Write("ProgramData/Tidewright/recordings/any", "");
+    files.lockedFor = 1 << 20;  // by a recorder that has just begun
+    files.room = 5ULL << 30;
+
+    Transcript told("setup", *this);
+    TypeAll(told, {"check", "check --summary", "check --json", "explain", "explain HDG 6 aws --json", "explain BSP",
+                   "get 17 twd --json"});
+    told.Tell("The bridge has ended, and the suite");
+    bridge.reset();
+    suite.reset();
+    files.lockedFor = 0;
+    files.room = 1ULL << 29;
+    told.Type("check --json");
+    told.Tell("Deckman has gone");
+    std::filesystem::remove_all(test.folder.File("Deckman"));
+    told.Type("check --json");
+}
+
+TEST_F(SetUpSaidTest, NothingOfTheMappingCanBeUsed) {
+    List("1 BSP kn 2 0 1\n");
+    settings.degreesTrue = true;  // of no bearing
+    StartSuite();
+    StartBridge({});
+    Give(kBsp, 0, 6.5, 61.5);
+    Transcript told("nothing", *this);
+    Map("<var twr='1' dfw='bsp'/>\n<var twr='5' dfw='TWS'/>\n<remote remote='3' twr='1'/>\n");
+    told.Tell("Remotes, and lines for variables that there aren't");
+    TypeAll(told, {"check --summary", "map", "map --json", "explain"});
+    Map("");
+    told.Tell("Nothing");
+    TypeAll(told, {"check --summary", "explain"});
+    Map("<remote remote='3' twr='1'/>\n");
+    told.Tell("Remotes alone");
+    TypeAll(told, {"check --summary", "map", "explain BSP --json"});
+    test.folder.Write(kMapping, "<halyrig><remote remote='3' twr='1'/>\n<var twr='1");
+    told.Tell("No XML behind a remote");
+    TypeAll(told, {"check --summary", "explain"});
+    std::filesystem::remove(test.folder.File(kMapping));
+    std::filesystem::create_directory(test.folder.File(kMapping));
+    told.Tell("A folder in its place");
+    TypeAll(told, {"map", "explain BSP --json"});
+    files.forbidden = test.folder.File(kMapping);
+    told.Tell("It is another user's");
+    TypeAll(told, {"check --summary", "explain BSP --json"});
+}
+
+TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
+    List(
+        "1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n7 MKBRG degT 0 0 1\n"
+        "8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING degM 0 0 1\n14 COG degT 0 0 1\n"
+        "17 17 kn 1 0 1\n19 AWS kn 1 0 1\n");
+    settings.dfwFolder = u"";
+    Save();
+    Transcript told("mapping", *this);
+    TypeAll(told,
+            {"choose ~/nowhere", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes", "map add AWS 3 17 5 --boat 7",
+             "map add 10 172 --boat 1", "map add LAT lat", "map add-remote 3 BSP --boat 7 --damped", "map add-remote 12 117"});
+    told.Tell("halyrig.xml", test.folder.Read(kMapping));
+    told.Type("check");
+    told.Tell("The suite runs");
+    Config("alternate.csv", "0,0,1,0,0,0,0,0,0,0\n");
+    Set(u"Sys_i6", 3);
+    StartSuite();
+    const std::tuple<ChannelId, BoatSlot, double, double> values[] = {
+        {kBsp, 0, 6.5, 0.4}, {kBsp, 7, 5.25, 1.0}, {kHdg, 0, 87.0, 0.3}, {kMagVar, 0, -3.0, 0.5}, {172, 1, 4.5, 0.2}};
+    for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
+    TypeAll(told,
+            {"map", "map --json", "map remove 3 --boat 7", "map remove 17 5 --boat 7", "map remove lat", "map remove-remote 3"});
+    told.Tell("The bridge runs");
+    settings = {.dfwFolder = test.folder.File("Deckman"), .sendNames = true, .degreesTrue = true, .depthInFeet = false};
+    StartBridge({{93, 0, 4}, {1, 0, 1}, {13, 0, 2}, {237, 0, 11}, {3, 0, 19}, {172, 1, 10}});
+    bridge->Noted(2, 84.0f);
+    TypeAll(told, {"check", "check --json", "explain", "explain HDG --json", "choose ~/Deckman"});
+    told.Tell("It has ended");
+    bridge.reset();
+    told.Type("explain");
+}
+
+TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
+    zone.state->bias = -330;
+    Config("alternate.csv", "0,0,120,0,0,0,0,0,0,0\n1,0,2,0,0,0,0,0,0,0\n3,0,121,0,0,0,0,0,0,0\n4,0,1,0,0,0,0,0,0,0\n");
+    Config("channels.xml",
+           "<channels><channel id='1' prec='1' damp='4' log='false'/><channel id='172' type='12' user='Jib lead'/>"
+           "<channel id='173' type='99' user='Outhaul'/></channels>");
+    Config("boats.xml",
+           "<boats><boat id='3' name='Aurora' mmsi='11234560' r='255' g='80' b='1'/><boat id='7' name='Zephyr'/></boats>");
+    List("1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 AWS kn 1 0 1\n4 TWS kn 1 0 1\n");
+    Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<var twr='3' dfw='AWS' boat='3'/>\n<var twr='5' dfw='TWS'/>\n"
+        "<remote remote='3' twr='1'/>\n");
+    StartSuite();
+    Record().SetInt(2, 2);       // km/h
+    Record().SetInt(1, 2);       // feet
+    Record().SetFlag(3, false);  // true bearings
+    Record().SetFlag(1, true);   // local time
+    StartBridge({{1, 0, 1}, {13, 0, 2}, {3, 3, 3}, {5, 0, 4}});
+    bridge->Noted(3, 151.0f);
+    const std::tuple<ChannelId, BoatSlot, double, double> values[] = {
+        {kBsp, 0, 10.0, 0.4},      {kAwa, 0, -30.0, 20.0}, {kTwa, 0, kNoValue, 0.9}, {kHdg, 0, 90.0, 0.7},
+        {kMagVar, 0, -3.0, 1.3},   {kDepth, 0, 12.5, 8.5}, {kHeel, 0, -15.0, 70.0},  {kTrim, 0, 2.5, 80.0},
+        {kLat, 0, -45.2057, 3.0},  {kLon, 0, 5.5, 3.1},    {kTmOnS, 0, 0.52, 2.0},   {kGpsTime, 0, 46345.5, 0.6},
+        {kSeaTemp, 0, 18.31, 4.0}, {172, 0, 3.5, 5.0},     {kAws, 3, 12.5, 33000.0}, {kHdg, 3, 271.0, 65.0},
+        {kBsp, 1, 7.75, 8.0},      {kAwa, 1, 33.0, 2.5},   {kTws, 1, kNoValue, 0.1}, {kMkLat, 0, 45.5, 0.8},
+        {kSail, 0, 1.0, 0.9}};
+    for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
+    Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);  // blocked
+    Record().Set<std::uint8_t>(RecordBytes::Channel(kTrim) + 4, 1);  // held
+    Record().SetFlag(52, true);
+    Record().SetText(RecordBytes::Channel(173) + 76, u"Lead\a");
+    Transcript told("values", *this);
+    TypeAll(told, {"watch --snapshots 1 --boat 3 --sort age", "watch --snapshots 1 --only mapped --sort name",
+                   "watch --snapshots 1 --only mapped --boat 3", "watch --snapshots 1 --only mapped bsp twa"});
+    DisplayWriter displays(Core().memory, settings.dfwFolder);
+    displays.ShowValue(3, "18.52");
+    displays.ShowName(3, "BSP");
+    displays.ShowValue(12, "3.00\xB0W");
+    told.Type("watch --snapshots 1");
+    clock.AdvanceMs(1000);  // midnight
+    bridge->clock.ticks = clock.ticks;
+    bridge->Ticked();
+    Draw(told, "watch --sort age", U"", {122, 16});
+    for (const auto& [state, look] :
+         {std::pair("fresh", Look::kGreen), {"stale", Look::kYellow}, {"refused", Look::kRed}, {"missing", Look::kFaint}})
+        EXPECT_EQ(look, console.LookOf(state)) << state;
+    Draw(told, "watch --sort name bsp hdg awa heel 172 lat", {Key::kDown, Key::kDown, Key::kDown, Key::kEnter}, {64, 18});
+
+    TypeAll(told, {"get 1 117 hdg depth lat lon 34 146 161 sail heel twa awa tws 118 --json", "get tws heel awa,118 119 172 161",
+                   "get hdg aws bsp --boat 3 --json", "get nosuch bps 1", "boats", "boats --json", "explain 118"});
+    EXPECT_EQ(101u, LinesOf(Said("boats --all")).size());
+    for (const char* form : {"", " --json", " --live", " --live --tsv", " --live --json"}) {
+        const auto lines = LinesOf(Said(std::string("channels") + form));
+        std::string some;
+        for (const std::size_t id : {0, 1, 18, 19, 173}) some += lines[1 + id] + "\n";
+        told.Tell(std::string("$ channels") + form + ", some", lines[0] + "\n" + some);
+    }
+}
 
 }  // namespace
 }  // namespace twr::testing

@@ -21,12 +21,6 @@ struct WatchTest : CtlTest {
         Said(command);
         return console.pictures.empty() ? "" : console.pictures.back();
     }
-    // Channels in the order in which their names stand in a text.
-    static bool InOrder(const std::string& text, const std::vector<const char*>& names) {
-        std::vector<std::size_t> places(names.size());
-        std::ranges::transform(names, places.begin(), [&](const char* name) { return text.find(name); });
-        return std::ranges::is_sorted(places) && places.back() != text.npos;
-    }
 };
 
 TEST_F(WatchTest, EndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
@@ -66,97 +60,15 @@ TEST_F(WatchTest, EndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
     }
 }
 
-TEST_F(WatchTest, ShowsWhatIsPublishedAndTheRemotesOfTheStandIn) {
-    StartSuite({{kBsp, 7.25}});
-    Publish(kAws, 12.5, 20.0);
-    Publish(kMagVar, -3.0);
-    const std::u16string folder = test.folder.File("Deckman");
-    WriteSettings(Core().registry, {.dfwFolder = folder});
-    DisplayWriter displays(Core().memory, folder);
-    displays.ShowValue(3, "7.25");
-    displays.ShowName(3, "BSP");
-    displays.ShowValue(12, "3.00\xB0W");
-    const std::string said = Said("watch --snapshots 1");
-    ExpectIn(said, {"  the bridge is not running\n  id  channel ", "   1  BSP                         7.25 kt  ",
-                    "   3  AWS                          - -           2", "  93  MagVar                    3.00\u00B0w ",
-                    "remote  3  BSP       7.25\n", "remote 12            3.00\u00B0W\n"});
-    ExpectAbsent(said, {"12.5", "Depth", "remote  4", "\x1b"});
-    EXPECT_EQ(':', said[14]) << "the time of day";
-    console.size = ConsoleSize{110, 24};
-    const std::string picture = PictureAfter(U"q");
-    ExpectIn(picture, {"  the bridge is not running  5 channels, 2 fresh",
-                       "stale     3 AWS             it is stale: last published 2", "fresh     1>BSP                      7.25 kt",
-                       "\u256D 3 \u2500", "\u256D 12 \u2500", "   7.25    ", "  3.00\u00B0W   "});
-    ExpectAbsent(picture, {"12.5", "Depth", "\u256D 4"});
-    EXPECT_EQ(Look::kRed, console.LookOf("the bridge is not running  5"));
-}
-
-TEST_F(WatchTest, ChoosesChannels) {
-    test.folder.Write("ProgramData/Tidewright/instruments/halyrig.xml",
-                      "<x><var twr='4' dfw='7'/><var twr='1' dfw='6'/><var twr='5' boat='1' dfw='6'/></x>");
+TEST_F(WatchTest, SaysThatTheBridgeDoesNotRun) {
     StartSuite();
-    Publish(kBsp, 7.25, 3.0);
-    Publish(kTws, 10.0, 5.0);
-    Publish(kAwa, 20.0);
-    suite->SetChannel(kTws, 1, 11.0, UtcNowDays(Core().clock));
-    const std::tuple<const char*, std::vector<const char*>, std::vector<const char*>> rows[] = {
-        {"", {"AWA", "BSP", "TWS"}, {"TWA"}},
-        {" --sort id", {"BSP", "AWA", "TWS"}, {}},
-        {" --sort age", {"TWS", "BSP", "AWA"}, {}},
-        {" --boat 1", {"TWS "}, {" BSP", " AWA"}},
-        {" twa tws", {"TWA", "TWS"}, {"BSP"}},
-        {" 4", {"TWA"}, {"TWS"}},
-        {" --only mapped --sort id", {"BSP", "TWA"}, {" TWS", " AWA"}},
-        {" --only mapped --boat 1", {"TWS"}, {"BSP"}},
-        {" --only mapped bsp tws", {"BSP"}, {" TWS"}}};
-    for (const auto& [options, shown, absent] : rows) {
-        SCOPED_TRACE(options);
-        const std::string byName = *options ? options : " --sort name";
-        console.size = ConsoleSize{100, 24};
-        for (const std::string& said : {PictureAfter(U"q", "watch" + byName), Said("watch --snapshots 1" + byName)}) {
-            EXPECT_TRUE(InOrder(said, shown)) << said;
-            ExpectAbsent(said, absent);
-        }
-    }
-    ExpectIn(Said("watch --snapshots 1 twa"),
-             {"   4  TWA                          - -                -  missing: the bridge is not running"});
+    console.size = ConsoleSize{100, 24};
+    PictureAfter(U"q");
+    EXPECT_EQ(Look::kRed, console.LookOf("the bridge is not running  "));
     ExpectSaid(2, {{"watch speed", {"there is no channel speed"}},
                    {"watch --only all", {"--only: all not in {mapped}; see"}},
                    {"watch --sort size", {"--sort: size not in {"}},
                    {"watch --boat 100", {"not in range 0 to 99"}}});
-}
-
-TEST_F(WatchTest, TellsTheStateOfEachChannel) {
-    StartSuite({{kTws, kNoValue}, {kBsp, 7.0}});
-    Publish(kAwa, 30.0, 20.0);
-    Publish(kTwa, kNoValue, 20.0);
-    for (const ChannelId channel : {kHeel, kTrim}) Publish(channel, 5.0, 70.0);
-    Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);
-    Record().Set<std::uint8_t>(RecordBytes::Channel(kTrim) + 4, 1);
-    Record().SetFlag(52, true);
-    RunningBridge bridge(test);
-    bridge.LibraryLoaded(u"/dfw", {.loaded = true, .reads = true});
-    bridge.MappingLoaded({.variables = 3, .varRows = 1}, std::vector<MappedLine>{{kTws, 0, 5}});
-    bridge.Noted(0, 151.0f);
-    const std::tuple<std::string, const char*, Look> rows[] = {{"bsp", "  fresh\n", Look::kGreen},
-                                                               {"tws", "  refused: Deckman gives 151, outside", Look::kRed},
-                                                               {"heel", "  refused: the channel is blocked", Look::kRed},
-                                                               {"trim", "  refused: the channel is held", Look::kRed},
-                                                               {"awa", "  stale: it is stale", Look::kYellow},
-                                                               {"aws", "  missing: ", Look::kFaint},
-                                                               {"twa", "  missing: its source gives no value", Look::kFaint},
-                                                               {"120", "  missing: it stands for no channel", Look::kFaint}};
-    for (const auto& [channel, said, look] : rows) {
-        console.size.reset();
-        ExpectIn(Said("watch --snapshots 1 " + channel), {said, "  the bridge is running\n"});
-        console.size = ConsoleSize{100, 24};
-        PictureAfter(U"q", "watch " + channel);
-        const std::string word = std::string(said).substr(2, std::string(said).find_first_of(":\n") - 2);
-        EXPECT_EQ(look, console.LookOf(word)) << word;
-    }
-    console.size.reset();
-    bridge.Noted(0, 32767.0f);
-    ExpectIn(Said("watch --snapshots 1 tws"), {"  missing: Deckman has never given a value"});
 }
 
 TEST_F(WatchTest, ObeysItsKeys) {

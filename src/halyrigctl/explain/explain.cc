@@ -36,12 +36,12 @@ std::vector<std::pair<ChannelId, BoatSlot>> MappedChannels(const CoreRecord& rec
 }
 
 // The first titles of those of which the same is said, which are taken out, and how many more there are.
-std::string TakeTitles(std::vector<Explained>& left, const std::string& what) {
+std::string TakeTitles(std::vector<Explained>& left, const Fault& fault) {
     constexpr std::size_t kTitles = 4;
     std::string titles;
     std::size_t count = 0;
     std::erase_if(left, [&](const Explained& one) {
-        if (one.links.Broken().what != what) return false;
+        if (one.links.Broken().what != fault.what || one.links.Broken().todo != fault.todo) return false;
         if (++count <= kTitles) titles += (count == 1 ? "" : ", ") + one.title;
         return true;
     });
@@ -59,8 +59,8 @@ std::string AsOverview(std::vector<Explained> left) {
         const std::string todo = left.front().links.Broken().todo;
         const auto hasTodo = [&](const Explained& one) { return one.links.Broken().todo == todo; };
         for (auto next = left.begin(); next != left.end(); next = std::ranges::find_if(left, hasTodo)) {
-            const std::string what = next->links.Broken().what;
-            text += TakeTitles(left, what) + ": " + what + "\n";
+            const Fault fault = next->links.Broken();
+            text += TakeTitles(left, fault) + ": " + fault.what + "\n";
         }
         text += (todo.empty() ? "" : "  to do: " + todo + "\n") + std::string("\n");
     }
