@@ -173,6 +173,28 @@ TEST_F(SetUpSaidTest, NothingOfTheMappingCanBeUsed) {
     TypeAll(told, {"check --summary", "explain BSP --json"});
 }
 
+// Each unit feeds what is in it, and then what no channel is in is fed.
+TEST_F(SetUpSaidTest, UnitsOfDeckmansList) {
+    const std::pair<const char*, ChannelId> fed[] = {
+        {"kn", kBsp},     {"KT", kTws},    {"kts", kSog},  {"deg", kHeel},     {"deg", kAwa},      {"deg", kMkLat},
+        {"deg", kMkLon},  {"degM", kHdg},  {"degT", kTwd}, {"deg/s", kRot},    {"ft", kDepth},     {"m", kAltitude},
+        {"m", kFStayLen}, {"m", 173},      {"nm", kMkRng}, {"degC", kSeaTemp}, {"hPa", kBaro},     {"%", kPolBspPct},
+        {"day", kTmOnS},  {"V", kVolts},   {"t", kLoadS},  {"u", kTab},        {"kn", kCourse},    {"deg", kTargVmg},
+        {"degT", kTrim},  {"m", kDtOnS},   {"s", kMarkTm}, {"min", kTmOnP},    {"degF", kAirTemp}, {"km", kXte},
+        {"m/s", kAws},    {"mph", kDrift}, {"A", kRake},   {"T", kGeoSep}};
+    std::string list, lines;
+    int number = 0;
+    for (const auto& [unit, channel] : fed) {
+        const std::string name = "V" + std::to_string(++number);
+        list += std::to_string(number) + " " + name + " " + unit + " 0 0 1\n";
+        lines += "<var twr='" + std::to_string(channel) + "' dfw='" + name + "'/>\n";
+    }
+    Set(u"Sys_i6", 3);
+    List(list);
+    Map(lines);
+    Transcript("units", *this).Type("check");
+}
+
 TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     List(
         "1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n7 MKBRG degT 0 0 1\n"
@@ -181,9 +203,9 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     settings.dfwFolder = u"";
     Save();
     Transcript told("mapping", *this);
-    TypeAll(told,
-            {"choose ~/nowhere", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes", "map add AWS 3 17 5 --boat 7",
-             "map add 10 172 --boat 1", "map add LAT lat", "map add-remote 3 BSP --boat 7 --damped", "map add-remote 12 117"});
+    TypeAll(told, {"choose ~/nowhere", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes",
+                   "map add AWS 3 17 5 --boat 7", "map add 10 172 --boat 1", "map add LAT lat",
+                   "map add-remote 3 BSP --boat 7 --damped", "map add-remote 12 117", "map suggest --yes"});
     told.Tell("halyrig.xml", test.folder.Read(kMapping));
     told.Type("check");
     told.Tell("The suite runs");
@@ -261,6 +283,17 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
         for (const std::size_t id : {0, 1, 18, 19, 173}) some += lines[1 + id] + "\n";
         told.Tell(std::string("$ channels") + form + ", some", lines[0] + "\n" + some);
     }
+    console.goOn = [&, step = 0]() mutable {
+        clock.AdvanceMs(3000);
+        bridge->clock.ticks = clock.ticks;
+        for (int tick = 0; tick < 30; ++tick) bridge->Ticked();
+        Give(kBsp, 0, 5.0 + step, 0.2);
+        Give(kHdg, 0, step < 2 ? 340.0 + 15 * step : 15.0 * step, 0.2);
+        Give(kTwa, 0, step < 2 ? 178.0 : -178.0, 0.2);
+        Give(kSet, 0, 20.0 + 0.1 * step, 0.2);
+        return ++step < 5;
+    };
+    Draw(told, "watch --interval 100 bsp hdg twa set", U"", {200, 7});
 }
 
 }  // namespace
