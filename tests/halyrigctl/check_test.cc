@@ -86,67 +86,17 @@ struct CheckTest : CtlTest {
     std::unique_ptr<RunningBridge> bridge;
 };
 
-TEST_F(CheckTest, LooksAtAnotherFolder) {
-    const std::string folder = ToUtf8(settings.dfwFolder);
-    ExpectIn(Found(1, "check " + ToUtf8(test.folder.File("nowhere"))).at(0), {"nowhere does not exist"});
-    EXPECT_TRUE(verdict.starts_with("Nothing can come from Deckman; ")) << verdict;
-    // What the running bridge has loaded, and when it has read its list, is no fault of a folder that is asked about.
-    Start();
-    bridge->LibraryLoaded(settings.dfwFolder, {});
-    const auto late = std::filesystem::file_time_type::clock::now() + std::chrono::hours(48);
-    std::filesystem::last_write_time(test.folder.Path() / kList, late);
-    EXPECT_EQ(2u, Found(1).size()) << console.written;
-    EXPECT_TRUE(Found(0, "check " + folder).empty()) << console.written;
-    EXPECT_EQ(0, RunCommandLine(*this, {"check", " " + folder + "\t"})) << "as it was pasted: " << console.written;
-    Said("check --json --summary", 2);
-}
-
-TEST_F(CheckTest, AListThatIsCutShortStopsNothingIfItCostsNoLine) {
-    test.folder.Write(kList, "[variables]\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n9 TIMER u 0 0 0\n8 X u 0 0 0\n");
-    EXPECT_TRUE(Said("check", 1).starts_with("1 fault; all that is not named")) << console.written;
-}
-
 TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
     const std::string longer(kLongestLine, ' ');
     const std::tuple<const char*, std::string, const char*, int> rows[] = {
 
         {"halyrig.xml:4", "<remote remote='7' twr='48'/>", "while the position source (Sys_i6) is 3", 0},
-        {"alternate.csv:1", "3,13,14\n", "the line can't be read; write it as row,slot", 1},
-        {"alternate.csv:1", "3,x,14,0,0,0,0,0,0,0\n", "the line can't be read", 1},
-        {"alternate.csv:1",
-         "\xEF\xBB\xBF"
-         "3,13,14,0,0,0,0,0,0,0\n",
-         "byte-order mark", 1},
         {"alternate.csv:2", '!' + longer + "\n3,13,14,0,0,0,0,0,0" + longer + ",0\n", "the line is longer than 1 MiB, and only", 1},
         {"alternate.csv:3", '!' + longer + "\n3,13,14,0,0,0,0,0,0,0\n!" + std::string(kLargestFile, 'x'),
          "the file is larger than 64 MiB, and nothing behind this line", 1},
-        {"alternate.csv:1", "10,13,14,0,0,0,0,0,0,0\n", "there is no row 10", 1},
-        {"alternate.csv:1", "3,13,500,0,0,0,0,0,0,0\n", "there is no channel 500", 1},
-        {"alternate.csv:1", "3,13,65549,-1,0,0,0,0,0,32767\n", "there is no channel 65549", 1},
-        {"alternate.csv:1", "3,13,14,0,0,0,0,0,0,x\n", "x is not a number", 1},
-        {"alternate.csv:1", "3,13,14,0,0,0,0,0,0,\n4 13 14 0 0 0 0 0 0\n", nullptr, 0},
         {"channels.xml:1", "<chanels/>", "begin it with <channels>", 1},
         {"channels.xml:2", "<channels>\n<chanel id='1'/></channels>", "there is no element chanel", 1},
-        {"channels.xml:1", "<channels><channel id='1' colour='1'/></channels>", "there is no attribute colour", 1},
-        {"channels.xml:1", "<channels><channel id='500' prec='1'/></channels>", "there is no channel 500", 1},
-        {"channels.xml:1", "<channels><channel prec='1' id='1'/></channels>", "prec stands before id", 1},
-        {"channels.xml:1", "<channels><channel prec='1' log='1'/></channels>", "it has no id", 1},
-        {"channels.xml:1", "<channels><channel id='1' prec='255'/></channels>", R"(prec="255" is out of range)", 1},
-        {"channels.xml:1", "<channels><channel id='48' prec='1'/></channels>", "prec has no effect", 1},
-        {"channels.xml:1", "<channels><channel id='117' prec='1'/></channels>", "prec has no effect", 1},
-        {"channels.xml:1", "<channels><channel id='1' type='1'/></channels>", "type has no effect here", 1},
-        {"channels.xml:1", "<channels><channel id='172' type='20'/></channels>", "there is no type 20", 1},
-        {"channels.xml:1", "<channels><channel id='48' damp='1'/></channels>", "damp has no effect", 1},
-        {"channels.xml:1", "<channels><channel id='1' damp='x'/></channels>", R"(damp="x" is not a number)", 1},
-        {"channels.xml:1", "<channels><channel id='1' damp=''/></channels>", "damp is empty", 1},
-        {"channels.xml:1", "<channels><channel id='172' user='012345678901234567890123456789012'/></channels>",
-         "cut to 0123456789012345678901234567890;", 1},
         {"channels.xml:1:", "<channels>", "it is not XML", 1},
-        {"boats.xml:1", "<boats><boat id='100' name='A'/></boats>", "there is no boat 100", 1},
-        {"boats.xml:1", "<boats><boat id='7' r='256'/></boats>", R"(r="256" is out of range)", 1},
-        {"boats.xml:1", "<boats><boat name='A' id='7'/></boats>", "name stands before id", 1},
-        {"boats.xml:1", "<boats><boat r='1' id='7'/></boats>", nullptr, 0},
-        {"boats.xml:1", "<boats><boat id='7' mmsi='x'/></boats>", R"(mmsi="x" is not a number)", 1},
         {"J_vars06.d:6", "", "is read only up to here", 1},
         {"J_vars06.d", "8 X u 0 0 0\n", nullptr, 0}};  // no TIMER, and none is wanted
     for (const auto& [where, content, fragment, status] : rows) {
@@ -200,8 +150,6 @@ TEST_F(CheckTest, NamesWhatIsNewerInTheFolderInForceAlone) {
     const auto lines = Found(1);
     ASSERT_EQ(3u, lines.size()) << "the files of the other folder are not those in force\n" << console.written;
     ExpectIn(lines[0], {"(DataFolder)"});
-    bridge->LibraryLoaded(settings.dfwFolder, {false, false});
-    ExpectIn(Found(1).at(0), {"the bridge could not load Deckman's library when it looked, and could now"});
 }
 
 TEST_F(CheckTest, ComparesEachAttributeAndEachKindOfSetting) {

@@ -16,14 +16,6 @@ TEST_F(CtlTest, WithoutARecordEveryCommandSaysWhatToStart) {
     EXPECT_FALSE(Held()) << "and none creates one";
 }
 
-TEST_F(CtlTest, AChannelIsHeldOnlyWhileHoldingIsInForce) {
-    StartSuite();
-    Record().Set<std::uint8_t>(RecordBytes::Channel(kAws) + 4, 1);
-    ExpectIn(Said("channels --live --tsv"), {"\n3\tAWS\t\t\t21\twind speed\t1\t0\t1\t0\t0\t0\n"});
-    Record().SetFlag(52, true);
-    ExpectIn(Said("channels --live --tsv"), {"\n3\tAWS\t\t\t21\twind speed\t1\t0\t1\t0\t0\t1\n"});
-}
-
 TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
     StartSuite();
     Record().SetText(RecordBytes::Channel(172) + 12, u"Jib lead position");

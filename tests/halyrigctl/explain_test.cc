@@ -279,7 +279,6 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
     const std::vector<SetUpRow> rows = {
         well(
             "BSP", "", [] {}, [] {}, ":3: remote 1 shows 6.50"),
-        well("117", "", [] {}),
         well("BSP", "", map("<var twr='1' dfw='BSP'/><remote remote='1' twr='117'/>"), mapRight, "remote 1 shows 6.50"),
         {"AWA", "all is well", "", nullptr, none, [&] { Publish(kAwa, 30.0); }, released, [&] { Publish(kAwa, 30.0); }, kShown},
         // the folder
@@ -371,7 +370,6 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
         {"Depth", "Deckman has never given a value for its variable DEPTH", "", nullptr,
          [&] { Recording("$IIHDT,90,T\n"), List(inMetres), stored->depthInFeet = false; }, none,
          [&] { Recording("$SDDPT,3.0,0\n"), libraryRight(); }, none, kUsual, "", "9987"},
-        {"AWS", "infinite value for its variable AWS: a display shows -0,", "", nullptr, [&] { Gives(3, INFINITY); }, none, released},
         {"172", "an infinite value for its variable AWS: a display shows INF,", "", nullptr,
          [&] { Gives(3, -INFINITY), MappingXml("<var twr='172' dfw='AWS'/>"); }, none, released},
         {"HDG", "no variation (MagVar, channel 93) to make", nullptr, nullptr, [&] { stored->degreesTrue = true; }, none,

@@ -49,13 +49,6 @@ struct MapTest : CtlTest {
     FailingFiles files{test.system->Core().files};
 };
 
-TEST_F(MapTest, SaysThatDeckmansFolderIsMissing) {
-    WriteSettings(Core().registry, {.dfwFolder = u"/none"});
-    ExpectIn(Said("map"), {"the Dfw folder /none does not exist; choose"});
-    for (const char* command : {"map suggest", "map add HDG 13"})
-        ExpectIn(Said(command, 1), {"the Dfw folder /none does not exist"});
-}
-
 TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
     std::string said = Said("map suggest");
     const std::string commands = said.substr(0, said.find("\n\n") + 1);

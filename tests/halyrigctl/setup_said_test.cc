@@ -89,7 +89,7 @@ TEST_F(SetUpSaidTest, MuchIsWrongAtOnce) {
         "<remote remote='6' twr='50'/>\n<remote twr='1'/>\n<remote remote='7' twr='16' boat='1'/><remote remote='8' twr='11'/>\n"
         "<remote remote='9' twr='12'/><remote remote='10' twr='5'/><remote remote='11' twr='32'/>\n<remote remote='12' "
         "twr='140'/><remote remote='13' twr='0'/>\n");
-    const std::string alternates = "0,0,1,58,0,0,0,0,0,0\n1,5,31,0,0,0,0,0,0,0\n";  // the last of the first is not fed
+    const std::string alternates = "0,0,1,0,0,0,0,0,0,0\n1,5,31,0,0,0,0,0,0,0\n";
     Config("alternate.csv", alternates);
     Config("channels.xml", "<channels><channel id='1' prec='1'/><channel id='172' type='12' user='Jib lead'/></channels>");
     Config("boats.xml", "<boats><boat id='7' name='Aurora' mmsi='211000007'/></boats>");
@@ -171,28 +171,53 @@ TEST_F(SetUpSaidTest, NothingOfTheMappingCanBeUsed) {
     files.forbidden = test.folder.File(kMapping);
     told.Tell("It is another user's");
     TypeAll(told, {"check --summary", "explain BSP --json"});
+    files.forbidden.clear();
+    std::filesystem::remove(test.folder.File(kMapping));
+    Map("<var twr='1' dfw='BSP'/>\n");
+    told.Tell("The bridge has not loaded the library, and has read older files");
+    bridge->LibraryLoaded(settings.dfwFolder, {});
+    bridge->MappingLoaded({1, 1, 1.0});
+    TypeAll(told, {"check --summary", "check --summary ~/Deckman", "explain BSP --json"});
+    told.Tell("The list is cut short, which costs no line; then there is none");
+    List("1 BSP kn 2 0 1\nx\n");
+    told.Type("check --summary ~/Deckman");
+    std::filesystem::remove_all(test.folder.File("Deckman"));
+    TypeAll(told, {"map", "map suggest", "map add BSP 1"});
 }
 
 // Each unit feeds what is in it, and then what no channel is in is fed.
-TEST_F(SetUpSaidTest, UnitsOfDeckmansList) {
-    const std::pair<const char*, ChannelId> fed[] = {
-        {"kn", kBsp},     {"KT", kTws},    {"kts", kSog},  {"deg", kHeel},     {"deg", kAwa},      {"deg", kMkLat},
-        {"deg", kMkLon},  {"degM", kHdg},  {"degT", kTwd}, {"deg/s", kRot},    {"ft", kDepth},     {"m", kAltitude},
-        {"m", kFStayLen}, {"m", 173},      {"nm", kMkRng}, {"degC", kSeaTemp}, {"hPa", kBaro},     {"%", kPolBspPct},
-        {"day", kTmOnS},  {"V", kVolts},   {"t", kLoadS},  {"u", kTab},        {"kn", kCourse},    {"deg", kTargVmg},
-        {"degT", kTrim},  {"m", kDtOnS},   {"s", kMarkTm}, {"min", kTmOnP},    {"degF", kAirTemp}, {"km", kXte},
-        {"m/s", kAws},    {"mph", kDrift}, {"A", kRake},   {"T", kGeoSep}};
-    std::string list, lines;
-    int number = 0;
-    for (const auto& [unit, channel] : fed) {
-        const std::string name = "V" + std::to_string(++number);
-        list += std::to_string(number) + " " + name + " " + unit + " 0 0 1\n";
-        lines += "<var twr='" + std::to_string(channel) + "' dfw='" + name + "'/>\n";
+TEST_F(SetUpSaidTest, EachUnitAndEachFaultOfAFileOfTheSuite) {
+    std::istringstream fed(
+        "kn 1 KT 5 kts 51 deg 18 deg 2 deg 161 deg 162 degM 13 degT 6 deg/s 32 ft 17 m 45 m 25 m 173 nm 105 degC 15 hPa 16 % 58 "
+        "day 34 "
+        "V 30 t 27 u 21 kn 9 deg 55 degT 19 m 33 s 88 min 37 degF 14 km 91 m/s 3 mph 12 A 29 T 46");
+    std::string list, lines, unit;
+    for (int number = 1, channel = 0; fed >> unit >> channel; ++number) {
+        const std::string of = std::to_string(number);
+        list += of + " V" + of + " " + unit + " 0 0 1\n";
+        lines += "<var twr='" + std::to_string(channel) + "' dfw='V" + of + "'/>\n";
     }
     Set(u"Sys_i6", 3);
     List(list);
     Map(lines);
-    Transcript("units", *this).Type("check");
+    Config("alternate.csv",
+           "\xEF\xBB\xBF"
+           "3,13,14,0,0,0,0,0,0,0\n3,13,14\n10,13,14,0,0,0,0,0,0,0\n3,13,500,0,0,0,0,0,0,0\n4,13,65549,-1,0,0,0,0,0,32767\n"
+           "5,13,14,0,0,0,0,0,0,x\n6,13,14,0,0,0,0,0,0,\n4 13 14 0 0 0 0 0 0\n");
+    Config("channels.xml",
+           "<channels>\n<channel id='1' colour='1'/>\n<channel id='500' prec='1'/>\n<channel prec='1' id='1'/>\n"
+           "<channel prec='1' log='1'/>\n<channel id='1' prec='255'/>\n<channel id='48' prec='1'/>\n"
+           "<channel id='117' prec='1'/>\n<channel id='1' type='1'/>\n<channel id='172' type='20'/>\n"
+           "<channel id='48' damp='1'/>\n<channel id='1' damp='x'/>\n<channel id='1' damp=''/>\n"
+           "<channel id='172' user='012345678901234567890123456789012'/>\n</channels>");
+    Config("boats.xml",
+           "<boats>\n<boat id='100' name='A'/>\n<boat id='7' r='256'/>\n<boat name='A' id='7'/>\n<boat r='1' id='7'/>\n"
+           "<boat id='7' mmsi='x'/>\n</boats>");
+    Transcript told("files", *this);
+    TypeAll(told, {"check", "check --json --summary", "check --json ~/elsewhere"});
+    console.written.clear();
+    EXPECT_EQ(1, RunCommandLine(*this, {"check", "--summary", " " + ToUtf8(settings.dfwFolder) + "\t"}));
+    told.Tell("$ check --summary, of a folder as it was pasted", console.written);
 }
 
 TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
@@ -209,7 +234,7 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     told.Tell("halyrig.xml", test.folder.Read(kMapping));
     told.Type("check");
     told.Tell("The suite runs");
-    Config("alternate.csv", "0,0,1,0,0,0,0,0,0,0\n");
+    Config("alternate.csv", "0,0,1,58,0,0,0,0,0,0\n");  // the last is not fed
     Set(u"Sys_i6", 3);
     StartSuite();
     const std::tuple<ChannelId, BoatSlot, double, double> values[] = {
@@ -243,6 +268,9 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
     Record().SetInt(1, 2);       // feet
     Record().SetFlag(3, false);  // true bearings
     Record().SetFlag(1, true);   // local time
+    Transcript told("values", *this);
+    Draw(told, "watch bsp", U"", {40, 4});
+    EXPECT_EQ(Look::kRed, console.LookOf("the bridge is not running"));
     StartBridge({{1, 0, 1}, {13, 0, 2}, {3, 3, 3}, {5, 0, 4}});
     bridge->Noted(3, 151.0f);
     const std::tuple<ChannelId, BoatSlot, double, double> values[] = {
@@ -255,9 +283,9 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
     for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
     Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);  // blocked
     Record().Set<std::uint8_t>(RecordBytes::Channel(kTrim) + 4, 1);  // held
+    EXPECT_EQ(std::string::npos, Said("channels --live --tsv").find("\t1\n")) << "held, while that is not in force";
     Record().SetFlag(52, true);
     Record().SetText(RecordBytes::Channel(173) + 76, u"Lead\a");
-    Transcript told("values", *this);
     TypeAll(told, {"watch --snapshots 1 --boat 3 --sort age", "watch --snapshots 1 --only mapped --sort name",
                    "watch --snapshots 1 --only mapped --boat 3", "watch --snapshots 1 --only mapped bsp twa"});
     DisplayWriter displays(Core().memory, settings.dfwFolder);
@@ -275,7 +303,8 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
     Draw(told, "watch --sort name bsp hdg awa heel 172 lat", {Key::kDown, Key::kDown, Key::kDown, Key::kEnter}, {64, 18});
 
     TypeAll(told, {"get 1 117 hdg depth lat lon 34 146 161 sail heel twa awa tws 118 --json", "get tws heel awa,118 119 172 161",
-                   "get hdg aws bsp --boat 3 --json", "get nosuch bps 1", "boats", "boats --json", "explain 118"});
+                   "get hdg aws bsp --boat 3 --json", "get nosuch bps 1", "watch speed", "watch --only all", "watch --sort size",
+                   "watch --boat 100", "boats", "boats --json", "explain 118"});
     EXPECT_EQ(101u, LinesOf(Said("boats --all")).size());
     for (const char* form : {"", " --json", " --live", " --live --tsv", " --live --json"}) {
         const auto lines = LinesOf(Said(std::string("channels") + form));

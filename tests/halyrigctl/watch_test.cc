@@ -60,17 +60,6 @@ TEST_F(WatchTest, EndsWithTheUserOrTheSuiteThoughNobodyTakesItsOutput) {
     }
 }
 
-TEST_F(WatchTest, SaysThatTheBridgeDoesNotRun) {
-    StartSuite();
-    console.size = ConsoleSize{100, 24};
-    PictureAfter(U"q");
-    EXPECT_EQ(Look::kRed, console.LookOf("the bridge is not running  "));
-    ExpectSaid(2, {{"watch speed", {"there is no channel speed"}},
-                   {"watch --only all", {"--only: all not in {mapped}; see"}},
-                   {"watch --sort size", {"--sort: size not in {"}},
-                   {"watch --boat 100", {"not in range 0 to 99"}}});
-}
-
 TEST_F(WatchTest, ObeysItsKeys) {
     StartSuite();
     for (ChannelId channel = 1; channel <= 20; ++channel) Publish(channel, 1.0);

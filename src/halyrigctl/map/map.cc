@@ -106,7 +106,10 @@ std::string AsJson(const ListedMap& map) {
 Status ListMap(System& system, bool json) {
     Guest guest(system, WithoutRecord::kGoOn);
     Circumstances now(system, guest.Core());
-    const ListedMap map = ReadMap(guest.Core(), now.TheMapping());
+    ListedMap map = ReadMap(guest.Core(), now.TheMapping());
+    // Without Deckman's list no line can name a variable of it, and that is no fault of the line.
+    if (now.Variables().rows.empty())
+        std::erase_if(map.faults, [](const Finding& finding) { return finding.flaw == Flaw::kNoSuchVariable; });
     const std::vector<Finding> passedOver = now.PassedOver();
     guest.Leave();
     Console& console = system.GetConsole();
