@@ -70,7 +70,7 @@ TEST_F(WatchTest, ObeysItsKeys) {
     const std::tuple<const char*, std::u32string, std::vector<const char*>, std::vector<const char*>> rows[] = {
         {"at first", U"", {"1-10 of 22", " 1>BSP", "q End", "Sort (id)"}, {"20 Rudder"}},
         {"a line down", down + down + std::u32string{K::kUp}, {"1-10 of 22", "2>AWA"}, {"1>BSP"}},
-        {"and explained", down + enter, {"AWA (2): all is well", "Enter Close"}, {"12 "}},
+        {"and explained", down + enter, {"AWA (2): all is well", "Enter Close"}, {"Drift"}},
         {"and no more", down + enter + enter, {"1-10 of 22", "Enter Explain"}, {"all is well"}},
         {"a page down", page, {"2-11 of 22", "11>"}, {"BSP"}},
         {"beyond the end and back", page + page + page + std::u32string{K::kPageUp}, {"12-21 of 22"}, {}},
