@@ -89,7 +89,6 @@ struct CheckTest : CtlTest {
 TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
     const std::string longer(kLongestLine, ' ');
     const std::tuple<const char*, std::string, const char*, int> rows[] = {
-
         {"halyrig.xml:4", "<remote remote='7' twr='48'/>", "while the position source (Sys_i6) is 3", 0},
         {"alternate.csv:2", '!' + longer + "\n3,13,14,0,0,0,0,0,0" + longer + ",0\n", "the line is longer than 1 MiB, and only", 1},
         {"alternate.csv:3", '!' + longer + "\n3,13,14,0,0,0,0,0,0,0\n!" + std::string(kLargestFile, 'x'),
@@ -117,6 +116,19 @@ TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
         } else {
             EXPECT_EQ(0u, Found(status).size()) << console.written;
         }
+    }
+}
+
+TEST_F(CheckTest, NotesAloneAreNoFault) {
+    Map("<var twr='1' dfw='BSP'/>\n<remote remote='7' twr='31'/>");
+    const std::string summary = Said("check --summary");
+    EXPECT_TRUE(summary.starts_with("All is well: ") && std::ranges::count(summary, '\n') == 1) << summary;
+    EXPECT_TRUE(Said("check --json").starts_with(R"({"status":"well",)")) << console.written;
+    for (const std::string name : {"Channels.xml", "Boats.xml", "Alternate.csv"}) {
+        if (kPathSeparator == u'\\') continue;  // where capitals don't count
+        Remove("ProgramData/Tidewright/config");
+        test.folder.Write("ProgramData/Tidewright/config/" + name, "");
+        ExpectIn(Found(1).at(0), {name.c_str()});
     }
 }
 
@@ -171,6 +183,7 @@ TEST_F(CheckTest, ComparesEachAttributeAndEachKindOfSetting) {
         {"MarksXml", "", StringValue(u"/x"), "(MarksXml)"},
         {"Database2", "", StringValue(u"/x"), "(Database2)"},
         {"Sys_i3", "", DwordValue(1), "(Sys_i3)"},
+        {"Sys_b33", "", DwordValue(1), "(Sys_b33)"},
         {"Sys_b3", "", DwordValue(0), "(Sys_b3)"},
         {"Sys_v1", "", StringValue(u"3.5"), "(Sys_v1)"}};
     for (const auto& [name, content, value, first] : rows) {

@@ -269,7 +269,7 @@ TEST_F(ExplainTest, EveryCommandNamesTheReasonFirstAndItsAdviceMendsIt) {
                       inMetres = row1 + "3 AWS kn 1 0 1\n7 HDG degM 0 0 1\n25 DEPTH m 1 0 3\n";
     // A library's header says for which machine it is, and that it is no program.
     const std::string zeros(58, '\0'), elf = std::string("\x7f") + "ELF",
-                                       pe = "MZ" + zeros + std::string("\x40\0\0\0PE\0\0\x4c\x01", 10) + zeros;
+                                       pe = "MZ" + zeros + std::string("\x40\0\0\0PE\0\0\x4c\x01\x05\0", 12) + zeros;
     std::string otherMachine = BytesOf(STAND_IN_LIBRARY), program = otherMachine;
     const auto byte = [&](std::size_t place) { return static_cast<unsigned char>(program[place]); };
     const std::size_t header = kOnLinux ? 0 : byte(0x3C) | byte(0x3D) << 8;

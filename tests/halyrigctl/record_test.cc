@@ -328,6 +328,7 @@ TEST_F(RecordTest, ReplayKeepsOutOfTheBridgesWay) {
     instance = &unseen;
     ExpectIn(Said("replay " + File("long.jsonl"), 1), {"can't be seen", "it is a link; remove it", "--into"});
     ExpectIn(Said("get aws", 1), {"can't be seen: it is a link; remove it"});
+    ExpectIn(Said("check", 1), {"\nwhether the bridge is running can't be seen: it is a link"});
     EXPECT_EQ(6, Value(kBsp));
 }
 

@@ -266,8 +266,9 @@ TEST_F(ServeTest, EveryChannelHasItsOwnPathOfSignalK) {
     }
     for (const auto& [path, count] : paths) EXPECT_EQ(1, count) << path;
     const std::pair<const char16_t*, const char*> rows[] = {
-        {u"TWD+90", "twdPlus90"}, {u"TWDPeriod", "twdPeriod"}, {u"FStayLen", "fStayLen"},    {u"P burn", "pBurn"}, {u"D0 P", "d0P"},
-        {u"XTE", "xte"},          {u"dTargBsp", "dTargBsp"},   {u"PolBsp%", "polBspPercent"}};
+        {u"TWD+90", "twdPlus90"},  {u"TWD-90", "twdMinus90"}, {u"TWDPeriod", "twdPeriod"},
+        {u"FStayLen", "fStayLen"}, {u"P burn", "pBurn"},      {u"D0 P", "d0P"},
+        {u"XTE", "xte"},           {u"dTargBsp", "dTargBsp"}, {u"PolBsp%", "polBspPercent"}};
     for (const auto& [name, path] : rows) EXPECT_EQ(path, SignalKName(name));
 }
 

@@ -173,6 +173,12 @@ TEST_F(SetUpSaidTest, NothingOfTheMappingCanBeUsed) {
     TypeAll(told, {"check --summary", "explain BSP --json"});
     files.forbidden.clear();
     std::filesystem::remove(test.folder.File(kMapping));
+    Map("<var twr='1' dfw='BSP'/>\n<var/>\n");
+    Give(kBsp, 0, 6.5, 0.1);
+    bridge->MappingLoaded({1, 1, 1e6}, std::vector<MappedLine>{{1, 0, 1}});
+    bridge->Noted(0, 6.5f);
+    told.Tell("All is well but for a line that names no channel");
+    TypeAll(told, {"explain", "map"});
     Map("<var twr='1' dfw='BSP'/>\n");
     told.Tell("The bridge has not loaded the library, and has read older files");
     bridge->LibraryLoaded(settings.dfwFolder, {});
@@ -228,9 +234,11 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     settings.dfwFolder = u"";
     Save();
     Transcript told("mapping", *this);
-    TypeAll(told, {"choose ~/nowhere", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes",
-                   "map add AWS 3 17 5 --boat 7", "map add 10 172 --boat 1", "map add LAT lat",
-                   "map add-remote 3 BSP --boat 7 --damped", "map add-remote 12 117", "map suggest --yes"});
+    test.folder.Write("Bare/ShDfW2" + ToUtf8(kLibrarySuffix), BytesOf(STAND_IN_LIBRARY));
+    TypeAll(told,
+            {"choose ~/nowhere", "choose ~/Bare", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes",
+             "map add AWS 3 17 5 --boat 7", "map add 10 172 --boat 1", "map add LAT lat", "map add-remote 3 BSP --boat 7 --damped",
+             "map add-remote 12 117", "map add-remote 13 118 --boat 2", "map suggest --yes"});
     told.Tell("halyrig.xml", test.folder.Read(kMapping));
     told.Type("check");
     told.Tell("The suite runs");
@@ -240,8 +248,8 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     const std::tuple<ChannelId, BoatSlot, double, double> values[] = {
         {kBsp, 0, 6.5, 0.4}, {kBsp, 7, 5.25, 1.0}, {kHdg, 0, 87.0, 0.3}, {kMagVar, 0, -3.0, 0.5}, {172, 1, 4.5, 0.2}};
     for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
-    TypeAll(told,
-            {"map", "map --json", "map remove 3 --boat 7", "map remove 17 5 --boat 7", "map remove lat", "map remove-remote 3"});
+    TypeAll(told, {"map", "map --json", "map remove 3 --boat 7", "map remove 17 5 --boat 7", "map remove lat",
+                   "map remove-remote 3", "map remove-remote 13"});
     told.Tell("The bridge runs");
     settings = {.dfwFolder = test.folder.File("Deckman"), .sendNames = true, .degreesTrue = true, .depthInFeet = false};
     StartBridge({{93, 0, 4}, {1, 0, 1}, {13, 0, 2}, {237, 0, 11}, {3, 0, 19}, {172, 1, 10}});
@@ -250,6 +258,8 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     told.Tell("It has ended");
     bridge.reset();
     told.Type("explain");
+    EXPECT_TRUE(test.system->GetInstance().Claim(kBridgeName));
+    ExpectIn(Said("map add COG 50"), {"The running " HALYRIG_PROGRAM " still has the former mapping"});  // though it tells nothing
 }
 
 TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
@@ -309,7 +319,7 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
     for (const char* form : {"", " --json", " --live", " --live --tsv", " --live --json"}) {
         const auto lines = LinesOf(Said(std::string("channels") + form));
         std::string some;
-        for (const std::size_t id : {0, 1, 18, 19, 173}) some += lines[1 + id] + "\n";
+        for (const std::size_t id : {0, 1, 18, 19, 48, 173}) some += lines[1 + id] + "\n";
         told.Tell(std::string("$ channels") + form + ", some", lines[0] + "\n" + some);
     }
     console.goOn = [&, step = 0]() mutable {

@@ -24,11 +24,11 @@ TEST(WebGuardTest, AdmitsOnlyWhoNamesThisMachineAndComesFromIt) {
         for (const char* host : hosts) EXPECT_EQ(admitted, guard.Admits({.host = host, .origin = origin})) << host << origin;
     }
     const auto admits = [&](const char* origin) { return guard.Admits({.host = "10.0.0.2:8377", .origin = origin}); };
-    for (const char* origin :
-         {"http://10.0.0.2:8377", "http://192.168.7.7:3000", "http://[fd00::7]", "http://nav.local", "https://kip.example"})
+    for (const char* origin : {"http://10.0.0.2:8377", "http://192.168.7.7:3000", "http://172.31.0.5", "http://[fd00::7]",
+                               "http://nav.local", "https://kip.example"})
         EXPECT_TRUE(admits(origin)) << origin;
-    for (const char* origin :
-         {"https://kip.example:444", "http://203.0.113.5", "https://evil.example", "http://10.0.0.2.evil.example", "null"})
+    for (const char* origin : {"https://kip.example:444", "http://203.0.113.5", "http://172.32.0.1", "http://192.169.0.1",
+                               "https://evil.example", "http://10.0.0.2.evil.example", "null"})
         EXPECT_FALSE(admits(origin)) << origin;
     EXPECT_TRUE(WebGuard("", "*").Admits({.host = "10.0.0.2", .origin = "https://evil.example"}));
     EXPECT_FALSE(WebGuard("", {}).Admits({.host = ".local"}));

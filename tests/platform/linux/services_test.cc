@@ -415,6 +415,14 @@ const Role hangs("hangs", [](const std::vector<std::string>&) {
 
 TEST(SignalQueueTest, ASignalToCloseEndsWhatHangs) { EXPECT_EQ(128 + SIGTERM, StartRole("hangs", {})->Wait()); }
 
+TEST(SignalQueueTest, LeavesSignalsAsTheyWere) {
+    sigset_t before, after;
+    sigprocmask(SIG_SETMASK, nullptr, &before);
+    { const SignalQueue queue; }
+    sigprocmask(SIG_SETMASK, nullptr, &after);
+    EXPECT_EQ(sigismember(&before, SIGTERM), sigismember(&after, SIGTERM));
+}
+
 // What a library's thread runs on in, and what the navigator has put in its place.
 TEST(LinuxLibrary, StaysMappedAndIsLoadedAfreshIfItsFileHasChanged) {
     const TestSystem test;
