@@ -162,6 +162,9 @@ TEST_F(LiveTest, EachWordOfTheServer) {
     get("/signalk"), get("/signalk/v1/api"), get("/signalk/v1/api/vessels/self/navigation/headingTrue/value");
     get("/signalk/v1/api/vessels/urn:mrn:imo:mmsi:011234560/navigation/position");
 
+    const auto named = Site(*this, lookout, "Spirit").Answer({.method = "GET", .target = "/halyrig/v1/channels", .host = "a"});
+    EXPECT_TRUE(named.body.starts_with(R"({"name":"Spirit",)")) << "in place of the boat's";
+
     said.Tell("A page watches, and programs of Signal K listen");
     const auto page = talk("/halyrig/v1/stream"), all = talk("/signalk/v1/stream?subscribe=all&sendMeta=all");
     const auto mine = talk("/signalk/v1/stream"), fresh = talk("/signalk/v1/stream?sendCachedValues=false");

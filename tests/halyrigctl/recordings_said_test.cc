@@ -50,7 +50,10 @@ struct RecordingsSaidTest : CtlTest {
         seen_ = console.waited;
         while (!acts.empty() && acts.begin()->first <= Passed()) acts.extract(acts.begin()).mapped()();
         if (suite && !watched) suite->StampTime();
-        if (suite && watched) *watched += Watched();
+        if (suite && watched) {
+            *watched += Watched();
+            EXPECT_EQ(NameLook::kTaken, GetInstance().Look(kReplayName).state) << "nor is it hidden that it is a replay";
+        }
         return Passed() < lasts;
     }
     double Passed() const { return (clock.Days() - began_) * 86400; }
@@ -255,7 +258,7 @@ TEST_F(RecordingsSaidTest, WhatIsLookedAtAndExported) {
 
     std::string log =
         "$IIHDM,90.0,M\nbroken\n$GPRMC,235959,A,5000.00,N,00100.00,W,6.0,90.0,241026,10.0,E\n$IIVHW,,T,,M,5.81,N,,K\n$GPGSV,1\n"
-        "$GPZDA,000000,,,,00,00\n$IIVHW,,T,,M,5.9,N,,K\n$IIDBT,,f,10.5,M,,F\n$IIDPT,10.5,2.0\n$IIXDR,A,-12.0,D,HEEL\n"
+        "$GPZDA,000000,,,,00,00\n\n \n$IIVHW,,T,,M,5.9,N,,K\n$IIDBT,,f,10.5,M,,F\n$IIDPT,10.5,2.0\n$IIXDR,A,-12.0,D,HEEL\n"
         "$IIMWV,28,R,12,N,A\n$GPGGA,000001,5000.50,N,00100.00,W,1,9,1.2,30,M,46,M,,\n$IIVLW,1234.5,N,12.25,N\n";
     for (const int second : {4, 7, 10, 13}) log += Printed("$GPGLL,5000.60,N,00100.00,W,0000%02d,A,A\n$IIDPT,10.5,2.0\n", second);
     test.folder.Write("log.nmea", log);

@@ -197,6 +197,8 @@ TEST_F(ServeTest, ItSaysHowTheBridgeIsAndLetsGoOfARecordThatCloses) {
         const RunningBridge running(test);
         EXPECT_EQ(Json::array({"running", 0}), bridge()) << "told at once, with nothing else to tell";
         EXPECT_EQ("as before", bridge());
+        clock.AdvanceMs(9'000), suite->StampTime();
+        EXPECT_EQ("stands-still", bridge()[0]);
     }
     EXPECT_EQ(Json::array({"stopped", 0}), bridge());
     const auto replaying = SystemOf(test.Arguments());
