@@ -3,6 +3,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "config/bridge_settings.h"
 #include "core/record_access.h"
 #include "halyrigctl/serve/page_talk.h"
 #include "halyrigctl/serve/site.h"
@@ -28,6 +29,7 @@ struct LiveTest : CtlTest {
                           "<boat id='2' name='Carina' b='64'/><boat id='3' mmsi='211000000' name='Draco'/></boats>");
         test.folder.Write(config + "alternate.csv", "0,13,118,0,0,0,0,0,0,0\n1,1,117,1,0,0,0,0,0,0\n");
         zone.state = ZoneState{-330, -330, false};
+        WriteSettings(Core().registry, Settings{.dfwFolder = test.folder.File("Deckman")});
         StartSuite();
     }
     CoreServices Core() override {

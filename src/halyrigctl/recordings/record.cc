@@ -84,7 +84,7 @@ private:
             Complain(console_,
                      Harmless(state.lost) + " was removed, renamed or replaced; the recording goes on in " + Harmless(state.path));
         }
-        if (state.begun > begun_ && begun_ > 0) streamer_.TellAll();
+        if (state.begun > std::max(begun_, 1)) streamer_.TellAll();  // the first file begins with it anyway
         begun_ = state.begun;
         return state.fault.empty();
     }
