@@ -9,7 +9,6 @@
 #include "base/numbers.h"
 #include "ctl_fixture.h"
 #include "halyrigctl/recordings/day_files.h"
-#include "halyrigctl/recordings/replayer.h"
 #include "status/bridge_status.h"
 #include "streams/json_lines.h"
 #include "streams/recording.h"

@@ -45,18 +45,6 @@ struct ServeTest : CtlTest {
         for (const WebMessage& message : messages) said.push_back(Json::parse(*message));
         return said;
     }
-    // After a look.
-    std::string ValuesOf(WebTalk& talk) {
-        Look();
-        std::string list;
-        for (const Json& message : SaidBy(talk)) {
-            for (const Json& value : message["values"]) {
-                list += std::to_string(value["id"].get<int>()) + ":" + value["state"].get<std::string>() + ":" +
-                        value["text"].dump() + " ";
-            }
-        }
-        return list;
-    }
     // After a look: the paths of what is said, with their values.
     std::string DeltasOf(WebTalk& talk) {
         Look();

@@ -33,7 +33,7 @@ void CheckFile(const CheckedSetup& setup) {
         setup.Add(vars.empty() ? Weight::kMapping : Weight::kLine, look.fault.reason == Reason::kNoMapping ? look.path : u"", 0,
                   look.fault);
     if (!look.exists) return;
-    // Without Deckman's list no line can name a variable of it, and that is no fault of the line.
+    // What it costs that Deckman's list is cut short, or that there is none, is told of the list.
     const bool listed = !setup.now.Variables().rows.empty() && !setup.now.ListCutShort();
     const Weight weight = listed && vars.empty() ? Weight::kMapping : Weight::kLine;
     std::size_t told = look.fault ? 1 : 0;

@@ -104,11 +104,8 @@ void CheckLegacy(const CheckedSetup& setup) {
         if (!files.Exists(path)) return;
         setup.Add(Weight::kNote, path, 0, Fault(Reason::kOlderMapping, {Counted(rows, "line") + " of it"}));
     };
-    const auto& list = setup.now.Variables().rows;
-    const auto rows = ImportLegacyVars(files, vars, list, &heard);
-    // Without Deckman's list no line can name a variable of it, and that is no fault of the line.
-    const auto unlisted =
-        list.empty() ? std::erase_if(heard.found, [](const Finding& finding) { return finding.flaw == Flaw::kNoSuchVariable; }) : 0;
+    const auto rows = ImportLegacyVars(files, vars, setup.now.Variables().rows, &heard);
+    const auto unlisted = std::erase_if(heard.found, [&](const Finding& finding) { return setup.now.IsForLackOfList(finding); });
     note(vars, (rows ? rows->size() : 0) + unlisted);
     note(remotes, ImportLegacyRemotes(files, remotes, &heard).size());
     for (const Finding& finding : heard.found) setup.Add(Weight::kNote, finding);

@@ -107,9 +107,7 @@ Status ListMap(System& system, bool json) {
     Guest guest(system, WithoutRecord::kGoOn);
     Circumstances now(system, guest.Core());
     ListedMap map = ReadMap(guest.Core(), now.TheMapping());
-    // Without Deckman's list no line can name a variable of it, and that is no fault of the line.
-    if (now.Variables().rows.empty())
-        std::erase_if(map.faults, [](const Finding& finding) { return finding.flaw == Flaw::kNoSuchVariable; });
+    std::erase_if(map.faults, [&](const Finding& finding) { return now.IsForLackOfList(finding); });
     const std::vector<Finding> passedOver = now.PassedOver();
     guest.Leave();
     Console& console = system.GetConsole();

@@ -183,6 +183,10 @@ Fault Circumstances::NoVariables() {
     return Fault(Reason::kNoVariableFile, {Harmless(settings.dfwFolder), ToUtf8(kUsualVariableFile)});
 }
 
+bool Circumstances::IsForLackOfList(const Finding& finding) {
+    return finding.flaw == Flaw::kNoSuchVariable && Variables().rows.empty();
+}
+
 Fault Circumstances::ListCutShort() {
     const DeckmanCatalogue& list = Variables();
     const auto ends = std::ranges::find_if(

@@ -76,6 +76,8 @@ public:
     Fault NoVariables();
     // Why Deckman's list is read only up to a line; nothing if it is read to its end, or not at all.
     Fault ListCutShort();
+    // Without Deckman's list no line can name a variable of it, and that is no fault of the line.
+    bool IsForLackOfList(const Finding& finding);
     // What alternate.csv is if nothing of it, or not all, is read; nothing if all is.
     Fault AlternatesFault();
     // Why a finding is there, with its place: the rights of its file where they are the cause, else `reason` with its own words.
