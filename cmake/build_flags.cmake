@@ -42,23 +42,31 @@ else()
     target_compile_definitions(halyrig_flags INTERFACE TWR_EXPORT_CALL=)
     target_link_options(halyrig_flags INTERFACE -Wl,-z,relro,-z,now)
     if(CMAKE_BUILD_TYPE STREQUAL "Release")
-        target_compile_definitions(halyrig_flags INTERFACE _FORTIFY_SOURCE=2)
+        target_compile_definitions(halyrig_flags INTERFACE $<$<NOT:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>>:_FORTIFY_SOURCE=2>)
     endif()
 endif()
 
+# Compiling the tests takes most of a build. Not optimised, those of Windows have more sections than an object usually may.
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(halyrig_flags INTERFACE "$<$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>:-O0;$<$<BOOL:${WIN32}>:-Wa,-mbig-obj>>")
+endif()
 # What runs beside the instruments is optimised as a whole, and nothing else: the link of the companion took longer than all others.
-# Objects also contain plain code, with which the tests are linked, whose own objects have nothing else, hardly optimised: compiling them
-# takes most of a build. GCC 12 wrongly reports texts that end outside of their arrays there.
-if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+# Objects also contain plain code, with which the rest is linked. No 64-bit Windows program is ever shipped.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT (WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 8))
     set(plain $<OR:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>,$<BOOL:$<TARGET_PROPERTY:HALYRIG_COMPANION>>>)
     target_compile_options(halyrig_flags INTERFACE $<IF:${plain},-ffunction-sections,-flto=auto>
-        $<IF:${plain},-fdata-sections,-ffat-lto-objects>
-        "$<$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>:-O1;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>")
-    target_link_options(halyrig_flags INTERFACE $<IF:$<BOOL:$<TARGET_PROPERTY:HALYRIG_SHIPPED>>,-flto=auto,-fno-lto>
+        $<IF:${plain},-fdata-sections,-ffat-lto-objects>)
+    target_link_options(halyrig_flags INTERFACE $<IF:$<BOOL:$<TARGET_PROPERTY:HALYRIG_WHOLE>>,-flto=auto,-fno-lto>
         $<$<BOOL:$<TARGET_PROPERTY:HALYRIG_COMPANION>>:-Wl,--gc-sections>)
 endif()
 
 if(HALYRIG_SANITIZE)
+    add_compile_definitions(HALYRIG_SANITIZED)
     add_compile_options(-fsanitize=${HALYRIG_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${HALYRIG_SANITIZE})
+    # What the program puts before the system's pthread_create calls the next one, which is the sanitizer's if that is a library.
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND HALYRIG_SANITIZE MATCHES address AND NOT HALYRIG_FUZZ)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-runtime-dir OUTPUT_VARIABLE runtime OUTPUT_STRIP_TRAILING_WHITESPACE)
+        add_link_options(-shared-libasan -Wl,-rpath,${runtime})
+    endif()
 endif()

@@ -36,7 +36,7 @@ void LimitMemory(rlim_t bytes) {
     setrlimit(RLIMIT_AS, &room);
 }
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef HALYRIG_SANITIZED
 constexpr bool kNeedsTheMemory = true;
 #else
 constexpr bool kNeedsTheMemory = false;
