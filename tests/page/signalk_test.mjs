@@ -2,12 +2,17 @@
 // Signal K as its own library for clients finds it: by the same environment as page_test.mjs.
 
 import assert from 'node:assert/strict';
+import {execFileSync, spawn} from 'node:child_process';
 import {once} from 'node:events';
+import {mkdtempSync, rmSync, writeFileSync} from 'node:fs';
+import {tmpdir} from 'node:os';
+import {join} from 'node:path';
+import {createInterface} from 'node:readline';
 import {after, before, test} from 'node:test';
 
 import signalk from '@signalk/client';
 
-import {Program} from './programs.mjs';
+import {freePort, Program} from './programs.mjs';
 
 const Client = signalk.Client ?? signalk.default ?? signalk;
 const url = new URL(process.env.PAGE_URL);
@@ -61,6 +66,24 @@ test('the server is discovered, and its addresses lead to it', async () => {
   const {self, vessels, version} = await (await fetch(v1['signalk-http'])).json();
   assert.equal(version, '1.7.0');
   assert.equal(typeof vessels[self.replace('vessels.', '')].navigation.headingMagnetic.value, 'number');
+});
+
+test('the code at the terminal leads a camera to the page', {skip: !process.env.PAGE_CTL && 'by the Linux programs'}, async () => {
+  const port = await freePort(), folder = mkdtempSync(join(tmpdir(), 'code-'));
+  const open = spawn(process.env.PAGE_CTL, ['serve', '--listen', `0.0.0.0:${port}`, '--allow-remote'], {stdio: ['ignore', 'pipe', 'inherit']});
+  let rows = [];
+  for await (const line of createInterface({input: open.stdout})) {
+    if (rows.push([...line]) * 2 >= rows[0].length) break;
+  }
+  open.kill();
+  const lit = {'\u2588': [0, 0], '\u2580': [0, 1], '\u2584': [1, 0], ' ': [1, 1]};
+  const large = (cells) => cells.flatMap((cell) => Array(8).fill(cell));
+  rows = rows.flatMap((row) => [0, 1].map((half) => row.map((block) => lit[block][half]))).map(large);
+  const picture = join(folder, 'code.pbm');
+  writeFileSync(picture, `P1 ${rows[0].length} ${rows.length * 8}\n` + large(rows).map((row) => row.join(' ')).join('\n'));
+  const [seen] = execFileSync('zbarimg', ['-q', '--nodbus', '--raw', picture]).toString().split('\n');
+  rmSync(folder, {recursive: true});
+  assert.match(seen, new RegExp(`^http://[0-9.]+:${port}/$`));
 });
 
 test('the library for clients reads paths, and a stream of all that the own boat has', async () => {
