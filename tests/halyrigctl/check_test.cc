@@ -65,14 +65,6 @@ struct CheckTest : CtlTest {
         for (std::string line; std::getline(said, line) && !line.empty();) lines.push_back(line);
         return lines;
     }
-    // One thing is found, in the file and the line.
-    void ExpectFound(int status, const char* fragment, const std::string& where) {
-        const auto lines = Found(status);
-        ASSERT_EQ(1u, lines.size()) << where << "\n" << console.written;
-        ExpectIn(lines[0], {fragment});
-        EXPECT_NE(std::string::npos, lines[0].find(where)) << where << "\nis not in\n" << lines[0];
-        EXPECT_EQ(status == 0, lines[0].starts_with("note: ")) << lines[0];
-    }
     void Start() {
         StartSuite();
         bridge = std::make_unique<RunningBridge>(test);
@@ -86,39 +78,6 @@ struct CheckTest : CtlTest {
     std::unique_ptr<RunningBridge> bridge;
 };
 
-TEST_F(CheckTest, NamesEachLineThatHasNoEffect) {
-    const std::string longer(kLongestLine, ' ');
-    const std::tuple<const char*, std::string, const char*, int> rows[] = {
-        {"halyrig.xml:4", "<remote remote='7' twr='48'/>", "while the position source (Sys_i6) is 3", 0},
-        {"alternate.csv:2", '!' + longer + "\n3,13,14,0,0,0,0,0,0" + longer + ",0\n", "the line is longer than 1 MiB, and only", 1},
-        {"alternate.csv:3", '!' + longer + "\n3,13,14,0,0,0,0,0,0,0\n!" + std::string(kLargestFile, 'x'),
-         "the file is larger than 64 MiB, and nothing behind this line", 1},
-        {"channels.xml:1", "<chanels/>", "begin it with <channels>", 1},
-        {"channels.xml:2", "<channels>\n<chanel id='1'/></channels>", "there is no element chanel", 1},
-        {"channels.xml:1:", "<channels>", "it is not XML", 1},
-        {"J_vars06.d:6", "", "is read only up to here", 1},
-        {"J_vars06.d", "8 X u 0 0 0\n", nullptr, 0}};  // no TIMER, and none is wanted
-    for (const auto& [where, content, fragment, status] : rows) {
-        SCOPED_TRACE(content.substr(0, 80));
-        SetUpWell();
-        const std::string place(where), config = "ProgramData/Tidewright/config/";
-        for (const char* name : {"alternate.csv", "channels.xml", "boats.xml"}) Remove((config + name).c_str());
-        if (place.starts_with("halyrig.xml") || place.empty()) {
-            Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n" + content);
-        } else if (place.starts_with("J_vars")) {
-            const std::string timer = content.empty() ? "9 TIMER u 0 0 0\n8 X u 0 0 0\n" : content;
-            test.folder.Write(kList, "[variables]\n\n1 BSP u 0 0 0\n2 HDG u 0 0 0\n" + timer);
-        } else {
-            test.folder.Write(config + place.substr(0, place.find(':')), content);
-        }
-        if (fragment) {
-            ExpectFound(status, fragment, place);
-        } else {
-            EXPECT_EQ(0u, Found(status).size()) << console.written;
-        }
-    }
-}
-
 TEST_F(CheckTest, NotesAloneAreNoFault) {
     Map("<var twr='1' dfw='BSP'/>\n<remote remote='7' twr='31'/>");
     const std::string summary = Said("check --summary");
@@ -129,27 +88,6 @@ TEST_F(CheckTest, NotesAloneAreNoFault) {
         Remove("ProgramData/Tidewright/config");
         test.folder.Write("ProgramData/Tidewright/config/" + name, "");
         ExpectIn(Found(1).at(0), {name.c_str()});
-    }
-}
-
-// Each is put right again, but for those at the end, whose names stay.
-TEST_F(CheckTest, NamesEachSettingThatIsNotUsed) {
-    constexpr std::u16string_view kCore = kSavedSettingsKey, kOwn = kBridgeSettingsKey;
-    const RegistryValue one = DwordValue(1), length = StringValue(u"14.2"), none = StringValue(u"");
-    const std::tuple<std::u16string_view, std::u16string_view, RegistryValue, const char*, RegistryValue> rows[] = {
-        {kCore, u"Sys_b3", StringValue(u"1"), "Sys_b3: the value is not read: it is not a DWORD", one},
-        {kCore, u"Sys_v0", DwordValue(14), "Sys_v0: the value is not read: it is not a text", length},
-        {kCore, u"Sys_v0", StringValue(u"0.5"), "Sys_v0: the number is out of bounds, and 1.0", length},
-        {kCore, u"DataFolder", StringValue(u"/no/such"), "the folder /no/such does not exist", none},
-        {kOwn, u"DfwDepth", StringValue(u"0"), "DfwDepth: the value is not read: it is not a DWORD", one},
-        {kCore, u"Sys_i99", DwordValue(3), "note: ", one},
-        {kOwn, u"DfwDept", DwordValue(0), "DfwDept: there is no setting of this name", one}};
-    for (const auto& [key, name, wrong, fragment, right] : rows) {
-        Core().registry.Write(key, name, wrong);
-        const auto lines = Found(name == u"Sys_i99" ? 0 : 1);
-        ASSERT_EQ(name == u"DfwDept" ? 2u : 1u, lines.size()) << fragment << "\n" << console.written;
-        ExpectIn(lines[0], {fragment, ToUtf8(name).c_str()});
-        Core().registry.Write(key, name, right);
     }
 }
 

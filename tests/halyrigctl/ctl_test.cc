@@ -2,19 +2,11 @@
 #include <algorithm>
 
 #include "config/bridge_settings.h"
-#include "displays/displays.h"
 #include "halyrigctl/ctl_fixture.h"
 #include "halyrigctl/setup/names.h"
-#include "status/bridge_status.h"
 
 namespace twr::testing {
 namespace {
-
-TEST_F(CtlTest, WithoutARecordEveryCommandSaysWhatToStart) {
-    for (const char* command : {"get 1", "watch", "quit", "boats", "channels --live"})
-        ExpectIn(Said(command, 1), {"Start " HALYRIG_PROGRAM " first"});
-    EXPECT_FALSE(Held()) << "and none creates one";
-}
 
 TEST_F(CtlTest, FindsAChannelByNumberOrNameOrTheUsersOwnName) {
     StartSuite();
@@ -40,54 +32,6 @@ TEST_F(CtlTest, NoTextOfTheRecordCommandsTheTerminal) {
                    {"get sail --json", {R"("text":"A\u001b[31m\u0085\u007f\u202e2")"}}});
     ExpectSaid(2, {{"get speed\x1b", {"there is no channel speed\u00B7;"}},
                    {"bogus\x1b", {"halyrigctl: there is no command or option bogus\u00B7; see 'halyrigctl --help'\n"}}});
-}
-
-TEST_F(CtlTest, TakesListsInBothFormsAndOffersNearNames) {
-    StartSuite();
-    for (const ChannelId channel : {kBsp, kHdg}) Publish(channel, 6.0);
-    for (const char* list : {"get BSP,HDG", "get BSP HDG", "get --json 1,13"}) ExpectIn(Said(list), {"BSP", "HDG"});
-    console.goOn = [] { return true; };
-    for (const char* list : {"stream --seconds 1 --channels BSP,HDG", "stream --channels BSP HDG --seconds 1"})
-        ExpectIn(Said(list), {"BSP", "HDG"});
-    ExpectSaid(2, {{"get STW", {"there is no channel STW; did you mean BSP (1)?"}},
-                   {"get BSP,Latitude", {"no channel Latitude; did you mean Lat (48)?"}},
-                   {"explain COG-true", {"did you mean COG (50)?"}},
-                   {"watch hgd", {"did you mean HDG (13)?"}},
-                   {"stream --channels BPS", {"did you mean BSP (1)?"}},
-                   {"get xyzzy", {"'halyrigctl channels' lists them"}},
-                   {"wacth", {"there is no command or option wacth; did you mean watch?"}},
-                   {"replay", {"FILE is required"}},
-                   {"export --channels", {"--channels"}}});
-}
-
-TEST_F(CtlTest, ALostDepthIsNone) {
-    StartSuite({{kDepth, 32767.0f / 3.2808f}, {kBsp, 6.0}});
-    console.goOn = [] { return true; };
-    ExpectIn(Said("get depth", 1), {"Depth has no value: its source gives no value"});
-    ExpectIn(Said("watch --snapshots 1 depth"), {"- -", "missing: "});
-    for (const char* format : {"json", "nmea", "signalk"})
-        EXPECT_EQ(std::string::npos, Said(std::string("stream --seconds 1 --format ") + format).find("9987")) << console.written;
-    Publish(kDepth, 9987.5);
-    ExpectIn(Said("get depth"), {"9987.5 m"});
-}
-
-TEST_F(CtlTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
-    StartSuite({{kBsp, 6.0}});
-    console.goOn = [] { return true; };
-    ExpectSaid(2, {{"--bogus", {"halyrigctl: there is no command or option --bogus;"}},
-                   {"", {"halyrigctl: a command is missing; see 'halyrigctl --help'\n"}},
-                   {"get", {"halyrigctl: ID is required; see 'halyrigctl get --help'\n"}},
-                   {"get speed", {"halyrigctl: there is no channel speed;"}},
-                   {"quit now", {"not expected: now; see"}},
-                   {"watch --snapshots 0", {"not in range 1 to 1000000; see"}},
-                   {"get 0 --boat 100", {"not in range 0 to 99; see"}},
-                   {"channels --tsv --json", {"halyrigctl: --"}}});
-    ExpectSaid(0, {{"--version", {"halyrigctl 1"}}, {"watch --snapshots 2", {"channel"}}, {"quit --no-wait", {"Asked"}}});
-    EXPECT_EQ(500, console.waited) << "between two looks alone";
-    Record().SetFlag(35, false);
-    console.closed = true;
-    for (const char* command : {"--help", "channels", "get BSP", "get BSP --json", "watch", "quit --no-wait"})
-        ExpectIn(Said(command, 1), {"halyrigctl: standard output can't be written"});
 }
 
 TEST_F(CtlTest, EveryHelpEndsWithAnExampleThatIsUnderstood) {
@@ -130,20 +74,6 @@ TEST_F(CtlTest, QuitWaitsUntilAllHaveLeft) {
         EXPECT_TRUE(!suite || suite->QuitRequested());
         suite.reset();
         EXPECT_FALSE(Held());
-    }
-}
-
-TEST(NearestNameTest, GuessesOneSlipInAShortNameAndTwoInALongOne) {
-    const std::u16string names[] = {u"HDG", u"AWA", u"AWS", u"VARIATION", u"Mk Rng"};
-    const std::pair<std::optional<std::u16string>, std::vector<std::u16string>> rows[] = {
-        {u"HDG", {u"hdg", u"HGD", u"HDGX"}},
-        {u"AWS", {u"aws"}},
-        {u"AWA", {u"AWX"}},
-        {u"Mk Rng", {u"MkRng"}},
-        {u"VARIATION", {u"variaton", u"VARIATNIO"}},
-        {{}, {u"BSP", u"H", u"", u"VARI"}}};
-    for (const auto& [meant, all] : rows) {
-        for (const std::u16string& typed : all) EXPECT_EQ(meant, Nearest(typed, names)) << ToUtf8(typed);
     }
 }
 

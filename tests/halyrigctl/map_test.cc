@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <filesystem>
-#include <map>
-#include <random>
 
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
@@ -76,43 +74,6 @@ TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
     }
 }
 
-TEST_F(MapTest, ChangesOneLineAndSaysHowItIsRead) {
-    RunningBridge bridge(test);
-    bridge.LibraryLoaded(test.folder.File("dfw"), {});
-    WriteSettings(Core().registry, {.dfwFolder = u"/none"});
-    test.folder.Write(kPath, kMapped);
-    ExpectSaid(0, {{"map add BSP bsp", {"BSP feeds channel 1 BSP now.\n", "press ... beside the Dfw folder"}},
-                   {"map add HDG 13 --boat 1", {"line 4 feeds the same channel of the own boat"}},
-                   {"map remove 9", {"Nothing feeds channel 9 Course now"}},
-                   {"map remove 2 13", {"2 no longer feeds channel 13 HDG"}},
-                   {"map remove BSP 1", {}},
-                   {"map remove 13 --boat 1", {"channel 13 HDG of boat 1 now"}},
-                   {"map remove-remote 1", {"Remote 1 is sent nothing now"}}});
-    EXPECT_EQ(
-        "<?xml version=\"1.0\"?>\n<halyrig>\n  <!-- one -->\n    <!-- two -->\n  <note>kept</note>\n  <!-- three -->\n"
-        "</halyrig>\n<!-- four -->\n",
-        File());
-    EXPECT_NE(std::string::npos, test.folder.Read(kBak).find("remote=\"1\"")) << "the file before the last change";
-}
-
-TEST_F(MapTest, FindsTheDataFolderAsTheBridgeWould) {
-    const std::u16string folder = test.folder.File("elsewhere");
-    Core().registry.Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(folder));
-    Said("map add HDG 13");
-    EXPECT_FALSE(File().empty()) << "a folder that is not there is not taken";
-    test.folder.Write("elsewhere/any", "");
-    Said("map add HDG 13");
-    EXPECT_FALSE(test.folder.Read("elsewhere/instruments/halyrig.xml").empty());
-    Core().registry.Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(u""));
-    StartSuite();
-    Core().registry.Write(u"Software\\Tidewright\\core", u"DataFolder", StringValue(folder));
-    ExpectIn(Said("map remove HDG"), {"Nothing feeds"});
-    EXPECT_EQ(std::string::npos, File().find("HDG")) << "the record's folder counts";
-    EXPECT_FALSE(Said("map").empty());
-    suite.reset();
-    EXPECT_FALSE(Held());
-}
-
 TEST_F(MapTest, RefusesWhatWouldNotWork) {
     test.folder.Write(kPath, kMapped);
     ExpectSaid(
@@ -172,46 +133,6 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
     ExpectIn(Said("map add 2 5"), {"variable 2 feeds channel 5"});  // a name comes before a number
 }
 
-TEST_F(MapTest, ManyChangesLoseNothingElse) {
-    test.folder.Write(kPath, kMapped);
-    Said("map remove HDG");
-    Said("map remove-remote 1");
-    const char* names[] = {"BSP", "HDG", "TWD", "HEADING"};
-    std::map<std::pair<int, int>, std::string> fed;
-    std::map<int, int> shown;
-    std::mt19937 random(7);
-    const auto below = [&](int bound) { return static_cast<int>(random() % static_cast<unsigned>(bound)); };
-    for (int step = 0; step < 200; ++step) {
-        const int channel = 1 + below(6), boat = below(3), remote = 1 + below(5);
-        const std::string name = names[below(4)], onBoat = std::to_string(channel) + " --boat " + std::to_string(boat);
-        switch (below(4)) {
-            case 0:
-                Said("map add " + name + " " + onBoat, fed.try_emplace({channel, boat}, name).second ? 0 : 1);
-                break;
-            case 1:
-                Said("map remove " + onBoat, fed.erase({channel, boat}) ? 0 : 1);
-                break;
-            case 2:
-                Said("map add-remote " + std::to_string(remote) + " " + std::to_string(channel),
-                     shown.try_emplace(remote, channel).second ? 0 : 1);
-                break;
-            default:
-                Said("map remove-remote " + std::to_string(remote), shown.erase(remote) ? 0 : 1);
-        }
-        const Mapping rows = Rows();
-        std::map<std::pair<int, int>, std::string> fedNow;
-        std::map<int, int> shownNow;
-        for (const MappingVar& row : rows.varRows) fedNow[{row.channel, row.boat}] = ToUtf8(row.dfwName);
-        for (const MappingRemote& row : rows.remoteRows) shownNow[row.remote] = row.channel;
-        ASSERT_TRUE(fed == fedNow && shown == shownNow) << step << "\n" << File();
-        ASSERT_EQ(fed.size() + shown.size(), rows.varRows.size() + rows.remoteRows.size()) << step;
-        const std::string text = File();
-        for (const char* kept : {"  <!-- one -->\n", "<!-- two -->\n  <note>kept</note>\n",
-                                 "<var twr=\"9\" dfw=\"course\" x=\"1\"/>\n", "  <!-- three -->\n", "</halyrig>\n<!-- four -->\n"})
-            ASSERT_NE(std::string::npos, text.find(kept)) << step << " " << kept << "\n" << text;
-    }
-}
-
 TEST_F(MapTest, AtEveryMomentTheOldOrTheNewFileIsWhole) {
     test.folder.Write(kPath, kMapped);
     Said("map add BSP 1");
@@ -262,24 +183,6 @@ TEST_F(MapTest, OneChangeAtATime) {
     ExpectIn(Said("map add TWD 6", 1), {"has changed ", " meanwhile; try again; nothing is changed"});
     EXPECT_EQ(kMapped, File());
     EXPECT_TRUE(LeftOver().empty());
-}
-
-TEST_F(MapTest, WhatCanNotBeReadIsSaidAndNeverChanged) {
-    StartSuite();
-    test.folder.Write(kPath, kMapped);
-    const std::string list =
-        "J_vars06.d:" + std::to_string(std::count(kVariables, kVariables + 60, '\n') + 1) + ": reading it fails (broken disk)";
-    for (const char* command : {"map", "map suggest", "map add BSP 1", "map remove HDG", "explain", "check"}) {
-        files.readable = 60;
-        ExpectIn(Said(command, 1), {list.c_str()});
-    }
-    EXPECT_EQ(kMapped, File());
-    files.readable = std::string::npos;
-    // What is no file stands for one that this user may not read, which an administrator always may.
-    std::filesystem::remove(test.folder.File(kPath));
-    std::filesystem::create_directory(test.folder.File(kPath));
-    for (const char* command : {"map", "map suggest", "map add BSP 1", "map remove HDG", "explain", "check"})
-        ExpectIn(Said(command, 1), {"halyrig.xml", "reading it fails (it is not a plain file"});
 }
 
 }  // namespace

@@ -167,39 +167,6 @@ TEST_F(ServeTest, FilesOfThePageAreTypedAndKnownAgain) {
     EXPECT_EQ("application/manifest+json", Get("/page/manifest.webmanifest").type);
 }
 
-TEST_F(ServeTest, ItSaysHowTheBridgeIsAndLetsGoOfARecordThatCloses) {
-    std::unique_ptr<WebTalk> talk;
-    const auto bridge = [&] {
-        Look();
-        const auto said = SaidBy(*talk);
-        return said.empty() ? Json("as before") : Json::array({said[0]["bridge"], said[0]["values"].size()});
-    };
-    talk = Talk("/halyrig/v1/stream");
-    EXPECT_EQ(Json::array({"none", 0}), bridge());
-    StartSuite({{kBsp, 6.5}});
-    Restart();
-    talk = Talk("/halyrig/v1/stream");
-    talk->Hear(R"({"watch":[[1,0]]})");
-    EXPECT_EQ(Json::array({"stopped", 1}), bridge());
-    {
-        const RunningBridge running(test);
-        EXPECT_EQ(Json::array({"running", 0}), bridge()) << "told at once, with nothing else to tell";
-        EXPECT_EQ("as before", bridge());
-        clock.AdvanceMs(9'000), suite->StampTime();
-        EXPECT_EQ("stands-still", bridge()[0]);
-    }
-    EXPECT_EQ(Json::array({"stopped", 0}), bridge());
-    const auto replaying = SystemOf(test.Arguments());
-    EXPECT_TRUE(replaying->GetInstance().Claim(kReplayName));
-    clock.AdvanceMs(1000), Look();
-    EXPECT_EQ(true, SaidBy(*talk).at(0)["replay"]);
-    EXPECT_EQ("as before", bridge());
-    Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1});
-    EXPECT_EQ(Json::array({"none", 1}), bridge()) << "the value is missing";
-    suite.reset();
-    EXPECT_FALSE(Held()) << "the guest would keep the request alive";
-}
-
 TEST_F(ServeTest, WhatCheckFindsIsLookedForAnewEachSecond) {
     const auto found = [&](int ms) {
         clock.AdvanceMs(ms), Look();

@@ -11,14 +11,6 @@ namespace twr::testing {
 namespace {
 
 struct StreamTest : CtlTest {
-    // Goes on until so many milliseconds have passed, with one step at the given ones, or as soon as a busy machine gets there.
-    void Steps(int end, std::map<int, std::function<void()>> steps) {
-        console.waited = 0;
-        console.goOn = [this, end, steps = std::move(steps)]() mutable {
-            if (!steps.empty() && steps.begin()->first <= console.waited) steps.begin()->second(), steps.erase(steps.begin());
-            return console.waited < end;
-        };
-    }
     void AskToClose() { Record().SetFlag(35, true); }
     std::size_t Count(const std::string& part) {
         std::size_t count = 0;
@@ -26,26 +18,6 @@ struct StreamTest : CtlTest {
         return count;
     }
 };
-
-TEST_F(StreamTest, OutlivesTheRecord) {
-    const auto end = [&] {
-        suite.reset();
-        EXPECT_FALSE(Held()) << "the request would stay with it";
-    };
-    const auto start = [&] { StartSuite(), Publish(kBsp, 7.0), Publish(kMkLat, 50.0); };
-    const auto silence = [&] {
-        const double then = UtcNowDays(Core().clock) - 11.0 / 86400;
-        for (const std::size_t boat : {0u, 1u}) Record().Set(RecordBytes::Time(boat, kTime), then);
-    };
-    Steps(12000, {{1000, start}, {3000, [&] { AskToClose(); }}, {3300, end}, {5000, start}, {8000, silence}, {8300, end}});
-    const std::string said = Said("stream");
-    ExpectIn(said, {"there is no record yet", "Start " HALYRIG_PROGRAM, "halyrigctl: the record is there.\n{",
-                    "asked to close; waiting for the next record.\n{", "has published anything for 10 s"});
-    EXPECT_EQ(2u, Count("the record is there"));
-    EXPECT_EQ(4u, Count(R"("text":null})")) << "the end of both values of each record";
-    EXPECT_EQ(2u, Count(R"("value":7,)"));
-    EXPECT_TRUE(said.ends_with("}\n"));
-}
 
 TEST_F(StreamTest, TellsTheEndOfARecordAtOnceHoweverSeldomItLooks) {
     StartSuite({{kBsp, 7.0}});
