@@ -187,7 +187,8 @@ TEST_F(LiveTest, EachWordOfTheServer) {
     everyone(50);
     Set(0, {{kBsp, 7.501}, {172, 1002.5}});  // which is shown as before
     everyone(50);
-    Set(0, {{kBsp, 7.5}, {kDepth, kNoValue}, {kTmToGun, -1.0 / 86400}, {kBaro, 990.0}}), Set(2, {{kBsp, 4.0}});
+    Set(0, {{kBsp, 7.5}, {kDepth, kNoValue}, {kTmToGun, -1.0 / 86400}, {kBaro, 990.0}, {kTwa, -40.0}});
+    Set(1, {{kTwd, 21.0}}), Set(2, {{kBsp, 4.0}});
     everyone(1000);
     chosen->Hear(R"({"requestId":"q","context":"vessels.self","unsubscribe":[{"path":"navigation.speed*"}],"put":{"path":"a"}})");
     page->Hear(R"({"watch":[[1,0],[17,0],[13,0],[1,2]]})");

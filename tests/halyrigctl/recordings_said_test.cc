@@ -209,6 +209,7 @@ TEST_F(RecordingsSaidTest, WhatIsReplayed) {
     const std::u32string on{Key::kRight}, up{Key::kUp}, back{Key::kLeft}, down{Key::kDown};
     play("replay ~/long.jsonl", 30,
          {{0.5, U"x"}, {1, U"]]"}, {2, on}, {3, U" "}, {4, back}, {5, up}, {6, down}, {7, U"[[[ "}, {9, up}, {9.6, U"q"}});
+    play("replay ~/long.jsonl", 3, {{1, U" "}});  // Ctrl-C, as it pauses
     EXPECT_FALSE(console.screenTaken);
 }
 
@@ -227,8 +228,8 @@ TEST_F(RecordingsSaidTest, WhatIsLookedAtAndExported) {
              {3601, "BSP=7.125, Depth=null, HDG=15, Lat=60.086, Mk Lat@7=10, Mk Lon@7=10, Lon@7=179.75"},
              {3602, "gap"},
              {3602, "BSP=7.25, Mk Lat=61, Mk Lon=20.5"},
-             {3601.25, "BSP=7.5"},
-             {3602.5, "BSP=7.75"},
+             {3601.25, "BSP=7.5, Lat=null"},
+             {3602.5, "BSP=7.75, Trim=2"},
              {3600.25, "BSP=8, Lat=60.087, Lon=23.503"},
              {3601.5, "BSP=8.25"}}));
     test.folder.Write("race-2", Recording({{3603.25, "header"}, {3603.25, "BSP=9, Lat=60.088, Lon=23.505"}, {3604, "BSP=9.25"}}));
@@ -247,13 +248,14 @@ TEST_F(RecordingsSaidTest, WhatIsLookedAtAndExported) {
     told.Type("export ~/late --every 2s --units internal");
     told.Type("export ~/race-1 --units si --header units --decimal comma --boat 0 --every 500ms --from +2s --to +3s");
     told.Type("export ~/race-1 --units internal --header units --every 3s --channels 146,hdg,1,1,Time,173 --zone board");
+    told.Type("export ~/race-1 --to +1s --boat 0");  // Trim comes later
     told.Type("export ~/race-2 ~/race-1 --every 1500ms --format jsonl --zone board --channels 146,17,50,1,173 --to 06:30:01.5");
     told.Type("export " + races + " --format gpx -o ~/all.gpx");
     told.Tell("all.gpx", Made("all.gpx"));
     // The first of an hour that comes twice, whatever the zone; and the end is that behind the beginning.
     for (const char* typed :
          {"--from 07:29:59 --to 00:59:59Z", "--from 2026-10-25T03:00:01+02:00 --to 06:30:01",
-          "--from 2026-10-25T01:00:01Z --to 01:00:00Z", "--from 2026-10-24T19:59:58-05:00 --to +2s", "--to 2026-10-25T07:29:58"})
+          "--from 2026-10-25T01:00:01Z --to 01:00:00Z", "--from 2026-10-24T20:00:00-05:00", "--to 2026-10-25T07:29:58"})
         told.Type(std::string("export ~/race-1 --channels BSP ") + typed);
 
     std::string log =
@@ -266,21 +268,33 @@ TEST_F(RecordingsSaidTest, WhatIsLookedAtAndExported) {
                       "$GPRMC,000042,A,5001.00,N,00100.00,W,6.1,90.0,251026,,\n$IIVHW,,T,,M,6.1,N,,K\n$IIHDM,91,M\n");
     test.folder.Write("dateless", "$IIVHW,,T,,M,4,N,,K\n$GPGLL,6005.071,N,02332.346,E,095559,A,D\n$IIVHW,,T,,M,5,N,,K\n");
     test.folder.Write("timeless", "$IIVHW,,T,,M,4,N,,K\n$IIHDM,90.0,M\n$IIVHW,,T,,M,5,N,,K\n");
-    std::string tenths = "$GPRMC,235959.9,A,5000.00,N,00100.00,W,6.0,90.0,241026,,\n";
+    std::string tenths = "\n$GPRMC,235959.9,A,5000.00,N,00100.00,W,6.0,90.0,241026,,\n";
     for (int i = 0; i < 30; ++i) tenths += Printed("$GPGLL,5000.00,N,00100.00,W,0000%02d.%d,A,A\n", i / 10, i % 10);
     test.folder.Write("tenths", tenths);
     test.folder.Write("broken", Recording({{0, "BSP=3"}}) + "{}\n" + Recording({{1, "BSP=4"}}));
     test.folder.Write("empty", "");
     test.folder.Write("header", Recording({{0, "header"}}));
     test.folder.Write("mine", "mine");
-    for (const char* typed :
-         {"info ~/tenths ~/timeless ~/dateless ~/broken ~/none ~/empty", "info --json ~/second.nmea ~/log.nmea ~/empty",
-          "info ~/header", "export ~/second.nmea ~/log.nmea --units internal --every 3s", "export ~/dateless --channels BSP",
-          "export ~/dateless --format gpx -o ~/dateless.gpx", "export ~/dateless ~/log.nmea", "export ~/broken",
-          "export ~/race-2 -o ~/mine", "export ~/race-2 -o ~/no/where", "export ~/empty", "export ~/race-2 --boat 9",
-          "export ~/race-2 --every 9ms", "export ~/race-2 --from noon", "export ~/race-2 --to +2x",
-          "export ~/race-2 --channels Jibberish", "export ~/race-2 --format gpx --units si",
-          "export ~/race-2 --format jsonl --decimal point", "export ~/header"})
+    for (const char* typed : {"info ~/tenths ~/timeless ~/dateless ~/broken ~/none ~/empty",
+                              "info --json ~/second.nmea ~/log.nmea ~/empty",
+                              "info ~/header",
+                              "export ~/second.nmea ~/log.nmea --units internal --every 3s",
+                              "export ~/dateless --channels BSP",
+                              "export ~/dateless --format gpx -o ~/dateless.gpx",
+                              "export ~/dateless ~/log.nmea",
+                              "export ~/broken",
+                              "export ~/race-2 -o ~/mine",
+                              "export ~/race-2 -o ~/no/where",
+                              "export ~/empty",
+                              "export ~/race-2 --boat 9",
+                              "export ~/race-2 --every 9ms",
+                              "export ~/race-2 --every 25h",
+                              "export ~/race-2 --from noon",
+                              "export ~/race-2 --to +2x",
+                              "export ~/race-2 --channels Jibberish",
+                              "export ~/race-2 --format gpx --units si",
+                              "export ~/race-2 --format jsonl --decimal point",
+                              "export ~/header"})
         told.Type(typed);
     told.Tell("dateless.gpx", Made("dateless.gpx"));
     told.Tell("mine", Made("mine"));
@@ -329,6 +343,38 @@ std::vector<std::pair<double, std::string>> SailedLooks(const char* line) {
     return looks;
 }
 
+// What that race has not: a count that is broken off, a line and marks of which only the distance is known, a mark that is chosen
+// late, turns that are none or come too close, an engine, and drifting.
+std::vector<std::pair<double, std::string>> OtherLooks() {
+    struct Stretch {
+        int seconds;
+        double twa, awa, bsp, tws;
+        int gun = 0;  // the second to which is counted down
+    };
+    constexpr Stretch kStretches[] = {{30, 60, 40, 5, 12, 60}, {40, 60, 40, 5, 12},      {90, -60, -40, 5, 12, 160},
+                                      {100, 42, 28, 6, 12},    {6, 5, 4, 5, 12},         {60, 42, 28, 6, 12},
+                                      {90, -44, -30, 6.5, 12}, {45, 42, 28, 6, 12},      {149, -42, -28, 6.25, 12},
+                                      {150, 150, 90, 7, 9},    {160, -155, -95, 7.5, 9}, {60, -100, -11, 6, 9},
+                                      {30, 100, 11, 6, 9},     {30, 60, 30, 6, 1.5},     {30, -60, -30, 6, 1.5},
+                                      {60, -60, -40, 0.5, 2},  {90, 100, 60, 5, 8}};
+    const auto range = [](int s) {  // in miles: each mark is passed at a twentieth, and the next one known later
+        return s < 700 ? 0.05 + std::abs(610 - s) * 0.0016 : s < 1100 ? 0.04 + std::abs(760 - s) * 0.02 : 3 - (s - 1100) * 0.001;
+    };
+    std::vector<std::pair<double, std::string>> looks;
+    int s = 0;
+    for (const auto& [seconds, twa, awa, bsp, tws, gun] : kStretches) {
+        for (const int end = s + seconds; s < end; ++s) {
+            std::string what =
+                Printed("BSP=%g, TWA=%g, HDG=%g, TWS=%g, AWA=%g, MkRng=%g", bsp, twa, WrappedBearing(5 - twa), tws, awa, range(s));
+            if (gun > s) what += Printed(", TmToGun=%.9g", (gun - s) / 86400.0);
+            if (s >= 150 && s < 260) what += Printed(", DistToLn=%g", (200 - s) * 0.0005);
+            if (s % 3 == 0) what += s < 700 ? ", Targ Twa=40, Targ Bsp=6.25" : ", Targ Twa=152, Targ Bsp=7.25";
+            looks.emplace_back(7200 + s, what);
+        }
+    }
+    return looks;
+}
+
 TEST_F(RecordingsSaidTest, WhatIsReported) {
     Transcript told("reported", *this);
     // The data of a page, each turn, leg, column... on a line; values that come several times as 3x0.
@@ -362,6 +408,13 @@ TEST_F(RecordingsSaidTest, WhatIsReported) {
     report("~/race --boat 7 --from +1m45s --to +1m50s", "seven.html");
     test.folder.Write("beside", Recording(SailedLooks(", Port lat=50.0022, Port lon=-1.009, Stbd lat=50.0016, Stbd lon=-1.006")));
     report("~/beside --to +8m", "beside.html", rest);
+    test.folder.Write("other", Recording(OtherLooks()));
+    report("~/other", "other.html", {"columns"});
+    report("~/other --from +4m --boat 0", "gunless.html", {"columns", "turns", "bands"});
+    std::vector<std::pair<double, std::string>> day;  // of nine hours each other second is told, and each gap
+    for (int s = 0; s < 32'400; s += 8) day.emplace_back(s + (s > 10'000) + (s > 20'000) * 20, s % 12'000 == 0 ? "gap" : "BSP=6");
+    test.folder.Write("day", Recording(day));
+    report("~/day", "day.html", {"columns"});
     test.folder.Write("broken", Recording({{3950, "BSP=6"}, {3951, "BSP=7, Lat=91"}}) + "{}\n");
     report("~/broken ~/race --from +9m", "broken.html", rest);
     test.folder.Write("back", Recording({{4000, "BSP=6"}, {4001, "BSP=7"}, {4002, "TWA=1"}, {3996, "BSP=6"}, {4003, "BSP=5"}}));

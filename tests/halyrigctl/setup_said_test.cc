@@ -133,7 +133,7 @@ TEST_F(SetUpSaidTest, MuchIsWrongAtOnce) {
 
     Transcript told("setup", *this);
     TypeAll(told, {"check", "check --summary", "check --json", "explain", "explain HDG 6 aws --json", "explain BSP",
-                   "get 17 twd --json"});
+                   "explain --boat 7", "get 17 twd --json"});
     told.Tell("The bridge has ended, and the suite");
     bridge.reset();
     suite.reset();
@@ -196,7 +196,7 @@ TEST_F(SetUpSaidTest, EachUnitAndEachFaultOfAFileOfTheSuite) {
     std::istringstream fed(
         "kn 1 KT 5 kts 51 deg 18 deg 2 deg 161 deg 162 degM 13 degT 6 deg/s 32 ft 17 m 45 m 25 m 173 nm 105 degC 15 hPa 16 % 58 "
         "day 34 "
-        "V 30 t 27 u 21 kn 9 deg 55 degT 19 m 33 s 88 min 37 degF 14 km 91 m/s 3 mph 12 A 29 T 46");
+        "V 30 t 27 u 21 kn 9 deg 55 degT 19 m 33 s 88 min 37 degF 14 km 91 m/s 3 mph 12 A 29 T 46 m 72");
     std::string list, lines, unit;
     for (int number = 1, channel = 0; fed >> unit >> channel; ++number) {
         const std::string of = std::to_string(number);
@@ -230,15 +230,15 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     List(
         "1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n7 MKBRG degT 0 0 1\n"
         "8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING degM 0 0 1\n14 COG degT 0 0 1\n"
-        "17 17 kn 1 0 1\n19 AWS kn 1 0 1\n");
+        "17 17 kn 1 0 1\n19 AWS kn 1 0 1\n20 USER kn 1 0 1\n21 ALT1 kn 1 0 1\n");
     settings.dfwFolder = u"";
     Save();
     Transcript told("mapping", *this);
     test.folder.Write("Bare/ShDfW2" + ToUtf8(kLibrarySuffix), BytesOf(STAND_IN_LIBRARY));
-    TypeAll(told,
-            {"choose ~/nowhere", "choose ~/Bare", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes",
-             "map add AWS 3 17 5 --boat 7", "map add 10 172 --boat 1", "map add LAT lat", "map add-remote 3 BSP --boat 7 --damped",
-             "map add-remote 12 117", "map add-remote 13 118 --boat 2", "map suggest --yes"});
+    TypeAll(told, {"choose ~/nowhere", "choose ~/Bare", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes",
+                   "map suggest --apply", "map add AWS 3 17 5 --boat 7", "map add 10 172 --boat 1", "map add LAT lat",
+                   "map add-remote 3 BSP --boat 7 --damped", "map add-remote 12 117", "map add-remote 13 118 --boat 2",
+                   "map suggest --yes"});
     told.Tell("halyrig.xml", test.folder.Read(kMapping));
     told.Type("check");
     told.Tell("The suite runs");
@@ -251,7 +251,8 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     TypeAll(told, {"map", "map --json", "map remove 3 --boat 7", "map remove 17 5 --boat 7", "map remove lat",
                    "map remove-remote 3", "map remove-remote 13"});
     told.Tell("The bridge runs");
-    settings = {.dfwFolder = test.folder.File("Deckman"), .sendNames = true, .degreesTrue = true, .depthInFeet = false};
+    settings = {
+        .dfwFolder = test.folder.File("Deckman"), .sendNames = true, .degreesTrue = true, .depthInFeet = false, .useTimer = true};
     StartBridge({{93, 0, 4}, {1, 0, 1}, {13, 0, 2}, {237, 0, 11}, {3, 0, 19}, {172, 1, 10}});
     bridge->Noted(2, 84.0f);
     TypeAll(told, {"check", "check --json", "explain", "explain HDG --json", "choose ~/Deckman"});

@@ -76,7 +76,7 @@ TEST_F(NmeaTest, LeavesMissingFieldsEmpty) {
         {{{kMkRng, 1.5}, {kMkBrg, 90.0}}, "BWC,,,,,,,,90.0,M,1.50,N,MARK,N\nRMB,V,,,,MARK,,,,,1.50,,,V,N\n"},
         {{{kMkRng, 20000.0}, {kMkBrg, 90.0}}, ""},
         {{{kTrim, 2.0}}, "XDR,A,2.0,D,PTCH\n"},
-        {{{kBsp, 1e9}, {kTws, kNoValue}}, ""},
+        {{{kBsp, 1e9}, {kTws, kNoValue}, {kLon, 5.0}}, ""},
         {{{kLat, -0.0000001}, {kLon, 359.99999999}},
          "RMC,000000.00,A,0000.00001,S,00000.00000,W,,,191126,,,A\nGLL,0000.00001,S,00000.00000,W,000000.00,A,A\n"
          "GGA,000000.00,0000.00001,S,00000.00000,W,1,,,,,,,,\n"},

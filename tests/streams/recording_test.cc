@@ -28,6 +28,7 @@ TEST(RecordingNameTest, HasFieldsAndNumbers) {
         EXPECT_EQ(std::nullopt, UnknownFieldIn(name));
     }
     EXPECT_EQ(u"%y", UnknownFieldIn(u"%%%y"));
+    EXPECT_EQ(std::nullopt, UnknownFieldIn(u"50%%race"));
     EXPECT_EQ(u"25 235959", NameAt(u"%d %H%M%S", 46352 - 0.002 / 86400)) << "the day has not ended yet";
     EXPECT_EQ(u"26 000000", NameAt(u"%d %H%M%S", 46352 - 0.0004 / 86400)) << "as a line tells this moment";
     EXPECT_EQ(u"%", UnknownFieldIn(u"%d%"));
@@ -164,6 +165,17 @@ TEST_F(RecordingTest, KeepsAllUpToTheLastSecondWhereverItIsCut) {
         }
     }
     EXPECT_LT(machine.files.files[1].bytes.size() * 8, machine.files.files[0].bytes.size());
+}
+
+TEST_F(RecordingTest, GoesToTheDiskOnceASecondThoughTheClockIsSetBack) {
+    RecordingWriter writer(machine.files, {u"/log", false, 0});
+    ASSERT_TRUE(writer.Begin({Now(), Now()}));
+    Pass(-3600.0);
+    for (int look = 0; look < 25; ++look, Pass(0.1)) {
+        Publish(kBsp, look);
+        ASSERT_TRUE(Record(writer));
+    }
+    EXPECT_LE(3, machine.files.flushes);
 }
 
 TEST_F(RecordingTest, BeginsANewFileByNameAndBySizeAndNeverOverOne) {

@@ -147,18 +147,20 @@ TEST_F(StreamServerTest, SaysWhyItCanNotListenAndStartsAgainOnItsPort) {
 
 TEST(UdpSender, SendsWholeLines) {
     asio::io_context context;
-    udp::socket receiver(context, udp::endpoint(asio::ip::address_v4::loopback(), 0));
+    udp::socket receiver(context, udp::endpoint(asio::ip::address_v4::any(), 0));
     receiver.non_blocking(true);
-    UdpSender sender, singly;
+    UdpSender sender, singly, toAll;
     const Endpoint at{"127.0.0.1", receiver.local_endpoint().port()};
     ASSERT_EQ("", sender.Open(at));
     ASSERT_EQ("", singly.Open(at, 0));
+    ASSERT_EQ("", toAll.Open({"127.255.255.255", at.port}));
     std::string lines, got;
     for (int i = 0; i < 20; ++i) lines += std::string(98, 'x') + "\r\n";
     lines += std::string(3000, 'y') + "\r\nlast\r\n";
     EXPECT_TRUE(sender.Put(lines));
     EXPECT_TRUE(singly.Put("a\nbc\n"));
-    lines += "a\nbc\n";
+    EXPECT_TRUE(toAll.Put("all\n"));
+    lines += "a\nbc\nall\n";
     std::vector<std::size_t> sizes;
     EXPECT_TRUE(Until([&] {
         char datagram[8192];
@@ -167,7 +169,7 @@ TEST(UdpSender, SendsWholeLines) {
         if (!none) sizes.push_back(size);
         return got.append(datagram, size).size() >= lines.size();
     }));
-    EXPECT_EQ(sizes, (std::vector<std::size_t>{1400, 600, 3002, 6, 2, 3}));
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{1400, 600, 3002, 6, 2, 3, 4}));
     EXPECT_EQ(got, lines);
 }
 

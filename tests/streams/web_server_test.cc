@@ -114,6 +114,7 @@ TEST_F(WebServerTest, AnswersARequestAndRefusesABadOne) {
         {"GET /a HTTP/1.1\r\n" + host + "If-None-Match: \"1\"\r\n\r\n", "HTTP/1.1 304", "ETag: \"1\"", "/a", false},
         {"GET /a HTTP/1.1\r\n" + host + "\r\n", "HTTP/1.1 200", "Content-Security-Policy: default-src 'self';", "", false},
         {"GET /a HTTP/1.1\r\n" + host + "\r\n", "HTTP/1.1 200", "X-Content-Type-Options: nosniff", "", false},
+        {"GET /a HTTP/1.1\r\n" + host + "\r\n", "HTTP/1.1 200", "Referrer-Policy: no-referrer", "", false},
         {"POST /a HTTP/1.1\r\n" + host + "Content-Length: 5\r\n\r\nabcde", "HTTP/1.1 405", "Allow: GET, HEAD", "", true},
         {"GET /a HTTP/1.1\r\n\r\n", "HTTP/1.1 403", "address", "", true},
         {"GET /a HTTP/1.1\r\n" + host + host + "\r\n", "HTTP/1.1 403", "", "/a", true},
