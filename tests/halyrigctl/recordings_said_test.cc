@@ -210,6 +210,14 @@ TEST_F(RecordingsSaidTest, WhatIsReplayed) {
     play("replay ~/long.jsonl", 30,
          {{0.5, U"x"}, {1, U"]]"}, {2, on}, {3, U" "}, {4, back}, {5, up}, {6, down}, {7, U"[[[ "}, {9, up}, {9.6, U"q"}});
     play("replay ~/long.jsonl", 3, {{1, U" "}});  // Ctrl-C, as it pauses
+    console.size.reset();
+    told.Tell("The mast's angle is not subtracted; then the suite is asked to close");
+    test.system->Core().registry.Write(u"Software\\Tidewright\\core", u"Sys_b33", DwordValue(0));
+    play("replay ~/race.jsonl", 3);
+    Then(300, {{2, [&] { Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1}); }}});
+    StartSuite();
+    told.Type("replay ~/race.jsonl");
+    EXPECT_GT(3, Passed());
     EXPECT_FALSE(console.screenTaken);
 }
 
@@ -252,6 +260,8 @@ TEST_F(RecordingsSaidTest, WhatIsLookedAtAndExported) {
     told.Type("export ~/race-2 ~/race-1 --every 1500ms --format jsonl --zone board --channels 146,17,50,1,173 --to 06:30:01.5");
     told.Type("export " + races + " --format gpx -o ~/all.gpx");
     told.Tell("all.gpx", Made("all.gpx"));
+    test.folder.Write("unvaried", Recording({{0, "Lat=60, Lon=23, COG=3, SOG=6.5"}, {2, "SOG=6.75"}}));
+    told.Type("export ~/unvaried --format gpx");
     // The first of an hour that comes twice, whatever the zone; and the end is that behind the beginning.
     for (const char* typed :
          {"--from 07:29:59 --to 00:59:59Z", "--from 2026-10-25T03:00:01+02:00 --to 06:30:01",

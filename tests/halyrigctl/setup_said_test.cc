@@ -17,6 +17,14 @@ namespace {
 // The same place on each system.
 struct SceneRegistry : FakeRegistry {
     RegistryPlace PlaceOf(std::u16string_view, std::u16string_view) const override { return {u"registry"}; }
+    std::vector<std::u16string> Names(std::u16string_view key) const override {
+        std::vector<std::u16string> names;
+        for (const auto& [of, values] : keys) {
+            for (const auto& [name, value] : values)
+                if (EqualsIgnoringCase(of, key)) names.push_back(name);
+        }
+        return names;
+    }
 };
 
 struct SetUpSaidTest : CtlTest {
@@ -113,7 +121,8 @@ TEST_F(SetUpSaidTest, MuchIsWrongAtOnce) {
                 1.0);
     settings = {settings.dfwFolder, true, true, false, true};  // saved, but not in force: all boxes but that for feet
     Save();
-    for (const auto& [line, given] : {std::pair(0, 6.5f), {1, NAN}, {2, 32767.0f}, {3, 151.0f}, {8, 185.0f}, {9, 400.0f}})
+    for (const auto& [line, given] :
+         {std::pair(0, 6.5f), {1, NAN}, {2, 32767.0f}, {3, 151.0f}, {8, 185.0f}, {9, 400.0f}, {13, 32767.0f}})
         bridge->Noted(static_cast<std::size_t>(line), given);
     const std::tuple<ChannelId, BoatSlot, double, double> values[] = {{kBsp, 0, 6.5, 0.4},   {kTwd, 0, 185.0, 21.0},
                                                                       {kTws, 0, 14.2, 2.0},  {kBsp, 12, 5.25, 3.0},
@@ -124,7 +133,9 @@ TEST_F(SetUpSaidTest, MuchIsWrongAtOnce) {
     Config("boats.xml", "<boats><boat id='7' name='Aurora' mmsi='211000008'/></boats>");
     registry.Write(kSavedSettingsKey, u"Sys_v0", StringValue(u"long"));
     registry.Write(kSavedSettingsKey, u"Sys_v1", StringValue(u"3.5"));
-    Set(u"Sys_i2", 3);
+    Set(u"Sys_i2", 3), Set(u"Sys_i99", 3);
+    registry.Write(kSavedSettingsKey, u"Sys_b4", StringValue(u"1"));
+    registry.Write(kBridgeSettingsKey, u"DfwDept", DwordValue(0));
     test.folder.Write("ProgramData/Tidewright/halyrig/halyrig.csv", "1,13\n77,13,0\n1,0,0\nx\n1,13,100\n");
     test.folder.Write("ProgramData/Tidewright/halyrig/halyrigremotes.csv", "0,13,0,1\n0,13,0\n");
     test.folder.Write("ProgramData/Tidewright/recordings/any", "");
@@ -221,6 +232,11 @@ TEST_F(SetUpSaidTest, EachUnitAndEachFaultOfAFileOfTheSuite) {
            "<boat id='7' mmsi='x'/>\n</boats>");
     Transcript told("files", *this);
     TypeAll(told, {"check", "check --json --summary", "check --json ~/elsewhere"});
+    Config("alternate.csv", ""), Config("boats.xml", "<boats/>");
+    for (const char* channels : {"<chanels/>", "<channels>\n<chanel id='1'/></channels>"}) {
+        Config("channels.xml", channels);
+        told.Type("check --summary");
+    }
     console.written.clear();
     EXPECT_EQ(1, RunCommandLine(*this, {"check", "--summary", " " + ToUtf8(settings.dfwFolder) + "\t"}));
     told.Tell("$ check --summary, of a folder as it was pasted", console.written);
@@ -230,15 +246,17 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     List(
         "1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n7 MKBRG degT 0 0 1\n"
         "8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING degM 0 0 1\n14 COG degT 0 0 1\n"
-        "17 17 kn 1 0 1\n19 AWS kn 1 0 1\n20 USER kn 1 0 1\n21 ALT1 kn 1 0 1\n");
+        "17 17 kn 1 0 1\n19 AWS kn 1 0 1\n20 USER kn 1 0 1\n21 ALT1 kn 1 0 1\n"
+        "22 TWIN kn 1 0 1\n23 TWIN kn 1 0 1\n");
     settings.dfwFolder = u"";
     Save();
     Transcript told("mapping", *this);
     test.folder.Write("Bare/ShDfW2" + ToUtf8(kLibrarySuffix), BytesOf(STAND_IN_LIBRARY));
-    TypeAll(told, {"choose ~/nowhere", "choose ~/Bare", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes",
-                   "map suggest --apply", "map add AWS 3 17 5 --boat 7", "map add 10 172 --boat 1", "map add LAT lat",
-                   "map add-remote 3 BSP --boat 7 --damped", "map add-remote 12 117", "map add-remote 13 118 --boat 2",
-                   "map suggest --yes"});
+    TypeAll(told,
+            {"choose ~/nowhere", "choose ~/Bare", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes",
+             "map suggest --apply", "map add AWS 3 17 5 --boat 7", "map add BSP 3 --boat 7", "map add BSP 16 AWS 16",
+             "map add 23 174", "map add 10 172 --boat 1", "map add LAT lat", "map add-remote 3 BSP --boat 7 --damped",
+             "map add-remote 3 AWS --boat 2", "map add-remote 12 117", "map add-remote 13 118 --boat 2", "map suggest --yes"});
     told.Tell("halyrig.xml", test.folder.Read(kMapping));
     told.Type("check");
     told.Tell("The suite runs");
@@ -285,12 +303,17 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
     StartBridge({{1, 0, 1}, {13, 0, 2}, {3, 3, 3}, {5, 0, 4}});
     bridge->Noted(3, 151.0f);
     const std::tuple<ChannelId, BoatSlot, double, double> values[] = {
-        {kBsp, 0, 10.0, 0.4},      {kAwa, 0, -30.0, 20.0}, {kTwa, 0, kNoValue, 0.9}, {kHdg, 0, 90.0, 0.7},
-        {kMagVar, 0, -3.0, 1.3},   {kDepth, 0, 12.5, 8.5}, {kHeel, 0, -15.0, 70.0},  {kTrim, 0, 2.5, 80.0},
-        {kLat, 0, -45.2057, 3.0},  {kLon, 0, 5.5, 3.1},    {kTmOnS, 0, 0.52, 2.0},   {kGpsTime, 0, 46345.5, 0.6},
-        {kSeaTemp, 0, 18.31, 4.0}, {172, 0, 3.5, 5.0},     {kAws, 3, 12.5, 33000.0}, {kHdg, 3, 271.0, 65.0},
-        {kBsp, 1, 7.75, 8.0},      {kAwa, 1, 33.0, 2.5},   {kTws, 1, kNoValue, 0.1}, {kMkLat, 0, 45.5, 0.8},
-        {kSail, 0, 1.0, 0.9}};
+        {kBsp, 0, 10.0, 0.4},      {kAwa, 0, -30.0, 20.0},
+        {kTwa, 0, kNoValue, 0.9},  {kHdg, 0, 90.0, 0.7},
+        {kMagVar, 0, -3.0, 1.3},   {kDepth, 0, 12.5, 8.5},
+        {kHeel, 0, -15.0, 70.0},   {kTrim, 0, 2.5, 80.0},
+        {kLat, 0, -45.2057, 3.0},  {kLon, 0, 5.5, 3.1},
+        {kTmOnS, 0, 0.52, 2.0},    {kGpsTime, 0, 46345.5, 0.6},
+        {kSeaTemp, 0, 18.31, 4.0}, {172, 0, 3.5, 5.0},
+        {kAws, 3, 12.5, 33000.0},  {kHdg, 3, 271.0, 65.0},
+        {kBsp, 1, 7.75, 8.0},      {kAwa, 1, 33.0, 2.5},
+        {kTws, 1, kNoValue, 0.1},  {kMkLat, 0, 45.5, 0.8},
+        {kSail, 0, 1.0, 0.9},      {kDepth, 3, 32767.0f / 3.2808f, 0.5}};
     for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
     Record().Set<std::uint8_t>(RecordBytes::Channel(kHeel) + 1, 1);  // blocked
     Record().Set<std::uint8_t>(RecordBytes::Channel(kTrim) + 4, 1);  // held
@@ -315,7 +338,8 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
 
     TypeAll(told, {"get 1 117 hdg depth lat lon 34 146 161 sail heel twa awa tws 118 --json", "get tws heel awa,118 119 172 161",
                    "get hdg aws bsp --boat 3 --json", "get nosuch bps 1", "watch speed", "watch --only all", "watch --sort size",
-                   "watch --boat 100", "boats", "boats --json", "explain 118"});
+                   "watch --boat 100", "boats", "boats --json", "explain 118", "get depth --boat 3 --json",
+                   "explain depth --boat 3 --json"});
     EXPECT_EQ(101u, LinesOf(Said("boats --all")).size());
     for (const char* form : {"", " --json", " --live", " --live --tsv", " --live --json"}) {
         const auto lines = LinesOf(Said(std::string("channels") + form));
