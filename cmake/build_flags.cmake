@@ -46,9 +46,15 @@ else()
     endif()
 endif()
 
-# Compiling the tests takes most of a build. Not optimised, those of Windows have more sections than an object usually may.
+# Compiling the tests takes most of a build. Those of Windows would take longer to link if they were not optimised at all; GCC 12 wrongly
+# reports texts that end outside of their arrays there.
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
-    target_compile_options(halyrig_flags INTERFACE "$<$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>:-O0;$<$<BOOL:${WIN32}>:-Wa,-mbig-obj>>")
+    if(WIN32)
+        set(hardly -O1 -Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
+    else()
+        set(hardly -O0)
+    endif()
+    target_compile_options(halyrig_flags INTERFACE "$<$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>:${hardly}>")
 endif()
 # What runs beside the instruments is optimised as a whole, and nothing else: the link of the companion took longer than all others.
 # Objects also contain plain code, with which the rest is linked. No 64-bit Windows program is ever shipped.
