@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 #include <filesystem>
+#include <map>
+#include <random>
 
 #include "base/wide_text.h"
 #include "config/bridge_settings.h"
@@ -131,6 +133,46 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
         EXPECT_EQ(text.substr(0, text.size() - 2) + ">\n  <var twr=\"13\" dfw=\"HDG\" />\n</r>", File());
     }
     ExpectIn(Said("map add 2 5"), {"variable 2 feeds channel 5"});  // a name comes before a number
+}
+
+TEST_F(MapTest, ManyChangesLoseNothingElse) {
+    test.folder.Write(kPath, kMapped);
+    Said("map remove HDG");
+    Said("map remove-remote 1");
+    const char* names[] = {"BSP", "HDG", "TWD", "HEADING"};
+    std::map<std::pair<int, int>, std::string> fed;
+    std::map<int, int> shown;
+    std::mt19937 random(7);
+    const auto below = [&](int bound) { return static_cast<int>(random() % static_cast<unsigned>(bound)); };
+    for (int step = 0; step < 200; ++step) {
+        const int channel = 1 + below(6), boat = below(3), remote = 1 + below(5);
+        const std::string name = names[below(4)], onBoat = std::to_string(channel) + " --boat " + std::to_string(boat);
+        switch (below(4)) {
+            case 0:
+                Said("map add " + name + " " + onBoat, fed.try_emplace({channel, boat}, name).second ? 0 : 1);
+                break;
+            case 1:
+                Said("map remove " + onBoat, fed.erase({channel, boat}) ? 0 : 1);
+                break;
+            case 2:
+                Said("map add-remote " + std::to_string(remote) + " " + std::to_string(channel),
+                     shown.try_emplace(remote, channel).second ? 0 : 1);
+                break;
+            default:
+                Said("map remove-remote " + std::to_string(remote), shown.erase(remote) ? 0 : 1);
+        }
+        const Mapping rows = Rows();
+        std::map<std::pair<int, int>, std::string> fedNow;
+        std::map<int, int> shownNow;
+        for (const MappingVar& row : rows.varRows) fedNow[{row.channel, row.boat}] = ToUtf8(row.dfwName);
+        for (const MappingRemote& row : rows.remoteRows) shownNow[row.remote] = row.channel;
+        ASSERT_TRUE(fed == fedNow && shown == shownNow) << step << "\n" << File();
+        ASSERT_EQ(fed.size() + shown.size(), rows.varRows.size() + rows.remoteRows.size()) << step;
+        const std::string text = File();
+        for (const char* kept : {"  <!-- one -->\n", "<!-- two -->\n  <note>kept</note>\n",
+                                 "<var twr=\"9\" dfw=\"course\" x=\"1\"/>\n", "  <!-- three -->\n", "</halyrig>\n<!-- four -->\n"})
+            ASSERT_NE(std::string::npos, text.find(kept)) << step << " " << kept << "\n" << text;
+    }
 }
 
 TEST_F(MapTest, AtEveryMomentTheOldOrTheNewFileIsWhole) {
