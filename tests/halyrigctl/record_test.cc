@@ -174,7 +174,11 @@ TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
              {("recording    runs since " + begun[2].substr(0, 19)).c_str(), "halyrig-20261119-4.jsonl.gz, ", " GiB left"});
     ExpectIn(Said("check --json", 1), {R"("recording":{"running":true,"file":")", R"("since":"2026-11-19T)", R"("room":)"});
     others.reset();
-    ExpectIn(Said("check", 1), {"recording    none now; the last from 2026-11-19T"});
+    const std::string until = IsoTime(clock.Days() - 5.0 / 86400).substr(0, 19);
+    clock.AdvanceMs(3'600'000);
+    ExpectIn(Said("check", 1),
+             {("recording    none now; the last from " + begun[2].substr(0, 19)).c_str(), (" to " + until).c_str()});
+    ExpectIn(Said("check --json", 1), {(R"("until":")" + until).c_str()});
     const std::u16string folder = test.folder.File("ProgramData/Tidewright/recordings");
     const auto current = Core().files.List(folder, u"halyrig-20261119*").front();
     DayFiles(Core().files, folder, {.bytes = 1}).Tend(current, 46345);

@@ -161,6 +161,8 @@ TEST_F(RecordingsSaidTest, WhatIsReplayed) {
                                         {3590, "BSP=6, AWA=30, HDG=350, Mk Lat=50.5, BSP@7=5, MastAng=7.5"},
                                         {3594, "BSP=6.5, HDG@7=80, Alt 1=3, HDG=null"},
                                         {3594.5, "AWA=-40, Mk Lat@7=51"},
+                                        {3595.5, "AWA=null"},
+                                        {3596.5, "AWA=-40"},
                                         {3600, "gap"},
                                         {3605, "BSP=7, HDG=10, BSP@7=null"},
                                         {3700, "BSP=8, AWA=20"},
@@ -210,7 +212,13 @@ TEST_F(RecordingsSaidTest, WhatIsReplayed) {
     play("replay ~/long.jsonl", 30,
          {{0.5, U"x"}, {1, U"]]"}, {2, on}, {3, U" "}, {4, back}, {5, up}, {6, down}, {7, U"[[[ "}, {9, up}, {9.6, U"q"}});
     play("replay ~/long.jsonl", 3, {{1, U" "}});  // Ctrl-C, as it pauses
+    play("replay ~/long.jsonl --from +2s", 8, {{1, back}});
     console.size.reset();
+    told.Tell("The machine sleeps for a minute");
+    Then(70, {{0, [&] { StartSuite(); }}, {2, [&] { clock.AdvanceMs(60'000), suite->StampTime(); }}});
+    suite.reset(), seen.clear();
+    told.Type("replay ~/long.jsonl");
+    told.Tell("BSP and so on:", seen + Watched());
     told.Tell("The mast's angle is not subtracted; then the suite is asked to close");
     test.system->Core().registry.Write(u"Software\\Tidewright\\core", u"Sys_b33", DwordValue(0));
     play("replay ~/race.jsonl", 3);

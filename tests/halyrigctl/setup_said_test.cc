@@ -145,8 +145,10 @@ TEST_F(SetUpSaidTest, MuchIsWrongAtOnce) {
     Transcript told("setup", *this);
     TypeAll(told, {"check", "check --summary", "check --json", "explain", "explain HDG 6 aws --json", "explain BSP",
                    "explain --boat 7", "get 17 twd --json"});
-    told.Tell("The bridge has ended, and the suite");
+    told.Tell("The bridge has ended");
     bridge.reset();
+    told.Type("check");
+    told.Tell("The suite too");
     suite.reset();
     files.lockedFor = 0;
     files.room = 1ULL << 29;
@@ -268,6 +270,9 @@ TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
     for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
     TypeAll(told, {"map", "map --json", "map remove 3 --boat 7", "map remove 17 5 --boat 7", "map remove lat",
                    "map remove-remote 3", "map remove-remote 13"});
+    Set(u"Sys_i6", 6);  // which is not in force
+    told.Type("map suggest");
+    Set(u"Sys_i6", 3);
     told.Tell("The bridge runs");
     settings = {
         .dfwFolder = test.folder.File("Deckman"), .sendNames = true, .degreesTrue = true, .depthInFeet = false, .useTimer = true};
