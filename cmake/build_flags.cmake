@@ -46,7 +46,7 @@ else()
     endif()
 endif()
 
-# Compiling the tests takes most of a build. Those of Windows would take longer to link if they were not optimised at all; GCC 12 wrongly
+# Compiling the tests takes a third of a build. Those of Windows would take longer to link if they were not optimised at all; GCC 12 wrongly
 # reports texts that end outside of their arrays there.
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
     if(WIN32)

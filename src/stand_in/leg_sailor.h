@@ -13,9 +13,6 @@ public:
     // Course through the water towards `point`, after another `seconds` of sailing.
     double CourseTo(Vector point, const YachtState& yacht, Vector current, double seconds);
 
-    // Of the wind that she is to sail on: 1 starboard, -1 port.
-    double Side() const { return side_; }
-
 private:
     bool ShouldTurn(double straight, double limit, double distance) const;
 

@@ -3,7 +3,6 @@
 // start.
 #pragma once
 #include <cstdint>
-#include <optional>
 
 #include "stand_in/leg_sailor.h"
 #include "stand_in/racing_yacht.h"
@@ -25,10 +24,6 @@ public:
 
     // The next point to sail to: a mark, or the middle of the start line before the start.
     Vector Mark() const;
-
-    // What is sailed, which no instrument tells: the leg, from 0, while the race is on, and the side of the wind that is ordered.
-    std::optional<int> Leg() const { return phase_ == Phase::kRacing ? std::optional(leg_) : std::nullopt; }
-    double Side() const { return sailor_.Side(); }
 
     // Where the yacht waits for the first start.
     Vector WaitingPlace() const { return Place(-0.25, 0.0); }

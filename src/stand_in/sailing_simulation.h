@@ -21,7 +21,6 @@ public:
     // Runs in steps of a tenth of a second, so that many small advances give the same result as one large one.
     void Advance(double seconds) override;
     const Moment& Now() const override { return moment_; }
-    const Race& Sailed() const { return race_; }
 
 private:
     Vector Current() const;

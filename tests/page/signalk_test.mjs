@@ -68,7 +68,7 @@ test('the server is discovered, and its addresses lead to it', async () => {
   assert.equal(typeof vessels[self.replace('vessels.', '')].navigation.headingMagnetic.value, 'number');
 });
 
-test('the code at the terminal leads a camera to the page', {skip: !process.env.PAGE_CTL && 'by the Linux programs'}, async () => {
+test('the code at the terminal leads a camera to the page', {skip: !process.env.PAGE_CAMERA && 'there is no code or no camera'}, async () => {
   const port = await freePort(), folder = mkdtempSync(join(tmpdir(), 'code-'));
   const open = spawn(process.env.PAGE_CTL, ['serve', '--listen', `0.0.0.0:${port}`, '--allow-remote'], {stdio: ['ignore', 'pipe', 'inherit']});
   let rows = [];
@@ -81,7 +81,7 @@ test('the code at the terminal leads a camera to the page', {skip: !process.env.
   rows = rows.flatMap((row) => [0, 1].map((half) => row.map((block) => lit[block][half]))).map(large);
   const picture = join(folder, 'code.pbm');
   writeFileSync(picture, `P1 ${rows[0].length} ${rows.length * 8}\n` + large(rows).map((row) => row.join(' ')).join('\n'));
-  const [seen] = execFileSync('zbarimg', ['-q', '--nodbus', '--raw', picture]).toString().split('\n');
+  const [seen] = execFileSync(process.env.PAGE_CAMERA, ['-q', '--nodbus', '--raw', picture]).toString().split('\n');
   rmSync(folder, {recursive: true});
   assert.match(seen, new RegExp(`^http://[0-9.]+:${port}/$`));
 });
