@@ -195,7 +195,7 @@ TEST(TornDouble, IsNeverSeen) {
         }
     });
     int seen[2] = {}, torn = 0;
-    for (int i = 0; i < 2000000000 && torn == 0 && (i < 200000000 || seen[0] == 0 || seen[1] == 0); ++i) {
+    for (int i = 0; i < 2000000000 && torn == 0 && (i < 20000000 || seen[0] == 0 || seen[1] == 0); ++i) {
         const double value = Load(entry);
         torn += value != kFirst && value != kSecond;
         ++seen[value == kFirst];
