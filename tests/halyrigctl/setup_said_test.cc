@@ -82,25 +82,8 @@ struct SetUpSaidTest : CtlTest {
 
 TEST_F(SetUpSaidTest, MuchIsWrongAtOnce) {
     zone.state->bias = -330;
-    List(
-        "1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 AWS kn 1 0 1\n4 AWA deg 0 0 1\n5 DEPTH m 1 0 3\n6 TWD degM 0 0 1\n7 COG degT 0 0 1\n"
-        "8 X;Y kn 2 0 1\n9 LOG nm 2 0 1\n10 SEATEMP degC 1 0 1\n11 TARGTWA deg 0 0 1\n");
-    Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<var twr='17' dfw='DEPTH'/>\n<var twr='3' dfw='AWS' boat='7'/>\n"
-        "<var twr='2' dfw='awa'/>\n<var twr='5' dfw='98'/>\n<var twr='1300' dfw='HDG'/>\n<var twr='1' dfw='BSP' boat='12'/>\n"
-        "<var twr='50' dfw='COG'/>\n<var twr='15' dfw='LOG' x='1'/>\n<var twr='172' dfw='AWA' boat='7'/>\n<var twr='0' "
-        "dfw='AWS'/>\n"
-        "<var twr='118' dfw='AWS'/>\n<vra twr='1' dfw='BSP'/>\n<var twr='18' boat='100' dfw='AWA'/>\n<var twr='' dfw='AWA'/>\n"
-        "<var twr='6' dfw='TWD'/>\n<var twr='237' dfw='TARGTWA'/><var twr='172' dfw='X;Y'/><var twr='4' dfw='AWA'/>\n"
-        "<remote remote='1' twr='1'/>\n<remote remote='2' twr='13' damp='true'/>\n<remote remote='1' twr='3' boat='7'/>\n"
-        "<remote remote='0' twr='17'/>\n<remote remote='3' twr='117'/>\n<remote remote='4' twr='58'/>\n<remote remote='5' "
-        "twr='119'/>\n"
-        "<remote remote='6' twr='50'/>\n<remote twr='1'/>\n<remote remote='7' twr='16' boat='1'/><remote remote='8' twr='11'/>\n"
-        "<remote remote='9' twr='12'/><remote remote='10' twr='5'/><remote remote='11' twr='32'/>\n<remote remote='12' "
-        "twr='140'/><remote remote='13' twr='0'/>\n");
-    const std::string alternates = "0,0,1,0,0,0,0,0,0,0\n1,5,31,0,0,0,0,0,0,0\n";
-    Config("alternate.csv", alternates);
-    Config("channels.xml", "<channels><channel id='1' prec='1'/><channel id='172' type='12' user='Jib lead'/></channels>");
-    Config("boats.xml", "<boats><boat id='7' name='Aurora' mmsi='211000007'/></boats>");
+    Transcript told("setup", *this);
+    told.Play("Much is wrong");
     for (const auto& [name, to] : {std::pair(u"Sys_i1", 1u), {u"Sys_i2", 2u}, {u"Sys_b3", 1u}, {u"Sys_b27", 1u}}) Set(name, to);
     StartSuite();
     settings.useTimer = true;
@@ -128,80 +111,52 @@ TEST_F(SetUpSaidTest, MuchIsWrongAtOnce) {
                                                                       {kTws, 0, 14.2, 2.0},  {kBsp, 12, 5.25, 3.0},
                                                                       {kAws, 7, 12.5, 30.0}, {kSet, 0, 40.0, 65.0}};
     for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
-    Config("alternate.csv", alternates + "4,0,2,0,0,0,0,0,0,0\n3,x,1,0,0,0,0,0,0,0\n");
-    Config("channels.xml", "<channels><channel id='1' prec='2'/><channel id='172' user='Jib'/><channel prec='3'/></channels>");
-    Config("boats.xml", "<boats><boat id='7' name='Aurora' mmsi='211000008'/></boats>");
     registry.Write(kSavedSettingsKey, u"Sys_v0", StringValue(u"long"));
     registry.Write(kSavedSettingsKey, u"Sys_v1", StringValue(u"3.5"));
     Set(u"Sys_i2", 3), Set(u"Sys_i99", 3);
     registry.Write(kSavedSettingsKey, u"Sys_b4", StringValue(u"1"));
     registry.Write(kBridgeSettingsKey, u"DfwDept", DwordValue(0));
-    test.folder.Write("ProgramData/Tidewright/halyrig/halyrig.csv", "1,13\n77,13,0\n1,0,0\nx\n1,13,100\n");
-    test.folder.Write("ProgramData/Tidewright/halyrig/halyrigremotes.csv", "0,13,0,1\n0,13,0\n");
-    test.folder.Write("ProgramData/Tidewright/recordings/any", "");
     files.lockedFor = 1 << 20;  // by a recorder that has just begun
     files.room = 5ULL << 30;
 
-    Transcript told("setup", *this);
-    TypeAll(told, {"check", "check --summary", "check --json", "explain", "explain HDG 6 aws --json", "explain BSP",
-                   "explain --boat 7", "get 17 twd --json"});
-    told.Tell("The bridge has ended");
+    told.Play("More has become wrong since");
     bridge.reset();
-    told.Type("check");
-    told.Tell("The suite too");
+    told.Play("The bridge has ended");
     suite.reset();
     files.lockedFor = 0;
     files.room = 1ULL << 29;
-    told.Type("check --json");
-    told.Tell("Deckman has gone");
+    told.Play("The suite too");
     std::filesystem::remove_all(test.folder.File("Deckman"));
-    told.Type("check --json");
+    told.Play("Deckman has gone");
 }
 
 TEST_F(SetUpSaidTest, NothingOfTheMappingCanBeUsed) {
-    List("1 BSP kn 2 0 1\n");
+    const auto mapping = test.folder.File(kMapping);
     settings.degreesTrue = true;  // of no bearing
     StartSuite();
     StartBridge({});
     Give(kBsp, 0, 6.5, 61.5);
     Transcript told("nothing", *this);
-    Map("<var twr='1' dfw='bsp'/>\n<var twr='5' dfw='TWS'/>\n<remote remote='3' twr='1'/>\n");
-    told.Tell("Remotes, and lines for variables that there aren't");
-    TypeAll(told, {"check --summary", "map", "map --json", "explain"});
-    Map("");
-    told.Tell("Nothing");
-    TypeAll(told, {"check --summary", "explain"});
-    Map("<remote remote='3' twr='1'/>\n");
-    told.Tell("Remotes alone");
-    TypeAll(told, {"check --summary", "map", "explain BSP --json"});
-    test.folder.Write(kMapping, "<halyrig><remote remote='3' twr='1'/>\n<var twr='1");
-    told.Tell("No XML behind a remote");
-    TypeAll(told, {"check --summary", "explain"});
-    std::filesystem::remove(test.folder.File(kMapping));
-    std::filesystem::create_directory(test.folder.File(kMapping));
-    told.Tell("A folder in its place");
-    TypeAll(told, {"map", "explain BSP --json"});
-    files.forbidden = test.folder.File(kMapping);
-    told.Tell("It is another user's");
-    TypeAll(told, {"check --summary", "explain BSP --json"});
+    for (const char* what :
+         {"Remotes, and lines for variables that there aren't", "Nothing", "Remotes alone", "No XML behind a remote"})
+        told.Play(what);
+    std::filesystem::remove(mapping);
+    std::filesystem::create_directory(mapping);
+    told.Play("A folder in its place");
+    files.forbidden = mapping;
+    told.Play("It is another user's");
     files.forbidden.clear();
-    std::filesystem::remove(test.folder.File(kMapping));
-    Map("<var twr='1' dfw='BSP'/>\n<var/>\n");
+    std::filesystem::remove(mapping);
     Give(kBsp, 0, 6.5, 0.1);
     bridge->MappingLoaded({1, 1, 1e6}, std::vector<MappedLine>{{1, 0, 1}});
     bridge->Noted(0, 6.5f);
-    told.Tell("All is well but for a line that names no channel");
-    TypeAll(told, {"explain", "map"});
-    Map("<var twr='1' dfw='BSP'/>\n");
-    told.Tell("The bridge has not loaded the library, and has read older files");
+    told.Play("All is well but for a line that names no channel");
     bridge->LibraryLoaded(settings.dfwFolder, {});
     bridge->MappingLoaded({1, 1, 1.0});
-    TypeAll(told, {"check --summary", "check --summary ~/Deckman", "explain BSP --json"});
-    told.Tell("The list is cut short, which costs no line; then there is none");
-    List("1 BSP kn 2 0 1\nx\n");
-    told.Type("check --summary ~/Deckman");
+    told.Play("The bridge has not loaded the library, and has read older files");
+    told.Play("The list is cut short, which costs no line; then there is none");
     std::filesystem::remove_all(test.folder.File("Deckman"));
-    TypeAll(told, {"map", "map suggest", "map add BSP 1"});
+    told.Play("Deckman has gone");
 }
 
 // Each unit feeds what is in it, and then what no channel is in is fed.

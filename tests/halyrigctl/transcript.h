@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// What commands say in a scene, word for word, compared with tests/halyrigctl/said/NAME.txt. With HALYRIG_KEEP=1 in the environment
-// it is kept anew: then read the difference like code.
+// What commands say in a scene, word for word, compared with tests/halyrigctl/said/NAME.txt, which also tells what is typed. With
+// HALYRIG_KEEP=1 in the environment it is kept anew: then read the difference like code.
 #pragma once
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <regex>
 #include <set>
@@ -42,6 +43,24 @@ public:
         const int status = RunCommandLine(system_, arguments);
         Tell("$ " + command, console_.written + (status == 0 ? "" : "[" + std::to_string(status) + "]"));
     }
+    // What stands in the file below "# HEADING", up to the next one: files to be written, as "> PATH" with their lines below,
+    // commands to be typed, as "$ COMMAND", and files to be shown, as "< PATH".
+    void Play(const std::string& heading) {
+        Tell("# " + heading);
+        const auto kept = LinesOf(BytesOf(path_));
+        auto line = std::ranges::find(kept, "# " + heading);
+        EXPECT_NE(kept.end(), line) << heading << " is not in " << path_;
+        while (line != kept.end() && ++line != kept.end() && !line->starts_with("# ")) {
+            const std::string what = line->substr(0, 2), of = line->substr(std::min<std::size_t>(2, line->size()));
+            if (what == "$ ") Type(of);
+            if (what == "< ") Tell(*line, test_.folder.Read(of));
+            if (what != "> ") continue;
+            std::string content;
+            for (auto next = line + 1; next != kept.end() && !IsEntry(*next); ++next) content += *next + "\n";
+            test_.folder.Write(of, content);
+            said_ += *line + "\n" + content;
+        }
+    }
     // What has happened, or what the text behind it is.
     void Tell(const std::string& what, const std::string& text = "") {
         said_ += what + "\n";
@@ -57,6 +76,7 @@ public:
     void IsPart() { isPart_ = true; }
 
 private:
+    static bool IsEntry(const std::string& line) { return line.size() > 1 && line[1] == ' ' && std::strchr("#$<>", line[0]); }
     static std::string ByMember(const std::string& text) { return std::regex_replace(text, std::regex(R"(,(["{]))"), ",\n$1"); }
     // As it is on each system and in each folder.
     std::string Alike(std::string text) const {
