@@ -42,9 +42,6 @@ struct SetUpSaidTest : CtlTest {
     void Set(std::u16string_view name, std::uint32_t to) { registry.Write(kSavedSettingsKey, name, DwordValue(to)); }
     void List(const std::string& lines) { test.folder.Write("Deckman/Data/J_vars06.d", "[variables]\n" + lines); }
     void Map(const std::string& lines) { test.folder.Write(kMapping, "<halyrig>\n" + lines + "</halyrig>\n"); }
-    void Config(const std::string& name, const std::string& content) {
-        test.folder.Write("ProgramData/Tidewright/config/" + name, content);
-    }
     void Give(ChannelId channel, BoatSlot boat, double value, double secondsAgo) {
         suite->SetChannel(channel, boat, value, clock.Days() - secondsAgo / kSecondsPerDay);
     }
@@ -57,9 +54,6 @@ struct SetUpSaidTest : CtlTest {
         bridge->MappingLoaded({14, static_cast<std::int32_t>(lines.size()), readAt}, lines);
         bridge->BoxesInForce(settings);
     }
-    static void TypeAll(Transcript& told, std::initializer_list<const char*> commands) {
-        for (const char* command : commands) told.Type(command);
-    }
     // What a screen of the size shows behind the keys.
     void Draw(Transcript& told, const std::string& command, const std::u32string& keys, ConsoleSize size) {
         console.size = size;
@@ -68,7 +62,7 @@ struct SetUpSaidTest : CtlTest {
         console.size.reset();
         std::string picture;
         for (std::string line : LinesOf(console.pictures.back())) picture += line.substr(0, line.find_last_not_of(' ') + 1) + "|\n";
-        told.Tell("$ " + command + " on a screen", picture);
+        told.Tell("# $ " + command + " on a screen", picture);
     }
 
     static constexpr const char* kMapping = "ProgramData/Tidewright/instruments/halyrig.xml";
@@ -174,90 +168,48 @@ TEST_F(SetUpSaidTest, EachUnitAndEachFaultOfAFileOfTheSuite) {
     Set(u"Sys_i6", 3);
     List(list);
     Map(lines);
-    Config("alternate.csv",
-           "\xEF\xBB\xBF"
-           "3,13,14,0,0,0,0,0,0,0\n3,13,14\n10,13,14,0,0,0,0,0,0,0\n3,13,500,0,0,0,0,0,0,0\n4,13,65549,-1,0,0,0,0,0,32767\n"
-           "5,13,14,0,0,0,0,0,0,x\n6,13,14,0,0,0,0,0,0,\n4 13 14 0 0 0 0 0 0\n");
-    Config("channels.xml",
-           "<channels>\n<channel id='1' colour='1'/>\n<channel id='500' prec='1'/>\n<channel prec='1' id='1'/>\n"
-           "<channel prec='1' log='1'/>\n<channel id='1' prec='255'/>\n<channel id='48' prec='1'/>\n"
-           "<channel id='117' prec='1'/>\n<channel id='1' type='1'/>\n<channel id='172' type='20'/>\n"
-           "<channel id='48' damp='1'/>\n<channel id='1' damp='x'/>\n<channel id='1' damp=''/>\n"
-           "<channel id='172' user='012345678901234567890123456789012'/>\n</channels>");
-    Config("boats.xml",
-           "<boats>\n<boat id='100' name='A'/>\n<boat id='7' r='256'/>\n<boat name='A' id='7'/>\n<boat r='1' id='7'/>\n"
-           "<boat id='7' mmsi='x'/>\n</boats>");
     Transcript told("files", *this);
-    TypeAll(told, {"check", "check --json --summary", "check --json ~/elsewhere"});
-    Config("alternate.csv", ""), Config("boats.xml", "<boats/>");
-    for (const char* channels : {"<chanels/>", "<channels>\n<chanel id='1'/></channels>"}) {
-        Config("channels.xml", channels);
-        told.Type("check --summary");
-    }
+    told.Play("Each unit, and faults in each file of the suite");
     console.written.clear();
     EXPECT_EQ(1, RunCommandLine(*this, {"check", "--summary", " " + ToUtf8(settings.dfwFolder) + "\t"}));
-    told.Tell("$ check --summary, of a folder as it was pasted", console.written);
+    told.Tell("# $ check --summary, of a folder as it was pasted", console.written);
 }
 
 TEST_F(SetUpSaidTest, AMappingIsMadeByCommand) {
-    List(
-        "1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n7 MKBRG degT 0 0 1\n"
-        "8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING degM 0 0 1\n14 COG degT 0 0 1\n"
-        "17 17 kn 1 0 1\n19 AWS kn 1 0 1\n20 USER kn 1 0 1\n21 ALT1 kn 1 0 1\n"
-        "22 TWIN kn 1 0 1\n23 TWIN kn 1 0 1\n");
     settings.dfwFolder = u"";
     Save();
     Transcript told("mapping", *this);
     test.folder.Write("Bare/ShDfW2" + ToUtf8(kLibrarySuffix), BytesOf(STAND_IN_LIBRARY));
-    TypeAll(told,
-            {"choose ~/nowhere", "choose ~/Bare", "choose ~/Deckman/Data/..", "map", "map suggest --apply --yes",
-             "map suggest --apply", "map add AWS 3 17 5 --boat 7", "map add BSP 3 --boat 7", "map add BSP 16 AWS 16",
-             "map add 23 174", "map add 10 172 --boat 1", "map add LAT lat", "map add-remote 3 BSP --boat 7 --damped",
-             "map add-remote 3 AWS --boat 2", "map add-remote 12 117", "map add-remote 13 118 --boat 2", "map suggest --yes"});
-    told.Tell("halyrig.xml", test.folder.Read(kMapping));
-    told.Type("check");
-    told.Tell("The suite runs");
-    Config("alternate.csv", "0,0,1,58,0,0,0,0,0,0\n");  // the last is not fed
+    told.Play("Nothing runs");
     Set(u"Sys_i6", 3);
     StartSuite();
     const std::tuple<ChannelId, BoatSlot, double, double> values[] = {
         {kBsp, 0, 6.5, 0.4}, {kBsp, 7, 5.25, 1.0}, {kHdg, 0, 87.0, 0.3}, {kMagVar, 0, -3.0, 0.5}, {172, 1, 4.5, 0.2}};
     for (const auto& [channel, boat, value, ago] : values) Give(channel, boat, value, ago);
-    TypeAll(told, {"map", "map --json", "map remove 3 --boat 7", "map remove 17 5 --boat 7", "map remove lat",
-                   "map remove-remote 3", "map remove-remote 13"});
-    Set(u"Sys_i6", 6);  // which is not in force
-    told.Type("map suggest");
+    told.Play("The suite runs");
+    Set(u"Sys_i6", 6);
+    told.Play("A source of the position is chosen that is not in force");
     Set(u"Sys_i6", 3);
-    told.Tell("The bridge runs");
     settings = {
         .dfwFolder = test.folder.File("Deckman"), .sendNames = true, .degreesTrue = true, .depthInFeet = false, .useTimer = true};
     StartBridge({{93, 0, 4}, {1, 0, 1}, {13, 0, 2}, {237, 0, 11}, {3, 0, 19}, {172, 1, 10}});
     bridge->Noted(2, 84.0f);
-    TypeAll(told, {"check", "check --json", "explain", "explain HDG --json", "choose ~/Deckman"});
-    told.Tell("It has ended");
+    told.Play("The bridge runs");
     bridge.reset();
-    told.Type("explain");
+    told.Play("It has ended");
     EXPECT_TRUE(test.system->GetInstance().Claim(kBridgeName));
     ExpectIn(Said("map add COG 50"), {"The running " HALYRIG_PROGRAM " still has the former mapping"});  // though it tells nothing
 }
 
 TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
     zone.state->bias = -330;
-    Config("alternate.csv", "0,0,120,0,0,0,0,0,0,0\n1,0,2,0,0,0,0,0,0,0\n3,0,121,0,0,0,0,0,0,0\n4,0,1,0,0,0,0,0,0,0\n");
-    Config("channels.xml",
-           "<channels><channel id='1' prec='1' damp='4' log='false'/><channel id='172' type='12' user='Jib lead'/>"
-           "<channel id='173' type='99' user='Outhaul'/></channels>");
-    Config("boats.xml",
-           "<boats><boat id='3' name='Aurora' mmsi='11234560' r='255' g='80' b='1'/><boat id='7' name='Zephyr'/></boats>");
-    List("1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 AWS kn 1 0 1\n4 TWS kn 1 0 1\n");
-    Map("<var twr='1' dfw='BSP'/>\n<var twr='13' dfw='HDG'/>\n<var twr='3' dfw='AWS' boat='3'/>\n<var twr='5' dfw='TWS'/>\n"
-        "<remote remote='3' twr='1'/>\n");
+    Transcript told("values", *this);
+    told.Play("Boats, units and alternating channels");
     StartSuite();
     Record().SetInt(2, 2);       // km/h
     Record().SetInt(1, 2);       // feet
     Record().SetFlag(3, false);  // true bearings
     Record().SetFlag(1, true);   // local time
-    Transcript told("values", *this);
     Draw(told, "watch bsp", U"", {40, 4});
     EXPECT_EQ(Look::kRed, console.LookOf("the bridge is not running"));
     StartBridge({{1, 0, 1}, {13, 0, 2}, {3, 3, 3}, {5, 0, 4}});
@@ -280,13 +232,12 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
     EXPECT_EQ(std::string::npos, Said("channels --live --tsv").find("\t1\n")) << "held, while that is not in force";
     Record().SetFlag(52, true);
     Record().SetText(RecordBytes::Channel(173) + 76, u"Lead\a");
-    TypeAll(told, {"watch --snapshots 1 --boat 3 --sort age", "watch --snapshots 1 --only mapped --sort name",
-                   "watch --snapshots 1 --only mapped --boat 3", "watch --snapshots 1 --only mapped bsp twa"});
+    told.Play("Values of each age");
     DisplayWriter displays(Core().memory, settings.dfwFolder);
     displays.ShowValue(3, "18.52");
     displays.ShowName(3, "BSP");
     displays.ShowValue(12, "3.00\xB0W");
-    told.Type("watch --snapshots 1");
+    told.Play("Displays are told");
     clock.AdvanceMs(1000);  // midnight
     bridge->clock.ticks = clock.ticks;
     bridge->Ticked();
@@ -296,16 +247,13 @@ TEST_F(SetUpSaidTest, ValuesOfEachStateAndUnit) {
         EXPECT_EQ(look, console.LookOf(state)) << state;
     Draw(told, "watch --sort name bsp hdg awa heel 172 lat", {Key::kDown, Key::kDown, Key::kDown, Key::kEnter}, {64, 18});
 
-    TypeAll(told, {"get 1 117 hdg depth lat lon 34 146 161 sail heel twa awa tws 118 --json", "get tws heel awa,118 119 172 161",
-                   "get hdg aws bsp --boat 3 --json", "get nosuch bps 1", "watch speed", "watch --only all", "watch --sort size",
-                   "watch --boat 100", "boats", "boats --json", "explain 118", "get depth --boat 3 --json",
-                   "explain depth --boat 3 --json"});
+    told.Play("All that is asked of them");
     EXPECT_EQ(101u, LinesOf(Said("boats --all")).size());
     for (const char* form : {"", " --json", " --live", " --live --tsv", " --live --json"}) {
         const auto lines = LinesOf(Said(std::string("channels") + form));
         std::string some;
         for (const std::size_t id : {0, 1, 18, 19, 48, 173}) some += lines[1 + id] + "\n";
-        told.Tell(std::string("$ channels") + form + ", some", lines[0] + "\n" + some);
+        told.Tell(std::string("# $ channels") + form + ", some", lines[0] + "\n" + some);
     }
     console.goOn = [&, step = 0]() mutable {
         clock.AdvanceMs(3000);
