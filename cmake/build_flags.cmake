@@ -55,9 +55,7 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
         set(hardly -O0)
     endif()
     target_compile_options(halyrig_flags INTERFACE "$<$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>:${hardly}>")
-endif()
-# The companion waits for the record, the disk and its users; with -O2 it took a third longer to compile.
-if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    # The companion waits for the record, the disk and its users; with -O2 it took a third longer to compile.
     target_compile_options(halyrig_flags INTERFACE $<$<BOOL:$<TARGET_PROPERTY:HALYRIG_COMPANION>>:-O1>)
 endif()
 # What runs beside the instruments is optimised as a whole, and nothing else: the link of the companion took longer than all others.

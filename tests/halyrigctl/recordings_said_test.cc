@@ -252,74 +252,24 @@ TEST_F(RecordingsSaidTest, WhatIsLookedAtAndExported) {
     test.folder.Write(
         "race-3", Recording({{3606.5, "header"}, {3606.5, "BSP=10, HDG=0"}, {3666.25, "BSP=11, User 1=1e-7"}, {3726.5, "BSP=12"}}) +
                       R"({"time":"2026)");
-    const std::string races = "~/race-3 ~/race-1 ~/race-2";
-    told.Type("info " + races);
-    told.Type("info --json " + races);
-    told.Type("export --every 2s " + races);
     // A look that came late: what was published ahead of a row is in it, the rest is not.
     std::string late = Recording({{3607, "BSP=2, HDG=1"}});
     AppendMark(late, kSunday + 3610.05 / 86400);
     test.folder.Write("late",
                       late + Lines(kSunday + 3609.96 / 86400, "BSP=3") + Lines(kSunday + 3610.02 / 86400, "HDG=null, TWA=4"));
-    told.Type("export ~/late --every 2s --units internal");
-    told.Type("export ~/race-1 --units si --header units --decimal comma --boat 0 --every 500ms --from +2s --to +3s");
-    told.Type("export ~/race-1 --units internal --header units --every 3s --channels 146,hdg,1,1,Time,173 --zone board");
-    told.Type("export ~/race-1 --to +1s --boat 0");  // Trim comes later
-    told.Type("export ~/race-2 ~/race-1 --every 1500ms --format jsonl --zone board --channels 146,17,50,1,173 --to 06:30:01.5");
-    told.Type("export " + races + " --format gpx -o ~/all.gpx");
-    told.Tell("all.gpx", Made("all.gpx"));
     test.folder.Write("unvaried", Recording({{0, "Lat=60, Lon=23, COG=3, SOG=6.5"}, {2, "SOG=6.75"}}));
-    told.Type("export ~/unvaried --format gpx");
-    // The first of an hour that comes twice, whatever the zone; and the end is that behind the beginning.
-    for (const char* typed :
-         {"--from 07:29:59 --to 00:59:59Z", "--from 2026-10-25T03:00:01+02:00 --to 06:30:01",
-          "--from 2026-10-25T01:00:01Z --to 01:00:00Z", "--from 2026-10-24T20:00:00-05:00", "--to 2026-10-25T07:29:58"})
-        told.Type(std::string("export ~/race-1 --channels BSP ") + typed);
-
-    std::string log =
-        "$IIHDM,90.0,M\nbroken\n$GPRMC,235959,A,5000.00,N,00100.00,W,6.0,90.0,241026,10.0,E\n$IIVHW,,T,,M,5.81,N,,K\n$GPGSV,1\n"
-        "$GPZDA,000000,,,,00,00\n\n \n$IIVHW,,T,,M,5.9,N,,K\n$IIDBT,,f,10.5,M,,F\n$IIDPT,10.5,2.0\n$IIXDR,A,-12.0,D,HEEL\n"
-        "$IIMWV,28,R,12,N,A\n$GPGGA,000001,5000.50,N,00100.00,W,1,9,1.2,30,M,46,M,,\n$IIVLW,1234.5,N,12.25,N\n";
-    for (const int second : {4, 7, 10, 13}) log += Printed("$GPGLL,5000.60,N,00100.00,W,0000%02d,A,A\n$IIDPT,10.5,2.0\n", second);
-    test.folder.Write("log.nmea", log);
-    test.folder.Write("second.nmea",
-                      "$GPRMC,000042,A,5001.00,N,00100.00,W,6.1,90.0,251026,,\n$IIVHW,,T,,M,6.1,N,,K\n$IIHDM,91,M\n");
-    test.folder.Write("dateless", "$IIVHW,,T,,M,4,N,,K\n$GPGLL,6005.071,N,02332.346,E,095559,A,D\n$IIVHW,,T,,M,5,N,,K\n");
-    test.folder.Write("timeless", "$IIVHW,,T,,M,4,N,,K\n$IIHDM,90.0,M\n$IIVHW,,T,,M,5,N,,K\n");
     std::string tenths = "\n$GPRMC,235959.9,A,5000.00,N,00100.00,W,6.0,90.0,241026,,\n";
     for (int i = 0; i < 30; ++i) tenths += Printed("$GPGLL,5000.00,N,00100.00,W,0000%02d.%d,A,A\n", i / 10, i % 10);
     test.folder.Write("tenths", tenths);
     test.folder.Write("broken", Recording({{0, "BSP=3"}}) + "{}\n" + Recording({{1, "BSP=4"}}));
     test.folder.Write("empty", "");
     test.folder.Write("header", Recording({{0, "header"}}));
-    test.folder.Write("mine", "mine");
-    for (const char* typed : {"info ~/tenths ~/timeless ~/dateless ~/broken ~/none ~/empty",
-                              "info --json ~/second.nmea ~/log.nmea ~/empty",
-                              "info ~/header",
-                              "export ~/second.nmea ~/log.nmea --units internal --every 3s",
-                              "export ~/dateless --channels BSP",
-                              "export ~/dateless --format gpx -o ~/dateless.gpx",
-                              "export ~/dateless ~/log.nmea",
-                              "export ~/broken",
-                              "export ~/race-2 -o ~/mine",
-                              "export ~/race-2 -o ~/no/where",
-                              "export ~/empty",
-                              "export ~/race-2 --boat 9",
-                              "export ~/race-2 --every 9ms",
-                              "export ~/race-2 --every 25h",
-                              "export ~/race-2 --from noon",
-                              "export ~/race-2 --to +2x",
-                              "export ~/race-2 --channels Jibberish",
-                              "export ~/race-2 --format gpx --units si",
-                              "export ~/race-2 --format jsonl --decimal point",
-                              "export ~/header"})
-        told.Type(typed);
-    told.Tell("dateless.gpx", Made("dateless.gpx"));
-    told.Tell("mine", Made("mine"));
+    told.Play("Recordings of each kind");
     FakeFiles full;
     full.files = {{u"race", Recording({{0, "BSP=3"}, {20, "BSP=4"}})}};
     full.room = 100;
     disk = &full;
+    told.Tell("# The disk is full");
     told.Type("export race -o new");
     full.room = 1 << 20;
     full.onFlush = [] { return false; };

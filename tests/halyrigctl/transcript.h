@@ -8,6 +8,7 @@
 #include <regex>
 #include <set>
 
+#include "base/version.h"
 #include "ctl_fixture.h"
 
 namespace twr::testing {
@@ -94,6 +95,7 @@ private:
         text = std::regex_replace(text, std::regex(R"(~/Deckman\d+)"), "~/Deckman");  // one of many
         text = std::regex_replace(text, std::regex(R"(belongs to (?!root\b)\w+)"), "belongs to USER");
         replace(HALYRIG_PROGRAM, "halyrig32");
+        replace("Halyrig " HALYRIG_VERSION, "Halyrig VERSION");
         replace("ShDfW2" + ToUtf8(kLibrarySuffix), "ShDfW2.so");
         replace(" (unclosed token)", "");  // the words of one system's XML
         replace("\r", "\\r");
