@@ -59,8 +59,8 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
     target_compile_options(halyrig_flags INTERFACE $<$<BOOL:$<TARGET_PROPERTY:HALYRIG_COMPANION>>:-O1>)
 endif()
 # What runs beside the instruments is optimised as a whole, and nothing else: the link of the companion took longer than all others.
-# Objects also contain plain code, with which the rest is linked. No 64-bit Windows program is ever shipped.
-if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT (WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 8))
+# Objects also contain plain code, with which the rest is linked.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     set(plain $<OR:$<BOOL:$<TARGET_PROPERTY:HALYRIG_TEST>>,$<BOOL:$<TARGET_PROPERTY:HALYRIG_COMPANION>>>)
     target_compile_options(halyrig_flags INTERFACE $<IF:${plain},-ffunction-sections,-flto=auto>
         $<IF:${plain},-fdata-sections,-ffat-lto-objects>)

@@ -62,7 +62,7 @@ before(async () => {
   bridge.start();
   server.start();
   browser = await launch();
-  for (let answered = false; !answered;) answered = await fetch(url).then(({ok}) => ok, () => new Promise((wait) => setTimeout(wait, 200)));
+  for (let answered = false; !answered;) answered = await fetch(`${url}/halyrig/v1/boats`).then(({ok}) => ok, () => new Promise((wait) => setTimeout(wait, 200)));
   page = await openPage();
 });
 

@@ -14,10 +14,11 @@
 
 namespace {
 
+// What the last call did not get is left for the report, of which Wine keeps nothing back as Windows does.
 int Exhaust(int depth) {
-    volatile char page[4096];
-    page[0] = static_cast<char>(depth);
-    return depth < 0 ? 0 : Exhaust(depth + 1) + page[0];
+    volatile char room[65536];
+    room[0] = static_cast<char>(depth);
+    return depth < 0 ? 0 : Exhaust(depth + 1) + room[0];
 }
 
 #ifdef __linux__

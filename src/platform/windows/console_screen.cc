@@ -99,8 +99,8 @@ public:
           formerMode_(formerMode),
           buffer_(std::make_shared<const UniqueHandle>(std::move(buffer))) {
         // No line input and no echo, but still Ctrl-C and the selection with the mouse.
-        SetConsoleMode(input_,
-                       (formerMode_ & ~(ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT)) | ENABLE_PROCESSED_INPUT | ENABLE_WINDOW_INPUT);
+        constexpr DWORD kLineInput = ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT;
+        SetConsoleMode(input_, (formerMode_ & ~kLineInput) | ENABLE_PROCESSED_INPUT | ENABLE_WINDOW_INPUT);
         constexpr CONSOLE_CURSOR_INFO kHidden{1, FALSE};
         SetConsoleCursorInfo(buffer_->get(), &kHidden);
         SetConsoleActiveScreenBuffer(buffer_->get());
