@@ -69,14 +69,12 @@ static void Scribble(volatile unsigned char* bytes, size_t size, long long milli
 
 int main(int count, char** words) {
     size_t size;
-    if (count < 2) return 2;
-    unsigned char* const bytes = Map(words[1], &size);
+    unsigned char* const bytes = count > 1 ? Map(words[1], &size) : NULL;
     if (!bytes) return 3;
-    if (count == 2) {
+    if (count < 4) {
         TakeBinaryOutput();
         return fwrite(bytes, 1, size, stdout) == size ? 0 : 1;
     }
-    if (count < 4) return 2;
     if (strcmp(words[2], "scribble") == 0) {
         Scribble(bytes, size, atoll(words[3]), count > 4 ? (size_t)atol(words[4]) : size);
     } else {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // A library in Deckman's place that misbehaves as the environment variable TORTURE says: "hold" waits in Usr_Read while the file
-// TORTURE_HOLD exists, the names in Crash end the process sooner or later, "anything" gives random numbers, "signals" has timers
 // TORTURE_HOLD exists, the names in Crash end the process sooner or later, "anything" gives random numbers, "helper" forks a process
 // that removes the file TORTURE_HELPER when TORTURE_HOLD has gone, "count" gives each variable another value at each reading, 0 to 29
 // in turn.
@@ -9,17 +8,14 @@
 #include <stdlib.h>
 #include <string.h>
 #include <time.h>
+#include <unistd.h>
 
 #ifdef _WIN32
-#include <windows.h>
 #define EXPORT __declspec(dllexport)
 #define CALL __stdcall
-static void Nap(void) { Sleep(10); }
 #else
-#include <unistd.h>
 #define EXPORT
 #define CALL
-static void Nap(void) { usleep(10000); }
 #endif
 
 static int Is(const char* what) {
@@ -41,7 +37,7 @@ static void Hold(void) {
     FILE* file;
     while (path && (file = fopen(path, "r"))) {
         fclose(file);
-        Nap();
+        usleep(10000);
     }
 }
 
