@@ -35,6 +35,7 @@ export async function close(browser) {
 // What the browser complains of, unless it is no fault of the page, and what is asked for elsewhere, goes to the complaints.
 export async function openAt(context, address, isOwn, noFault = /(?!)/) {
   const opened = await context.newPage();
+  await opened.evaluateOnNewDocument(axe);
   opened.setDefaultTimeout(kPatience);
   opened.on('pageerror', ({message}) => complaints.push(message));
   opened.on('console', (said) => said.type() === 'error' && !noFault.test(said.text()) && complaints.push(said.text()));
@@ -42,8 +43,6 @@ export async function openAt(context, address, isOwn, noFault = /(?!)/) {
   await opened.goto(address, {waitUntil: 'load'});
   return opened;
 }
-
-export const withAxe = (page) => page.evaluate(axe);
 
 export async function runAxe(page, name) {
   const findings = await page.evaluate(() => axe.run({resultTypes: ['violations']}).then(({violations}) =>

