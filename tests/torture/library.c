@@ -23,13 +23,11 @@ static int Is(const char* what) {
     return torture && strcmp(torture, what) == 0;
 }
 
+// Windows' own rand has 15 bits.
 static uint32_t Random(void) {
-    static uint32_t state;
-    if (state == 0) state = ((uint32_t)time(NULL) * 2654435761u ^ (uint32_t)clock()) | 1u;
-    state ^= state << 13;
-    state ^= state >> 17;
-    state ^= state << 5;
-    return state;
+    static int seeded;
+    if (!seeded++) srand((unsigned)time(NULL) ^ (unsigned)clock());
+    return (uint32_t)rand() << 17 ^ (uint32_t)rand() << 9 ^ (uint32_t)rand();
 }
 
 static void Hold(void) {
