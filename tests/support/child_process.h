@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A second process of the running test program, for what only two processes can show.
 #pragma once
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
@@ -10,17 +11,26 @@
 
 namespace twr::testing {
 
-struct ChildProcess {
-    virtual ~ChildProcess() = default;  // kills it if it still runs
+class ChildProcess {
+public:
+    // The other ends of its standard input and output.
+    ChildProcess(std::FILE* input, std::FILE* output) : input_(input), output_(output) {}
+    virtual ~ChildProcess() { std::fclose(input_), std::fclose(output_); }  // each system's kills it first, if it still runs
 
     // The next line of its standard output, without its end; empty if the output has ended.
-    virtual std::string ReadLine() = 0;
-
-    // Writes a line to its standard input.
-    virtual void WriteLine(const std::string& line) = 0;
+    std::string ReadLine() {
+        std::string line;
+        for (int c; (c = std::getc(output_)) != EOF && c != '\n';) line += static_cast<char>(c);
+        return line;
+    }
+    // Writes a line to its standard input; it may be gone.
+    void WriteLine(const std::string& line) { std::fputs((line + '\n').c_str(), input_), std::fflush(input_); }
 
     virtual void Kill() = 0;  // at once, without a chance to clean up
     virtual int Wait() = 0;   // its exit status
+
+private:
+    std::FILE *const input_, *const output_;
 };
 
 // Starts this program again as `role`; the main of the test programs does the rest.

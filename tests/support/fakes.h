@@ -31,11 +31,10 @@ struct FakeClock : Clock {
 struct FakeZone : Zone {
     std::optional<ZoneState> Now() const override { return state; }
     std::optional<std::int32_t> BiasAt(std::int64_t ticks) const override {
-        if (!state) return std::nullopt;
-        return state->bias + (ticks >= daylightFrom && ticks < daylightUntil ? -60 : 0);
+        return state ? std::optional(state->bias - (ticks < daylightUntil ? 60 : 0)) : std::nullopt;
     }
     std::optional<ZoneState> state = ZoneState{0, 0, false};
-    std::int64_t daylightFrom = 0, daylightUntil = 0;
+    std::int64_t daylightUntil = INT64_MIN;
 };
 
 // Blocks shared by all holders of this object, as other processes share them.

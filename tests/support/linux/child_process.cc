@@ -6,7 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
@@ -20,21 +19,11 @@ constexpr int kCantBeStarted = 127;
 class PosixChild final : public ChildProcess {
 public:
     PosixChild(pid_t process, Descriptor input, Descriptor output)
-        : process_(process), input_(std::move(input)), output_(fdopen(output.Release(), "r")) {}
+        : ChildProcess(fdopen(input.Release(), "w"), fdopen(output.Release(), "r")), process_(process) {}
     ~PosixChild() override {
         Kill();
         Wait();
-        std::fclose(output_);
     }
-
-    std::string ReadLine() override {
-        std::string line;
-        for (int c; (c = std::getc(output_)) != EOF && c != '\n';) line += static_cast<char>(c);
-        return line;
-    }
-
-    // Lines are far shorter than what a pipe takes at once. The child may be gone.
-    void WriteLine(const std::string& line) override { WriteAll(input_, line + '\n'); }
 
     void Kill() override {
         if (process_ > 0) kill(process_, SIGKILL);
@@ -49,8 +38,6 @@ public:
 private:
     pid_t process_;
     int status_ = 0;
-    const Descriptor input_;
-    std::FILE* const output_;
 };
 
 }  // namespace

@@ -40,26 +40,19 @@ constexpr int kPatienceMs = 20000;  // without any output: only a fault takes th
     _exit(127);
 }
 
-int OnProperty(VTermProp property, VTermValue* value, void* onOwnScreen) {
-    if (property == VTERM_PROP_ALTSCREEN) *static_cast<bool*>(onOwnScreen) = value->boolean != 0;
-    return 1;
-}
-
-VTermScreenCallbacks OnlyProperties() {
-    VTermScreenCallbacks only{};
-    only.settermprop = OnProperty;
-    return only;
-}
-
 }  // namespace
 
 PseudoTerminal::PseudoTerminal(const std::string& role, const std::vector<std::string>& arguments,
                                const std::vector<std::string>& environment)
     : picture_(vterm_new(rows_, columns_)), screen_(vterm_obtain_screen(picture_)) {
-    static const VTermScreenCallbacks callbacks = OnlyProperties();
+    static VTermScreenCallbacks onlyProperties{};
+    onlyProperties.settermprop = [](VTermProp property, VTermValue* value, void* onOwnScreen) {
+        if (property == VTERM_PROP_ALTSCREEN) *static_cast<bool*>(onOwnScreen) = value->boolean != 0;
+        return 1;
+    };
     vterm_set_utf8(picture_, kUtf8);
     vterm_screen_enable_altscreen(screen_, kWithAlternate);
-    vterm_screen_set_callbacks(screen_, &callbacks, &onOwnScreen_);
+    vterm_screen_set_callbacks(screen_, &onlyProperties, &onOwnScreen_);
     vterm_screen_reset(screen_, kHard);
     winsize size{static_cast<unsigned short>(rows_), static_cast<unsigned short>(columns_), 0, 0};
     process_ = forkpty(&terminal_, nullptr, nullptr, &size);
@@ -112,10 +105,9 @@ bool PseudoTerminal::HasColours() const {
 }
 
 bool PseudoTerminal::WaitUntil(const std::function<bool()>& holds) {
-    while (!holds()) {
-        if (!ReadMore()) return holds();
-    }
-    return true;
+    bool held = false;
+    while (!(held = holds()) && ReadMore()) continue;
+    return held;
 }
 
 bool PseudoTerminal::Shows(std::string_view text) {

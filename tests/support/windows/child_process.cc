@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "support/child_process.h"
 
+#include <fcntl.h>
+#include <io.h>
+
 #include "base/wide_text.h"
 #include "platform/windows/unique_handle.h"
 #include "platform/windows/win32.h"
@@ -10,33 +13,19 @@ namespace {
 
 constexpr UINT kKilled = 137;  // as for a killed process of the other system
 
+// As a stream, which owns it from now on; CR and LF are read as LF, and LF is written as both.
+std::FILE* Opened(UniqueHandle& pipe, const char* mode) {
+    const HANDLE handle = std::exchange(*pipe.Receive(), nullptr);
+    return _fdopen(_open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_TEXT), mode);
+}
+
 class WindowsChild final : public ChildProcess {
 public:
-    WindowsChild(UniqueHandle process, UniqueHandle input, UniqueHandle output)
-        : process_(std::move(process)), input_(std::move(input)), output_(std::move(output)) {}
+    WindowsChild(UniqueHandle process, UniqueHandle& input, UniqueHandle& output)
+        : ChildProcess(Opened(input, "w"), Opened(output, "r")), process_(std::move(process)) {}
     ~WindowsChild() override {
         Kill();
         Wait();
-    }
-
-    std::string ReadLine() override {
-        std::size_t end = 0;
-        while ((end = read_.find('\n')) == std::string::npos) {
-            char chunk[1024];
-            DWORD got = 0;
-            if (!ReadFile(output_.get(), chunk, sizeof chunk, &got, nullptr) || got == 0) return std::exchange(read_, {});
-            read_.append(chunk, got);
-        }
-        std::string line = read_.substr(0, end);
-        read_.erase(0, end + 1);
-        if (line.ends_with('\r')) line.pop_back();
-        return line;
-    }
-
-    void WriteLine(const std::string& line) override {
-        const std::string text = line + '\n';
-        DWORD written = 0;
-        WriteFile(input_.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
     }
 
     void Kill() override { TerminateProcess(process_.get(), kKilled); }
@@ -50,9 +39,6 @@ public:
 
 private:
     UniqueHandle process_;
-    UniqueHandle input_;
-    UniqueHandle output_;
-    std::string read_;
 };
 
 // Quoted such that the C run time of the child takes it apart into the same argument.
@@ -93,7 +79,7 @@ std::unique_ptr<ChildProcess> StartProgram(const std::string& path, const std::v
         return nullptr;
     }
     CloseHandle(started.hThread);
-    return std::make_unique<WindowsChild>(UniqueHandle(started.hProcess), std::move(input), std::move(output));
+    return std::make_unique<WindowsChild>(UniqueHandle(started.hProcess), input, output);
 }
 
 std::string OwnProgram() { return ToUtf8(FromWide(ModulePath(nullptr))); }
