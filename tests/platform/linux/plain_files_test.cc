@@ -6,18 +6,19 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <utility>
 
 #include "base/wide_text.h"
 #include "platform/files.h"
 #include "platform/linux/signal_queue.h"
 #include "platform/linux/xml/xml.h"
+#include "support/fakes.h"
 #include "support/linux/signals.h"
 #include "support/test_system.h"
 
 namespace twr::testing {
 namespace {
+
+namespace fs = std::filesystem;
 
 struct PlainFilesTest : ::testing::Test {
     testing::TestSystem test_;
@@ -39,24 +40,13 @@ TEST_F(PlainFilesTest, APipeOrDeviceIsNoneAndNeverWaitedFor) {
 // The kernel has a plain file whose start can't be read.
 TEST_F(PlainFilesTest, AReadErrorIsNotTheEnd) {
     constexpr const char16_t* kUnreadable = u"/proc/self/mem";
-    const auto source = files_.Open(kUnreadable);
-    char byte = 0;
-    ASSERT_NE(nullptr, source);
-    EXPECT_EQ("", source->Failure());
-    EXPECT_EQ(0u, source->Read(&byte, 1));
-    EXPECT_EQ("Input/output error", source->Failure());
+    EXPECT_EQ(std::nullopt, ReadWhole(files_, kUnreadable));
     const auto reader = test_.system->Core().xml.OpenReader(kUnreadable);
-    XmlElement element;
-    EXPECT_FALSE(reader->Next(element));
+    EXPECT_EQ("", Outline(*reader));
     EXPECT_TRUE(reader->Fault() && reader->Fault()->flaw == Flaw::kReadFailed && reader->Fault()->text == u"Input/output error");
     EXPECT_FALSE(files_.Copy(kUnreadable, test_.folder.File("copy")));
-    struct Text : ByteSource {
-        std::size_t Read(char* to, std::size_t room) override { return std::exchange(text, {}).copy(to, room); }
-        std::string Failure() const override { return text.empty() ? "broken disk" : ""; }
-        std::string text = "<a>\n<b/>\n<c";
-    };
-    const auto cut = ReadXml(std::make_unique<Text>());
-    EXPECT_EQ("a() b()", testing::Outline(*cut));
+    const auto cut = ReadXml(std::make_unique<Broken>(std::make_unique<TextSource>("<a>\n<b/>\n<c/></a>"), 11));
+    EXPECT_EQ("a() b()", Outline(*cut));
     EXPECT_TRUE(cut->Fault() && cut->Fault()->line == 3 && cut->Fault()->text == u"broken disk");
 }
 
@@ -114,11 +104,7 @@ TEST_F(PlainFilesTest, AHugeOneEndsWhereTheProgramIsToldToEnd) {
     const SignalQueue waiting;
     for (const bool told : {false, true}) {
         if (told) testing::SendFromOutside(SIGTERM);
-        const auto file = files_.Open(path);
-        ASSERT_NE(nullptr, file);
-        std::size_t size = 0;
-        std::array<char, 4096> part;
-        while (const std::size_t got = file->Read(part.data(), part.size())) size += got;
+        const std::size_t size = ReadWhole(files_, path).value_or("").size();
         EXPECT_EQ(told, size < (2 << 20)) << size;
         EXPECT_LE(std::size_t{1 << 20}, size) << "no honest one is cut";
     }
@@ -127,11 +113,7 @@ TEST_F(PlainFilesTest, AHugeOneEndsWhereTheProgramIsToldToEnd) {
 TEST_F(PlainFilesTest, FoldersAreMadeForTheirUserAlone) {
     const std::u16string shared = files_.ProgramDataFolder(), own = JoinPath(shared, u"Tidewright");
     files_.MakeFolder(own);
-    for (const auto& folder : {shared, own}) {
-        struct stat status {};
-        EXPECT_EQ(0, stat(ToUtf8(folder).c_str(), &status));
-        EXPECT_EQ(0700u, status.st_mode & 0777) << ToUtf8(folder);
-    }
+    for (const fs::path folder : {shared, own}) EXPECT_EQ(fs::perms::owner_all, fs::status(folder).permissions()) << folder;
 }
 
 }  // namespace

@@ -27,33 +27,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A variable of the process's environment, as long as the object lives.
-class EnvironmentVariable {
-public:
-    // A null pointer for one that is not set.
-    EnvironmentVariable(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        Set(value);
-    }
-    ~EnvironmentVariable() { Set(old_ ? old_->c_str() : nullptr); }
-    EnvironmentVariable(const EnvironmentVariable&) = delete;
-
-private:
-    void Set(const char* value) const { value ? setenv(name_, value, 1) : unsetenv(name_); }
-
-    const char* const name_;
-    std::optional<std::string> old_;
-};
-
 const Role kConsoleSize("console size", [](const std::vector<std::string>& arguments) {
     if (!arguments.empty()) dup2(open(arguments[0].c_str(), O_RDONLY), STDIN_FILENO);
     const auto screen = MakeConsole()->TakeScreen();
-    const ConsoleSize size = screen ? screen->Size() : ConsoleSize{};
-    const std::string told = screen ? std::to_string(size.columns) + "x" + std::to_string(size.rows) : "no pictures";
-    if (screen) screen->Draw({{0, 0, told}});
-    if (!screen) std::printf("%s\n", told.c_str());
-    std::fflush(stdout);
-    return getchar() == 'q' ? 0 : 1;
+    if (!screen) return std::puts("no pictures");
+    const ConsoleSize size = screen->Size();
+    screen->Draw({{0, 0, std::to_string(size.columns) + "x" + std::to_string(size.rows)}});
+    return std::getchar();
 });
 
 // Asks for signals only while its output is held up.
@@ -142,7 +122,7 @@ std::string Rule(int startFromToday, int endFromToday) {
 TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
     const TestSystem test;
     const auto told = [&](const std::string& zone) {
-        const EnvironmentVariable set("TZ", zone.c_str());
+        SetVariable("TZ", zone.c_str());
         const auto state = test.system->Core().zone.Now();
         if (!state) return std::string("none");
         return std::to_string(state->bias) + ' ' + std::to_string(state->daylightBias) + (state->daylight ? " now" : "");
@@ -158,21 +138,12 @@ TEST(Zone, GivesBiasesAsMinutesToAddToLocalTime) {
                                                         {"EST5EDT,J1/0,J365/25", "300 -60 now"}};
     for (const auto& [zone, state] : rows) EXPECT_EQ(state, told(zone)) << zone;
     for (const char* name : {"Nowhere/Atlantis", "/dev/null", "x", "12", "<+03"}) EXPECT_EQ("none", told(name)) << name;
-    const EnvironmentVariable paris("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
+    SetVariable("TZ", "CET-1CEST,M3.5.0,M10.5.0/3");
     const std::pair<std::int64_t, std::int32_t> moments[] = {
         {1774745999, -60}, {1774746000, -120}, {1792889999, -120}, {1792890000, -60}};  // 2026-03-29 and 10-25, 01:00 UTC
     for (const auto& [second, bias] : moments) EXPECT_EQ(bias, test.system->Core().zone.BiasAt(second * 10'000'000)) << second;
     if (!fs::exists("/usr/share/zoneinfo")) GTEST_SKIP() << "no zone data on this machine";
-    for (const char* name : {"Europe/Dublin", "Australia/Lord_Howe", "America/St_Johns", "Africa/Casablanca", ":Europe/Paris"}) {
-        const EnvironmentVariable zone("TZ", name);
-        const auto state = test.system->Core().zone.Now();
-        ASSERT_TRUE(state) << name;
-        const std::time_t now = std::time(nullptr);
-        std::tm local{};
-        localtime_r(&now, &local);
-        EXPECT_EQ(-local.tm_gmtoff, 60 * (state->bias + (state->daylight ? state->daylightBias : 0))) << name;
-        EXPECT_EQ(local.tm_isdst > 0, state->daylight) << name;
-    }
+    for (const char* name : {"Asia/Kolkata", ":Asia/Kolkata"}) EXPECT_EQ("-330 0", told(name)) << name;
 }
 
 TEST(UserRoots, FollowTheEnvironment) {
@@ -184,16 +155,17 @@ TEST(UserRoots, FollowTheEnvironment) {
         {"/h", "/c", "/d", "/dev", "/c/tidewright/registry.reg /d /dev " + always + "/dev " + here},
         {"/h", "relative", "", "/no/such/folder", "/h/.config/tidewright/registry.reg /h/.local/share " + usual}};
     for (const auto& [home, config, data, runtime, expected] : rows) {
-        const EnvironmentVariable a("HOME", home), b("XDG_CONFIG_HOME", config);
-        const EnvironmentVariable c("XDG_DATA_HOME", data), d("XDG_RUNTIME_DIR", runtime);
+        for (const auto& [name, value] :
+             {std::pair("HOME", home), {"XDG_CONFIG_HOME", config}, {"XDG_DATA_HOME", data}, {"XDG_RUNTIME_DIR", runtime}})
+            SetVariable(name, value);
         const Roots roots = UserRoots();
-        std::string all = ToUtf8(roots.namePrefix + roots.registry + u' ' + roots.programData) + ' ';
-        for (const FilePlace& place : roots.locks) all += ToUtf8(place.folder + place.tag) + ' ';
-        all += "status ";
-        for (const FilePlace& place : roots.status) all += ToUtf8(place.folder + place.tag) + ' ';
-        EXPECT_EQ(expected, all);
+        std::u16string all = roots.namePrefix + roots.registry + u' ' + roots.programData + u' ';
+        for (const FilePlace& place : roots.locks) all += place.folder + place.tag + u' ';
+        all += u"status ";
+        for (const FilePlace& place : roots.status) all += place.folder + place.tag + u' ';
+        EXPECT_EQ(expected, ToUtf8(all));
     }
-    const EnvironmentVariable homeless("HOME", nullptr), data("XDG_DATA_HOME", nullptr);
+    for (const char* name : {"HOME", "XDG_DATA_HOME"}) SetVariable(name, nullptr);
     EXPECT_TRUE(UserRoots().programData.ends_with(u"/.local/share")) << "from the list of users";
 }
 
@@ -208,12 +180,15 @@ TEST(LockFiles, LetOneStartWhateverItsEnvironmentAndGiveWayToNoForeignFile) {
         {"a file of another user's",
          [](const auto& path) {
              std::ofstream(path).put('x');
-             if (chown(path.c_str(), 12345, 12345) != 0) fs::remove(path);  // only root can plant it
+             EXPECT_EQ(0, chown(path.c_str(), 12345, 12345));
          },
-         geteuid() == 0 ? "it belongs to another user" : "", geteuid() == 0}};
+         "it belongs to another user", true}};
     for (const auto& [what, plant, told, second] : rows) {
         SCOPED_TRACE(what);
-        if (geteuid() != 0 && std::string_view(what) == "a file of another user's") LeaveOut(what, "only root can plant it");
+        if (geteuid() != 0 && std::string_view(what) == "a file of another user's") {
+            LeaveOut(what, "only root can plant it");
+            continue;
+        }
         const TempFolder folder;
         for (const char* name : {"a", "b", "common"}) fs::create_directory(folder.Path() / name);
         const auto system = [&](const char* own) {
@@ -270,8 +245,7 @@ TEST(StatusFiles, AreOfARunningProgramOfThisUser) {
         auto posted = system->GetStatusBoard().Post(u"Halyrig", 8);
         EXPECT_EQ(posts, posted != nullptr);
         EXPECT_EQ(posts, other->GetStatusBoard().See(u"Halyrig", 8) != nullptr);
-        struct stat status {};
-        EXPECT_TRUE(!posts || (stat(path.c_str(), &status) == 0 && (status.st_mode & 0777) == 0600));
+        EXPECT_TRUE(!posts || fs::status(path).permissions() == fs::perms(0600));
         if (geteuid() == 0 && posts) {
             EXPECT_EQ(0, chown(path.c_str(), 12345, 12345));
             EXPECT_EQ(nullptr, other->GetStatusBoard().See(u"Halyrig", 8)) << "another user's";
@@ -293,7 +267,7 @@ struct HeadlessDesktopTest : ::testing::Test {
         dialog_.onCancel = [this] {
             const BoxAnswer answer = desktop_->ShowBox(u"Exit?", u"Test", BoxButtons::kYesNo, BoxIcon::kQuestion);
             dialog_.events.push_back(answer == BoxAnswer::kYes ? "yes" : "no");
-            if (answer == BoxAnswer::kYes) End();
+            if (std::ranges::count(dialog_.events, std::string("yes")) == yesses_) End();
         };
         ::testing::internal::CaptureStderr();
         desktop_->RunDialog({1, u"Test", 0, 0, {}}, dialog_);
@@ -306,6 +280,7 @@ struct HeadlessDesktopTest : ::testing::Test {
 
     std::unique_ptr<Desktop> desktop_ = MakeHeadlessDesktop();
     ScriptedDialog dialog_;
+    std::ptrdiff_t yesses_ = 1;  // until it ends
     std::string errors_;
 };
 
@@ -315,15 +290,12 @@ TEST_F(HeadlessDesktopTest, TakesSignalsForAClosingThatIsMeantAndNoneEndsTheProc
         EXPECT_EQ("", errors_) << "nobody is asked";
     }
     EXPECT_EQ("init destroy 0", Run([this] { End(), SendFromOutside(SIGTERM); })) << "a repeated one";
-    // From the moment that a dialog is expected they wait for it, and behind it for the end of the desktop.
+    // From the moment that a dialog is expected they wait for it, and behind it for the end of the desktop, and are gone with that.
     desktop_->ExpectDialog();
     SendFromOutside(SIGTERM);
     EXPECT_EQ("init cancel yes destroy 0", Run({}));
     SendFromOutside(SIGTERM);
     desktop_.reset();
-    sigset_t blocked;
-    ASSERT_EQ(0, sigprocmask(SIG_BLOCK, nullptr, &blocked));
-    for (const int number : kCloseSignals) EXPECT_FALSE(sigismember(&blocked, number)) << number;
 }
 
 // A library may use its timers and signals; and one that takes a signal to end for itself is overruled.
@@ -356,24 +328,16 @@ TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEndsAndKeepsWhatItsControlsShow) 
     const auto three = [this] {
         for (const std::uintptr_t id : {1u, 2u, 3u}) dialog_.window->StartTimer(id, 1);
         dialog_.window->StopTimer(1);
+        SendFromOutside(SIGTERM);
     };
     const auto stopped = [this] {
         for (const std::uintptr_t id : {2u, 3u}) dialog_.window->StopTimer(id);
         dialog_.window->PostClose();
         SendFromOutside(SIGTERM);
     };
-    EXPECT_EQ("init cancel no cancel yes destroy 1", Run(three, stopped)) << "nobody answers a closing without a signal";
-    int asked = 0;
-    const auto stays = [&] {
-        SendFromOutside(SIGTERM);
-        dialog_.onCancel = [&] {
-            const bool yes = desktop_->ShowBox(u"Exit?", u"Test", BoxButtons::kYesNo, BoxIcon::kQuestion) == BoxAnswer::kYes;
-            EXPECT_EQ(asked == 0, yes) << "a signal answers one question";
-            ++asked == 1 ? dialog_.window->PostClose() : End();
-        };
-    };
-    Run(stays);
-    EXPECT_EQ(2, asked);
+    yesses_ = 2;
+    EXPECT_EQ("init cancel yes cancel no cancel yes destroy 1", Run(three, stopped))
+        << "one question for each signal is answered, no other";
 
     EXPECT_EQ("init text 1000 text 1000 destroy 0", Run([this] {
                   DialogWindow& window = *dialog_.window;
@@ -386,7 +350,7 @@ TEST_F(HeadlessDesktopTest, TicksUntilTheDialogEndsAndKeepsWhatItsControlsShow) 
 }
 
 TEST(TerminalTextTest, IsCutOrWrappedToCells) {
-    const EnvironmentVariable utf8("LC_ALL", "C.UTF-8");
+    SetVariable("LC_ALL", "C.UTF-8");
     const TerminalLocale locale;
     const std::tuple<const wchar_t*, int, const wchar_t*, const wchar_t*> rows[] = {
         {L"abcdef", 6, L"abcdef", L"abcdef"}, {L"abcdef", 5, L"abcde", L"...ef"}, {L"abcdef", 8, L"abcdef  ", L"abcdef"},
@@ -441,11 +405,9 @@ TEST(LinuxLibrary, StaysMappedAndIsLoadedAfreshIfItsFileHasChanged) {
         auto library = test.system->GetLibraries().Load(FromUtf8(file.string()));
         ASSERT_NE(nullptr, library);
         const auto count = reinterpret_cast<int (*)()>(library->Find("Count"));
-        const auto answer = reinterpret_cast<int (*)()>(library->Find("Answer"));
         EXPECT_EQ(test.folder.Text(), ModuleFolder(library->Find("Answer")));
         library.reset();
         EXPECT_EQ(counted, count());
-        EXPECT_EQ(42, answer());
     }
     std::string bytes = BytesOf(original);
     bytes[bytes.find("pthread_create") + 13] = 'X';

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -44,16 +43,14 @@ int Play(const std::vector<std::string>& arguments) {
         static constexpr std::u16string_view kAnswers[] = {u"answer none", u"answer ok", u"answer yes", u"answer no"};
         show(kAnswers[static_cast<int>(desktop.ShowBox(u"Well?", u"Question", buttons, BoxIcon::kStop))]);
     };
+    const auto remarkAndQuit = [&] {
+        for (int i = 0; i < 3; ++i) desktop.Remark(u"It is gone.", u"Host");
+        desktop.PostQuit();
+    };
     const std::map<std::string, std::function<void()>> plays = {{"ask", [&] { ask(BoxButtons::kYesNo); }},
                                                                 {"tell", [&] { ask(BoxButtons::kOk); }},
                                                                 {"make services", [&] { show(MakeSystem({}) ? u"made" : u""); }},
-                                                                {"quit", [&] { desktop.PostQuit(); }},
-                                                                {"remark",
-                                                                 [&] {
-                                                                     for (int i = 0; i < 3; ++i)
-                                                                         desktop.Remark(u"It is gone.", u"Host");
-                                                                     desktop.PostQuit();
-                                                                 }},
+                                                                {"remark and quit", remarkAndQuit},
                                                                 {"abort", [] { std::abort(); }},
                                                                 {"exit", [] { std::exit(3); }},
                                                                 {"show", [&] { show(u"\u00A9 \u6D77\x1B[2J"); }}};
@@ -75,27 +72,10 @@ int Play(const std::vector<std::string>& arguments) {
 
 const Role host("terminal host", Play);
 
-// A shell with one job. It tells of the job's stop and brings it forward again when a line is typed.
-const Role shell("shell", [](const std::vector<std::string>& arguments) {
-    signal(SIGTTOU, SIG_IGN);
-    const pid_t job = fork();
-    if (job == 0) {
-        setpgid(0, 0);
-        tcsetpgrp(STDIN_FILENO, getpid());
-        signal(SIGTTOU, SIG_DFL);
-        _exit(Play(arguments));
-    }
-    int status = 0;
-    while (waitpid(job, &status, WUNTRACED) == job && WIFSTOPPED(status)) {
-        tcsetpgrp(STDIN_FILENO, getpid());
-        const bool waits = (fcntl(STDOUT_FILENO, F_GETFL) & O_NONBLOCK) == 0;
-        std::printf("stopped by %s\n", WSTOPSIG(status) == SIGTSTP && waits ? "a key" : "something else");
-        std::fflush(stdout);
-        std::getchar();
-        tcsetpgrp(STDIN_FILENO, job);
-        kill(-job, SIGCONT);
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+// A shell with one job. It tells of the job's stop, and brings it forward again when a line is typed, for which it has to wait.
+const Role shell("shell", [](const std::vector<std::string>&) {
+    constexpr const char* kScript = R"("$0" --run-role "terminal host" ask -1; echo "stopped: $?"; read line && fg)";
+    return execl("/bin/sh", "sh", "-mc", kScript, OwnProgram().c_str(), nullptr);
 });
 
 struct TerminalHostTest : ::testing::Test {
@@ -177,7 +157,7 @@ TEST_F(TerminalHostTest, ALibraryWithServicesOfItsOwnLeavesTheScreenAlone) {
 
 TEST_F(TerminalHostTest, EachEndGivesTheTerminalBack) {
     const std::tuple<const char*, int, bool> rows[] = {
-        {"quit", 0, false}, {"abort", 128 + SIGABRT, false}, {"exit", 3, false}, {"remark", 0, true}};
+        {"abort", 128 + SIGABRT, false}, {"exit", 3, false}, {"remark and quit", 0, true}};
     for (const auto& [play, status, remarks] : rows) {
         SCOPED_TRACE(play);
         OpenAndAsk(play);
@@ -233,7 +213,7 @@ TEST_F(TerminalHostTest, StopsAndComesBackAsAnyJob) {
     terminal->Type("\t");
     EXPECT_TRUE(terminal->Focuses("Tick"));
     terminal->Type("\x1A");
-    EXPECT_SHOWS("stopped by a key");
+    EXPECT_SHOWS("stopped: " + std::to_string(128 + SIGTSTP));
     EXPECT_TRUE(terminal->GivenBack());
     terminal->Type("\n");
     EXPECT_SHOWS("[ ] Tick & tock");
