@@ -67,13 +67,9 @@ struct ProductTest : ::testing::Test {
 
     double Own(ChannelId channel) const { return Load(guest->View()->fullBlocks[0].value[channel]); }
     double OwnTime(ChannelId channel) const { return Load(guest->View()->fullBlocks[0].time[channel]); }
-    void ExpectEnd() {
-        EXPECT_EQ(0, program->Wait());
-        guest.reset();
-    }
     void Quit() {
         Put(guest->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1});
-        ExpectEnd();
+        EXPECT_EQ(0, program->Wait());
     }
 
     // The channel is published again.
@@ -164,7 +160,7 @@ TEST_F(ProductTest, OutlivesALibraryThatRunsALoopOfMessagesAsksBeforeItClosesAnd
         box.PostPress(answer);
         EXPECT_TRUE(Until([&] { return !window->Popup(); }));
     }
-    ExpectEnd();
+    EXPECT_EQ(0, program->Wait());
     EXPECT_EQ(1u, DwordOf(registry().Read(kSettings, u"DfwTags")));
 
     const fs::path log = fs::path(UserRoots().programData) / "Tidewright/log_system/halyrig_crash.log";
