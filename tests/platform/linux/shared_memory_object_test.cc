@@ -14,7 +14,6 @@
 
 #include "base/wide_text.h"
 #include "platform/linux/descriptor.h"
-#include "support/child_process.h"
 #include "support/test_system.h"
 
 namespace twr {
