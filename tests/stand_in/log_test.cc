@@ -132,7 +132,7 @@ TEST(LogReplay, KeepsTheRecordingsTime) {
         {"its own clock",
          At("120000") + Speed(1) + At("120002") + Speed(2) + At("120002.50") + Speed(3) + At("120100") + Speed(4),
          {{0, 1}, {1.9, 1}, {0.2, 2}, {0.5, 3}, {9.5, 3}, {1, kGone}, {46, kGone}, {1, 4}}},
-        {"midnight", At("235959") + Speed(1) + At("000001") + Speed(2), {{0, 1}, {1.9, 1}, {0.2, 2}}},
+        {"midnight, behind a leap second", At("235960") + Speed(1) + At("000001") + Speed(2), {{0, 1}, {0.9, 1}, {0.2, 2}}},
         {"position", "$GPGLL,,,,,120000,V\n" + Speed(1) + "$GPGLL,,,,,120002,V\n" + Speed(2), {{0, 1}, {1.9, 1}, {0.2, 2}}},
         {"no clock", Speed(1) + "$IIHDT,1,T\n$IIHDT,1,T\n" + Speed(2), {{0, 1}, {0.9, 1}, {0.2, 2}}},
         {"empty clock", At("") + Speed(1) + At("") + Speed(2), {{0, 1}, {0.9, 1}, {0.2, 2}}},
