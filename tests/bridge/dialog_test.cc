@@ -115,9 +115,10 @@ TEST_F(DialogTest, AnImportReplacesTheMappingOrLeavesIt) {
     // saved: lines of the new file; none: the former one stays
     const std::tuple<const char*, const char*, BoxAnswer, std::vector<std::string>, std::size_t, Reads> rows[] = {
         {"13,5\n12,1,2\n14,6\n",
-         "0,5,0,1\n",
+         "0,5,2,1\n1,6,0,0\n",
          BoxAnswer::kYes,
-         {kOther, R"(twr="1" dfw="12" boat="2" />)", R"(<var twr="6" dfw="14" />)", R"(remote="1" twr="5" damp="true" />)"},
+         {kOther, R"(<var twr="1" dfw="12" boat="2" />)", R"(<remote remote="1" twr="5" damp="true" boat="2" />)",
+          R"(<remote remote="2" twr="6" damp="false" />)"},
          1,
          {13, 12, 14}},
         {"13,5\n", "", BoxAnswer::kYes, {kOther}, 1, {13}},
