@@ -29,13 +29,7 @@ TEST_F(JsonLinesTest, TellsAChangeOnALine) {
     record.Set<std::uint16_t>(RecordBytes::Channel(kXte) + 6, 60000);
     EXPECT_GT(300u, LineOf(kXte, 1.0).size()) << "decimals without end";
     const std::tuple<ChannelId, double, const char*> rows[] = {
-        {kBsp, 6.5, R"(1,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"12.04"})"},
-        {kBsp, kNoValue, R"(1,"name":"BSP","boat":0,"value":null,"unit":"kn","text":null})"},
         {kAlt0, 6.5, R"(117,"name":"BSP","boat":0,"value":6.5,"unit":"kn","text":"12.04"})"},
-        {kHdg, 90.0, R"(13,"name":"HDG","boat":0,"value":90,"unit":"deg","text":"090"})"},
-        {kTmOnS, 0.5, R"(34,"name":"Tm on S","boat":0,"value":0.5,"unit":"days","text":"12h 00m"})"},
-        {kMagVar, -3.0, R"(93,"name":"MagVar","boat":0,"value":-3,"unit":"deg","text":"3.00\u00b0w"})"},
-        {kBaro, 1013.25, R"("value":1013.25,"unit":null,"text":"1013.25"})"},
         {kDistToLn, 1e-7, R"("value":1e-07,"unit":"nm",)"},
         {kRot, -0.0, R"("value":-0,"unit":"deg/s",)"},
         {kSail, 1.0, R"("value":1,"unit":null,"text":"Jib 2"})"},
