@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <set>
-#include <sstream>
 #include <vector>
 
 #include "stand_in/sailing_simulation.h"
 #include "stand_in/variables.h"
 #include "stand_in/yacht_polar.h"
+#include "support/test_system.h"
 
 namespace twr {
 namespace {
@@ -118,10 +117,9 @@ TEST_F(ADay, RoundsItsMarksAndStartsAgain) {
 }
 
 TEST(Variables, AreThoseOfTheFileAndCoverEveryQuantity) {
-    std::stringstream bytes;
-    bytes << std::ifstream(STAND_IN_VARIABLES, std::ios::binary).rdbuf();
-    EXPECT_EQ(VariableFileText(), bytes.str());
-    EXPECT_NE(std::string::npos, bytes.str().find("\n[variables]\n  1 BSP             kn      2 0 1\n"));
+    const std::string bytes = testing::BytesOf(STAND_IN_VARIABLES);
+    EXPECT_EQ(VariableFileText(), bytes);
+    EXPECT_NE(bytes.npos, bytes.find("\n[variables]\n  1 BSP             kn      2 0 1\n"));
     std::set<Quantity> quantities;
     for (const Variable& variable : Variables()) {
         EXPECT_EQ(variable.quantity, QuantityOf(variable.number)) << variable.name;
