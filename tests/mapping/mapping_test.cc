@@ -133,7 +133,7 @@ TEST_F(MappingTest, TheFormerFileIsKept) {
         folder.Write("halyrig.xml.bak", bak);
         EXPECT_EQ(then.empty(), SaveMapping(files, disk, folder.Write("halyrig.xml", former), incomplete));
         const std::string now = folder.Read("halyrig.xml");
-        EXPECT_TRUE(then.empty() ? now.ends_with("ids are 1-n-->\r\n</halyrig>") : now == then) << now;
+        EXPECT_TRUE(then.empty() ? now.ends_with("ids-->\r\n  <!--B&G remote ids are 1-n-->\r\n</halyrig>") : now == then) << now;
         EXPECT_EQ(bakThen, folder.Read("halyrig.xml.bak"));
         EXPECT_EQ(2u, files.List(folder.Text(), u"*").size());
     }

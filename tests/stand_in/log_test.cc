@@ -12,20 +12,16 @@
 namespace twr::testing {
 namespace {
 
-// What lines, separated by bars, say together.
-Moment Told(const std::string& lines) {
+// What lines, separated by bars, say together: "NAME=value" of each variable that isn't absent.
+std::string Heard(const std::string& lines) {
     Readings readings;
     for (const std::string& line : LinesOf(lines, '|')) {
         if (const auto sentence = ParseSentence(line)) readings.Take(*sentence, 0.0);
     }
-    return readings.At(0.0);
-}
-
-// The same as "NAME=value" of each variable that isn't absent.
-std::string Heard(const std::string& lines) {
+    const Moment moment = readings.At(0.0);
     std::ostringstream heard;
     for (const Variable& variable : Variables()) {
-        const float value = Told(lines)[variable.quantity];
+        const float value = moment[variable.quantity];
         if (value != kAbsent) heard << variable.name << "=" << value << " ";
     }
     return heard.str();
@@ -81,7 +77,7 @@ TEST(Readings, TakesEachSentence) {
         {"$IIVHW,,T,,M,06.11,N,11.31,K*51|$IIMTW,+4.5,C|$IIVPW,5.,N,,|$IIXDR,C,.5,C,AIR",
          "BSP=6.11 SEATEMP=4.5 AIRTEMP=0.5 VMG=5 "},
         {"  $HEHDT, 123.4 ,T*2b\r", "HDG=123.4 "},
-        {"$|$*|$IIHDT|IIHDT,1,T|!IIHDT,2,T|$IIHDT,3,T*00|$IIHDT,4,T*0|$IIHDT,5,T*0G|$IIHDT,6,T*|$IIHDT,7,T*0F1", ""},
+        {"$|$*|$IIHDT|IIHDT,1,T|!IIHDT,2,T|$IIHDT,3,T*00|$IIHDT,4,T*0|$IIHDT,5,T*0G|$IIHDT,6,T*|$IIHDT,7,T*3B1", ""},
         {"$IHDT,1,T|$iiHDT,2,T|$PAHDT,3,T|$IIHDT,4,T,$|$IIHDT,5,T,\xFF|$IIHDT,6,T" + std::string(60, ','), ""},
         {std::string("$IIHDT,12,T,\0", 13), ""},
         {"$IIHDT,-,T|$IIHDT,+,T|$IIHDT,.,T|$IIHDT,+-1,T|$IIHDT,1e1,T|$IIHDT,nan,T|$IIHDT,0x10,T|$IIHDT,1.2.3,T", ""},
