@@ -14,12 +14,17 @@ using Points = std::vector<CalibrationPoint>;
 using Probe = std::tuple<double, double, double>;
 using Row = std::tuple<const char*, Points, std::vector<Probe>>;
 
-double Value(CalibrationObject object, bool linear, double x, double y) {
-    object.linear = linear;
-    double out = 1.0;
-    const bool found = object.Evaluate(out, x, y);
-    EXPECT_EQ(out != kNoValue, found);
-    return out;
+// Along the first of the object's inputs, or along the second.
+void Check(const char* what, CalibrationObject object, const std::vector<Probe>& probes, bool alongFirst) {
+    for (const auto& [place, curved, straight] : probes) {
+        for (const bool linear : {false, true}) {
+            object.linear = linear;
+            double out = 1.0;
+            const bool found = object.Evaluate(out, alongFirst ? place : kNoValue, alongFirst ? kNoValue : place);
+            EXPECT_EQ(out != kNoValue, found);
+            EXPECT_DOUBLE_EQ(linear ? straight : curved, out) << what << " at " << place;
+        }
+    }
 }
 
 TEST(CalibrationCurve, RunsThroughItsPointsRisingOrFalling) {
@@ -36,12 +41,7 @@ TEST(CalibrationCurve, RunsThroughItsPointsRisingOrFalling) {
     for (const auto& [what, points, probes] : rows) {
         Points falling = points;
         std::ranges::reverse(falling);
-        for (const auto& [x, spline, line] : probes) {
-            for (const Points& order : {points, falling}) {
-                EXPECT_DOUBLE_EQ(spline, Value({{{0, true, order}}}, false, x, kNoValue)) << what << " at " << x;
-                EXPECT_DOUBLE_EQ(line, Value({{{0, true, order}}}, true, x, kNoValue)) << what << " at " << x;
-            }
-        }
+        for (const Points& order : {points, falling}) Check(what, {{{0, true, order}}}, probes, true);
     }
 }
 
@@ -57,10 +57,7 @@ TEST(CalibrationObject, BlendsAcrossItsCurvesAndStopsAtTheOuterOnes) {
     for (const auto& [what, points, probes] : rows) {
         CalibrationObject object;
         for (const CalibrationPoint& curve : points) object.curves.push_back({curve.x, true, {{0.0, curve.y}}});
-        for (const auto& [y, blend, line] : probes) {
-            EXPECT_DOUBLE_EQ(blend, Value(object, false, kNoValue, y)) << what << " at " << y;
-            EXPECT_DOUBLE_EQ(line, Value(object, true, kNoValue, y)) << what << " at " << y;
-        }
+        Check(what, object, probes, false);
     }
 }
 

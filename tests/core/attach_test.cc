@@ -14,7 +14,6 @@ using R = RecordBytes;
 struct AttachTest : CoreTest {
     // A new record, after the registry has been given this value alone.
     void Start(std::u16string_view name, const RegistryValue& value) {
-        core.reset();
         machine.registry.keys.clear();
         machine.registry.Write(u"Software\\Tidewright\\core", name, value);
         Restart();

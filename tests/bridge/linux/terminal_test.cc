@@ -68,7 +68,6 @@ struct TerminalTest : ::testing::Test {
 
     Registry& Stored() { return test.system->Core().registry; }
     Settings Saved() { return ReadSettings(Stored()); }
-    std::u16string Folder(const char* name) const { return test.folder.File(name); }
 
     TestSystem test;
     std::unique_ptr<PseudoTerminal> terminal;
@@ -186,9 +185,7 @@ TEST_F(TerminalTest, AFolderIsChosenFromTheList) {
     std::filesystem::create_directory_symlink(root / "Ashore", root / "Zlink");
     test.folder.Write("Decoy", "a file");
     test.folder.Write("Deck/ShDfW2.so", "");
-    Settings settings;
-    settings.dfwFolder = Folder("Ashore/none/such");
-    WriteSettings(Stored(), settings);
+    WriteSettings(Stored(), {.dfwFolder = test.folder.File("Ashore/none/such")});
     Open();
     terminal->Type("\t\t\t\t\t\r");
     constexpr std::string_view kSmall = "a smaller terminal";
@@ -215,7 +212,7 @@ TEST_F(TerminalTest, AFolderIsChosenFromTheList) {
     EXPECT_SHOWS("Exit Halyrig?");
     terminal->Type("y");
     EXPECT_EQ(0, terminal->Wait());
-    EXPECT_EQ(Folder("Deckman"), Saved().dfwFolder);
+    EXPECT_EQ(test.folder.File("Deckman"), Saved().dfwFolder);
 }
 
 }  // namespace
