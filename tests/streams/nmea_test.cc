@@ -20,10 +20,9 @@ struct NmeaTest : FollowTest {
 };
 
 TEST_F(NmeaTest, SaysWhatIsKnownWithoutTheVariation) {
-    const std::pair<ChannelId, double> published[] = {
-        {kLat, 50.503456}, {kLon, -6.996}, {kSog, 7.04},  {kCog, 1.0},      {kHdg, 280.0},    {kBsp, 6.39},
-        {kAwa, -32.7},     {kAws, 14.2},   {kTwa, 58.9},  {kTws, 10.0},     {kTwd, 225.5},    {kDepth, 91.5},
-        {kSeaTemp, -1.5},  {kHeel, 14.4},  {kTrim, -0.5}, {kLogBsp, 123.4}, {kTripLog, 0.51}, {kRot, -0.5}};
+    const std::pair<ChannelId, double> published[] = {{kLat, 50.503456}, {kLon, -6.996}, {kSog, 7.04},  {kCog, 1.0},
+                                                      {kHdg, 280.0},     {kBsp, 6.39},   {kAwa, -32.7}, {kAws, 14.2},
+                                                      {kTwa, 58.9},      {kTws, 10.0},   {kTwd, 225.5}};
     for (const auto& [channel, value] : published) Publish(channel, value);
     EXPECT_EQ(
         "RMC,000000.00,A,5030.20736,N,00659.76000,W,7.04,,191126,,,A\n"
@@ -35,13 +34,7 @@ TEST_F(NmeaTest, SaysWhatIsKnownWithoutTheVariation) {
         "VHW,,,280.0,M,6.39,N,11.83,K\n"
         "MWV,327.3,R,14.2,N,A\n"
         "MWV,58.9,T,10.0,N,A\n"
-        "MWD,,,225.5,M,10.0,N,5.1,M\n"
-        "DPT,91.5,\n"
-        "DBT,300.2,f,91.5,M,50.0,F\n"
-        "MTW,-1.5,C\n"
-        "VLW,123.40,N,0.51,N\n"
-        "ROT,-30.0,A\n"
-        "XDR,A,14.4,D,ROLL,A,-0.5,D,PTCH\n",
+        "MWD,,,225.5,M,10.0,N,5.1,M\n",
         Sentences());
 }
 
