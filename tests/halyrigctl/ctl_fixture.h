@@ -3,7 +3,9 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -11,6 +13,8 @@
 #include <vector>
 
 #include "base/wide_text.h"
+#include "config/bridge_settings.h"
+#include "config/saved_settings.h"
 #include "core/core.h"
 #include "core/days.h"
 #include "halyrigctl/commands.h"
@@ -112,6 +116,25 @@ inline void ExpectIn(const std::string& text, const std::vector<const char*>& pa
     for (const char* part : parts) EXPECT_NE(std::string::npos, text.find(part)) << part << "\nis not in\n" << text;
 }
 
+// Paths with the sizes of files and when they were written last, and what the registry holds, where it is no file.
+inline std::map<std::string, std::string> Snapshot(const TempFolder& folder, const Registry& registry) {
+    std::map<std::string, std::string> all;
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(folder.Path(), std::filesystem::directory_options::skip_permission_denied)) {
+        all[entry.path().string()] =
+            std::filesystem::is_regular_file(entry.symlink_status())
+                ? std::to_string(entry.file_size()) + " " + std::to_string(entry.last_write_time().time_since_epoch().count())
+                : "";
+    }
+    for (const auto& key : {kSavedSettingsKey, kBridgeSettingsKey}) {
+        for (const std::u16string& name : registry.Names(key)) {
+            const auto data = registry.Read(key, name).value_or(RegistryValue{}).data;
+            all[ToUtf8(key) + ToUtf8(name)].assign(data.begin(), data.end());
+        }
+    }
+    return all;
+}
+
 // A bridge that runs: its name is taken, and it tells its status. However slow the test is, its last tick has only just been.
 struct ClaimedName {
     std::unique_ptr<System> system;
@@ -162,6 +185,20 @@ struct CtlTest : ::testing::Test, System {
     FakeConsole console;
     Instance* instance = nullptr;  // in place of the system's
     std::unique_ptr<CCore> suite;
+};
+
+// Time passes only as the test says.
+struct TimedCtlTest : CtlTest {
+    CoreServices Core() override {
+        const CoreServices real = test.system->Core();
+        Registry& ofTest = registry ? *registry : real.registry;
+        return {clock, zone, real.memory, ofTest, files ? *files : real.files, real.xml, real.desktop};
+    }
+
+    FakeClock clock;
+    FakeZone zone;
+    Registry* registry = nullptr;  // in place of the machine's
+    Files* files = nullptr;        // likewise
 };
 
 }  // namespace twr::testing

@@ -27,15 +27,12 @@ constexpr const char* kMapped =
     "  <note>kept</note>\n  <var twr=\"9\" dfw=\"course\" x=\"1\"/>\n  <remote remote=\"1\" twr=\"117\"/>\n  <!-- three -->\n"
     "</halyrig>\n<!-- four -->\n";
 
-struct MapTest : CtlTest {
-    void SetUp() override {
+struct MapTest : TimedCtlTest {
+    MapTest() {
+        files = &failing;
         test.folder.Write("dfw/Data/J_vars06.d", kVariables);
         test.folder.Write("ProgramData/any", "");
         WriteSettings(Core().registry, {.dfwFolder = u" " + test.folder.File("dfw") + u"\t"});
-    }
-    CoreServices Core() override {
-        const CoreServices real = test.system->Core();
-        return {real.clock, real.zone, real.memory, real.registry, files, real.xml, real.desktop};
     }
     // New files that have not taken their place.
     std::vector<std::u16string> LeftOver() {
@@ -46,7 +43,7 @@ struct MapTest : CtlTest {
         const auto list = FindVariableFile(Core().files, test.folder.File("dfw"), {});
         return LoadMapping(Core().xml, test.folder.File(kPath), list.rows);
     }
-    FailingFiles files{test.system->Core().files};
+    FailingFiles failing{test.system->Core().files};
 };
 
 TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
@@ -74,35 +71,6 @@ TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
         variable.dfwName = name;
         EXPECT_TRUE(SurelyMeans(variable, channel) && !SurelyMeans(variable, kBsp)) << ToUtf8(name);
     }
-}
-
-TEST_F(MapTest, RefusesWhatWouldNotWork) {
-    test.folder.Write(kPath, kMapped);
-    ExpectSaid(
-        1, {{"map add TWD 13", {"channel 13 HDG is already fed by HDG, in line 4; to take that away: halyrigctl map remove 13\n"}},
-            {"map add BSP 0", {"channel 0 Time can't be fed"}},
-            {"map add BSP 117", {"stands for another channel"}},
-            {"map add BSP 172 --boat 2", {"boat 2 has no place for channel 172"}},
-            {"map add TIMER 34", {"TIMER needs no mapping"}},
-            {"map add-remote 1 BSP", {"remote 1 already shows channel 117, in line 7;", "map remove-remote 1\n"}},
-            {"map add-remote 2 172 --boat 99", {"boat 99 has no place"}},
-            {"map remove TWD 13", {"no line feeds channel 13 HDG from variable TWD; 'halyrigctl map' lists"}},
-            {"map remove 1", {"no line feeds channel 1 BSP;"}},
-            {"map remove-remote 2", {"no line is for remote 2;"}}});
-    ExpectSaid(2, {{"map add hdg 13", {"has no variable hdg; did you mean HDG?\n"}},
-                   {"map add WIND 5", {"has no variable WIND; capitals count"}},
-                   {"map add 13 13", {"has no variable 13;"}},
-                   {"map add HDG HGD", {"there is no channel HGD; did you mean HDG (13)?\n"}},
-                   {"map add HDG 13 BSP", {"behind each variable name the channel"}},
-                   {"map add BSP 1 hdg 13", {"did you mean HDG?"}},
-                   {"map add STW 1", {"has no variable STW; did you mean BSP?"}},
-                   {"map remove XYZXYZ", {"there is no channel XYZXYZ; 'halyrigctl channels'"}},
-                   {"map add-remote 0 1", {"not in range 1 to 32766; see 'halyrigctl map add-remote --help'\n"}},
-                   {"map add HDG 13 --boat 100", {"not in range 0 to 99"}},
-                   {"map remove 1 2 3", {"see 'halyrigctl map remove --help'\n"}},
-                   {"map bogus", {"bogus; see 'halyrigctl map --help'\n"}}});
-    EXPECT_EQ(kMapped, File());
-    EXPECT_EQ("", test.folder.Read(kBak));
 }
 
 TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
@@ -180,13 +148,13 @@ TEST_F(MapTest, AtEveryMomentTheOldOrTheNewFileIsWhole) {
     Said("map add BSP 1");
     const std::string changed = File();
     for (const bool stopped : {false, true}) {
-        files.stopped = stopped;
+        failing.stopped = stopped;
         int tried = 0;
         for (std::string said = "halyrigctl: "; said.starts_with("halyrigctl: "); ++tried) {
             test.folder.Write(kPath, kMapped);
             test.folder.Write(kBak, "older");
-            files.calls = 0;
-            files.failing = tried;
+            failing.calls = 0;
+            failing.failing = tried;
             std::istringstream words("map add BSP 1");
             console.written.clear();
             const Status status = RunCommandLine(*this, {std::istream_iterator<std::string>(words), {}});
@@ -214,14 +182,14 @@ TEST_F(MapTest, OneChangeAtATime) {
     EXPECT_EQ(kMapped, File());
     lock.reset();
     EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(std::filesystem::path(path).parent_path()), {})) << "litter";
-    files.lockedFor = 3;
+    failing.lockedFor = 3;
     ExpectIn(Said("map add BSP 1"), {"BSP feeds"});
     const std::string changed = File();
-    files.lockedFor = 1000;
+    failing.lockedFor = 1000;
     console.goOn = [] { return false; };
     Said("map add TWD 6", 1);
-    files.lockedFor = 0;
-    files.beforeRename = [&] { test.folder.Write(kPath, kMapped); };
+    failing.lockedFor = 0;
+    failing.beforeRename = [&] { test.folder.Write(kPath, kMapped); };
     ExpectIn(Said("map add TWD 6", 1), {"has changed ", " meanwhile; try again; nothing is changed"});
     EXPECT_EQ(kMapped, File());
     EXPECT_TRUE(LeftOver().empty());

@@ -18,21 +18,17 @@
 namespace twr::testing {
 namespace {
 
-// Time passes only while a command waits.
 struct UnseenName : Instance {
     bool Claim(std::u16string_view) override { return true; }
     NameLook Look(std::u16string_view) const override { return {NameLook::kUnknown, "it is a link; remove it"}; }
     void RaiseOther(std::u16string_view) override {}
 };
 
-struct RecordTest : CtlTest {
+// Time passes only while a command waits.
+struct RecordTest : TimedCtlTest {
     RecordTest() {
         test.folder.Write("ProgramData/any", "");
         console.goOn = [this] { return Step(); };
-    }
-    CoreServices Core() override {
-        const CoreServices real = test.system->Core();
-        return {clock, zone, real.memory, real.registry, disk ? *disk : real.files, real.xml, real.desktop};
     }
     bool Step() {
         // A look comes a little late, and never as late as another, so that no age limit falls onto one.
@@ -72,11 +68,8 @@ struct RecordTest : CtlTest {
 
     bool HasSaid(const char* part) const { return console.written.find(part) != std::string::npos; }
 
-    FakeClock clock;
-    FakeZone zone;
-    FakeFiles* disk = nullptr;  // in place of the machine's
-    int seen = 0;               // milliseconds that were waited
-    int late = 0;               // milliseconds by which the program comes back from each wait
+    int seen = 0;  // milliseconds that were waited
+    int late = 0;  // milliseconds by which the program comes back from each wait
     std::function<bool()> each = [] { return false; };
 };
 
@@ -109,7 +102,7 @@ TEST_F(RecordTest, LooksOnABeatThatSeesEachTickOfTheBridge) {
 TEST_F(RecordTest, TheDayOnBoardEndsAFileAndTheNextBeginsWithWhatStands) {
     zone.state = ZoneState{-60, 0, false};
     FakeFiles fake;
-    disk = &fake;
+    files = &fake;
     std::atomic<bool> enough = false;
     fake.onFlush = [&] {
         enough = enough || (fake.files.size() == 2 && fake.files[1].bytes.find("Mk Lat") != std::string::npos);
@@ -191,7 +184,7 @@ TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
     Said("record --max-size 1");
     EXPECT_EQ(3u, Core().files.List(folder, u"halyrig-20261119*").size());
     FakeFiles full;
-    disk = &full;
+    files = &full;
     full.diskRoom = (1ULL << 30) - 1;
     ExpectIn(Said("record", 1), {"less than 1 GiB of room"});
     full.diskRoom = 1ULL << 30;
@@ -218,7 +211,7 @@ struct HangingDisk : FakeFiles {
 
 TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
     HangingDisk hanging;
-    disk = &hanging;
+    files = &hanging;
     StartSuite({{kMkLat, 50.0}});
     int full = 0, told = 0;
     const std::string said = Record("log --boat 0", 1e6, [&](int look) {
@@ -244,7 +237,7 @@ TEST_F(RecordTest, LooksOnWhileTheDiskHangsAndTellsTheGapThatIsTooLong) {
 
 TEST_F(RecordTest, TellsAGapThatLastsToTheEnd) {
     HangingDisk hanging;
-    disk = &hanging;
+    files = &hanging;
     StartSuite();
     Record("log --boat 0", 1e6, [&](int look) {
         suite->StampTime();
@@ -256,7 +249,7 @@ TEST_F(RecordTest, TellsAGapThatLastsToTheEnd) {
 
 TEST_F(RecordTest, EndsThoughTheDiskHangs) {
     HangingDisk hanging;
-    disk = &hanging;
+    files = &hanging;
     StartSuite({{kBsp, 6.0}});
     int asked = 0;
     console.stillGoesOn = [&] { return ++asked, false; };

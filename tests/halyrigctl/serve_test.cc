@@ -17,11 +17,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-struct ServeTest : CtlTest {
-    CoreServices Core() override {
-        const CoreServices real = test.system->Core();
-        return {clock, real.zone, real.memory, real.registry, real.files, real.xml, real.desktop};
-    }
+struct ServeTest : TimedCtlTest {
     // The server as it is at its start.
     struct Server {
         explicit Server(System& system) : lookout(system), site(system, lookout, "") {}
@@ -58,7 +54,6 @@ struct ServeTest : CtlTest {
         return list;
     }
 
-    FakeClock clock;
     std::optional<Server> server{std::in_place, *this};
 };
 

@@ -3,21 +3,98 @@
 // HALYRIG_KEEP=1 in the environment it is kept anew: then read the difference like code.
 #pragma once
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
+#include <map>
 #include <regex>
 #include <set>
 
 #include "base/version.h"
+#include "config/saved_settings.h"
 #include "ctl_fixture.h"
+#include "streams/iso_time.h"
+#include "streams/json_lines.h"
 
 namespace twr::testing {
+
+// What a scene's text makes happen. Time passes only by its own doing.
+struct SceneTest : TimedCtlTest {
+    // "BSP@7=5.5, HDG=350" as lines of a recording; null for none.
+    static std::string Lines(double time, const std::string& values) {
+        std::string lines, name, value;
+        for (std::istringstream parts(values); std::getline(parts >> std::ws, name, '=') && std::getline(parts, value, ',');) {
+            const std::size_t at = std::min(name.find('@'), name.size());
+            const auto channel = std::ranges::find(ChannelCatalogue(), FromUtf8(name.substr(0, at)), &ChannelInfo::name);
+            EXPECT_NE(ChannelCatalogue().end(), channel) << name;
+            lines += R"({"time":")" + IsoTime(time) + R"(","id":)" + std::to_string(channel->id);
+            lines += (at < name.size() ? R"(,"boat":)" + name.substr(at + 1) : "") + R"(,"value":)" + value + "}\n";
+        }
+        return lines;
+    }
+    void Publish(const std::string& values, double secondsAgo) {
+        for (const std::string& line : LinesOf(Lines(0.0, values))) {
+            const Change change = ParseJsonLine(line).change.value();
+            suite->SetChannel(change.channel, change.boat, change.value, clock.Days() - secondsAgo / kSecondsPerDay);
+        }
+    }
+    // One of `happenings`, a setting that is saved, or values that are published, some of them so many seconds ago.
+    void Happens(const std::string& what) {
+        std::smatch parts;
+        if (happenings.contains(what)) return happenings[what]();
+        if (std::regex_match(what, parts, std::regex("(.*) is removed"))) {
+            std::filesystem::remove_all(test.folder.Path() / parts.str(1));
+            return;
+        }
+        if (!std::regex_match(what, parts, std::regex("saved: (.*)=(?:(\\d+)|(.*))"))) {
+            const bool old = std::regex_match(what, parts, std::regex("(.*), ([\\d.]+) s ago"));
+            return Publish(old ? parts.str(1) : what, old ? std::stod(parts.str(2)) : 0.0);
+        }
+        const std::string text = std::regex_replace(parts.str(3), std::regex("~"), ToUtf8(test.folder.Text()));
+        Core().registry.Write(
+            kSavedSettingsKey, FromUtf8(parts.str(1)),
+            parts[2].matched ? DwordValue(static_cast<std::uint32_t>(std::stoul(parts.str(2)))) : StringValue(FromUtf8(text)));
+    }
+    std::map<std::string, std::function<void()>> happenings{
+        {"the suite starts", [this] { StartSuite(); }},
+        {"the suite is asked to close", [this] { Put(suite->View()->sysFlag[kFlagQuitRequest], std::uint8_t{1}); }},
+        {"the suite ends", [this] { suite.reset(); }},
+        {"Ctrl-C", [this] { lasts = 0; }}};
+
+    // For a console that waits: what goes on during a command, until its user ends it.
+    virtual bool Step() {
+        clock.AdvanceMs(console.waited - std::exchange(passed_, console.waited));
+        clock.ticks += late;
+        while (!acts.empty() && acts.begin()->first <= Passed()) Happens(acts.extract(acts.begin()).mapped());
+        return Passed() < lasts;
+    }
+    double Passed() const { return static_cast<double>(clock.ticks - begun) / 1e7; }
+
+    static constexpr double kLong = 300;      // seconds
+    std::multimap<double, std::string> acts;  // what happens at seconds of the next command, or of this one
+    double lasts = kLong;                     // at most
+    std::int64_t begun = 0;                   // ticks
+    std::int64_t late = 0;                    // ticks by which looks come late
+
+private:
+    int passed_ = 0;  // milliseconds that were waited
+};
 
 class Transcript {
 public:
     Transcript(const char* name, System& system, FakeConsole& console, TestSystem& test)
         : path_(std::string(SAID) + "/" + name + ".txt"), system_(system), console_(console), test_(test) {}
-    Transcript(const char* name, CtlTest& test) : Transcript(name, test, test.console, test.test) {}
+    Transcript(const char* name, SceneTest& test) : Transcript(name, test, test.console, test.test) {
+        ways['!'] = [&](const std::string& what, const std::string&) { return test.Happens(what), ""; };
+        ways['@'] = [&](const std::string& act, const std::string&) {
+            test.acts.emplace(std::stod(act), act.substr(act.find(' ') + 1));
+            return "";
+        };
+        ways['$'] = [&](const std::string& command, const std::string&) {
+            test.begun = test.clock.ticks;
+            const std::string said = Answer(command);
+            test.acts.clear(), test.lasts = SceneTest::kLong;
+            return said;
+        };
+    }
     ~Transcript() {
         if (isPart_) return;
         if (std::getenv("HALYRIG_KEEP")) std::ofstream(path_, std::ios::binary) << said_;
@@ -33,33 +110,44 @@ public:
     Transcript(const Transcript&) = delete;
     Transcript& operator=(const Transcript&) = delete;
 
-    // A command, in which ~ is the test's folder, all that it says, and its status if that isn't 0.
-    void Type(const std::string& command) {
+    // What the lines of a scene's text do, by their first characters: with the rest of the line, and the lines below it. Returns
+    // what is told below it then.
+    using Way = std::function<std::string(const std::string& of, const std::string& below)>;
+    std::map<char, Way> ways{
+        {'$', [this](const std::string& command, const std::string&) { return Answer(command); }},
+        {'<', [this](const std::string& file, const std::string&) { return test_.folder.Read(file); }},
+        {'>', [this](const std::string& file, const std::string& content) { return test_.folder.Write(file, content), content; }},
+        {';', [](const std::string&, const std::string&) { return ""; }}};
+
+    // All that a command says, in which ~ is the test's folder, and its status if that isn't 0.
+    std::string Answer(const std::string& command) {
         std::istringstream words(command);
         std::vector<std::string> arguments;
         for (std::string word; words >> word;)
             arguments.push_back(std::regex_replace(word, std::regex("~"), ToUtf8(test_.folder.Text())));
         console_.written.clear();
         console_.forgets = false;
+        const auto before = Snapshot(test_.folder, system_.Core().registry);
         const int status = RunCommandLine(system_, arguments);
-        Tell("$ " + command, console_.written + (status == 0 ? "" : "[" + std::to_string(status) + "]"));
+        if (std::regex_search(command, std::regex("^(check|explain|get|watch|boats|channels|info)\\b"))) {
+            EXPECT_EQ(before, Snapshot(test_.folder, system_.Core().registry)) << "looking changes nothing";
+        }
+        return console_.written + (status == 0 ? "" : "[" + std::to_string(status) + "]\n");
     }
+    void Type(const std::string& command) { Tell("$ " + command, ways['$'](command, "")); }
     // What stands in the file below "# HEADING", up to the next one: files to be written, as "> PATH" with their lines below,
-    // commands to be typed, as "$ COMMAND", and files to be shown, as "< PATH".
+    // commands to be typed, as "$ COMMAND", files to be shown, as "< PATH", what happens, as "! WHAT", or at a second of the next
+    // command, as "@ SECOND WHAT", remarks, as "; REMARK", and what else the test knows.
     void Play(const std::string& heading) {
         Tell("# " + heading);
         const auto kept = LinesOf(BytesOf(path_));
         auto line = std::ranges::find(kept, "# " + heading);
         EXPECT_NE(kept.end(), line) << heading << " is not in " << path_;
         while (line != kept.end() && ++line != kept.end() && !line->starts_with("# ")) {
-            const std::string what = line->substr(0, 2), of = line->substr(std::min<std::size_t>(2, line->size()));
-            if (what == "$ ") Type(of);
-            if (what == "< ") Tell(*line, test_.folder.Read(of));
-            if (what != "> ") continue;
-            std::string content;
-            for (auto next = line + 1; next != kept.end() && !IsEntry(*next); ++next) content += *next + "\n";
-            test_.folder.Write(of, content);
-            said_ += *line + "\n" + content;
+            if (!IsEntry(*line)) continue;
+            std::string below;
+            for (auto next = line + 1; next != kept.end() && !IsEntry(*next); ++next) below += *next + "\n";
+            Tell(*line, ways[line->front()](line->substr(2), below));
         }
     }
     // What has happened, or what the text behind it is.
@@ -77,7 +165,9 @@ public:
     void IsPart() { isPart_ = true; }
 
 private:
-    static bool IsEntry(const std::string& line) { return line.size() > 1 && line[1] == ' ' && std::strchr("#$<>", line[0]); }
+    bool IsEntry(const std::string& line) const {
+        return line.size() > 1 && line[1] == ' ' && (line[0] == '#' || ways.contains(line[0]));
+    }
     static std::string ByMember(const std::string& text) { return std::regex_replace(text, std::regex(R"(,(["{]))"), ",\n$1"); }
     // As it is on each system and in each folder.
     std::string Alike(std::string text) const {
