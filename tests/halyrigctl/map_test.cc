@@ -9,7 +9,6 @@
 #include "deckman/variable_file.h"
 #include "halyrigctl/ctl_fixture.h"
 #include "halyrigctl/failing_files.h"
-#include "halyrigctl/setup/channel_match.h"
 #include "mapping/mapping_file.h"
 #include "status/bridge_status.h"
 
@@ -18,10 +17,7 @@ namespace {
 
 constexpr const char* kPath = "ProgramData/Tidewright/instruments/halyrig.xml";
 constexpr const char* kBak = "ProgramData/Tidewright/instruments/halyrig.xml.bak";
-constexpr const char* kVariables =
-    "[variables]\n1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 TWD degT 0 0 1\n4 VARIATION deg 1 1 1\n5 TIMER s 0 0 1\n6 LAT deg 4 1 1\n"
-    "7 MKBRG degT 0 0 1\n8 MKTIME s 0 0 1\n9 LOG nm 2 0 1\n10 X;Y kn 0 0 1\n11 TARGTWA deg 0 0 1\n12 HEADING deg 0 0 1\n"
-    "14 COG degT 0 0 1\n15 AW deg 0 0 1\n16 LON deg 4 1 1\n";
+constexpr const char* kVariables = "[variables]\n1 BSP kn 2 0 1\n2 HDG degT 0 0 1\n3 TWD degT 0 0 1\n12 HEADING deg 0 0 1\n";
 constexpr const char* kMapped =
     "<?xml version=\"1.0\"?>\n<halyrig>\n  <!-- one -->\n  <var twr=\"13\" dfw=\"HDG\" />  <!-- two -->\n"
     "  <note>kept</note>\n  <var twr=\"9\" dfw=\"course\" x=\"1\"/>\n  <remote remote=\"1\" twr=\"117\"/>\n  <!-- three -->\n"
@@ -46,33 +42,6 @@ struct MapTest : TimedCtlTest {
     FailingFiles failing{test.system->Core().files};
 };
 
-TEST_F(MapTest, ProposesOnlyWhatIsSureAndWhatItProposesIsTaken) {
-    std::string said = Said("map suggest");
-    const std::string commands = said.substr(0, said.find("\n\n") + 1);
-    EXPECT_EQ(
-        "halyrigctl map add VARIATION 93\nhalyrigctl map add BSP 1\nhalyrigctl map add HDG 13\nhalyrigctl map add TWD 6\n"
-        "halyrigctl map add TARGTWA 237\n",
-        commands);
-    for (const std::string& line : LinesOf(commands)) ExpectIn(Said(line.substr(11)), {HALYRIG_PROGRAM " reads it when it starts"});
-    EXPECT_EQ(5u, Rows().varRows.size());
-    ExpectIn(Said("map suggest"), {"Every variable whose name leaves no doubt is mapped.\n"});
-    test.folder.Write(kPath, "<x><var twr='1' dfw='TWD' boat='1'/></x>");
-    ExpectIn(Said("map suggest"), {"halyrigctl map add BSP 1\n"});  // which that line feeds for another boat
-    test.folder.Write(kPath, "");
-    console.answer = "n";
-    ExpectIn(Said("map suggest --apply", 1),
-             {"  VARIATION feeds 93 MagVar\n", "Add these 5 to the mapping?", "nothing is changed; with --yes"});
-    ExpectIn(Said("map suggest --apply", 1), {"nothing is changed"});
-    EXPECT_TRUE(Rows().varRows.empty());
-    const std::pair<const char16_t*, ChannelId> names[] = {{u"SeaTemp", 15}, {u"Mast_Angle", 24}, {u"PolBsp%", 58}, {u"SET", 11},
-                                                           {u"COURSE", 9},   {u"COG", 50},        {u"PITCH", 19}};
-    for (const auto& [name, channel] : names) {
-        MappingVar variable;
-        variable.dfwName = name;
-        EXPECT_TRUE(SurelyMeans(variable, channel) && !SurelyMeans(variable, kBsp)) << ToUtf8(name);
-    }
-}
-
 TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
     using namespace std::string_literals;
     const std::pair<std::string, const char*> refused[] = {
@@ -87,20 +56,12 @@ TEST_F(MapTest, LeavesAFileAloneThatItCanNotChangeSafely) {
             ExpectIn(Said(command, 1), {"halyrig.xml can't be changed by command: ", why});
         EXPECT_EQ(text, File()) << why;
     }
-    test.folder.Write("dfw/Data/J_vars06.d",
-                      "[variables]\n2 HDG deg 0 0 1\n3 2 kn 0 0 1\n32767 NONE kn 0 0 1\n32768 LOST kn 0 0 1\n");
-    const std::string nested = "<r>\n<var twr='13' dfw='HDG'><note/></var></r>";
-    test.folder.Write(kPath, nested);
-    ExpectIn(Said("map remove HDG", 1), {"line 2 of ", "holds more than the mapping"});
-    ExpectIn(Said("map add LOST 5", 1), {"would not be read as intended"});  // 32767 stands for no number
-    EXPECT_EQ(nested, File());
     EXPECT_TRUE(LeftOver().empty());
     for (const std::string text : {"\xEF\xBB\xBF<r a='\u00E9'/>", "<?xml version='1.0' encoding='ISO-8859-1'?><r/>"}) {
         test.folder.Write(kPath, text);
         Said("map add HDG 13");
         EXPECT_EQ(text.substr(0, text.size() - 2) + ">\n  <var twr=\"13\" dfw=\"HDG\" />\n</r>", File());
     }
-    ExpectIn(Said("map add 2 5"), {"variable 2 feeds channel 5"});  // a name comes before a number
 }
 
 TEST_F(MapTest, ManyChangesLoseNothingElse) {

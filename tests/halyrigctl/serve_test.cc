@@ -162,17 +162,6 @@ TEST_F(ServeTest, FilesOfThePageAreTypedAndKnownAgain) {
     EXPECT_EQ("application/manifest+json", Get("/page/manifest.webmanifest").type);
 }
 
-TEST_F(ServeTest, WhatCheckFindsIsLookedForAnewEachSecond) {
-    const auto found = [&](int ms) {
-        clock.AdvanceMs(ms), Look();
-        return Told("/halyrig/v1/check").dump();
-    };
-    const std::string before = found(0);
-    test.folder.Write("ProgramData/Tidewright/config/channels.xml", "<chanels/>");
-    EXPECT_EQ(before, found(900));
-    EXPECT_NE(std::string::npos, found(200).find("begin it with <channels>"));
-}
-
 TEST_F(ServeTest, SaysWhereItIsFound) {
     const std::string here = LinesOf(Said("serve --listen 127.0.0.1:0")).at(0);
     EXPECT_TRUE(here.starts_with("halyrigctl: serves the page until Ctrl-C, at http://127.0.0.1:") && here.ends_with("/")) << here;

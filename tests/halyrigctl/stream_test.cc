@@ -43,14 +43,9 @@ TEST_F(StreamTest, LeavesARecordThatClosesWhileNobodyTakesTheOutput) {
     ExpectIn(Said("stream"), {"asked to close"});
 }
 
-TEST_F(StreamTest, SaysWhatItDoesNotUnderstandAndThatItsOutputIsLost) {
+TEST_F(StreamTest, SaysThatItsOutputIsLost) {
     StartSuite({{kBsp, 7.0}});
     console.goOn = [&] { return console.waited < 60000; };
-    ExpectSaid(2, {{"stream --channels BSP,speed", {"there is no channel speed;"}},
-                   {"stream --channels BSP,time", {"Time"}},
-                   {"stream --format xml", {"xml not in {json,signalk,nmea}"}},
-                   {"stream --rate 11", {"not in range 0.1"}},
-                   {"stream --boat 100", {"not in range 0 to 99"}}});
     console.closed = true;
     ExpectIn(Said("stream", 1), {"standard output can't be written"});
     EXPECT_EQ(0, console.waited);
@@ -122,7 +117,6 @@ TEST_F(StreamNetworkTest, GivesBothKindsOfListenersWhatIsAskedForAndNothingElse)
 }
 
 TEST_F(StreamNetworkTest, RefusesWhatItCanNotServe) {
-    ExpectSaid(2, {{"stream --listen 0.0.0.0:10110", {"not encrypted"}}, {"stream --udp 192.168.1.255:10110", {"--allow-remote"}}});
     ExpectSaid(1, {{"stream --listen 192.0.2.1:10110 --allow-remote", {"an address of this machine?"}}});
 }
 

@@ -39,19 +39,23 @@ struct SceneTest : TimedCtlTest {
     // One of `happenings`, a setting that is saved, or values that are published, some of them so many seconds ago.
     void Happens(const std::string& what) {
         std::smatch parts;
-        if (happenings.contains(what)) return happenings[what]();
-        if (std::regex_match(what, parts, std::regex("(.*) is removed"))) {
+        const auto is = [&](const char* form) { return std::regex_match(what, parts, std::regex(form)); };
+        const auto save = [&](const RegistryValue& to) { Core().registry.Write(kSavedSettingsKey, FromUtf8(parts.str(1)), to); };
+        if (happenings.contains(what)) {
+            happenings[what]();
+        } else if (is("(.*) is removed")) {
             std::filesystem::remove_all(test.folder.Path() / parts.str(1));
-            return;
+        } else if (is("saved: (.*)=(\\d+)")) {
+            save(DwordValue(static_cast<std::uint32_t>(std::stoul(parts.str(2)))));
+        } else if (is("saved: (.*)=~/(.*)")) {
+            save(StringValue(test.folder.File(parts.str(2))));
+        } else if (is("saved: (.*)=(.*)")) {
+            save(StringValue(FromUtf8(parts.str(2))));
+        } else if (is("(.*), ([\\d.]+) s ago")) {
+            Publish(parts.str(1), std::stod(parts.str(2)));
+        } else {
+            Publish(what, 0.0);
         }
-        if (!std::regex_match(what, parts, std::regex("saved: (.*)=(?:(\\d+)|(.*))"))) {
-            const bool old = std::regex_match(what, parts, std::regex("(.*), ([\\d.]+) s ago"));
-            return Publish(old ? parts.str(1) : what, old ? std::stod(parts.str(2)) : 0.0);
-        }
-        const std::string text = std::regex_replace(parts.str(3), std::regex("~"), ToUtf8(test.folder.Text()));
-        Core().registry.Write(
-            kSavedSettingsKey, FromUtf8(parts.str(1)),
-            parts[2].matched ? DwordValue(static_cast<std::uint32_t>(std::stoul(parts.str(2)))) : StringValue(FromUtf8(text)));
     }
     std::map<std::string, std::function<void()>> happenings{
         {"the suite starts", [this] { StartSuite(); }},
