@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What check looks at beside what its scenes tell, and the dry run by which it sees what the suite will make of a set-up.
-#include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <map>
 
-#include "base/byte_source.h"
-#include "base/wide_text.h"
-#include "config/bridge_settings.h"
-#include "config/saved_settings.h"
 #include "halyrigctl/ctl_fixture.h"
 #include "halyrigctl/setup/dry_run.h"
 #include "platform/files.h"
-#include "status/bridge_status.h"
 
 namespace twr::testing {
 namespace {

@@ -102,7 +102,7 @@ struct ExplainTest : BridgeTest {
         std::istringstream words(typed);
         console.written.clear();
         console.forgets = false;
-        status = RunCommandLine(machine, {std::istream_iterator<std::string>(words), {}});
+        RunCommandLine(machine, {std::istream_iterator<std::string>(words), {}});
         return console.written;
     }
     void Publish(ChannelId channel, double value, BoatSlot boat = 0, double secondsAgo = 0.0) {
@@ -121,7 +121,6 @@ struct ExplainTest : BridgeTest {
         "<remote remote='1' twr='1'/>";
     FakeConsole console;
     std::string folder, usual;         // Deckman's; what the registry holds at first, where it is a file
-    Status status = kDone;             // of the last command
     std::unique_ptr<SharedBlock> odd;  // in the record's place
     Transcript* keeps = nullptr;       // what each set-up makes the commands say besides
 };

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <random>
@@ -10,7 +9,6 @@
 #include "halyrigctl/ctl_fixture.h"
 #include "halyrigctl/failing_files.h"
 #include "mapping/mapping_file.h"
-#include "status/bridge_status.h"
 
 namespace twr::testing {
 namespace {

@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include <atomic>
 #include <chrono>
-#include <cmath>
 #include <filesystem>
 #include <future>
 #include <thread>
 
 #include "base/numbers.h"
-#include "ctl_fixture.h"
 #include "halyrigctl/recordings/day_files.h"
+#include "halyrigctl/transcript.h"
 #include "status/bridge_status.h"
 #include "streams/iso_time.h"
-#include "streams/json_lines.h"
 #include "streams/recording.h"
 #include "support/fakes.h"
 
@@ -24,18 +22,11 @@ struct UnseenName : Instance {
     void RaiseOther(std::u16string_view) override {}
 };
 
-// Time passes only while a command waits.
-struct RecordTest : TimedCtlTest {
+struct RecordTest : SceneTest {
     RecordTest() {
         test.folder.Write("ProgramData/any", "");
-        console.goOn = [this] { return Step(); };
-    }
-    bool Step() {
-        // A look comes a little late, and never as late as another, so that no age limit falls onto one.
-        clock.AdvanceMs(console.waited - seen + late);
-        clock.ticks += 70;
-        seen = console.waited;
-        return each();
+        late = kLate;
+        console.goOn = [this] { return Step(), each(); };
     }
     std::string File(const char* name) { return ToUtf8(test.folder.File(name)); }
     // Records for so long, while something else goes on.
@@ -68,20 +59,14 @@ struct RecordTest : TimedCtlTest {
 
     bool HasSaid(const char* part) const { return console.written.find(part) != std::string::npos; }
 
-    int seen = 0;  // milliseconds that were waited
-    int late = 0;  // milliseconds by which the program comes back from each wait
+    static constexpr std::int64_t kLate = 70;  // in ticks, so that no age limit falls onto a look
     std::function<bool()> each = [] { return false; };
 };
-
-std::string At(const std::string& time, int id, const std::string& value) {
-    return R"({"time":")" + std::string(time.size() > 8 ? "" : "2026-11-25T") + time + R"(Z","id":)" + std::to_string(id) +
-           R"(,"value":)" + value + "}\n";
-}
 
 // The bridge publishes ten times a second, whatever a look takes.
 TEST_F(RecordTest, LooksOnABeatThatSeesEachTickOfTheBridge) {
     StartSuite();
-    late = 30;
+    late += 300'000;  // 30 ms
     int ticks = 0;
     const double start = clock.Days();
     Record(File("beat") + " --channels BSP", 60, [&](int) {
@@ -89,7 +74,7 @@ TEST_F(RecordTest, LooksOnABeatThatSeesEachTickOfTheBridge) {
     });
     EXPECT_NEAR(600, ticks, 1);
     EXPECT_NEAR(ticks, static_cast<int>(Read("beat").size()), 1) << "the last may come after the last look";
-    late = 0;
+    late = kLate;
     each = [] { return true; };
     const int before = console.waited;
     Said("stream --seconds 3 --rate 3");
@@ -260,7 +245,7 @@ TEST_F(RecordTest, EndsThoughTheDiskHangs) {
 }
 
 TEST_F(RecordTest, ReplayKeepsOutOfTheBridgesWay) {
-    test.folder.Write("long.jsonl", At("01:00:00", 1, "6") + At("01:00:50", 1, "7"));
+    test.folder.Write("long.jsonl", Lines(46350, "BSP=6") + Lines(46350 + 50 / kSecondsPerDay, "BSP=7"));
     StartSuite();
     std::optional<RunningBridge> bridge(test);
     each = [] { return true; };

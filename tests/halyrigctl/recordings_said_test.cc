@@ -10,7 +10,6 @@
 #include "core/units.h"
 #include "halyrigctl/recordings/board_time.h"
 #include "halyrigctl/transcript.h"
-#include "streams/iso_time.h"
 #include "streams/json_lines.h"
 
 namespace twr::testing {
@@ -26,15 +25,9 @@ struct RecordingsSaidTest : SceneTest {
         test.folder.Write(
             "ProgramData/Tidewright/config/channels.xml",
             R"(<channels><channel id="172" user="Jib, &quot;J1&quot;" type="12"/><channel id="173" user="Jib, &quot;J1&quot;" type="3"/></channels>)");
-        for (const auto& [name, number] : std::map<std::u16string, std::uint32_t>{{u"Sys_i1", 2},
-                                                                                  {u"Sys_i2", 2},
-                                                                                  {u"Sys_i3", 3},
-                                                                                  {u"Sys_i4", 2},
-                                                                                  {u"Sys_i9", 3},
-                                                                                  {u"Sys_b33", 1},
-                                                                                  {u"Sys_b3", 0},
-                                                                                  {u"Sys_b4", 1}})
-            test.system->Core().registry.Write(u"Software\\Tidewright\\core", name, DwordValue(number));
+        for (const char* setting :
+             {"Sys_i1=2", "Sys_i2=2", "Sys_i3=3", "Sys_i4=2", "Sys_i9=3", "Sys_b33=1", "Sys_b3=0", "Sys_b4=1"})
+            Happens(std::string("saved: ") + setting);
         zone.state = ZoneState{-330, -60, true};
         zone.daylightUntil = static_cast<std::int64_t>(((kSunday - 25569) * 24 + 1) * 3600 * 1e7);
         console.goOn = [this] { return Step(); };

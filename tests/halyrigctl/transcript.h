@@ -30,6 +30,7 @@ struct SceneTest : TimedCtlTest {
         }
         return lines;
     }
+    using CtlTest::Publish;
     void Publish(const std::string& values, double secondsAgo) {
         for (const std::string& line : LinesOf(Lines(0.0, values))) {
             const Change change = ParseJsonLine(line).change.value();
@@ -70,12 +71,12 @@ struct SceneTest : TimedCtlTest {
         while (!acts.empty() && acts.begin()->first <= Passed()) Happens(acts.extract(acts.begin()).mapped());
         return Passed() < lasts;
     }
-    double Passed() const { return static_cast<double>(clock.ticks - begun) / 1e7; }
+    double Passed() const { return static_cast<double>(clock.ticks - typedAt) / 1e7; }
 
     static constexpr double kLong = 300;      // seconds
     std::multimap<double, std::string> acts;  // what happens at seconds of the next command, or of this one
-    double lasts = kLong;                     // at most
-    std::int64_t begun = 0;                   // ticks
+    double lasts = kLong;                     // it, at most
+    std::int64_t typedAt = 0;                 // ticks
     std::int64_t late = 0;                    // ticks by which looks come late
 
 private:
@@ -93,7 +94,7 @@ public:
             return "";
         };
         ways['$'] = [&](const std::string& command, const std::string&) {
-            test.begun = test.clock.ticks;
+            test.typedAt = test.clock.ticks;
             const std::string said = Answer(command);
             test.acts.clear(), test.lasts = SceneTest::kLong;
             return said;
