@@ -69,7 +69,6 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 
 if(HALYRIG_SANITIZE)
-    add_compile_definitions(HALYRIG_SANITIZED)
     add_compile_options(-fsanitize=${HALYRIG_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${HALYRIG_SANITIZE})
     # What the program puts before the system's pthread_create calls the next one, which is the sanitizer's if that is a library.
