@@ -89,6 +89,9 @@ TEST_F(LiveTest, EachWordOfTheServer) {
     std::optional<RunningBridge> bridge;
     happenings["the bridge starts"] = [&] { bridge.emplace(test), bridge->clock.ticks = clock.ticks, bridge->Ticked(); };
     happenings["the bridge calls Deckman's library"] = [&] { bridge->PassBegins(clock.Days()); };
+    std::unique_ptr<System> replay;
+    happenings["a replay begins"] = [&] { replay = SystemOf(test.Arguments()), replay->GetInstance().Claim(kReplayName); };
+    happenings["a replay ends"] = [&] { replay.reset(); };
     happenings["bearings are shown true, and speeds in knots"] = [&] { Record().SetFlag(3, false), Record().SetInt(2, 0); };
     happenings["the clock is set back"] = [&] { clock.AdvanceMs(-3'600'000); };
     said.Play("Two boats are sailing, and a server starts");

@@ -67,6 +67,8 @@ TEST_F(FilesTest, ANewFileBesideAnotherHasANameOfItsOwn) {
     std::filesystem::create_symlink(std::filesystem::path(path), std::filesystem::path(link), none);
     if (!none) {
         EXPECT_TRUE(files_.Target(link).ends_with(path)) << ToUtf8(files_.Target(link));
+        std::filesystem::create_symlink("link", test_.folder.Path() / "relative");
+        EXPECT_TRUE(files_.Target(test_.folder.File("relative")).ends_with(path)) << ToUtf8(files_.Target(link));
     }
     EXPECT_EQ(path, files_.Target(path));
     EXPECT_EQ(test_.folder.File("none"), files_.Target(test_.folder.File("none")));

@@ -242,6 +242,15 @@ TEST(StatusFiles, AreOfARunningProgramOfThisUser) {
         plant(path);
         ::testing::internal::CaptureStderr();
         EXPECT_EQ(nullptr, other->GetStatusBoard().See(u"Halyrig", 8));
+        {
+            fs::create_directory(folder.Path() / "elsewhere");
+            Roots second = roots, both = roots;
+            second.status = {{folder.File("elsewhere")}};
+            both.status.push_back(second.status[0]);
+            const auto elsewhere = MakeSystem(second);
+            const auto posted = elsewhere->GetStatusBoard().Post(u"Halyrig", 8);
+            EXPECT_NE(nullptr, MakeSystem(both)->GetStatusBoard().See(u"Halyrig", 8)) << "one that runs is behind it";
+        }
         auto posted = system->GetStatusBoard().Post(u"Halyrig", 8);
         EXPECT_EQ(posts, posted != nullptr);
         EXPECT_EQ(posts, other->GetStatusBoard().See(u"Halyrig", 8) != nullptr);
