@@ -16,6 +16,8 @@ const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.mi
 export const folder = mkdtempSync(join(tmpdir(), 'page-test-')), complaints = [];
 export const kPatience = 60000;  // milliseconds: the machine may be slow, the page may not
 export const kThemes = ['day', 'sun', 'night'];
+// What has its place in one theme has it in all: they differ in colours alone.
+export const sizesIn = (theme, sizes) => (theme === kThemes[0] ? sizes : sizes.slice(0, 1));
 export const shotPath = (name) => shots && join(shots, name);
 
 export async function launch() {

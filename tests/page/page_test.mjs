@@ -7,7 +7,7 @@
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
 
-import {close, complaints, expectToFit, kPatience, kThemes, launch, openAt, runAxe, shotPath} from './browser.mjs';
+import {close, complaints, expectToFit, kPatience, kThemes, launch, openAt, runAxe, shotPath, sizesIn} from './browser.mjs';
 import {bridge, endSuite, Program, server, startSuite, url} from './programs.mjs';
 
 const {PAGE_CTL, PAGE_LOG, PAGE_SHORT} = process.env;
@@ -207,7 +207,7 @@ for (const theme of PAGE_SHORT ? [] : kThemes) {
     // Through another document: a changed hash alone would not load the page.
     await page.goto('about:blank');
     await page.goto(`${url}/#view=tiles&page=1&tiles=L1,M4,M5,S2,S13,S51,S${missing}&strips=6,5`, {waitUntil: 'load'});
-    for (const [place, [width, height]] of kSizes.entries()) {
+    for (const [place, [width, height]] of sizesIn(theme, kSizes).entries()) {
       await page.setViewport({width, height});
       for (const view of kViews) {
         await showView(view);

@@ -10,7 +10,7 @@ import {join} from 'node:path';
 import {after, before, test} from 'node:test';
 import {pathToFileURL} from 'node:url';
 
-import {close, complaints, expectToFit, folder, kThemes, launch, openAt, runAxe, shotPath} from './browser.mjs';
+import {close, complaints, expectToFit, folder, kThemes, launch, openAt, runAxe, shotPath, sizesIn} from './browser.mjs';
 
 const kSizes = [[360, 640], [1024, 768], [2560, 1440], [3840, 2160]];
 const kStart = Date.parse('2026-11-25T10:00:00Z');
@@ -104,7 +104,7 @@ for (const theme of kThemes) {
   test(`axe finds nothing, and nothing is wider than the screen: ${theme}`, async () => {
     await page.evaluate((name) => localStorage.setItem('halyrig.theme', name), theme);
     await page.reload({waitUntil: 'load'});
-    for (const [width, height] of kSizes) {
+    for (const [width, height] of sizesIn(theme, kSizes)) {
       await page.setViewport({width, height});
       await expectToFit(page, `${theme} ${width}`);
       await page.waitForFunction(() => [...document.querySelectorAll('.strip')].every((strip) => strip.querySelector('canvas')?.clientWidth <= strip.clientWidth));
