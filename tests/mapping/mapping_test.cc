@@ -107,6 +107,23 @@ TEST_F(MappingTest, TellsWhatItPassesOverOfARemote) {
     }
 }
 
+TEST_F(MappingTest, SavesTheSameBytesOnEverySystem) {
+    const Mapping mapping = Load(R"(<x><var twr="13" dfw="HDG"/><var twr="13" dfw="12" boat="2"/>)"
+                                 R"(<remote twr="117" remote="1"/><remote twr="117" remote="3" damp="true" boat="2"/></x>)");
+    EXPECT_TRUE(SaveMapping(system->Core().files, xml, folder.Write("halyrig.xml", std::string(5000, 'x')), mapping));
+    EXPECT_EQ(
+        "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+        "<halyrig version=\"1.0\" creator=\"Tidewright - https://tidewright.example\">\r\n"
+        "  <!--See user_channels.h for Tidewright var ids-->\r\n"
+        "  <var twr=\"13\" dfw=\"12\" />\r\n"
+        "  <var twr=\"13\" dfw=\"12\" boat=\"2\" />\r\n"
+        "  <!--B&G remote ids are 1-n-->\r\n"
+        "  <remote remote=\"1\" twr=\"117\" damp=\"false\" />\r\n"
+        "  <remote remote=\"3\" twr=\"117\" damp=\"true\" boat=\"2\" />\r\n"
+        "</halyrig>",
+        folder.Read("halyrig.xml"));
+}
+
 // A disk that is full: what is begun can't be finished.
 struct FullDisk : NoXml {
     struct Writer : XmlWriter {
