@@ -100,6 +100,12 @@ TEST_F(LiveTest, EachWordOfTheServer) {
     const auto named = Site(*this, lookout, "Spirit").Answer({.method = "GET", .target = "/halyrig/v1/channels", .host = "a"});
     EXPECT_TRUE(named.body.starts_with(R"({"name":"Spirit",)")) << "in place of the boat's";
     said.Play("A page watches, and programs of Signal K listen");
+    Happens("HDG=33");
+    said.ways['+']("1000", "");
+    Happens("HDG=null");
+    for (int second = 0; second < 600; ++second) said.ways['+']("1000", "");
+    const std::string past = said.ways['$']("GET /halyrig/v1/history?channel=13", "");
+    EXPECT_NE(past.npos, past.find(R"("points":[])")) << "nothing is left of what is gone for ten minutes\n" << past;
 }
 
 }  // namespace

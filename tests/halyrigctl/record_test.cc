@@ -107,6 +107,23 @@ TEST_F(RecordTest, TheDayOnBoardEndsAFileAndTheNextBeginsWithWhatStands) {
     for (const auto& file : fake.files) EXPECT_EQ(1, CountOf(kMkLat, file.path));
 }
 
+TEST_F(RecordTest, AFileThatIsTakenAwayIsFollowedByOneThatCanBePlayedAlone) {
+    StartSuite({{kMkLat, 50.0}});
+    bool taken = false;
+    int followed = 0;  // looks
+    Record(File("race"), 1e6, [&](int look) {
+        Publish(kBsp, 1 + look % 20);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));  // as above
+        std::error_code refused;
+        if (look == 20) taken = std::filesystem::remove(test.folder.Path() / "race", refused);
+        followed += HasSaid("was removed, renamed or replaced");
+        if ((look >= 20 && !taken) || followed == 20 || look == 1'000'000) clock.AdvanceMs(2'000'000'000);
+    });
+    if (!taken) GTEST_SKIP() << "this system takes no file away from who writes it";
+    ASSERT_EQ(20, followed) << console.written;
+    EXPECT_EQ(1, CountOf(kMkLat, test.folder.File("race-2")));
+}
+
 // A file a day, of which the oldest are removed, and nothing else; not into the last of the disk's room.
 TEST_F(RecordTest, RecordsByItselfAndKeepsWhatIsWanted) {
     const std::string at = "ProgramData/Tidewright/recordings/";

@@ -101,6 +101,7 @@ TEST_F(RecordingsSaidTest, WhatIsRecorded) {
     Transcript told("recorded", *this);
     Stage(told);
     told.ways['<'] = [&](const std::string& file, const std::string&) { return Made(file); };
+    happenings["daylight time ends"] = [&] { zone.state->daylight = false; };
     told.Play("A recorder outlives two suites");
     EXPECT_EQ("\x1F\x8B", test.folder.Read("sea-2.jsonl").substr(0, 2));
     told.Play("What can't be recorded");

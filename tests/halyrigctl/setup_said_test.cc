@@ -105,9 +105,12 @@ TEST_F(SetUpSaidTest, NothingOfTheMappingCanBeUsed) {
     told.Play("It is another user's");
     failing.forbidden.clear();
     std::filesystem::remove(mapping);
-    bridge->MappingLoaded({1, 1, 1e6}, std::vector<MappedLine>{{1, 0, 1}});
+    const std::vector<MappedLine> lines{{1, 0, 1}};
+    bridge->MappingLoaded({1, 1, 1e6}, lines);
     bridge->Noted(0, 6.5f);
     told.Play("All is well but for a line that names no channel");
+    bridge->MappingLoaded({1, 1, 1e6}, lines);
+    told.Play("The same mapping has been loaded again");
     bridge->LibraryLoaded(settings.dfwFolder, {});
     bridge->MappingLoaded({1, 1, 1.0});
     told.Play("The bridge has not loaded the library, and has read older files");
