@@ -1,6 +1,7 @@
 # Windows by MinGW-w64; what is built runs under Wine here. HALYRIG_WINDOWS_BITS chooses the word size: 32, that of the product and
 # of Deckman's library, or 64, only for tests on a machine that runs no 32-bit programs. Those are compiled by clang, over the headers and
-# libraries of MinGW-w64's GCC, and not optimised: that takes less than half of GCC's time, and LLVM's linker bears the large objects.
+# libraries of MinGW-w64's GCC, and not optimised, which takes less than half of GCC's time, and are linked by LLVM's linker, which takes
+# both compilers' objects, and libraries in any order.
 set(HALYRIG_WINDOWS_BITS 32 CACHE STRING "Word size of the Windows programs, 32 or 64")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES HALYRIG_WINDOWS_BITS)
 set(CMAKE_SYSTEM_NAME Windows)
